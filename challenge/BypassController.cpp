@@ -1,0 +1,272 @@
+#include "challenge/BypassController.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <utility>
+
+#include "challenge/Shuffle.h"
+#include "core/DebugLog.h"
+#include "platform/Keyboard.h"
+#include "platform/Platform.h"
+
+namespace dormel {
+namespace {
+
+constexpr Seconds POLL_INTERVAL = 0.05;
+constexpr Seconds RESHUFFLE_NOTICE = 1.5;
+constexpr Seconds HEARTBEAT = 0.5;
+
+Seconds uptime() { return platform().clock.uptime(); }
+
+bool isHardwareDown(KeyCode keyCode) { return platform().hardwareKeys.isDown(keyCode); }
+
+bool debugEnabled() { return DebugLog::shared().enabled(); }
+
+void debugLine(const std::string& message) { DebugLog::shared().append(message); }
+
+template <typename Table>
+std::vector<KeyPool> modifierPool(const Table& table) {
+  std::vector<KeyPool> pool;
+  for (const ModifierRow& row : table) pool.push_back({row.label, row.keyCode, true});
+  return pool;
+}
+
+template <typename Table>
+void appendLetters(const Table& table, std::vector<KeyPool>& pool) {
+  for (const LetterRow& row : table) {
+    pool.push_back({labelForKeyCode(row.keyCode).value_or(row.fallbackLabel), row.keyCode, false});
+  }
+}
+
+RequiredKey required(const KeyPool& key) { return {key.label, key.keyCode, key.isModifier}; }
+
+void appendRandomLetters(const std::vector<KeyPool>& pool, int count, std::vector<RequiredKey>& keys) {
+  std::vector<KeyPool> letters;
+  std::copy_if(pool.begin(), pool.end(), std::back_inserter(letters), [](const KeyPool& k) { return !k.isModifier; });
+  letters = shuffled(std::move(letters));
+  const std::size_t taken = std::min(letters.size(), static_cast<std::size_t>(std::max(count, 0)));
+  for (std::size_t i = 0; i < taken; ++i) keys.push_back(required(letters[i]));
+}
+
+template <typename... Args>
+std::string formatted(const char* pattern, Args... args) {
+  std::array<char, 96> text{};
+  std::snprintf(text.data(), text.size(), pattern, args...);
+  return text.data();
+}
+
+}  // namespace
+
+bool KeyCodeSet::contains(KeyCode keyCode) const { return std::binary_search(codes_.begin(), codes_.end(), keyCode); }
+
+void KeyCodeSet::insert(KeyCode keyCode) {
+  const auto at = std::lower_bound(codes_.begin(), codes_.end(), keyCode);
+  if (at == codes_.end() || *at != keyCode) codes_.insert(at, keyCode);
+}
+
+void KeyCodeSet::erase(KeyCode keyCode) {
+  const auto at = std::lower_bound(codes_.begin(), codes_.end(), keyCode);
+  if (at != codes_.end() && *at == keyCode) codes_.erase(at);
+}
+
+std::shared_ptr<BypassController> BypassController::create() {
+  std::shared_ptr<BypassController> controller(new BypassController);
+  controller->resolveKeyboard();
+  controller->pickRandomKeys(false);
+  return controller;
+}
+
+BypassController::BypassController() = default;
+
+void BypassController::resolveKeyboard() {
+  leftKeys_ = modifierPool(LEFT_MODIFIERS);
+  appendLetters(LEFT_LETTERS, leftKeys_);
+  rightKeys_ = modifierPool(RIGHT_MODIFIERS);
+  appendLetters(RIGHT_LETTERS, rightKeys_);
+}
+
+void BypassController::pickRandomKeys(bool announce) {
+  const KeyPool left = shuffled(modifierPool(LEFT_MODIFIERS)).front();
+  const std::string leftType = modifierType(left.keyCode);
+  const std::vector<KeyPool> rights = shuffled(modifierPool(RIGHT_MODIFIERS));
+  const auto other = std::find_if(rights.begin(), rights.end(),
+                                  [&](const KeyPool& key) { return modifierType(key.keyCode) != leftType; });
+  const KeyPool right = other != rights.end() ? *other : shuffled(modifierPool(RIGHT_MODIFIERS)).front();
+
+  std::vector<RequiredKey> keys{required(left), required(right)};
+  const int remaining = BYPASS_KEY_COUNT - 2;
+  const int leftCount = (remaining + 1) / 2;
+  appendRandomLetters(leftKeys_, leftCount, keys);
+  appendRandomLetters(rightKeys_, remaining - leftCount, keys);
+  requiredKeys_ = std::move(keys);
+  reset();
+
+  if (debugEnabled()) {
+    std::string line = "⟳ keys:";
+    for (const RequiredKey& key : *requiredKeys_) line += " " + key.label;
+    debugLine(line);
+  }
+  if (!announce) return;
+  justReshuffled_ = true;
+  reshuffleTimer_ = Timer::once(RESHUFFLE_NOTICE, [weak = weak_from_this()] {
+    if (const auto self = weak.lock()) self->justReshuffled_ = false;
+  });
+}
+
+void BypassController::reset() {
+  allHeldSince_ = std::nullopt;
+  pressedKeys_ = KeyCodeSet{};
+  progressTimer_.invalidate();
+  debugWasAllHeld_ = false;
+}
+
+void BypassController::handleKeyDown(KeyCode keyCode) {
+  if (keyCode == keyCode::space) {
+    if (std::exchange(spaceHeld_, true)) return;
+    pickRandomKeys(true);
+    return;
+  }
+  if (!isRequired(keyCode) || pressedKeys_->contains(keyCode)) return;
+  press(keyCode);
+  if (debugEnabled()) debugLine("↓ " + label(keyCode));
+}
+
+void BypassController::handleKeyUp(KeyCode keyCode) {
+  if (keyCode == keyCode::space) {
+    spaceHeld_ = false;
+    return;
+  }
+  if (!isRequired(keyCode)) return;
+  release(keyCode);
+  if (debugEnabled()) debugLine("↑ " + label(keyCode));
+}
+
+void BypassController::handleFlagsChanged(KeyCode keyCode, EventFlags flags) {
+  if (!isRequired(keyCode)) return;
+  const bool down = isModifierPressed(keyCode, flags);
+  if (down) {
+    press(keyCode);
+  } else {
+    release(keyCode);
+  }
+  if (debugEnabled()) debugLine("⇧ " + label(keyCode) + (down ? " down" : " up"));
+}
+
+void BypassController::press(KeyCode keyCode) {
+  KeyCodeSet pressed = pressedKeys_;
+  pressed.insert(keyCode);
+  pressedKeys_ = std::move(pressed);
+  ensureProgressTimer();
+}
+
+void BypassController::release(KeyCode keyCode) {
+  if (!pressedKeys_->contains(keyCode)) return;
+  KeyCodeSet pressed = pressedKeys_;
+  pressed.erase(keyCode);
+  pressedKeys_ = std::move(pressed);
+}
+
+void BypassController::ensureProgressTimer() {
+  if (progressTimer_) return;
+  progressTimer_ = Timer::repeating(POLL_INTERVAL, [weak = weak_from_this()] {
+    if (const auto self = weak.lock()) self->updateProgress();
+  });
+}
+
+void BypassController::updateProgress() {
+  // Some key-up events never arrive (a shortcut of the desktop took them); the hardware knows better.
+  for (const RequiredKey& key : *requiredKeys_) {
+    if (key.isModifier || !pressedKeys_->contains(key.keyCode) || isHardwareDown(key.keyCode)) continue;
+    release(key.keyCode);
+    if (debugEnabled()) debugLine("⌫ " + key.label + " hardware-up (caught Cmd-suppressed keyUp)");
+  }
+
+  if (pressedKeys_->empty()) {
+    if (debugWasAllHeld_ && debugEnabled()) debugLine("⏹ all released — cleared");
+    allHeldSince_ = std::nullopt;
+    progressTimer_.invalidate();
+    debugWasAllHeld_ = false;
+    return;
+  }
+
+  const Seconds now = uptime();
+  if (!allKeysHeld()) {
+    if (debugEnabled()) {
+      if (debugWasAllHeld_) {
+        debugWasAllHeld_ = false;
+        debugLine("⏸ released — clock reset to zero  [" + heldSnapshot() + "]");
+      } else if (now - debugLastHeartbeat_ >= HEARTBEAT) {
+        debugLastHeartbeat_ = now;
+        debugLine("… waiting  [" + heldSnapshot() + "]");
+      }
+    }
+    allHeldSince_ = std::nullopt;  // no credit for the time already held
+    return;
+  }
+
+  if (!*allHeldSince_) allHeldSince_ = now;
+  const Seconds elapsed = now - **allHeldSince_;
+  if (debugEnabled()) {
+    if (!debugWasAllHeld_) {
+      debugWasAllHeld_ = true;
+      debugLastHeartbeat_ = 0;
+      debugLine("▶ all keys held — clock start  [" + heldSnapshot() + "]");
+    }
+    if (now - debugLastHeartbeat_ >= HEARTBEAT) {
+      debugLastHeartbeat_ = now;
+      debugLine(formatted("  holding %.1f/%.0fs  %.0f%%", elapsed, *holdDuration_,
+                          std::min(1.0, elapsed / holdDuration_) * 100));
+    }
+  }
+
+  if (elapsed < holdDuration_) return;
+  progressTimer_.invalidate();
+  if (debugEnabled()) debugLine(formatted("✔ HOLD COMPLETE (%.1fs)", elapsed));
+  platform().runLoop.async([weak = weak_from_this()] {
+    const auto self = weak.lock();
+    if (!self || !self->onBypassComplete_) return;
+    const std::function<void()> action = self->onBypassComplete_;  // it may replace itself
+    action();
+  });
+}
+
+bool BypassController::isRequired(KeyCode keyCode) const {
+  return std::any_of(requiredKeys_->begin(), requiredKeys_->end(),
+                     [keyCode](const RequiredKey& key) { return key.keyCode == keyCode; });
+}
+
+bool BypassController::allKeysHeld() const {
+  return std::all_of(requiredKeys_->begin(), requiredKeys_->end(),
+                     [this](const RequiredKey& key) { return pressedKeys_->contains(key.keyCode); });
+}
+
+double BypassController::liveProgress() const {
+  if (!*allHeldSince_) return 0;
+  return std::min(1.0, (uptime() - **allHeldSince_) / holdDuration_);
+}
+
+int BypassController::liveSecondsRemaining() const {
+  if (!*allHeldSince_) return static_cast<int>(holdDuration_);
+  return std::max(0, static_cast<int>(std::ceil(holdDuration_ - (uptime() - **allHeldSince_))));
+}
+
+std::string BypassController::label(KeyCode keyCode) const {
+  for (const RequiredKey& key : *requiredKeys_) {
+    if (key.keyCode == keyCode) return key.label;
+  }
+  return "kc" + std::to_string(keyCode);
+}
+
+std::string BypassController::heldSnapshot() const {
+  const auto mark = [](bool down) { return down ? "✓" : "·"; };
+  std::string text;
+  for (const RequiredKey& key : *requiredKeys_) {
+    if (!text.empty()) text += "  ";
+    text += key.label + ":" + mark(pressedKeys_->contains(key.keyCode));
+    if (!key.isModifier) text += std::string("/") + mark(isHardwareDown(key.keyCode));
+  }
+  return text;
+}
+
+}  // namespace dormel

@@ -1,0 +1,33 @@
+// The process-wide figures: set once, here, and never changed afterwards. Seconds unless noted.
+#pragma once
+
+#include <array>
+
+namespace dormel {
+
+#ifndef DORMEL_APP_ID_BASE
+#error "DORMEL_APP_ID_BASE comes from the build"
+#endif
+
+/// Prefix of every identifier that is ours: queue labels, the bundle identifier.
+inline constexpr const char* APP_ID_BASE = DORMEL_APP_ID_BASE;
+/// Names the scheduler job, the defaults domain and the record folder.
+inline constexpr const char* BUNDLE_IDENTIFIER = DORMEL_APP_ID_BASE ".mac";
+
+/// Hold times of the unlock challenge: the first unlock of a night, and every later one.
+inline constexpr std::array<double, 2> BYPASS_DURATIONS{30.0, 60.0};
+inline constexpr double GRACE_PERIOD_DURATION = 300.0;
+/// How many keys one challenge requires.
+inline constexpr int BYPASS_KEY_COUNT = 5;
+
+inline constexpr double OVERLAY_FADE_IN_DURATION = 2.5;
+inline constexpr double UNLOCK_CONFIRM_DURATION = 1.5;
+inline constexpr double OVERLAY_UI_FADE_OUT_DURATION = 1.0;
+inline constexpr double OVERLAY_FADE_OUT_DURATION = 1.2;
+
+inline constexpr double TEST_HOLD_DURATION = 5.0;
+inline constexpr double TEST_REBLOCK_HOLD_DURATION = 12.0;
+inline constexpr double TEST_GRACE_DURATION = 10.0;
+inline constexpr double DEMO_BACKSTOP_DURATION = 30.0;
+
+}  // namespace dormel

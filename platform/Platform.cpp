@@ -1,0 +1,66 @@
+#include "platform/Platform.h"
+
+#include <cassert>
+#include <cstdlib>
+#include <utility>
+
+#include "platform/Defaults.h"
+#include "platform/RunLoop.h"
+
+namespace dormel {
+namespace {
+
+Platform* inForce = nullptr;
+
+}  // namespace
+
+Platform& platform() {
+  assert(inForce != nullptr);
+  if (inForce == nullptr) std::abort();
+  return *inForce;
+}
+
+PlatformScope::PlatformScope(Platform& services) : previous_(std::exchange(inForce, &services)) {}
+
+PlatformScope::~PlatformScope() { inForce = previous_; }
+
+Timer::Timer(Timer&& other) noexcept : loop_(other.loop_), id_(std::exchange(other.id_, TimerId::none)) {}
+
+Timer& Timer::operator=(Timer&& other) noexcept {
+  if (this != &other) {
+    invalidate();
+    loop_ = other.loop_;
+    id_ = std::exchange(other.id_, TimerId::none);
+  }
+  return *this;
+}
+
+Timer Timer::repeating(Seconds interval, Task tick) {
+  RunLoop& loop = platform().runLoop;
+  return {loop, loop.schedule(interval, true, std::move(tick))};
+}
+
+Timer Timer::once(Seconds delay, Task tick) {
+  RunLoop& loop = platform().runLoop;
+  return {loop, loop.schedule(delay, false, std::move(tick))};
+}
+
+void Timer::invalidate() {
+  if (id_ != TimerId::none) loop_->cancel(std::exchange(id_, TimerId::none));
+}
+
+std::optional<std::int64_t> DefaultsStore::integer(std::string_view key) const {
+  const auto value = object(key);
+  if (!value) return {};
+  const auto* number = value->as<std::int64_t>();
+  return number == nullptr ? std::nullopt : std::optional(*number);
+}
+
+std::optional<bool> DefaultsStore::boolean(std::string_view key) const {
+  const auto value = object(key);
+  if (!value) return {};
+  const auto* flag = value->as<bool>();
+  return flag == nullptr ? std::nullopt : std::optional(*flag);
+}
+
+}  // namespace dormel

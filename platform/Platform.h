@@ -1,0 +1,69 @@
+// The door to the operating system: one reference to each service, and the one set that is in force.
+//
+// Logic reaches every service through `platform()`. The program installs the real desktop's set at start-up; a
+// test installs a simulated machine's for a scope. Installing is main-thread work and happens before other
+// threads exist; `platform()` itself may be called from any thread.
+#pragma once
+
+namespace dormel {
+
+class Accessibility;
+class Application;
+class Bundle;
+class Calendar;
+class ChildProcesses;
+class Clock;
+class DefaultsStore;
+class EventTaps;
+class Files;
+class HardwareKeys;
+class InputIdle;
+class KeyboardLayout;
+class Notices;
+class Process;
+class Queues;
+class RunLoop;
+class Screens;
+class SecureRandom;
+class StandardOutput;
+class WindowServer;
+
+struct Platform {
+  Clock& clock;
+  Calendar& calendar;
+  RunLoop& runLoop;
+  Queues& queues;
+  DefaultsStore& defaults;
+  Files& files;
+  Process& process;
+  ChildProcesses& childProcesses;
+  StandardOutput& output;
+  SecureRandom& random;
+  Accessibility& accessibility;
+  EventTaps& eventTaps;
+  HardwareKeys& hardwareKeys;
+  InputIdle& inputIdle;
+  KeyboardLayout& keyboardLayout;
+  Screens& screens;
+  WindowServer& windows;
+  Application& application;
+  Notices& notices;
+  Bundle& bundle;
+};
+
+/// The set in force. Calling it with none installed is a programming error and ends the program.
+[[nodiscard]] Platform& platform();
+
+/// Puts `services` in force while it lives, then what was in force before.
+class PlatformScope {
+ public:
+  explicit PlatformScope(Platform& services);
+  PlatformScope(const PlatformScope&) = delete;
+  PlatformScope& operator=(const PlatformScope&) = delete;
+  ~PlatformScope();
+
+ private:
+  Platform* previous_;
+};
+
+}  // namespace dormel

@@ -1,0 +1,51 @@
+// This process, its children and its standard streams.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/RunLoop.h"
+
+namespace dormel {
+
+class Process {
+ public:
+  virtual ~Process() = default;
+
+  /// Ends the process with `status`, after the serial queues have run dry (two seconds at most). Any thread:
+  /// a stuck main thread does not stop it.
+  [[noreturn]] virtual void exit(int status) = 0;
+
+  /// The user's numeric id.
+  [[nodiscard]] virtual unsigned userId() const = 0;
+
+  /// From now on a termination signal no longer kills the process; instead `handler` runs on the main thread,
+  /// between other main-thread work.
+  virtual void onTerminationSignal(Task handler) = 0;
+
+  /// Claims the one seat that scheduled runs of this user's login session have. True when this process has it
+  /// now, and until it ends; false when another process has it.
+  virtual bool claimSession() = 0;
+};
+
+class ChildProcesses {
+ public:
+  virtual ~ChildProcesses() = default;
+
+  /// Runs `tool` with `arguments` to its end, its output dropped, and returns its exit status (128 + n after
+  /// signal n); -1 when it could not be started. Blocks the caller. "/bin/launchctl" names the scheduler tool,
+  /// wherever this platform keeps it.
+  virtual std::int32_t run(const std::string& tool, const std::vector<std::string>& arguments) = 0;
+};
+
+/// The operator's log. Each call writes one whole line at once. Any thread. A closed stream loses the line only.
+class StandardOutput {
+ public:
+  virtual ~StandardOutput() = default;
+  virtual void print(std::string_view line) = 0;
+  virtual void printError(std::string_view line) = 0;
+};
+
+}  // namespace dormel

@@ -1,0 +1,65 @@
+// Between drawing and showing: a view drawn into pixels by one part of this family (qt/) and put on screen by
+// another (x11/, and whatever display system comes next). Neither knows the other.
+// Main thread only. Pixels are 32-bit premultiplied ARGB in the machine's byte order, rows from the top.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+
+#include "platform/Geometry.h"
+#include "platform/View.h"
+
+namespace dormel {
+
+struct PixelRect {
+  int x = 0;
+  int y = 0;
+  int width = 0;
+  int height = 0;
+  [[nodiscard]] bool empty() const { return width <= 0 || height <= 0; }
+  friend bool operator==(const PixelRect&, const PixelRect&) = default;
+};
+
+struct Pixels {
+  const std::uint32_t* data = nullptr;
+  int width = 0;
+  int height = 0;
+  std::ptrdiff_t stride = 0;  ///< pixels from one row to the next
+};
+
+enum class PointerAction { press, move, release, leave };
+
+/// One view being drawn. It draws only when something changed, at most once per display frame.
+class Canvas {
+ public:
+  virtual ~Canvas() = default;
+
+  /// The size in points at which the content is as it wants to be.
+  [[nodiscard]] virtual Size fittingSize() const = 0;
+
+  /// Draws at `size` points with `scale` pixels to the point from now on; pixel sizes are rounded up.
+  virtual void resize(const Size& size, double scale) = 0;
+
+  /// Called with the whole picture and the part of it that changed since the last call. The pixels are valid
+  /// during the call only. The first call after `resize` covers everything.
+  virtual void setOnFrame(std::function<void(const Pixels& pixels, const PixelRect& changed)> onFrame) = 0;
+
+  /// The view is on screen from now on (true: its entry animation starts) or is not (false: nothing is drawn).
+  virtual void setShowing(bool showing) = 0;
+
+  /// A pointer event with the main button, in points from the top left. True when something in the picture takes
+  /// it (a button); false leaves it to the window (dragging by the background).
+  virtual bool pointer(PointerAction action, double x, double y) = 0;
+};
+
+class CanvasFactory {
+ public:
+  virtual ~CanvasFactory() = default;
+  /// A canvas that shares ownership of `view`. Never null: a view that cannot be drawn is reported once on
+  /// standard error and yields an empty picture.
+  [[nodiscard]] virtual std::unique_ptr<Canvas> make(std::shared_ptr<View> view) = 0;
+};
+
+}  // namespace dormel
