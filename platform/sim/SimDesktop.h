@@ -1,0 +1,72 @@
+// The rest of a simulated desktop: the permission, the application as the desktop sees it, the bundle.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <string>
+
+#include "platform/Accessibility.h"
+#include "platform/Process.h"
+#include "platform/Windows.h"
+#include "platform/sim/SimJournal.h"
+
+namespace dormel {
+
+class SimAccessibility : public Accessibility {
+ public:
+  [[nodiscard]] bool isProcessTrusted() const override { return trusted_; }
+  void setTrusted(bool trusted) { trusted_ = trusted; }
+
+ private:
+  bool trusted_ = true;
+};
+
+class SimApplication : public Application {
+ public:
+  SimApplication(SimJournal& journal, Process& process) : journal_(journal), process_(process) {}
+
+  void setActivationPolicy(ActivationPolicy policy) override {
+    journal_.note("activation policy ", policy == ActivationPolicy::regular ? "regular" : "accessory");
+  }
+  void activateIgnoringOthers() override { journal_.note("application activated"); }
+  void setPresentationOptions(std::uint32_t options) override {
+    journal_.note("presentation ", options);
+    options_ = options;
+  }
+  [[nodiscard]] std::uint32_t presentationOptions() const override { return options_; }
+  void terminate() override {
+    if (delegate_ != nullptr && !delegate_->shouldTerminate()) return;
+    if (delegate_ != nullptr) delegate_->willTerminate();
+    process_.exit(0);
+  }
+
+  /// Not owned; null for none.
+  void setDelegate(ApplicationDelegate* delegate) { delegate_ = delegate; }
+  /// The options stand until somebody takes them back: a desktop does not know that their owner died.
+  void processEnded() { delegate_ = nullptr; }
+
+ private:
+  SimJournal& journal_;
+  Process& process_;
+  ApplicationDelegate* delegate_ = nullptr;
+  std::uint32_t options_ = 0;
+};
+
+class SimBundle : public Bundle {
+ public:
+  [[nodiscard]] std::string path() const override { return path_; }
+  [[nodiscard]] std::optional<std::string> executablePath() const override { return path_ + "/Contents/Linux/Dormel"; }
+  [[nodiscard]] std::optional<std::string> info(const std::string& key) const override {
+    const auto found = info_.find(key);
+    return found == info_.end() ? std::nullopt : std::optional(found->second);
+  }
+
+  void setPath(std::string path) { path_ = std::move(path); }
+  void setInfo(const std::string& key, std::string value) { info_[key] = std::move(value); }
+
+ private:
+  std::string path_ = "/Applications/Dormel.app";
+  std::map<std::string, std::string> info_{{"CFBundleShortVersionString", "1.0"}, {"CFBundleVersion", "1"}};
+};
+
+}  // namespace dormel

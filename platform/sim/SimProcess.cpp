@@ -1,0 +1,53 @@
+#include "platform/sim/SimProcess.h"
+
+#include <utility>
+
+namespace dormel {
+namespace {
+
+constexpr int KILLED_BY_SIGNAL = 128;
+constexpr int SIGNAL_KILL = 9;
+constexpr int SIGNAL_TERM = 15;
+
+}  // namespace
+
+void SimProcess::terminate() {
+  if (!timeline_.processRuns()) return;
+  journal_.note("termination signal");
+  if (terminationHandler_) {
+    timeline_.addMain(0, 0, terminationHandler_);
+  } else {
+    timeline_.killProcess(KILLED_BY_SIGNAL + SIGNAL_TERM);
+  }
+}
+
+void SimProcess::kill() {
+  if (!timeline_.processRuns()) return;
+  journal_.note("kill signal");
+  timeline_.killProcess(KILLED_BY_SIGNAL + SIGNAL_KILL);
+}
+
+void SimOutput::put(const char* stream, std::string_view line, std::vector<std::string>& to) {
+  journal_.note(stream, line);
+  to.emplace_back(line);
+  if (!path_.empty()) files_.put(path_, files_.content(path_).append(line).append("\n"));
+}
+
+std::int32_t SimChildProcesses::run(const std::string& tool, const std::vector<std::string>& arguments) {
+  std::string line = tool;
+  for (const std::string& argument : arguments) line += " " + argument;
+  const auto found = tools_.find(tool);
+  const std::int32_t status = found == tools_.end() ? -1 : found->second(arguments);
+  journal_.note("run ", line, " = ", status);
+  return status;
+}
+
+void SimChildProcesses::install(const std::string& tool, Tool behaviour) {
+  if (behaviour) {
+    tools_[tool] = std::move(behaviour);
+  } else {
+    tools_.erase(tool);
+  }
+}
+
+}  // namespace dormel

@@ -1,0 +1,80 @@
+// The process under test, its standard streams and its children, as the simulated machine has them.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "platform/Process.h"
+#include "platform/sim/SimFiles.h"
+#include "platform/sim/SimJournal.h"
+#include "platform/sim/SimTimeline.h"
+
+namespace dormel {
+
+class SimProcess : public Process {
+ public:
+  SimProcess(SimTimeline& timeline, SimJournal& journal) : timeline_(timeline), journal_(journal) {}
+
+  /// Unwinds to the machine, which lets the serial queues run dry and then runs nothing of this process any more.
+  [[noreturn]] void exit(int status) override { timeline_.exit(status); }
+  [[nodiscard]] unsigned userId() const override { return 1000; }
+  void onTerminationSignal(Task handler) override { terminationHandler_ = std::move(handler); }
+  bool claimSession() override { return !seatTaken_; }
+
+  // The world's side.
+  /// The termination signal: the handler's turn comes on the main thread; without one the process dies of it.
+  void terminate();
+  /// The signal that no process survives.
+  void kill();
+  /// Another process has the seat of the scheduled run.
+  void setSeatTaken(bool taken) { seatTaken_ = taken; }
+  void processEnded() { terminationHandler_ = nullptr; }
+
+ private:
+  SimTimeline& timeline_;
+  SimJournal& journal_;
+  Task terminationHandler_;
+  bool seatTaken_ = false;
+};
+
+class SimOutput : public StandardOutput {
+ public:
+  SimOutput(SimJournal& journal, SimFiles& files) : journal_(journal), files_(files) {}
+
+  void print(std::string_view line) override { put("out: ", line, lines_); }
+  void printError(std::string_view line) override { put("err: ", line, errors_); }
+
+  [[nodiscard]] const std::vector<std::string>& lines() const { return lines_; }
+  [[nodiscard]] const std::vector<std::string>& errors() const { return errors_; }
+  /// Both streams go to the end of this file too, as a scheduler arranges it; empty for none.
+  void redirect(std::string path) { path_ = std::move(path); }
+
+ private:
+  void put(const char* stream, std::string_view line, std::vector<std::string>& to);
+
+  SimJournal& journal_;
+  SimFiles& files_;
+  std::string path_;
+  std::vector<std::string> lines_;
+  std::vector<std::string> errors_;
+};
+
+class SimChildProcesses : public ChildProcesses {
+ public:
+  /// What a tool does: its exit status from its arguments.
+  using Tool = std::function<std::int32_t(const std::vector<std::string>& arguments)>;
+
+  explicit SimChildProcesses(SimJournal& journal) : journal_(journal) {}
+
+  std::int32_t run(const std::string& tool, const std::vector<std::string>& arguments) override;
+
+  /// Puts a tool on the machine; none takes it away, and it can no longer be started.
+  void install(const std::string& tool, Tool behaviour);
+
+ private:
+  SimJournal& journal_;
+  std::map<std::string, Tool> tools_;
+};
+
+}  // namespace dormel

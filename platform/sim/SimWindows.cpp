@@ -1,0 +1,239 @@
+#include "platform/sim/SimWindows.h"
+
+#include <algorithm>
+#include <iomanip>
+#include <utility>
+
+namespace dormel {
+namespace {
+
+using KeyMonitors = std::vector<std::shared_ptr<std::function<bool(const KeyEvent&)>>>;
+
+double eased(TimingCurve curve, double t) {
+  switch (curve) {
+    case TimingCurve::linear:
+      return t;
+    case TimingCurve::easeIn:
+      return t * t;
+    case TimingCurve::easeOut:
+      return 1 - (1 - t) * (1 - t);
+    case TimingCurve::easeInOut:
+      return t < 0.5 ? 2 * t * t : 1 - 2 * (1 - t) * (1 - t);
+  }
+  return t;
+}
+
+const char* nameOf(TimingCurve curve) {
+  switch (curve) {
+    case TimingCurve::linear:
+      return "linear";
+    case TimingCurve::easeIn:
+      return "ease-in";
+    case TimingCurve::easeOut:
+      return "ease-out";
+    case TimingCurve::easeInOut:
+      return "ease-in-out";
+  }
+  return "";
+}
+
+std::string shown(const Rect& rect) {
+  std::ostringstream text;
+  text << rect.x << ',' << rect.y << ' ' << rect.width << 'x' << rect.height;
+  return text.str();
+}
+
+bool holds(const Rect& outer, const Rect& inner) {
+  return outer.x <= inner.x && outer.y <= inner.y && outer.right() >= inner.right() && outer.top() >= inner.top();
+}
+
+}  // namespace
+
+SimWindow::~SimWindow() { server_.hide(*this); }
+
+void SimWindow::setFrame(const Rect& frame) {
+  if (frame == frame_) return;
+  frame_ = frame;
+  server_.journal_.note("window ", number_, " frame ", shown(frame));
+  server_.checkCover();
+}
+
+Size SimWindow::contentFittingSize() const {
+  return content_ && server_.fittingSize_ ? server_.fittingSize_(*content_) : Size{};
+}
+
+double SimWindow::alpha() const {
+  if (alphaDuration_ <= 0) return alpha_;
+  const double t = std::min(1.0, (server_.timeline_.uptime() - alphaSince_) / alphaDuration_);
+  return alphaFrom_ + (alpha_ - alphaFrom_) * eased(curve_, t);
+}
+
+void SimWindow::setAlpha(double alpha) {
+  if (this->alpha() != alpha) server_.journal_.note("window ", number_, " alpha ", alpha);
+  alpha_ = alpha;
+  alphaDuration_ = 0;
+  server_.checkCover();
+}
+
+void SimWindow::animate(double to, Seconds duration, TimingCurve curve) {
+  alphaFrom_ = alpha();
+  alpha_ = to;
+  alphaSince_ = server_.timeline_.uptime();
+  alphaDuration_ = duration;
+  curve_ = curve;
+}
+
+void SimWindow::makeKeyAndOrderFront() {
+  orderFrontRegardless();
+  server_.makeKey(*this);
+}
+
+void SimWindow::orderFrontRegardless() { server_.show(*this); }
+
+void SimWindow::orderOut() { server_.hide(*this); }
+
+std::shared_ptr<Window> SimWindowServer::makeWindow(const WindowStyle& style, const Rect& contentRect) {
+  auto window = std::make_shared<SimWindow>(*this, ++lastNumber_, style, contentRect);
+  std::erase_if(windows_, [](const auto& weak) { return weak.expired(); });
+  windows_.push_back(window);
+  journal_.note("window ", window->number_, " made, ",
+                style.level == WindowLevel::screenSaver ? "above everything, " : "floating, ", shown(contentRect));
+  return window;
+}
+
+void SimWindowServer::animateAlpha(const std::vector<std::shared_ptr<Window>>& windows, double alpha, Seconds duration,
+                                   TimingCurve curve, Task completion) {
+  for (const auto& window : windows) {
+    auto& animated = static_cast<SimWindow&>(*window);
+    animated.animate(alpha, duration, curve);
+    journal_.note("window ", animated.number_, " fades to ", alpha, " in ", duration, " s ", nameOf(curve));
+  }
+  timeline_.addMain(duration, 0, [this, done = std::move(completion)] {
+    checkCover();
+    if (done) done();
+  });
+}
+
+std::unique_ptr<Registration> SimWindowServer::addLocalKeyDownMonitor(std::function<bool(const KeyEvent&)> monitor) {
+  class Monitor : public Registration {
+   public:
+    Monitor(std::weak_ptr<KeyMonitors> monitors, std::shared_ptr<std::function<bool(const KeyEvent&)>> mine)
+        : monitors_(std::move(monitors)), mine_(std::move(mine)) {}
+    Monitor(const Monitor&) = delete;
+    Monitor& operator=(const Monitor&) = delete;
+    ~Monitor() override {
+      if (const auto monitors = monitors_.lock()) std::erase(*monitors, mine_);
+    }
+
+   private:
+    std::weak_ptr<KeyMonitors> monitors_;
+    std::shared_ptr<std::function<bool(const KeyEvent&)>> mine_;
+  };
+  monitors_->push_back(std::make_shared<std::function<bool(const KeyEvent&)>>(std::move(monitor)));
+  return std::make_unique<Monitor>(monitors_, monitors_->back());
+}
+
+std::vector<SimWindow*> SimWindowServer::visible() const {
+  std::vector<SimWindow*> stacked = order_;
+  std::stable_partition(stacked.begin(), stacked.end(),
+                        [](const SimWindow* window) { return window->style_.level == WindowLevel::floating; });
+  return stacked;
+}
+
+double SimWindowServer::cover(const Rect& frame) const {
+  double through = 1;
+  for (const SimWindow* window : order_) {
+    const WindowStyle& style = window->style_;
+    const bool blocks = style.level == WindowLevel::screenSaver && style.background == WindowBackground::black &&
+                        style.isOpaque && holds(window->frame_, frame);
+    if (blocks) through *= 1 - window->alpha();
+  }
+  return 1 - through;
+}
+
+double SimWindowServer::cover() const {
+  double least = 1;
+  for (const Screen& screen : screens_.all()) least = std::min(least, cover(screen.frame));
+  return least;
+}
+
+void SimWindowServer::watchCover() {
+  watching_ = true;
+  watched_.clear();
+  for (const Screen& screen : screens_.all()) watched_.push_back(screen.frame);
+  leastCover_ = 1;
+  checkCover();
+}
+
+void SimWindowServer::stealFocus() {
+  if (keyWindow_ != nullptr) journal_.note("window ", keyWindow_->number_, " lost the focus");
+  keyWindow_ = nullptr;
+}
+
+bool SimWindowServer::deliverKey(const KeyEvent& event) {
+  SimWindow* const window = keyWindow_;
+  if (window == nullptr) return false;
+  if (event.type == EventType::keyDown) {
+    const KeyMonitors now = *monitors_;
+    for (const auto& monitor : now) {
+      if ((*monitor)(event)) return true;
+    }
+  }
+  if (const auto handler = window->keyHandler_) handler(event);
+  return true;
+}
+
+void SimWindowServer::processEnded() {
+  if (!order_.empty()) journal_.note("windows gone with the process");
+  for (SimWindow* window : order_) window->visible_ = false;
+  order_.clear();
+  keyWindow_ = nullptr;
+  monitors_->clear();
+  checkCover();
+}
+
+void SimWindowServer::show(SimWindow& window) {
+  if (!timeline_.processRuns()) return;
+  if (window.visible_) {
+    if (order_.back() == &window) return;
+    std::erase(order_, &window);
+    order_.push_back(&window);
+    journal_.note("window ", window.number_, " front");
+    return;
+  }
+  window.visible_ = true;
+  order_.push_back(&window);
+  journal_.note("window ", window.number_, " in");
+  checkCover();
+  if (!window.content_ || std::exchange(window.shownBefore_, true) || !firstShown_) return;
+  timeline_.addMain(0, 0, [this, weak = std::weak_ptr<View>(window.content_)] {
+    const auto view = weak.lock();
+    if (view && firstShown_) firstShown_(*view);
+  });
+}
+
+void SimWindowServer::hide(SimWindow& window) {
+  if (!window.visible_) return;
+  window.visible_ = false;
+  std::erase(order_, &window);
+  journal_.note("window ", window.number_, " out");
+  if (keyWindow_ == &window) {
+    // The focus goes to the next window of ours that can have it, else to another application.
+    const auto next =
+        std::find_if(order_.rbegin(), order_.rend(), [](const SimWindow* w) { return w->style_.canBecomeKey; });
+    keyWindow_ = next == order_.rend() ? nullptr : *next;
+  }
+  checkCover();
+}
+
+void SimWindowServer::makeKey(SimWindow& window) {
+  if (!window.visible_ || !window.style_.canBecomeKey || keyWindow_ == &window) return;
+  keyWindow_ = &window;
+}
+
+void SimWindowServer::checkCover() {
+  if (!watching_) return;
+  for (const Rect& screen : watched_) leastCover_ = std::min(leastCover_, cover(screen));
+}
+
+}  // namespace dormel
