@@ -1,0 +1,48 @@
+#include "platform/linux/posix/PosixBundle.h"
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string_view>
+#include <system_error>
+
+namespace dormel::posix {
+
+PosixBundle::PosixBundle() {
+  namespace fs = std::filesystem;
+  std::error_code error;
+  executable_ = fs::read_symlink("/proc/self/exe", error).string();
+  // The kernel marks a program whose file was replaced while it runs; its place is still the one we mean.
+  constexpr std::string_view REPLACED = " (deleted)";
+  if (executable_.ends_with(REPLACED)) executable_.resize(executable_.size() - REPLACED.size());
+  const fs::path executable = executable_;
+  const fs::path contents = executable.parent_path().parent_path();
+  isBundle_ = contents.filename() == "Contents" && contents.parent_path().extension() == ".app";
+  path_ = (isBundle_ ? contents.parent_path() : executable.parent_path()).string();
+  if (!isBundle_) return;
+  std::ifstream file(contents / "Info.plist", std::ios::binary);
+  const std::string xml{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  if (const auto root = readXmlPropertyList(xml)) {
+    if (const auto* entries = root->as<PropertyListDictionary>()) info_ = *entries;
+  }
+}
+
+std::optional<std::string> PosixBundle::executablePath() const {
+  if (!isBundle_) return {};
+  return executable_;
+}
+
+std::optional<std::string> PosixBundle::info(const std::string& key) const {
+  const auto entry = info_.find(key);
+  if (entry == info_.end()) return {};
+  const auto* text = entry->second.as<std::string>();
+  return text == nullptr ? std::nullopt : std::optional(*text);
+}
+
+std::string PosixBundle::helper(const std::string& name) const {
+  return path_ + (isBundle_ ? "/Contents/Helpers/" : "/") + name;
+}
+
+std::string PosixBundle::resources() const { return path_ + (isBundle_ ? "/Contents/Resources" : ""); }
+
+}  // namespace dormel::posix

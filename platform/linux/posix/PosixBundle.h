@@ -1,0 +1,32 @@
+// The bundle this process runs from: ".../Dormel.app/Contents/{Info.plist,Linux/Dormel,Helpers/,Resources/}".
+#pragma once
+
+#include <string>
+
+#include "platform/PropertyList.h"
+#include "platform/Windows.h"
+
+namespace dormel::posix {
+
+class PosixBundle final : public Bundle {
+ public:
+  /// Finds the bundle by the running executable; reads its Info.plist.
+  PosixBundle();
+
+  [[nodiscard]] std::string path() const override { return path_; }
+  [[nodiscard]] std::optional<std::string> executablePath() const override;
+  [[nodiscard]] std::optional<std::string> info(const std::string& key) const override;
+
+  /// ".../Contents/Helpers/<name>", beside the executable when it runs outside a bundle.
+  [[nodiscard]] std::string helper(const std::string& name) const;
+  /// ".../Contents/Resources".
+  [[nodiscard]] std::string resources() const;
+
+ private:
+  std::string executable_;
+  std::string path_;
+  bool isBundle_ = false;
+  PropertyListDictionary info_;
+};
+
+}  // namespace dormel::posix

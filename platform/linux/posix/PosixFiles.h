@@ -1,0 +1,28 @@
+// The file system through POSIX calls. Any thread.
+#pragma once
+
+#include "platform/Files.h"
+
+namespace dormel::posix {
+
+class PosixFiles final : public Files {
+ public:
+  PosixFiles();
+
+  [[nodiscard]] std::string homeDirectory() const override { return home_; }
+  [[nodiscard]] bool exists(const std::string& path) const override;
+  FileResult createDirectories(const std::string& path, unsigned mode) override;
+  FileResult setMode(const std::string& path, unsigned mode) override;
+  [[nodiscard]] std::optional<unsigned> mode(const std::string& path) const override;
+  [[nodiscard]] std::optional<std::string> read(const std::string& path) const override;
+  FileResult write(const std::string& path, std::string_view bytes, std::optional<unsigned> mode) override;
+  FileResult writeAtomically(const std::string& path, std::string_view bytes) override;
+  bool append(const std::string& path, std::string_view bytes) override;
+  FileResult rename(const std::string& from, const std::string& to) override;
+  FileResult remove(const std::string& path) override;
+
+ private:
+  std::string home_;  // HOME, else the account's; read once, because the environment must not be read from threads
+};
+
+}  // namespace dormel::posix

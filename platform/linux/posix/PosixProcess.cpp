@@ -1,0 +1,142 @@
+#include "platform/linux/posix/PosixProcess.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/eventfd.h>
+#include <sys/file.h>
+#include <sys/random.h>
+#include <sys/wait.h>
+
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <cstdlib>
+#include <utility>
+
+#include "platform/linux/posix/PosixQueues.h"
+
+namespace dormel::posix {
+namespace {
+
+constexpr Seconds DRAIN_LIMIT = 2.0;
+
+// A signal handler may do next to nothing; it rings this bell and the main loop does the rest.
+std::array<std::atomic<int>, 65> signalBells{};
+
+void ringBell(int signal) {
+  const int saved = errno;
+  const std::uint64_t one = 1;
+  const int fd = signalBells.at(static_cast<std::size_t>(signal));
+  if (fd > 0) static_cast<void>(!::write(fd, &one, sizeof one));
+  errno = saved;
+}
+
+void writeLine(int fd, std::string_view text) {
+  std::string line(text);
+  line += '\n';
+  std::string_view rest = line;
+  while (!rest.empty()) {
+    const ssize_t written = ::write(fd, rest.data(), rest.size());
+    if (written >= 0) {
+      rest.remove_prefix(static_cast<std::size_t>(written));
+    } else if (errno == EAGAIN) {
+      pollfd ready{fd, POLLOUT, 0};
+      if (::poll(&ready, 1, 1000) <= 0) return;  // a reader that has stopped must not stop us
+    } else if (errno != EINTR) {
+      return;
+    }
+  }
+}
+
+}  // namespace
+
+PosixProcess::PosixProcess(PosixQueues& queues, std::string sessionLockPath, WatchReadable watchReadable)
+    : queues_(queues), sessionLockPath_(std::move(sessionLockPath)), watchReadable_(std::move(watchReadable)) {
+  // A log pipe whose reader went away costs a line, not the lock.
+  ::signal(SIGPIPE, SIG_IGN);
+}
+
+void PosixProcess::exit(int status) {
+  static std::atomic_flag leaving;
+  if (leaving.test_and_set()) {
+    for (;;) ::pause();  // another thread is on its way out already, with its own status
+  }
+  queues_.drain(DRAIN_LIMIT);
+  for (const Task& action : beforeExit_) action();
+  std::_Exit(status);
+}
+
+unsigned PosixProcess::userId() const { return ::getuid(); }
+
+void PosixProcess::onSignal(int signal, Task handler) {
+  const int bell = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+  if (bell < 0) return;
+  signalBells.at(static_cast<std::size_t>(signal)) = bell;
+  watchReadable_(bell, [bell, handler = std::move(handler)] {
+    std::uint64_t count = 0;
+    if (::read(bell, &count, sizeof count) == sizeof count) handler();
+    return true;
+  });
+  struct sigaction action {};
+  action.sa_handler = ringBell;
+  action.sa_flags = SA_RESTART;
+  ::sigaction(signal, &action, nullptr);
+}
+
+bool PosixProcess::claimSession() {
+  FileDescriptor file(::open(sessionLockPath_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
+  // Without a place to keep the claim nobody else can have it either; not locking would be worse than two locks.
+  if (!file.valid()) return true;
+  if (::flock(file.get(), LOCK_EX | LOCK_NB) != 0) return errno != EWOULDBLOCK;
+  sessionLock_ = std::move(file);
+  return true;
+}
+
+std::int32_t PosixChildProcesses::run(const std::string& tool, const std::vector<std::string>& arguments) {
+  const std::string& path = tool == "/bin/launchctl" ? launchctl_ : tool;
+  std::vector<char*> argv{const_cast<char*>(path.c_str())};
+  for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
+  argv.push_back(nullptr);
+
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    posix_spawn_file_actions_addopen(&actions, fd, "/dev/null", O_RDWR, 0);
+  }
+  // What we do with signals is ours; the tool starts with the usual dispositions.
+  posix_spawnattr_t attributes;
+  posix_spawnattr_init(&attributes);
+  sigset_t usual;
+  sigemptyset(&usual);
+  for (const int signal : {SIGTERM, SIGINT, SIGPIPE, SIGCHLD}) sigaddset(&usual, signal);
+  posix_spawnattr_setsigdefault(&attributes, &usual);
+  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF);
+  pid_t child = -1;
+  const int failure = ::posix_spawn(&child, path.c_str(), &actions, &attributes, argv.data(), environ);
+  posix_spawnattr_destroy(&attributes);
+  posix_spawn_file_actions_destroy(&actions);
+  if (failure != 0) return -1;
+
+  int status = 0;
+  while (::waitpid(child, &status, 0) < 0) {
+    if (errno != EINTR) return -1;
+  }
+  return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+void PosixOutput::print(std::string_view line) { writeLine(STDOUT_FILENO, line); }
+
+void PosixOutput::printError(std::string_view line) { writeLine(STDERR_FILENO, line); }
+
+std::uint64_t PosixRandom::next() {
+  std::uint64_t bits = 0;
+  // Up to 256 bytes come whole or not at all once the kernel's pool is ready.
+  while (::getrandom(&bits, sizeof bits, 0) != sizeof bits) {
+    if (errno != EINTR) std::abort();  // no secure randomness: a predictable challenge is worse than none
+  }
+  return bits;
+}
+
+}  // namespace dormel::posix

@@ -1,0 +1,32 @@
+// Serial queues and background timers on threads of their own. A queue's thread starts with its first task; both
+// kinds sleep in the kernel until there is work.
+#pragma once
+
+#include <memory>
+#include <mutex>
+#include <vector>
+
+#include "platform/Queues.h"
+
+namespace dormel::posix {
+
+class PosixQueues final : public Queues {
+ public:
+  PosixQueues();
+  ~PosixQueues() override;
+
+  [[nodiscard]] std::unique_ptr<SerialQueue> makeSerial(std::string_view label) override;
+  [[nodiscard]] std::unique_ptr<BackgroundTimer> makeBackgroundTimer(Seconds first, Seconds interval,
+                                                                     Task tick) override;
+
+  /// Waits until every serial queue has run dry, `limit` seconds at most; false when that was not enough.
+  /// Any thread but a serial queue's.
+  bool drain(Seconds limit);
+
+ private:
+  class Serial;
+  struct Registry;
+  std::shared_ptr<Registry> registry_;
+};
+
+}  // namespace dormel::posix

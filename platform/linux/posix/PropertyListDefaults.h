@@ -1,0 +1,71 @@
+// The defaults store in an XML property list, "~/Library/Preferences/<BUNDLE_IDENTIFIER>.plist".
+//
+// Any thread, any number of processes: a change is made under a file lock on a freshly read file and put in place by
+// one rename, so that two writers of different keys lose neither. A reader looks at the file's identity before each
+// answer and reads it again only when another process replaced it.
+//
+// A damaged file is kept aside as "<file>.damaged" (a number added when that is taken) and counts as empty. A file
+// that cannot be read is left alone and counts as empty. Either is said once, in one line on standard error. What
+// cannot be written holds for this process until it can be.
+#pragma once
+
+#include <sys/stat.h>
+
+#include <map>
+#include <mutex>
+#include <optional>
+#include <string>
+
+#include "platform/Defaults.h"
+
+namespace dormel {
+class Files;
+class StandardOutput;
+}  // namespace dormel
+
+namespace dormel::posix {
+
+class PropertyListDefaults final : public DefaultsStore {
+ public:
+  PropertyListDefaults(Files& files, StandardOutput& output, const std::string& domain);
+
+  [[nodiscard]] std::optional<PropertyListValue> object(std::string_view key) const override;
+  void set(std::string_view key, PropertyListValue value) override;
+  void remove(std::string_view key) override;
+  void removeDomain() override;
+  bool synchronize() override;
+
+ private:
+  /// What tells one version of the file from another.
+  struct Identity {
+    dev_t device = 0;
+    ino_t inode = 0;
+    off_t size = -1;
+    timespec modified{};
+    bool operator==(const Identity& other) const;
+  };
+
+  [[nodiscard]] std::optional<Identity> identity() const;
+  void refresh() const;
+  /// Reads the file into `stored_`; false when it must not be replaced.
+  bool load() const;
+  void keepAside() const;
+  void complain(const std::string& what) const;
+  bool flush();
+
+  Files& files_;
+  StandardOutput& output_;
+  std::string folder_;
+  std::string path_;
+  std::string lockPath_;
+
+  mutable std::mutex mutex_;
+  mutable std::optional<Identity> known_;
+  mutable bool loaded_ = false;
+  mutable PropertyListDictionary stored_;
+  mutable std::string lastComplaint_;  // each trouble is told once, not at every look
+  // Changes that the disk does not hold yet; no value means removed.
+  std::map<std::string, std::optional<PropertyListValue>, std::less<>> unwritten_;
+};
+
+}  // namespace dormel::posix
