@@ -25,15 +25,15 @@ std::string stamped(std::string_view message) {
 // One log per platform in force, so that two simulated machines in one process do not share one.
 std::mutex sharedMutex;
 std::shared_ptr<DebugLog> sharedLog;
-const Platform* sharedFor = nullptr;
+std::uint64_t sharedFor = 0;  // platformGeneration
 
 }  // namespace
 
 DebugLog& DebugLog::shared() {
   const std::lock_guard lock(sharedMutex);
-  if (!sharedLog || sharedFor != &platform()) {
+  if (!sharedLog || sharedFor != platformGeneration()) {
     sharedLog = create();
-    sharedFor = &platform();
+    sharedFor = platformGeneration();
   }
   return *sharedLog;
 }

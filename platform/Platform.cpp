@@ -11,6 +11,8 @@ namespace dormel {
 namespace {
 
 Platform* inForce = nullptr;
+std::uint64_t generation = 0;
+std::uint64_t lastGeneration = 0;
 
 }  // namespace
 
@@ -20,9 +22,15 @@ Platform& platform() {
   return *inForce;
 }
 
-PlatformScope::PlatformScope(Platform& services) : previous_(std::exchange(inForce, &services)) {}
+std::uint64_t platformGeneration() { return generation; }
 
-PlatformScope::~PlatformScope() { inForce = previous_; }
+PlatformScope::PlatformScope(Platform& services)
+    : previous_(std::exchange(inForce, &services)), previousGeneration_(std::exchange(generation, ++lastGeneration)) {}
+
+PlatformScope::~PlatformScope() {
+  inForce = previous_;
+  generation = previousGeneration_;
+}
 
 Timer::Timer(Timer&& other) noexcept : loop_(other.loop_), id_(std::exchange(other.id_, TimerId::none)) {}
 

@@ -5,6 +5,8 @@
 // threads exist; `platform()` itself may be called from any thread.
 #pragma once
 
+#include <cstdint>
+
 namespace dormel {
 
 class Accessibility;
@@ -54,6 +56,10 @@ struct Platform {
 /// The set in force. Calling it with none installed is a programming error and ends the program.
 [[nodiscard]] Platform& platform();
 
+/// Tells the set in force from every other one of this program's life, one at the same address included: what is made
+/// once per set (a shared log) learns from it that it belongs to another. Any thread.
+[[nodiscard]] std::uint64_t platformGeneration();
+
 /// Puts `services` in force while it lives, then what was in force before.
 class PlatformScope {
  public:
@@ -64,6 +70,7 @@ class PlatformScope {
 
  private:
   Platform* previous_;
+  std::uint64_t previousGeneration_;
 };
 
 }  // namespace dormel
