@@ -40,6 +40,7 @@ struct KeyIndicator {
   [[nodiscard]] Ink labelColor() const { return isPressed ? ink::black(1) : ink::white(0.70); }
   [[nodiscard]] Ink fill() const { return isPressed ? ink::white(1) : ink::white(isModifier ? 0.05 : 0.08); }
   [[nodiscard]] Ink border() const { return ink::white(isPressed ? 0 : 0.15); }
+  friend bool operator==(const KeyIndicator&, const KeyIndicator&) = default;
 };
 
 class BlockerOverlayView : public View, public Observable, public std::enable_shared_from_this<BlockerOverlayView> {

@@ -1,0 +1,76 @@
+// Hands the overlay view to its QML scene. Main thread only.
+#pragma once
+
+#include <QColor>
+#include <QtQml/qqmlregistration.h>
+#include <memory>
+
+#include "core/Constants.h"
+#include "overlay/BlockerOverlayView.h"
+#include "overlay/qml/KeyModel.h"
+#include "platform/linux/qt/ViewBridge.h"
+
+namespace dormel {
+
+class BlockerOverlayBridge : public ViewBridge {
+  Q_OBJECT
+  QML_ELEMENT
+  QML_UNCREATABLE("Made by the canvas")
+
+  Q_PROPERTY(bool appeared READ appeared NOTIFY changed)
+  Q_PROPERTY(int appearDuration READ appearDuration NOTIFY changed)   // ms; 0 for at once
+  Q_PROPERTY(int fadeOutDuration READ fadeOutDuration CONSTANT)       // ms
+  Q_PROPERTY(bool fadingOut READ fadingOut NOTIFY changed)
+  Q_PROPERTY(QAbstractItemModel* keys READ keys CONSTANT)
+  Q_PROPERTY(QString statusText READ statusText NOTIFY changed)
+  Q_PROPERTY(QColor statusColor READ statusColor NOTIFY changed)
+  Q_PROPERTY(bool allKeysHeld READ allKeysHeld NOTIFY changed)
+  Q_PROPERTY(QString clock READ clock NOTIFY changed)
+  Q_PROPERTY(QString amPm READ amPm NOTIFY changed)
+  Q_PROPERTY(bool showUnlockConfirm READ showUnlockConfirm NOTIFY changed)
+  Q_PROPERTY(QString relockText READ relockText NOTIFY changed)
+
+  // What time alone changes: to be read on every display frame while all keys are held.
+  Q_PROPERTY(double progress READ progress NOTIFY advanced)
+  Q_PROPERTY(QColor progressColor READ progressColor NOTIFY advanced)
+  Q_PROPERTY(QString secondsText READ secondsText NOTIFY advanced)
+
+ public:
+  explicit BlockerOverlayBridge(std::shared_ptr<BlockerOverlayView> view);
+
+  [[nodiscard]] QStringList plainLines() const override;
+
+  [[nodiscard]] bool appeared() const { return view_->appeared(); }
+  [[nodiscard]] int appearDuration() const;
+  [[nodiscard]] int fadeOutDuration() const { return static_cast<int>(OVERLAY_UI_FADE_OUT_DURATION * 1000); }
+  [[nodiscard]] bool fadingOut() const { return view_->isFadingOut(); }
+  [[nodiscard]] QAbstractItemModel* keys() { return &keys_; }
+  [[nodiscard]] QString statusText() const { return QString::fromStdString(view_->statusText()); }
+  [[nodiscard]] QColor statusColor() const;
+  [[nodiscard]] bool allKeysHeld() const { return view_->allKeysHeld(); }
+  [[nodiscard]] double progress() const { return view_->progress(); }
+  [[nodiscard]] QColor progressColor() const;
+  [[nodiscard]] QString secondsText() const { return QString::fromStdString(view_->secondsText()); }
+  [[nodiscard]] QString clock() const { return QString::fromStdString(view_->clock()); }
+  [[nodiscard]] QString amPm() const { return QString::fromStdString(view_->amPm()); }
+  [[nodiscard]] bool showUnlockConfirm() const { return view_->showUnlockConfirm(); }
+  [[nodiscard]] QString relockText() const { return QString::fromStdString(view_->relockText()); }
+
+  /// A display frame has passed.
+  Q_INVOKABLE void advance() { emit advanced(); }
+
+ signals:
+  void advanced();
+
+ protected:
+  void appear() override { view_->onAppear(); }
+
+ private:
+  void refresh();
+
+  std::shared_ptr<BlockerOverlayView> view_;
+  KeyModel keys_;
+  Observation observation_;
+};
+
+}  // namespace dormel

@@ -1,0 +1,32 @@
+// What a canvas draws: the QML scene of a view, or where that cannot be had, the view's plain text.
+// Main thread only.
+#pragma once
+
+#include <QImage>
+
+#include "platform/Geometry.h"
+#include "platform/linux/Canvas.h"
+
+namespace dormel {
+
+class Picture {
+ public:
+  virtual ~Picture() = default;
+
+  /// The size in points at which it is as it wants to be.
+  [[nodiscard]] virtual Size fittingSize() const = 0;
+
+  /// Draws into `image` at `size` points from now on; the image's device pixel ratio is the scale. Its pixels are
+  /// the picture's alone until the next call, since only what changed is drawn again.
+  virtual void setTarget(QImage& image, const Size& size) = 0;
+
+  virtual void setShowing(bool showing) = 0;
+
+  /// Brings the target up to date.
+  virtual void draw() = 0;
+
+  /// As Canvas::pointer.
+  virtual bool pointer(PointerAction action, double x, double y) = 0;
+};
+
+}  // namespace dormel

@@ -1,0 +1,99 @@
+#include "platform/linux/qt/QmlCanvas.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <utility>
+
+#include "platform/linux/qt/ChangedRect.h"
+
+namespace dormel {
+namespace {
+
+constexpr qint64 FRAME_INTERVAL = 16;  // ms
+
+Pixels pixelsOf(const QImage& image) {
+  return {reinterpret_cast<const std::uint32_t*>(image.constBits()), image.width(), image.height(),
+          image.bytesPerLine() / static_cast<qsizetype>(sizeof(std::uint32_t))};
+}
+
+int pixelLength(double points, double scale) {
+  // A length that is whole but for rounding must not grow by a pixel.
+  return std::max(1, static_cast<int>(std::ceil(points * scale - 1e-6)));
+}
+
+}  // namespace
+
+QmlCanvas::QmlCanvas(std::shared_ptr<QmlStage> stage, std::shared_ptr<View> view)
+    : stage_(std::move(stage)), view_(std::move(view)) {
+  frameTimer_.setSingleShot(true);
+  frameTimer_.setTimerType(Qt::PreciseTimer);
+  QObject::connect(&frameTimer_, &QTimer::timeout, &frameTimer_, [this] { drawFrame(); });
+}
+
+Picture& QmlCanvas::picture() const {
+  if (!picture_) {
+    picture_ = stage_->makePicture(view_, [this] { requestFrame(); });
+    if (showing_) picture_->setShowing(true);
+  }
+  return *picture_;
+}
+
+void QmlCanvas::resize(const Size& size, double scale) {
+  const int width = pixelLength(size.width, scale);
+  const int height = pixelLength(size.height, scale);
+  if (!image_.isNull() && size == size_ && scale == image_.devicePixelRatio()) return;
+  size_ = size;
+  image_ = QImage(width, height, QImage::Format_ARGB32_Premultiplied);
+  image_.setDevicePixelRatio(scale);
+  image_.fill(Qt::transparent);
+  reported_ = {};
+  retarget_ = true;
+  requestFrame();
+}
+
+void QmlCanvas::setOnFrame(std::function<void(const Pixels& pixels, const PixelRect& changed)> onFrame) {
+  onFrame_ = std::move(onFrame);
+  reported_ = {};
+  requestFrame();
+}
+
+void QmlCanvas::setShowing(bool showing) {
+  if (showing_ == showing) return;
+  showing_ = showing;
+  if (!showing) frameTimer_.stop();
+  if (picture_) picture_->setShowing(showing);
+  requestFrame();
+}
+
+void QmlCanvas::requestFrame() const {
+  if (!showing_ || !onFrame_ || image_.isNull() || frameTimer_.isActive()) return;
+  const qint64 elapsed = sinceFrame_.isValid() ? sinceFrame_.elapsed() : FRAME_INTERVAL;
+  frameTimer_.start(static_cast<int>(std::max<qint64>(FRAME_INTERVAL - elapsed, 0)));
+}
+
+void QmlCanvas::drawFrame() {
+  Picture& now = picture();
+  if (std::exchange(retarget_, false)) now.setTarget(image_, size_);
+  sinceFrame_.start();
+  now.draw();
+  report();
+}
+
+void QmlCanvas::report() {
+  const Pixels after = pixelsOf(image_);
+  PixelRect changed{0, 0, after.width, after.height};
+  if (reported_.isNull()) {
+    reported_ = image_.copy();
+  } else {
+    changed = changedRect(pixelsOf(reported_), after);
+    if (changed.empty()) return;
+    for (int y = changed.y; y < changed.y + changed.height; ++y) {
+      std::memcpy(reported_.scanLine(y) + changed.x * 4, image_.constScanLine(y) + changed.x * 4,
+                  static_cast<std::size_t>(changed.width) * 4);
+    }
+  }
+  onFrame_(after, changed);
+}
+
+}  // namespace dormel

@@ -1,0 +1,50 @@
+// One view, drawn into an image.
+//
+// Nothing runs while nothing changes: a frame is drawn when the picture asks for one, no sooner than 16 ms after the
+// one before, and reported only if a pixel differs. Main thread only.
+#pragma once
+
+#include <QElapsedTimer>
+#include <QImage>
+#include <QTimer>
+#include <memory>
+
+#include "platform/linux/Canvas.h"
+#include "platform/linux/qt/Picture.h"
+#include "platform/linux/qt/QmlStage.h"
+
+namespace dormel {
+
+class QmlCanvas : public Canvas {
+ public:
+  QmlCanvas(std::shared_ptr<QmlStage> stage, std::shared_ptr<View> view);
+  QmlCanvas(const QmlCanvas&) = delete;
+  QmlCanvas& operator=(const QmlCanvas&) = delete;
+  ~QmlCanvas() override = default;
+
+  [[nodiscard]] Size fittingSize() const override { return picture().fittingSize(); }
+  void resize(const Size& size, double scale) override;
+  void setOnFrame(std::function<void(const Pixels& pixels, const PixelRect& changed)> onFrame) override;
+  void setShowing(bool showing) override;
+  bool pointer(PointerAction action, double x, double y) override { return picture().pointer(action, x, y); }
+
+ private:
+  [[nodiscard]] Picture& picture() const;
+  void requestFrame() const;
+  void drawFrame();
+  void report();
+
+  std::shared_ptr<QmlStage> stage_;
+  std::shared_ptr<View> view_;
+  std::function<void(const Pixels&, const PixelRect&)> onFrame_;
+  bool showing_ = false;
+  Size size_;
+  QImage image_;
+  QImage reported_;  // the picture as last reported; null when all of it is to be
+  QElapsedTimer sinceFrame_;
+  mutable QTimer frameTimer_;
+  bool retarget_ = true;
+  mutable std::unique_ptr<Picture> picture_;  // made when first needed; goes first, since it draws into image_
+};
+
+}  // namespace dormel

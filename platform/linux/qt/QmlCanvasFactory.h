@@ -1,0 +1,30 @@
+// Draws views with QML, in software, into memory: no window, no display, no graphics driver. Main thread only.
+//
+// Needs a QGuiApplication (the "offscreen" platform will do) and makes the software scene graph the process's own,
+// so it must be constructed before anything else has shown a Qt Quick scene.
+#pragma once
+
+#include <memory>
+
+#include "platform/linux/Canvas.h"
+#include "platform/linux/qt/QmlSceneRegistry.h"
+
+namespace dormel {
+
+/// What all canvases of a factory share; the QML engine in it is made when the first scene is loaded.
+class QmlStage;
+
+class QmlCanvasFactory : public CanvasFactory {
+ public:
+  explicit QmlCanvasFactory(QmlSceneRegistry registry);
+  ~QmlCanvasFactory() override;
+
+  /// Costs next to nothing: the scene is loaded when the canvas is first asked for its size, or just before its
+  /// first frame. A window can therefore be on screen before its content is.
+  [[nodiscard]] std::unique_ptr<Canvas> make(std::shared_ptr<View> view) override;
+
+ private:
+  std::shared_ptr<QmlStage> stage_;
+};
+
+}  // namespace dormel

@@ -1,0 +1,81 @@
+#include "platform/linux/qt/QmlPicture.h"
+
+#include <QCoreApplication>
+#include <QMouseEvent>
+#include <QQuickRenderTarget>
+#include <cmath>
+#include <utility>
+
+namespace dormel {
+namespace {
+
+QEvent::Type typeOf(PointerAction action) {
+  switch (action) {
+    case PointerAction::press:
+      return QEvent::MouseButtonPress;
+    case PointerAction::release:
+      return QEvent::MouseButtonRelease;
+    case PointerAction::move:
+    case PointerAction::leave:
+      break;
+  }
+  return QEvent::MouseMove;
+}
+
+}  // namespace
+
+QmlPicture::QmlPicture(std::unique_ptr<ViewBridge> bridge, std::unique_ptr<QQuickItem> root, const QColor& background,
+                       const std::function<void()>& onChange)
+    : bridge_(std::move(bridge)), root_(std::move(root)) {
+  // The window takes the control when it is made and must outlive it.
+  auto control = std::make_unique<QQuickRenderControl>();
+  window_ = std::make_unique<QQuickWindow>(control.get());
+  control_ = std::move(control);
+  window_->setColor(background);
+  root_->setParentItem(window_->contentItem());
+  QObject::connect(control_.get(), &QQuickRenderControl::renderRequested, window_.get(), onChange);
+  QObject::connect(control_.get(), &QQuickRenderControl::sceneChanged, window_.get(), onChange);
+  control_->initialize();
+}
+
+QmlPicture::~QmlPicture() = default;
+
+Size QmlPicture::fittingSize() const {
+  control_->polishItems();
+  return {root_->implicitWidth(), root_->implicitHeight()};
+}
+
+void QmlPicture::setTarget(QImage& image, const Size& size) {
+  window_->setGeometry(0, 0, static_cast<int>(std::ceil(size.width)), static_cast<int>(std::ceil(size.height)));
+  root_->setSize({size.width, size.height});
+  QQuickRenderTarget target = QQuickRenderTarget::fromPaintDevice(&image);
+  target.setDevicePixelRatio(image.devicePixelRatio());
+  window_->setRenderTarget(target);
+}
+
+void QmlPicture::draw() {
+  control_->polishItems();
+  control_->beginFrame();
+  control_->sync();
+  control_->render();
+  control_->endFrame();
+}
+
+bool QmlPicture::pointer(PointerAction action, double x, double y) {
+  if (action == PointerAction::leave) {
+    QEvent leave(QEvent::Leave);
+    QCoreApplication::sendEvent(window_.get(), &leave);
+    return false;
+  }
+  if (action == PointerAction::press) pressed_ = true;
+  const Qt::MouseButtons held = pressed_ && action != PointerAction::release ? Qt::LeftButton : Qt::NoButton;
+  const Qt::MouseButton button = action == PointerAction::move ? Qt::NoButton : Qt::LeftButton;
+  if (action == PointerAction::release) pressed_ = false;
+  const QPointF at(x, y);
+  QMouseEvent event(typeOf(action), at, at, at, button, held, Qt::NoModifier);
+  event.setAccepted(false);
+  QCoreApplication::sendEvent(window_.get(), &event);
+  return event.isAccepted();
+}
+
+}  // namespace dormel

@@ -1,0 +1,39 @@
+// A view's QML scene, rendered by the software scene graph without a window on any display. Main thread only.
+#pragma once
+
+#include <QQuickItem>
+#include <QQuickRenderControl>
+#include <QQuickWindow>
+#include <functional>
+#include <memory>
+
+#include "platform/linux/qt/Picture.h"
+#include "platform/linux/qt/ViewBridge.h"
+
+namespace dormel {
+
+class QmlPicture : public Picture {
+ public:
+  /// `root` is a scene's root item that reads `bridge`. `onChange` is called whenever there is something to draw.
+  QmlPicture(std::unique_ptr<ViewBridge> bridge, std::unique_ptr<QQuickItem> root, const QColor& background,
+             const std::function<void()>& onChange);
+  QmlPicture(const QmlPicture&) = delete;
+  QmlPicture& operator=(const QmlPicture&) = delete;
+  ~QmlPicture() override;
+
+  [[nodiscard]] Size fittingSize() const override;
+  void setTarget(QImage& image, const Size& size) override;
+  void setShowing(bool showing) override { bridge_->setShowing(showing); }
+  void draw() override;
+  bool pointer(PointerAction action, double x, double y) override;
+
+ private:
+  // Destroyed from the last to the first: the items, then what renders them, the window, and last what they read.
+  std::unique_ptr<ViewBridge> bridge_;
+  std::unique_ptr<QQuickWindow> window_;
+  std::unique_ptr<QQuickRenderControl> control_;
+  std::unique_ptr<QQuickItem> root_;
+  bool pressed_ = false;
+};
+
+}  // namespace dormel

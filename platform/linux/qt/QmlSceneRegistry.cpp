@@ -1,0 +1,16 @@
+#include "platform/linux/qt/QmlSceneRegistry.h"
+
+#include <utility>
+
+namespace dormel {
+
+const QmlScene* QmlSceneRegistry::find(ViewKind kind) const {
+  const auto at = scenes_.find(kind);
+  return at == scenes_.end() ? nullptr : &at->second;
+}
+
+void QmlSceneRegistry::prepare() {
+  for (const auto& step : std::exchange(preparations_, {})) step();
+}
+
+}  // namespace dormel

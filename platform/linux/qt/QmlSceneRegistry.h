@@ -1,0 +1,42 @@
+// Which QML scene draws which kind of view. The folders that own views fill it in; drawing knows no view by name.
+// Main thread only.
+#pragma once
+
+#include <QColor>
+#include <QUrl>
+#include <functional>
+#include <map>
+#include <memory>
+#include <vector>
+
+#include "platform/View.h"
+#include "platform/linux/qt/ViewBridge.h"
+
+namespace dormel {
+
+/// One scene: a QML component whose root is an Item with an implicit size and a required property `view`.
+struct QmlScene {
+  QUrl source;
+  /// Makes the object that the root's `view` is set to. It lives as long as the root item and a little longer.
+  std::function<std::unique_ptr<ViewBridge>(const std::shared_ptr<View>&)> makeBridge;
+  /// What stands behind the scene; opaque colours make the picture opaque.
+  QColor background = Qt::transparent;
+};
+
+class QmlSceneRegistry {
+ public:
+  void add(ViewKind kind, QmlScene scene) { scenes_[kind] = std::move(scene); }
+  /// The scene of that kind; null when nobody registered one.
+  [[nodiscard]] const QmlScene* find(ViewKind kind) const;
+
+  /// Has `step` run once, before the first scene is loaded: fonts, say.
+  void prepareWith(std::function<void()> step) { preparations_.push_back(std::move(step)); }
+  /// Runs the steps that have not run yet.
+  void prepare();
+
+ private:
+  std::map<ViewKind, QmlScene> scenes_;
+  std::vector<std::function<void()>> preparations_;
+};
+
+}  // namespace dormel

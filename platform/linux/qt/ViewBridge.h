@@ -1,0 +1,36 @@
+// The QObject through which a QML scene reads one view. It holds no state of the view's: its properties read through,
+// and one signal says that any of them may have changed. Main thread only.
+#pragma once
+
+#include <QObject>
+#include <QStringList>
+
+namespace dormel {
+
+class ViewBridge : public QObject {
+  Q_OBJECT
+  /// Whether the view is on screen. Whatever would keep drawing by itself runs only while it is.
+  Q_PROPERTY(bool showing READ showing NOTIFY showingChanged)
+
+ public:
+  [[nodiscard]] bool showing() const { return showing_; }
+  void setShowing(bool showing);
+
+  /// What the view says, line by line, for the case that its scene cannot be drawn. Nothing that the user needs
+  /// to get out may be missing from it.
+  [[nodiscard]] virtual QStringList plainLines() const { return {}; }
+
+ signals:
+  void changed();
+  void showingChanged();
+
+ protected:
+  /// The view comes on screen for the first time.
+  virtual void appear() {}
+
+ private:
+  bool showing_ = false;
+  bool appeared_ = false;
+};
+
+}  // namespace dormel
