@@ -1,0 +1,20 @@
+"""A desktop of our own: a real X server without a graphics card, its monitors, a keyboard, a home folder, a job
+scheduler and a few unfriendly neighbours. The night tool, the desktop tests and the benchmarks play on it.
+
+Nothing here knows how the program works inside: it is started, watched and typed at from outside, as a user would.
+Times are seconds of the monotonic clock unless a name says otherwise. Needs Python 3.11, python3-xlib, the Xorg
+server with its dummy driver, xrandr and ImageMagick (see tools/packages).
+"""
+
+from .bundle import Bundle
+from .desk import Desk
+from .eyes import Eyes, Picture
+from .home import Home
+from .keyboard import Keyboard, evdev_of_label
+from .neighbours import Neighbour
+from .server import Server
+from .wait import NotSeen, until
+from .watcher import Watcher
+
+__all__ = ["Bundle", "Desk", "Eyes", "Home", "Keyboard", "Neighbour", "NotSeen", "Picture", "Server", "Watcher",
+           "evdev_of_label", "until"]

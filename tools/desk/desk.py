@@ -1,0 +1,165 @@
+"""The whole private desktop, put up and taken down as one."""
+
+import os
+import shutil
+import signal
+import subprocess
+import tempfile
+import time
+
+from . import paint, processes, scheduler
+from .eyes import Eyes
+from .home import Home
+from .keyboard import Keyboard
+from .neighbours import Neighbour
+from .server import Server
+from .wait import NotSeen, until
+from .watcher import Watcher
+from .witness import Witness
+
+
+class Desk:
+    """Monitors, a home, somebody working in a document, and hands and eyes for the one who plays.
+
+    with Desk() as desk: ...
+
+    manager: True starts a private user manager and falls back to none where it cannot run (manager_missing tells
+    why); False never does, which leaves the program to its built-in supervisor.
+    windows: "openbox" adds a window manager; compositor: True adds picom.
+    """
+
+    def __init__(self, monitors=((1920, 1080), (1280, 1024)), manager=False, windows=None, compositor=False,
+                 server_arguments=(), pretty=False, extra=None):
+        self.folder = tempfile.mkdtemp(prefix="dormel-")
+        self.home = Home(self.folder)
+        self.server = Server(self.folder, monitors, server_arguments)
+        self.manager = None
+        self.manager_missing = None
+        self._want_manager, self._windows, self._compositor, self._pretty = manager, windows, compositor, pretty
+        self._extra = dict(extra or {})
+        self._helpers = []
+        self._neighbours = []
+        self._open = []
+
+    def __enter__(self):
+        try:
+            self._put_up()
+        except BaseException:
+            self.close()
+            raise
+        return self
+
+    def __exit__(self, *_):
+        self.close()
+
+    def _put_up(self):
+        self.server.start()
+        self.eyes = self._keep(Eyes(self.server))
+        self.keyboard = self._keep(Keyboard(self.server))
+        monitors = self.eyes.monitors()
+        paint.wallpaper(self.server, monitors if self._pretty else [])
+        if self._windows:
+            self.helper([self._windows], "_NET_SUPPORTING_WM_CHECK")
+        if self._compositor:
+            self.start_compositor()
+        self.witness = self._keep(Witness(self.server, picture=paint.document(900, 620) if self._pretty else None))
+        until("the document has the keyboard focus", self.witness.focused.is_set, 5)
+        self.watcher = self._keep(Watcher(self.server))
+        if self._want_manager:
+            manager = scheduler.UserManager(self.home, self.folder, self._extra)
+            try:
+                self.manager = manager.start()
+            except NotSeen as missing:
+                self.manager_missing = str(missing)
+
+    def _keep(self, thing):
+        self._open.append(thing)
+        return thing
+
+    def environment(self):
+        """What a program started in this session finds."""
+        environment = {**self.home.environment(), **self.server.environment(), **self._extra}
+        if self.manager is None:
+            environment.pop("DBUS_SESSION_BUS_ADDRESS")
+        return environment
+
+    def helper(self, command, ready_property=None):
+        """Starts a program of the session; with ready_property waits until the root window carries it."""
+        with open(os.path.join(self.folder, os.path.basename(command[0]) + ".out"), "wb") as out:
+            process = subprocess.Popen(command, env=self.environment(), stdin=subprocess.DEVNULL, stdout=out,
+                                       stderr=out, start_new_session=True)
+        self._helpers.append(process)
+        if ready_property:
+            connection = self.server.open()
+            try:
+                root, atom = connection.screen().root, connection.intern_atom(ready_property)
+                until(f"{command[0]} is ready", lambda: root.get_full_property(atom, 0) is not None, 10)
+            finally:
+                connection.close()
+        return process
+
+    def start_compositor(self):
+        process = self.helper(["picom", "--backend", "xrender", "--config", "/dev/null"])
+        connection = self.server.open()
+        try:
+            owner = connection.intern_atom("_NET_WM_CM_S0")
+            until("picom composites", lambda: connection.get_selection_owner(owner) != 0, 10)
+        finally:
+            connection.close()
+        return process
+
+    def neighbour(self, kind):
+        neighbour = Neighbour(self.server, kind)
+        self._neighbours.append(neighbour)
+        return neighbour
+
+    # Questions that every test asks.
+
+    def keys_reach_the_document(self, key=67):
+        """Taps F9 and says whether the document heard it. Costs one server round trip after the witness's own."""
+        mark = self.witness.mark()
+        self.keyboard.tap(key)
+        try:
+            until("a key", lambda: any(k[2] == key for k in self.witness.heard(mark)), 0.3)
+            return True
+        except NotSeen:
+            return False
+
+    def close(self):
+        for neighbour in self._neighbours:
+            neighbour.end()
+        if self.manager is not None:
+            self.manager.stop()
+        for thing in reversed(self._open):
+            thing.close()
+        for process in self._helpers:
+            _end(process)
+        self._sweep()
+        self.server.stop()
+        if os.environ.get("DORMEL_KEEP") != "1":
+            shutil.rmtree(self.folder, ignore_errors=True)
+
+    def _sweep(self):
+        """Ends what still lives in the private home: a supervisor, a job it restarted, a bus that was started."""
+        deadline = time.monotonic() + 5
+        while time.monotonic() < deadline:
+            left = processes.of_home(self.home.path)
+            left.pop(os.getpid(), None)
+            if not left:
+                return
+            for pid in left:
+                try:
+                    os.kill(pid, signal.SIGKILL)
+                except ProcessLookupError:
+                    pass
+            time.sleep(0.05)
+
+
+def _end(process):
+    if process.poll() is None:
+        process.terminate()
+        try:
+            process.wait(5)
+        except subprocess.TimeoutExpired:
+            process.kill()
+            process.wait()

@@ -1,0 +1,95 @@
+"""What a process is and costs, read from /proc."""
+
+import os
+import time
+
+
+def of_home(home_path):
+    """Processes that live in the home folder, as {pid: command line as a list}."""
+    wanted = f"HOME={home_path}".encode()
+    found = {}
+    for name in os.listdir("/proc"):
+        if not name.isdigit():
+            continue
+        try:
+            with open(f"/proc/{name}/environ", "rb") as file:
+                if wanted not in file.read().split(b"\0"):
+                    continue
+            with open(f"/proc/{name}/cmdline", "rb") as file:
+                command = [part.decode(errors="replace") for part in file.read().split(b"\0")[:-1]]
+        except OSError:
+            continue
+        if command:
+            found[int(name)] = command
+    return found
+
+
+def started_at(pid):
+    """When the process was started, on the monotonic clock; good to 10 ms."""
+    with open(f"/proc/{pid}/stat", encoding="utf-8", errors="replace") as file:
+        ticks = int(file.read().rpartition(")")[2].split()[19])
+    since_boot = ticks / os.sysconf("SC_CLK_TCK")
+    return since_boot - (time.clock_gettime(time.CLOCK_BOOTTIME) - time.monotonic())
+
+
+def alive(pid):
+    try:
+        with open(f"/proc/{pid}/stat", encoding="utf-8", errors="replace") as file:
+            return file.read().rpartition(")")[2].split()[0] not in ("Z", "X")
+    except OSError:
+        return False
+
+
+def tree(pid):
+    """The process and all that descend from it."""
+    children = {}
+    for name in os.listdir("/proc"):
+        if name.isdigit():
+            try:
+                with open(f"/proc/{name}/stat", encoding="utf-8", errors="replace") as file:
+                    parent = int(file.read().rpartition(")")[2].split()[1])
+            except OSError:
+                continue
+            children.setdefault(parent, []).append(int(name))
+    found, left = [], [pid]
+    while left:
+        found.append(left.pop())
+        left += children.get(found[-1], [])
+    return found
+
+
+def memory(pids):
+    """(resident, proportional) kilobytes of the processes together."""
+    resident = proportional = 0
+    for pid in pids:
+        try:
+            with open(f"/proc/{pid}/smaps_rollup", encoding="ascii") as file:
+                for line in file:
+                    if line.startswith("Rss:"):
+                        resident += int(line.split()[1])
+                    elif line.startswith("Pss:"):
+                        proportional += int(line.split()[1])
+        except OSError:
+            continue
+    return resident, proportional
+
+
+def effort(pids):
+    """(seconds of processor time, times woken up) of all threads of the processes so far."""
+    seconds, wakeups = 0.0, 0
+    for pid in pids:
+        try:
+            threads = os.listdir(f"/proc/{pid}/task")
+        except OSError:
+            continue
+        for thread in threads:
+            try:
+                with open(f"/proc/{pid}/task/{thread}/schedstat", encoding="ascii") as file:
+                    seconds += int(file.read().split()[0]) / 1e9
+                with open(f"/proc/{pid}/task/{thread}/status", encoding="utf-8") as file:
+                    for line in file:
+                        if line.startswith("voluntary_ctxt_switches:"):
+                            wakeups += int(line.split()[1])
+            except OSError:
+                continue
+    return seconds, wakeups

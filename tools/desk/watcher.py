@@ -1,0 +1,137 @@
+"""Hears what happens to windows, screens and the keyboard the moment the server says so, with the time.
+
+It disturbs nothing: it only listens to events that any client may have. A keyboard grab shows as focus events of mode
+NotifyGrab, which needs no trial grab that could get in the way of the program's own.
+"""
+
+import select
+import threading
+import time
+from dataclasses import dataclass, field
+
+from Xlib import X, error
+from Xlib.ext import randr
+
+from .wait import NotSeen
+
+
+@dataclass(frozen=True)
+class Event:
+    at: float
+    kind: str  # map, unmap, destroy, create, configure, grab, ungrab, screens
+    window: int = 0
+    rectangle: tuple = field(default=())
+
+
+class Watcher:
+    def __init__(self, server):
+        self.events = []
+        self.lost = None  # when the server went away
+        self._changed = threading.Condition()
+        self._display = server.open()
+        self._display.set_error_handler(lambda *_: None)  # windows vanish while they are being looked at
+        root = self._display.screen().root
+        self._root = root
+        root.change_attributes(event_mask=X.SubstructureNotifyMask | X.FocusChangeMask)
+        root.xrandr_select_input(randr.RRScreenChangeNotifyMask | randr.RRCrtcChangeNotifyMask)
+        for window in root.query_tree().children:
+            window.change_attributes(event_mask=X.FocusChangeMask)
+        self._display.sync()
+        self._closing = False
+        self._thread = threading.Thread(target=self._run, name="watcher", daemon=True)
+        self._thread.start()
+
+    def _run(self):
+        try:
+            while not self._closing:
+                if self._display.pending_events() == 0:
+                    select.select([self._display.fileno()], [], [], 0.5)
+                    if self._display.pending_events() == 0:
+                        continue
+                while self._display.pending_events():
+                    self._take(self._display.next_event(), time.monotonic())
+                self._display.flush()
+        except (error.ConnectionClosedError, OSError, ValueError):
+            with self._changed:
+                self.lost = time.monotonic()
+                self._changed.notify_all()
+
+    def _take(self, event, now):
+        kinds = {X.MapNotify: "map", X.UnmapNotify: "unmap", X.DestroyNotify: "destroy", X.CreateNotify: "create",
+                 X.ConfigureNotify: "configure"}
+        if event.type in kinds:
+            rectangle = ()
+            if event.type in (X.ConfigureNotify, X.CreateNotify):
+                rectangle = (event.x, event.y, event.width, event.height)
+            if event.type == X.CreateNotify:
+                event.window.change_attributes(event_mask=X.FocusChangeMask)
+                self._display.flush()
+            self._note(Event(now, kinds[event.type], event.window.id, rectangle))
+        elif event.type in (X.FocusIn, X.FocusOut) and event.mode in (X.NotifyGrab, X.NotifyUngrab):
+            self._note(Event(now, "grab" if event.mode == X.NotifyGrab else "ungrab", event.window.id))
+        elif event.type >= self._display.extension_event.ScreenChangeNotify:
+            self._note(Event(now, "screens"))
+
+    def _note(self, event):
+        with self._changed:
+            self.events.append(event)
+            self._changed.notify_all()
+
+    def mark(self):
+        """A place in the record, to look only at what comes later."""
+        with self._changed:
+            return len(self.events)
+
+    def since(self, mark, *kinds):
+        with self._changed:
+            return [e for e in self.events[mark:] if not kinds or e.kind in kinds]
+
+    def first(self, kind, since, within, what=None):
+        """The first event of the kind after the mark; waits for it."""
+        deadline = time.monotonic() + within
+        with self._changed:
+            while True:
+                for event in self.events[since:]:
+                    if event.kind == kind:
+                        return event
+                left = deadline - time.monotonic()
+                if left <= 0 or self.lost is not None:
+                    raise NotSeen(f"not seen within {within:g} s: {what or kind}")
+                self._changed.wait(left)
+
+    def covered_at(self, monitors, since, pid_of=None, pids=()):
+        """When windows mapped after the mark first covered every monitor; None if they do not yet.
+
+        With pid_of and pids only windows of those processes count.
+        """
+        shapes, mapped, seen, ours = {}, set(), set(), {}
+
+        def counts(window):
+            if pid_of is not None and window not in ours:
+                ours[window] = pid_of(window) in pids
+            return pid_of is None or ours[window]
+
+        for event in self.since(since):
+            if event.kind in ("create", "configure"):
+                shapes[event.window] = event.rectangle
+            elif event.kind == "map":
+                mapped.add(event.window)
+            elif event.kind in ("unmap", "destroy"):
+                mapped.discard(event.window)
+            else:
+                continue
+            for monitor in monitors:
+                if any(window in shapes and monitor.contains(*shapes[window]) and counts(window)
+                       for window in mapped):
+                    seen.add(monitor.name)
+            if len(seen) == len(monitors):
+                return event.at
+        return None
+
+    def close(self):
+        self._closing = True
+        self._thread.join(2)
+        try:
+            self._display.close()
+        except Exception:
+            pass
