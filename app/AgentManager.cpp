@@ -1,0 +1,86 @@
+#include "app/AgentManager.h"
+
+#include "app/CommandLine.h"
+#include "core/Config.h"
+#include "core/Constants.h"
+#include "core/DebugLog.h"
+#include "platform/Files.h"
+#include "platform/Platform.h"
+#include "platform/Process.h"
+#include "platform/Windows.h"
+
+namespace dormel::AgentManager {
+namespace {
+
+constexpr const char* TOOL = "/bin/launchctl";
+
+std::string folder() { return platform().files.homeDirectory() + "/Library/LaunchAgents"; }
+
+std::string domainTarget() { return "gui/" + std::to_string(platform().process.userId()); }
+
+std::string serviceTarget() { return domainTarget() + "/" + BUNDLE_IDENTIFIER; }
+
+}  // namespace
+
+std::string executablePath() {
+  if (const auto executable = platform().bundle.executablePath()) return *executable;
+  return cliArgs.empty() ? std::string() : cliArgs.front();
+}
+
+std::string plistPath() { return folder() + "/" + BUNDLE_IDENTIFIER + ".plist"; }
+
+PropertyListDictionary plistDictionary() {
+  Config::ensureLogDirectory();
+  const auto text = [](const std::string& value) { return PropertyListValue{value}; };
+  return {
+      {"Label", text(BUNDLE_IDENTIFIER)},
+      {"ProgramArguments", {PropertyListArray{text(executablePath()), text("--scheduled")}}},
+      {"StartCalendarInterval",
+       {PropertyListDictionary{{"Hour", {std::int64_t{Config::startHour()}}}, {"Minute", {std::int64_t{0}}}}}},
+      {"RunAtLoad", {true}},
+      {"KeepAlive", {PropertyListDictionary{{"SuccessfulExit", {false}}}}},
+      {"StandardOutPath", text(Config::stdoutLogPath())},
+      {"StandardErrorPath", text(Config::stdoutLogPath())},
+      {"AssociatedBundleIdentifiers", {PropertyListArray{text(BUNDLE_IDENTIFIER)}}},
+  };
+}
+
+bool install() {
+  Files& files = platform().files;
+  const PropertyListDictionary job = plistDictionary();
+  files.createDirectories(folder(), 0777);
+  const auto xml = writeXmlPropertyList({job});
+  if (!xml) {
+    platform().output.print("AgentManager: failed to serialise plist");
+    return false;
+  }
+  if (const auto error = files.write(plistPath(), *xml)) {
+    platform().output.print("AgentManager: failed to write plist: " + error->message);
+    return false;
+  }
+  return reload();
+}
+
+bool reload() {
+  run(TOOL, {"bootout", serviceTarget()});
+  const std::int32_t status = run(TOOL, {"bootstrap", domainTarget(), plistPath()});
+  if (status == 0) return true;
+  platform().output.print("AgentManager: bootstrap FAILED (exit " + std::to_string(status) +
+                          ") — agent NOT loaded, Dormel will not fire tonight");
+  DebugLog::shared().append("agent bootstrap FAILED exit=" + std::to_string(status));
+  return false;
+}
+
+bool uninstall() {
+  run(TOOL, {"bootout", serviceTarget()});
+  platform().files.remove(plistPath());
+  return true;
+}
+
+bool isLoaded() { return run(TOOL, {"print", serviceTarget()}) == 0; }
+
+std::int32_t run(const std::string& tool, const std::vector<std::string>& arguments) {
+  return platform().childProcesses.run(tool, arguments);
+}
+
+}  // namespace dormel::AgentManager
