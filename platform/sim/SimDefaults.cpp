@@ -72,6 +72,10 @@ void SimDefaults::writeFromOutside(std::string_view key, std::optional<PropertyL
   assign(stored_, key, std::move(value));
 }
 
+void SimDefaults::putInteger(std::string_view key, std::int64_t value) { stored_[std::string(key)].value = value; }
+
+void SimDefaults::putBoolean(std::string_view key, bool value) { stored_[std::string(key)].value = value; }
+
 std::optional<PropertyListValue> SimDefaults::stored(std::string_view key) const {
   const auto at = stored_.find(key);
   return at == stored_.end() ? std::nullopt : std::optional(at->second);

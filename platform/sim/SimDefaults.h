@@ -24,6 +24,8 @@ class SimDefaults : public DefaultsStore {
   // The world's side.
   /// Another process writes (nothing: removes) a value.
   void writeFromOutside(std::string_view key, std::optional<PropertyListValue> value);
+  void putInteger(std::string_view key, std::int64_t value);
+  void putBoolean(std::string_view key, bool value);
   /// While false, nothing can be written.
   void setWritable(bool writable) { writable_ = writable; }
   /// What every process but this one sees.

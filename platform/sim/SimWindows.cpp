@@ -233,7 +233,10 @@ void SimWindowServer::makeKey(SimWindow& window) {
 
 void SimWindowServer::checkCover() {
   if (!watching_) return;
-  for (const Rect& screen : watched_) leastCover_ = std::min(leastCover_, cover(screen));
+  for (const Screen& screen : screens_.all()) {
+    const bool watched = std::find(watched_.begin(), watched_.end(), screen.frame) != watched_.end();
+    if (watched) leastCover_ = std::min(leastCover_, cover(screen.frame));
+  }
 }
 
 }  // namespace dormel

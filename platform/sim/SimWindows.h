@@ -79,7 +79,7 @@ class SimWindowServer : public WindowServer {
   /// The least covered screen's cover; 1 without screens.
   [[nodiscard]] double cover() const;
 
-  /// From now on, remembers the least cover that any of the present screens ever has.
+  /// From now on, remembers the least cover that any of the present screens ever has while it stays as it is.
   void watchCover();
   [[nodiscard]] double leastCover() const { return leastCover_; }
 

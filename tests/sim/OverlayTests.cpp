@@ -95,10 +95,10 @@ TEST_F(OverlayTest, ClockInBothForms) {
               {"2026-11-17 12:30:00", "12:30", "12:30", "PM"}};
   for (const auto& row : rows) {
     machine.advanceTo(row.moment);
-    machine.defaults.writeFromOutside(defaultsKey::use24HourClock, PropertyListValue{true});
+    machine.defaults.putBoolean(defaultsKey::use24HourClock, true);
     EXPECT_EQ(view->clock(), row.in24);
     EXPECT_EQ(view->amPm(), "");
-    machine.defaults.writeFromOutside(defaultsKey::use24HourClock, PropertyListValue{false});
+    machine.defaults.putBoolean(defaultsKey::use24HourClock, false);
     EXPECT_EQ(view->clock(), row.in12);
     EXPECT_EQ(view->amPm(), row.marker);
   }

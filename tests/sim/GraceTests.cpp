@@ -1,0 +1,293 @@
+// The unlock cycle: what the user earned, for as long as it was promised, and the lock's return.
+#include <gtest/gtest.h>
+
+#include "tests/sim/Night.h"
+
+namespace dormel {
+namespace {
+
+using Lines = std::vector<std::string>;
+
+class GraceTest : public testing::Test {
+ protected:
+  GraceTest() {
+    night.begin("2026-11-16 22:00:00");
+    machine.advance(60);
+  }
+
+  /// Locked, held to the end, and let go: the hold is complete at this moment.
+  void completeHold() {
+    pressAll(machine, night.controller());
+    ASSERT_TRUE(machine.timeline.advanceUntil([&] { return night.session().state() == SessionState::grace; }, 61));
+    machine.keyboard.releaseAll();
+  }
+
+  Night night;
+  SimMachine& machine = night.machine;
+};
+
+TEST_F(GraceTest, AWholeNight) {
+  Night whole;
+  SimMachine& m = whole.machine;
+  whole.begin("2026-11-16 22:00:00");
+  m.advance(60);
+  m.keyboard.press(12);  // somebody types on
+  m.keyboard.release(12);
+  whole.unlock();
+  m.advance(60);
+  m.keyboard.press(12);
+  m.keyboard.release(12);
+  m.advanceTo("2026-11-17 08:00:00");
+  const std::string records = "~/Library/Application Support/" + std::string(BUNDLE_IDENTIFIER);
+  EXPECT_EQ(m.journal.text(),
+            "22:00:00.000 start --scheduled\n"
+            "22:00:00.000 application activated\n"
+            "22:00:00.000 window 1 made, above everything, 0,0 1920x1080\n"
+            "22:00:00.000 window 2 made, above everything, 1920,0 1280x1024\n"
+            "22:00:00.000 window 1 alpha 0\n"
+            "22:00:00.000 window 1 in\n"
+            "22:00:00.000 window 2 alpha 0\n"
+            "22:00:00.000 window 2 in\n"
+            "22:00:00.000 presentation 378\n"
+            "22:00:00.000 keyboard taken\n"
+            "22:00:00.000 mkdir ~/Library\n"
+            "22:00:00.000 mkdir ~/Library/Application Support\n"
+            "22:00:00.000 mkdir " +
+                records +
+                "\n"
+                "22:00:00.000 write " +
+                records +
+                "/.nights.json.tmp\n"
+                "22:00:00.000 rename " +
+                records +
+                "/nights.json\n"
+                "22:00:00.000 window 1 fades to 1 in 2.5 s ease-out\n"
+                "22:00:00.000 window 2 fades to 1 in 2.5 s ease-out\n"
+                "22:01:30.050 out: [grace] unlock #1 logged\n"
+                "22:01:30.050 mkdir ~/Library/Logs\n"
+                "22:01:30.050 mkdir ~/Library/Logs/Dormel\n"
+                "22:01:30.050 write ~/Library/Logs/Dormel/dormel-unlock.log\n"
+                "22:01:32.550 window 1 fades to 0 in 1.2 s ease-out\n"
+                "22:01:32.550 window 2 fades to 0 in 1.2 s ease-out\n"
+                "22:01:33.750 presentation 0\n"
+                "22:01:33.750 window 1 out\n"
+                "22:01:33.750 window 1 alpha 1\n"
+                "22:01:33.750 window 2 out\n"
+                "22:01:33.750 window 2 alpha 1\n"
+                "22:01:33.750 window 3 made, floating, 0,0 400x80\n"
+                "22:01:33.750 window 3 frame 1658,976 238x56\n"
+                "22:01:33.750 window 3 in\n"
+                "22:01:35.750 keyboard given back\n"
+                "22:02:31.050 another application got key 12\n"
+                "22:06:30.050 out: [reblock] next bypass requires 60s hold (unlock #2)\n"
+                "22:06:30.050 application activated\n"
+                "22:06:30.050 window 4 made, above everything, 0,0 1920x1080\n"
+                "22:06:30.050 window 5 made, above everything, 1920,0 1280x1024\n"
+                "22:06:30.050 window 4 alpha 0\n"
+                "22:06:30.050 window 4 in\n"
+                "22:06:30.050 window 5 alpha 0\n"
+                "22:06:30.050 window 5 in\n"
+                "22:06:30.050 presentation 378\n"
+                "22:06:30.050 window 3 out\n"
+                "22:06:30.050 keyboard taken\n"
+                "22:06:30.050 window 4 fades to 1 in 2.5 s ease-out\n"
+                "22:06:30.050 window 5 fades to 1 in 2.5 s ease-out\n"
+                "06:00:00.000 keyboard given back\n"
+                "06:00:00.000 window 4 out\n"
+                "06:00:00.000 window 5 out\n"
+                "06:00:00.000 presentation 0\n"
+                "06:00:00.000 out: Blocking hours ended. Exiting cleanly.\n"
+                "06:00:00.000 exit 0\n");
+}
+
+TEST_F(GraceTest, TheFirstHoldIsShortAndEveryLaterOneLong) {
+  for (const double duration : {30.0, 60.0, 60.0}) {
+    const auto keys = night.controller().requiredKeys();
+    EXPECT_EQ(night.controller().holdDuration(), duration);
+    EXPECT_NEAR(night.unlock(), duration, 0.11);
+    machine.advance(310);
+    EXPECT_EQ(night.session().state(), SessionState::blocked);
+    EXPECT_NE(night.controller().requiredKeys(), keys) << "a fresh set";
+  }
+  EXPECT_EQ(night.session().unlockCount(), 3);
+  EXPECT_EQ(machine.files.content(Config::unlockLogPath()),
+            "2026-11-16 22:01:30 — unlocked (#1, held 30s)\n"
+            "2026-11-16 22:07:41 — unlocked (#2, held 60s)\n"
+            "2026-11-16 22:13:52 — unlocked (#3, held 60s)\n");
+}
+
+TEST_F(GraceTest, LiftsTheLockStepByStep) {
+  completeHold();
+  const struct {
+    Seconds after;
+    bool confirm, fadingOut, covered, taken;
+    std::size_t windows;
+    int remaining;
+  } rows[] = {
+      {0.0, true, false, true, true, 2, 300},    {1.499, true, false, true, true, 2, 299},
+      {1.5, true, true, true, true, 2, 299},     {2.499, true, true, true, true, 2, 298},
+      {2.6, true, true, false, true, 2, 298},    {3.699, true, true, false, true, 2, 297},
+      {3.7, false, false, false, true, 1, 297},  {5.699, false, false, false, true, 1, 295},
+      {5.7, false, false, false, false, 1, 295},
+  };
+  Seconds passed = 0;
+  for (const auto& row : rows) {
+    machine.advance(row.after - passed);
+    passed = row.after;
+    const ScreenManager& session = night.session();
+    EXPECT_EQ(session.showUnlockConfirm(), row.confirm) << row.after;
+    EXPECT_EQ(session.isFadingOut(), row.fadingOut) << row.after;
+    EXPECT_EQ(machine.windows.cover() == 1, row.covered) << row.after;
+    EXPECT_EQ(machine.keyboard.isTaken(), row.taken) << row.after;
+    EXPECT_EQ(machine.windows.visible().size(), row.windows) << row.after;
+    EXPECT_EQ(session.graceSecondsRemaining(), row.remaining) << row.after;
+    EXPECT_EQ(session.retiringInterceptor() != nullptr, row.after >= 3.7 && row.after < 5.7) << row.after;
+  }
+}
+
+TEST_F(GraceTest, KeysStayTheProgramsForTwoSecondsAfterTheLift) {
+  completeHold();
+  machine.advance(5.6);
+  machine.keyboard.press(0);
+  machine.keyboard.release(0);
+  EXPECT_TRUE(machine.keyboard.foreignKeys().empty());
+  machine.advance(0.1);
+  machine.keyboard.press(0);
+  EXPECT_EQ(machine.keyboard.foreignKeys().size(), 1U);
+}
+
+TEST_F(GraceTest, TwoCompletionsInOneTurnAreOneUnlock) {
+  pressAll(machine, night.controller());
+  machine.advance(30);
+  night.controller().updateProgress();
+  machine.jumpUptime(0.1);
+  night.controller().updateProgress();
+  night.controller().updateProgress();
+  machine.settle();
+  EXPECT_EQ(night.session().unlockCount(), 1);
+  EXPECT_EQ(machine.output.lines(), Lines{"[grace] unlock #1 logged"});
+}
+
+TEST_F(GraceTest, ALoweringThatIsOvertakenStopsAtItsNextStep) {
+  const struct {
+    const char* name;
+    Seconds at;
+  } steps[] = {{"confirming", 0.5}, {"content fading", 2.0}, {"windows fading", 3.0}};
+  for (const auto& step : steps) {
+    {
+      Night taken;  // down at once
+      taken.begin("2026-11-16 22:00:00");
+      taken.unlock();
+      taken.machine.advance(step.at - 1);
+      taken.session().deactivate();
+      taken.machine.journal.clear();
+      taken.machine.advance(400);
+      EXPECT_EQ(taken.machine.journal.lines(), Lines{}) << step.name;
+      EXPECT_FALSE(taken.session().isFadingOut()) << step.name;
+    }
+    {
+      Night rebuilt;  // a new lock
+      rebuilt.begin("2026-11-16 22:00:00");
+      rebuilt.unlock();
+      rebuilt.machine.advance(step.at - 1);
+      rebuilt.session().activate(true);
+      rebuilt.machine.advance(2.5);
+      rebuilt.machine.windows.watchCover();
+      rebuilt.machine.advance(100);
+      EXPECT_EQ(rebuilt.machine.windows.leastCover(), 1) << step.name;
+      EXPECT_EQ(rebuilt.machine.windows.visible().size(), 2U) << step.name << ": a pill over a lock";
+      EXPECT_TRUE(rebuilt.machine.keyboard.isTaken()) << step.name;
+      EXPECT_FALSE(rebuilt.session().isFadingOut() || rebuilt.session().showUnlockConfirm()) << step.name;
+    }
+  }
+}
+
+TEST_F(GraceTest, NothingPendingOutlivesItsSession) {
+  for (const Seconds at : {0.0, 1.0, 2.0, 3.0, 4.0, 100.0, 299.5}) {
+    SimMachine::Options options;
+    options.start = "2026-11-16 21:00:00";
+    SimMachine m(options);
+    m.defaults.putBoolean(defaultsKey::onboardingComplete, true);
+    m.defaults.putInteger(defaultsKey::blockStartHour, 22);
+    std::shared_ptr<ScreenManager> session = ScreenManager::create();
+    session->activate(true);
+    pressAll(m, *session->bypassController());
+    ASSERT_TRUE(m.timeline.advanceUntil([&] { return session->state() == SessionState::grace; }, 31));
+    m.advance(at);
+    const std::weak_ptr<ScreenManager> weak = session;
+    session.reset();
+    EXPECT_TRUE(weak.expired()) << "held by something pending, " << at << " s after the hold";
+    m.settle();
+    m.journal.clear();
+    m.advanceTo("2026-11-17 07:00:00");
+    for (const std::string& line : m.journal.lines()) {
+      EXPECT_NE(line.find("keyboard given back"), std::string::npos) << at << ": " << line;
+    }
+    EXPECT_FALSE(m.keyboard.isTaken()) << at;
+    EXPECT_FALSE(m.exitStatus()) << at << ": the watchdog outlived its session";
+  }
+}
+
+TEST_F(GraceTest, ScreensThatChangeInGraceChangeNothing) {
+  night.unlock();
+  machine.advance(10);
+  machine.journal.clear();
+  machine.screens.plug("DP-3", {3200, 0, 800, 600});
+  machine.screens.pull("DP-2");
+  machine.settle();
+  EXPECT_EQ(machine.journal.lines().size(), 2U);
+  EXPECT_EQ(machine.windows.visible().size(), 1U);
+  machine.advance(300);
+  EXPECT_EQ(machine.windows.cover(), 1) << "the next lock covers what is there then";
+  EXPECT_EQ(machine.windows.visible().size(), 2U);
+}
+
+TEST_F(GraceTest, WithoutAScreenThereIsNoPillAndTheCountdownRuns) {
+  machine.screens.pull("DP-1");
+  machine.screens.pull("DP-2");
+  night.unlock();
+  machine.advance(10);
+  EXPECT_TRUE(machine.windows.visible().empty());
+  machine.screens.plug("DP-1", {0, 0, 1920, 1080});
+  machine.advance(300);
+  EXPECT_EQ(night.session().state(), SessionState::blocked);
+  EXPECT_EQ(machine.windows.cover(), 1);
+}
+
+TEST_F(GraceTest, TheHoursMayEndInIt) {
+  {
+    Night late;  // seen by a check
+    late.begin("2026-11-17 05:50:00");
+    late.machine.advanceTo("2026-11-17 05:57:00");
+    late.unlock();
+    late.machine.advanceTo("2026-11-17 06:00:00");
+    EXPECT_EQ(late.machine.exitStatus(), 0);
+    EXPECT_EQ(late.machine.output.lines().back(), "Blocking hours ended. Exiting cleanly.");
+  }
+  {
+    Night later;  // seen when the lock is about to return, between two checks
+    later.begin("2026-11-17 05:50:08");
+    later.machine.advanceTo("2026-11-17 05:54:34");
+    later.unlock();
+    later.machine.advanceTo("2026-11-17 06:01:00");
+    EXPECT_EQ(later.machine.output.lines().back(), "Blocking hours ended during grace period. Exiting cleanly.");
+    EXPECT_EQ(later.machine.exitStatus(), 0);
+    EXPECT_TRUE(later.machine.windows.visible().empty());
+  }
+}
+
+TEST_F(GraceTest, ARevokedPermissionWaitsForTheNextLock) {
+  night.unlock();
+  machine.accessibility.setTrusted(false);
+  machine.journal.clear();
+  machine.advance(10);
+  for (const std::string& line : machine.journal.lines()) EXPECT_EQ(line.find("a11y"), std::string::npos) << line;
+  machine.advance(300);
+  EXPECT_EQ(machine.windows.cover(), 1);
+  EXPECT_EQ(machine.output.lines().back(),
+            "Warning: KeyInterceptor failed to start. Keyboard events will only be captured via window.");
+  EXPECT_NEAR(night.unlock(), 60, 0.11) << "by the windows";
+}
+
+}  // namespace
+}  // namespace dormel

@@ -1,0 +1,225 @@
+// Nights without the permission, and the two rehearsals that a user can always leave.
+#include <gtest/gtest.h>
+
+#include "core/DebugLog.h"
+#include "tests/sim/Night.h"
+
+namespace dormel {
+namespace {
+
+using Lines = std::vector<std::string>;
+
+constexpr KeyCode ESCAPE = 53;
+
+TEST(Degraded, ShowsTheCardAndLocksTheMomentThePermissionComes) {
+  Night night;
+  night.machine.accessibility.setTrusted(false);
+  night.begin("2026-11-16 22:00:00");
+  night.machine.advance(600);
+  night.machine.screens.noticeOnly();
+  night.machine.settle();
+  EXPECT_TRUE(night.session().isDegraded());
+  EXPECT_EQ(night.session().state(), SessionState::idle);
+  EXPECT_EQ(night.machine.journal.text(),
+            "22:00:00.000 start --scheduled\n"
+            "22:00:00.000 out: [a11y] Accessibility is OFF — NOT locking the screen (P2.2r). Showing the permission "
+            "card and watching.\n"
+            "22:00:00.000 window 1 made, floating, 0,0 520x400\n"
+            "22:00:00.000 window 1 frame 1470,826 440x220\n"
+            "22:00:00.000 window 1 in\n");
+  EXPECT_EQ(night.machine.windows.keyWindow(), nullptr);
+
+  night.machine.accessibility.setTrusted(true);
+  night.machine.advance(3);
+  EXPECT_EQ(night.session().state(), SessionState::blocked);
+  EXPECT_EQ(night.machine.output.lines().back(), "[a11y] Accessibility granted — starting the block now.");
+  EXPECT_EQ(night.machine.windows.visible().size(), 2U) << "the card is gone";
+  EXPECT_TRUE(night.machine.files.exists("/home/user/Library/Application Support")) << "the night counts from now";
+  EXPECT_NEAR(night.unlock(), 30, 0.11);
+  night.machine.advanceTo("2026-11-17 06:00:10");
+  EXPECT_EQ(night.machine.exitStatus(), 0);
+}
+
+TEST(Degraded, EndsWithTheHours) {
+  {
+    Night night;
+    night.machine.accessibility.setTrusted(false);
+    night.begin("2026-11-16 22:00:00");
+    night.machine.advanceTo("2026-11-17 06:00:10");
+    EXPECT_EQ(night.machine.exitStatus(), 0);
+    EXPECT_TRUE(night.machine.windows.visible().empty());
+    EXPECT_FALSE(night.machine.files.exists("/home/user/Library")) << "nothing happened, nothing is recorded";
+  }
+  {
+    // Granted after the end hour, before anything noticed the end.
+    Night night;
+    night.machine.accessibility.setTrusted(false);
+    night.begin("2026-11-16 22:00:08");
+    night.machine.advanceTo("2026-11-17 06:00:01");
+    night.machine.accessibility.setTrusted(true);
+    night.machine.advance(3);
+    EXPECT_EQ(night.machine.output.lines().back(),
+              "[a11y] Accessibility granted, but the blocking hours have ended. Exiting.");
+    EXPECT_EQ(night.machine.exitStatus(), 0);
+  }
+}
+
+class RehearsalTest : public testing::Test {
+ protected:
+  RehearsalTest() {
+    machine.windows.setFirstShown([](View& view) {
+      if (view.kind() == ViewKind::blockerOverlay) static_cast<BlockerOverlayView&>(view).onAppear();
+    });
+  }
+
+  void startTest(bool trusted = true) {
+    machine.accessibility.setTrusted(trusted);
+    session->startTest(trusted, [this] {
+      EXPECT_EQ(session->state(), SessionState::idle);
+      ++ends;
+    });
+  }
+  bool startDemo() {
+    return session->startOnboardingDemo([this] { ++ends; });
+  }
+  void hold(Seconds duration) {
+    pressAll(machine, *session->bypassController());
+    machine.advance(duration);
+    releaseAll(machine);
+    machine.advance(0.05);  // until the poll has seen it
+  }
+  [[nodiscard]] std::string lastTrace() const {
+    const auto& lines = DebugLog::shared().lines();
+    return lines.empty() ? std::string() : lines.back().substr(sizeof "21:00:00.000  " - 1);
+  }
+  void expectOver(const char* how) {
+    EXPECT_EQ(lastTrace(), how);
+    EXPECT_EQ(session->state(), SessionState::idle);
+    EXPECT_TRUE(session->windows().empty());
+    EXPECT_TRUE(machine.windows.visible().empty());
+    EXPECT_FALSE(machine.keyboard.isTaken());
+    EXPECT_EQ(machine.application.presentationOptions(), 0U);
+    machine.settle();
+    machine.advance(200);
+    EXPECT_EQ(ends, 1);
+    EXPECT_EQ(session->unlockCount(), 0);
+    EXPECT_FALSE(machine.files.exists(Config::unlockLogPath()));
+  }
+
+  SimMachine machine;  // 21:00, nothing set up: rehearsals look at no hours
+  std::shared_ptr<ScreenManager> session = ScreenManager::create();
+  int ends = 0;
+};
+
+constexpr const char* PASSED = "═══ TEST PASSED · hold completed ═══";
+constexpr const char* CANCELLED = "═══ TEST CANCELLED ═══";
+
+TEST_F(RehearsalTest, ATestRunIsTheWholeCycleInMiniature) {
+  startTest();
+  EXPECT_EQ(machine.application.presentationOptions(), 0U) << "the desktop stays leavable";
+  hold(5.1);
+  EXPECT_EQ(session->state(), SessionState::grace);
+  EXPECT_EQ(session->graceSecondsRemaining(), 10);
+  machine.advance(4);
+  EXPECT_EQ(machine.windows.cover(), 0);
+  machine.advance(6);
+  EXPECT_EQ(session->state(), SessionState::blocked);
+  hold(11.9);
+  hold(12.1);
+  EXPECT_EQ(ends, 0);
+  machine.advance(3.7);
+  expectOver(PASSED);
+  EXPECT_TRUE(DebugLog::shared().enabled());
+  EXPECT_TRUE(DebugLog::shared().lines().front().ends_with(
+      "═══ TEST START · hold 5s → grace 10s → re-block → hold 12s · Esc cancels · AX=on ═══"));
+}
+
+TEST_F(RehearsalTest, EscapeEndsATestRunAtAnyMoment) {
+  const struct {
+    const char* name;
+    bool trusted;
+    Seconds at;
+  } rows[] = {{"by the tap", true, 0},
+              {"by the window", false, 0},
+              {"while it confirms", true, 6},
+              {"while it fades", true, 8},
+              {"when it is back", true, 17}};
+  for (const auto& row : rows) {
+    SimMachine own;
+    auto mine = ScreenManager::create();
+    int ended = 0;
+    own.accessibility.setTrusted(row.trusted);
+    mine->startTest(row.trusted, [&] { ++ended; });
+    if (row.at > 0) {
+      pressAll(own, *mine->bypassController());
+      own.advance(5.1);
+      releaseAll(own);
+      own.advance(row.at - 5.1);
+    }
+    own.keyboard.press(ESCAPE);
+    own.settle();
+    EXPECT_EQ(mine->state(), SessionState::idle) << row.name;
+    EXPECT_TRUE(own.windows.visible().empty()) << row.name;
+    own.advance(200);
+    EXPECT_EQ(ended, 1) << row.name;
+  }
+}
+
+TEST_F(RehearsalTest, EveryStepHasNinetySeconds) {
+  startTest();
+  machine.advance(84);
+  hold(5.1);  // counts as progress
+  machine.advance(85);
+  EXPECT_EQ(ends, 0);
+  machine.advance(15.1);  // the lock's return counted, too
+  EXPECT_EQ(ends, 1);
+  expectOver(CANCELLED);
+}
+
+TEST_F(RehearsalTest, TwoEndsInOneTurnAreOne) {
+  startTest();
+  machine.advance(89.999);
+  machine.stallMain(1);
+  machine.keyboard.press(ESCAPE);
+  machine.advance(1);
+  expectOver(CANCELLED);
+}
+
+TEST_F(RehearsalTest, OnlyOneAtATime) {
+  startTest();
+  startTest();
+  EXPECT_FALSE(startDemo());
+  machine.keyboard.press(ESCAPE);
+  machine.settle();
+  expectOver(CANCELLED);
+}
+
+TEST_F(RehearsalTest, ADemoIsOneHold) {
+  machine.accessibility.setTrusted(false);
+  EXPECT_FALSE(startDemo());
+  EXPECT_TRUE(machine.windows.visible().empty());
+  machine.accessibility.setTrusted(true);
+  DebugLog::shared().setEnabled(true);
+  EXPECT_TRUE(startDemo());
+  machine.screens.plug("DP-2", {1920, 0, 1280, 1024});
+  machine.settle();
+  EXPECT_EQ(machine.windows.visible().size(), 1U) << "nobody watches the screens in a rehearsal";
+  hold(5.1);
+  EXPECT_TRUE(session->showUnlockConfirm());
+  machine.advance(3.7);
+  expectOver(PASSED);
+}
+
+TEST_F(RehearsalTest, ADemoLeftAloneFadesAwayByItself) {
+  DebugLog::shared().setEnabled(true);
+  EXPECT_TRUE(startDemo());
+  machine.advance(30);
+  EXPECT_FALSE(session->showUnlockConfirm()) << "nothing to confirm";
+  EXPECT_TRUE(session->isFadingOut());
+  EXPECT_EQ(ends, 0);
+  machine.advance(2.2);
+  expectOver(CANCELLED);
+}
+
+}  // namespace
+}  // namespace dormel
