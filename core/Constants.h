@@ -3,16 +3,9 @@
 
 #include <array>
 
+#include "platform/Identifiers.h"
+
 namespace dormel {
-
-#ifndef DORMEL_APP_ID_BASE
-#error "DORMEL_APP_ID_BASE comes from the build"
-#endif
-
-/// Prefix of every identifier that is ours: queue labels, the bundle identifier.
-inline constexpr const char* APP_ID_BASE = DORMEL_APP_ID_BASE;
-/// Names the scheduler job, the defaults domain and the record folder.
-inline constexpr const char* BUNDLE_IDENTIFIER = DORMEL_APP_ID_BASE ".mac";
 
 /// Hold times of the unlock challenge: the first unlock of a night, and every later one.
 inline constexpr std::array<double, 2> BYPASS_DURATIONS{30.0, 60.0};
