@@ -8,7 +8,7 @@ server with its dummy driver, xrandr and ImageMagick (see tools/packages).
 
 from .bundle import Bundle
 from .desk import Desk
-from .eyes import Eyes, Picture
+from .eyes import Eyes, Picture, Sampler
 from .home import Home
 from .keyboard import Keyboard, evdev_of_label
 from .neighbours import Neighbour
@@ -16,5 +16,5 @@ from .server import Server
 from .wait import NotSeen, until
 from .watcher import Watcher
 
-__all__ = ["Bundle", "Desk", "Eyes", "Home", "Keyboard", "Neighbour", "NotSeen", "Picture", "Server", "Watcher",
-           "evdev_of_label", "until"]
+__all__ = ["Bundle", "Desk", "Eyes", "Home", "Keyboard", "Neighbour", "NotSeen", "Picture", "Sampler", "Server",
+           "Watcher", "evdev_of_label", "until"]

@@ -1,6 +1,8 @@
 """Looking at the screens: pictures, single pixels, and who stands on top of whom."""
 
 import struct
+import threading
+import time
 import zlib
 from dataclasses import dataclass
 
@@ -111,6 +113,9 @@ class Eyes:
 
     def monitors(self):
         """What is lit now, in the server's order."""
+        if not self._display.has_extension("RANDR"):
+            at = self._root.get_geometry()
+            return [Monitor("screen", 0, 0, at.width, at.height, True)]
         answer = self._root.xrandr_get_monitors()
         return [Monitor(self._display.get_atom_name(m.name), m.x, m.y, m.width_in_pixels, m.height_in_pixels,
                         bool(m.primary)) for m in answer.monitors]
@@ -189,3 +194,45 @@ class Eyes:
             else:
                 return No(f"{monitor.name}: no window covers it")
         return True
+
+
+class Sampler(threading.Thread):
+    """Looks at a few points without pause and remembers for how long one of them was not black.
+
+    Its own connection, its own thread. `longest` is the longest time between the last look that saw every point black
+    and the next look that did; `looks` says how often it looked.
+    """
+
+    def __init__(self, server, points, level=12):
+        super().__init__(name="sampler", daemon=True)
+        self._eyes, self._points, self._level = Eyes(server), list(points), level
+        self._asked_to_stop = False
+        self.looks, self.exposures, self.longest = 0, 0, 0.0
+
+    def run(self):
+        dark_at, exposed = None, False
+        while not self._asked_to_stop:
+            now = time.monotonic()
+            seen = all(max(self._eyes.pixel(x, y)) <= self._level for x, y in self._points)
+            self.looks += 1
+            if seen:
+                if exposed:
+                    self.longest = max(self.longest, time.monotonic() - dark_at)
+                dark_at, exposed = now, False
+            elif dark_at is not None and not exposed:
+                exposed = True
+                self.exposures += 1
+        if exposed:
+            self.longest = max(self.longest, time.monotonic() - dark_at)
+        self._eyes.close()
+
+    def __enter__(self):
+        self.start()
+        return self
+
+    def __exit__(self, *_):
+        self._asked_to_stop = True
+        self.join()
+
+    def __str__(self):
+        return (f"{self.looks} looks, {self.exposures} of them not black, for {self.longest * 1000:.0f} ms at most")

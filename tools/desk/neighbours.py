@@ -22,10 +22,9 @@ BRIGHT = 0xFF7A1A  # nothing of the program has this colour
 
 class Neighbour:
     def __init__(self, server, kind):
-        environment = {**os.environ, **server.environment(),
-                       "PYTHONPATH": os.path.dirname(os.path.dirname(os.path.abspath(__file__)))}
-        self._process = subprocess.Popen([sys.executable, "-m", "desk.neighbours", kind], env=environment,
-                                         stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True, bufsize=1)
+        self._process = subprocess.Popen([sys.executable, os.path.abspath(__file__), kind],
+                                         env={**os.environ, **server.environment()}, stdin=subprocess.PIPE,
+                                         stdout=subprocess.PIPE, text=True, bufsize=1)
         self.pid = self._process.pid
         self.said = self._answer(10)
 

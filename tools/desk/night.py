@@ -16,14 +16,17 @@ class Night:
     """Plays on a desk with an installed bundle.
 
     report(title, detail, at, picture) is called for each step as it is seen: `at` is the moment on the monotonic
-    clock, `picture` a file name stem when the screens are worth a picture now, else None.
+    clock, `picture` a file name stem when the screens are worth a picture now, else None. speed: how much faster than
+    ours the program's clocks run; durations asked of the steps are the program's.
     """
 
-    def __init__(self, desk, bundle, report):
-        self.desk, self.bundle, self._report = desk, bundle, report
+    def __init__(self, desk, bundle, report, speed=1.0):
+        self.desk, self.bundle, self._report, self._speed = desk, bundle, report, speed
         self.began = None
         self.pid = None
         self.keys = None
+        self.completed = None
+        self._debug_mark = 0
 
     # The steps, in their order. Each can be played alone by a test that has played those before it.
 
@@ -39,7 +42,11 @@ class Night:
         self.bundle.setup()
         manager = "systemd --user" if desk.manager else "the built-in supervisor"
         self._report("lock requested", f"Dormel --setup armed {manager}", self.began, None)
-        self.pid = self.bundle.wait_for_scheduled()
+        self.see_lock(self.bundle.wait_for_scheduled(), mark)
+
+    def see_lock(self, pid, mark):
+        """The first lock of a program that was started after the mark in the watcher's record."""
+        self.pid = pid
         self._see_lock(mark, None, "covered")
 
     def _see_lock(self, mark, previous_keys, picture):
@@ -56,15 +63,11 @@ class Night:
             raise NotSeen("while locked, a key does not reach the document")
         until("every screen is black", desk.eyes.dark, 10)
         self._report("both screens black", "and no key reaches the document", time.monotonic(), None)
-        self.keys = until("the debug log names the keys", lambda: desk.home.drawn_keys(self._log_mark), 10)
+        self.keys = until("the debug log names the keys", lambda: desk.home.drawn_keys(self._debug_mark), 10)
         if previous_keys is not None and self.keys == previous_keys:
             raise NotSeen("new keys after the lock came back")
         until("the keys show on every screen", lambda: self._caps(monitors, bright=120, enough=40), 10)
         self._report("keys shown", "  ".join(self.keys), time.monotonic(), f"keys-{picture}")
-
-    @property
-    def _log_mark(self):
-        return getattr(self, "_debug_mark", 0)
 
     def let_go_early(self):
         """A hold that is broken earns nothing."""
@@ -99,8 +102,8 @@ class Night:
             raise NotSeen("the screens stay covered during the hold")
         desk.home.wait_for_line("debug.log", "✔ HOLD COMPLETE", 5, mark)
         self.completed = time.monotonic()
-        took = self.completed - began
-        if not seconds - 0.2 <= took <= seconds + 0.5:
+        took = self._speed * (self.completed - began)
+        if not seconds - 0.2 <= took <= seconds + 0.5 * self._speed:
             raise NotSeen(f"a hold of {seconds:g} s (it took {took:.2f} s)")
         self._report("hold complete", f"after {took:.2f} s", self.completed, None)
 
@@ -114,16 +117,20 @@ class Night:
         until(f"the hold reaches {elapsed:g} s", reached, elapsed + 5, every=0.05)
 
     def unlock(self):
-        """The confirmation, the way out, the pill, and the keyboard back in the document."""
+        """The confirmation, the way out, the pill, and the keyboard back in the document.
+
+        Answers how many lines the unlock log has.
+        """
         desk = self.desk
         monitors = desk.eyes.monitors()
         mark = desk.watcher.mark()
-        until("\"Unlocked. Let go.\" on every screen", lambda: self._confirmation(monitors), 2)
-        self._report("unlock confirmed", "\"Unlocked. Let go.\"", time.monotonic(), "confirmed")
+        if self._speed == 1.0:  # sped up, it is gone before one has looked at all screens
+            until("\"Unlocked. Let go.\" on every screen", lambda: self._confirmation(monitors), 2)
+            self._report("unlock confirmed", "\"Unlocked. Let go.\"", time.monotonic(), "confirmed")
         desk.keyboard.let_go()
         until("the lock is off every screen", lambda: not any(self._covers(m) for m in monitors), 8)
         lifted = time.monotonic()
-        self._report("screens free", f"{lifted - self.completed:.1f} s after the hold", lifted, None)
+        self._report("screens free", f"{self._speed * (lifted - self.completed):.1f} s after the hold", lifted, None)
         pill = until("the countdown pill", self._pill, 3)
         self._report("countdown pill", f"{pill.width} × {pill.height} in the corner of the main screen",
                      time.monotonic(), "pill")
@@ -141,8 +148,11 @@ class Night:
         mark = desk.watcher.mark()
         before = self.keys
         # The grab of the new lock is the first of its events; the pill and the document cause none.
-        desk.watcher.first("grab", mark, GRACE + 5, "the lock returns when the grace is over")
-        self._report("grace over", f"after {time.monotonic() - self.completed:.1f} s", time.monotonic(), None)
+        returned = desk.watcher.first("grab", mark, GRACE / self._speed + 5, "the lock returns after the grace").at
+        took = self._speed * (returned - self.completed)
+        self._report("grace over", f"after {took:.1f} s", returned, None)
+        if not GRACE - self._speed <= took <= GRACE + 2 * self._speed:
+            raise NotSeen(f"a grace of {GRACE:g} s (it took {took:.1f} s)")
         self._see_lock(mark, before, "locked-again")
         desk.home.wait_for_line("dormel.log", "[reblock] next bypass requires 60s hold", 3, lines)
 

@@ -13,6 +13,8 @@ import subprocess
 import time
 
 from Xlib import display as xdisplay
+from Xlib.protocol import display as xprotocol
+from Xlib.protocol import event as xevent
 
 from .wait import NotSeen
 
@@ -100,8 +102,12 @@ class Server:
         """A connection of one's own. Connections are not shared between threads."""
         before = os.environ.get("XAUTHORITY")
         os.environ["XAUTHORITY"] = self.xauthority
+        # python-xlib keeps one table of event codes for all connections, but servers number extensions differently.
+        codes = xprotocol.Display.event_classes = xevent.event_class.copy()
         try:
-            return xdisplay.Display(self.display)
+            connection = xdisplay.Display(self.display)
+            connection.display.event_classes = codes
+            return connection
         finally:
             if before is None:
                 del os.environ["XAUTHORITY"]

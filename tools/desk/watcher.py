@@ -33,7 +33,9 @@ class Watcher:
         root = self._display.screen().root
         self._root = root
         root.change_attributes(event_mask=X.SubstructureNotifyMask | X.FocusChangeMask)
-        root.xrandr_select_input(randr.RRScreenChangeNotifyMask | randr.RRCrtcChangeNotifyMask)
+        self._has_screens = self._display.has_extension("RANDR")
+        if self._has_screens:
+            root.xrandr_select_input(randr.RRScreenChangeNotifyMask | randr.RRCrtcChangeNotifyMask)
         for window in root.query_tree().children:
             window.change_attributes(event_mask=X.FocusChangeMask)
         self._display.sync()
@@ -69,7 +71,7 @@ class Watcher:
             self._note(Event(now, kinds[event.type], event.window.id, rectangle))
         elif event.type in (X.FocusIn, X.FocusOut) and event.mode in (X.NotifyGrab, X.NotifyUngrab):
             self._note(Event(now, "grab" if event.mode == X.NotifyGrab else "ungrab", event.window.id))
-        elif event.type >= self._display.extension_event.ScreenChangeNotify:
+        elif self._has_screens and event.type >= self._display.extension_event.ScreenChangeNotify:
             self._note(Event(now, "screens"))
 
     def _note(self, event):

@@ -1,0 +1,72 @@
+"""What the desktop tests share: a desk with the installed program, and the lock on it."""
+
+import os
+import subprocess
+import sys
+import time
+import unittest
+
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "tools"))
+
+from desk import Bundle, Desk, NotSeen, evdev_of_label, until  # noqa: E402,F401
+
+
+class DesktopCase(unittest.TestCase):
+    def desk(self, **options):
+        """A private desktop with the program installed; taken down when the test ends."""
+        desk = Desk(**options)
+        self.enterContext(desk)
+        desk.bundle = Bundle(desk).install()
+        return desk
+
+    def saw(self, text):
+        """Part of the test's record: what it measured."""
+        print(f"    {text}", flush=True)
+
+    def start(self, desk, *arguments, environment=None):
+        """Starts the program as the scheduler would, its output going to dormel.log; killed when the test ends."""
+        path = desk.home.log_path("dormel.log")
+        os.makedirs(os.path.dirname(path), exist_ok=True)
+        with open(path, "ab") as log:
+            process = desk.bundle.start(*arguments, environment=environment, output=log)
+
+        def end():
+            if process.poll() is None:
+                process.kill()
+            process.wait()
+
+        self.addCleanup(end)
+        return process
+
+    def lock(self, desk, **options):
+        """A scheduled run inside the hours, once it covers every screen. Answers its process."""
+        desk.home.hours_around_now(onboardingComplete=True)
+        process = self.start(desk, "--scheduled", **options)
+        try:
+            until("the program covers every screen", lambda: desk.eyes.covered(process.pid), 10)
+            until("every screen is black", desk.eyes.dark, 10)
+        except NotSeen:
+            self.saw("dormel.log ends: " + " / ".join(desk.home.log("dormel.log")[-4:]))
+            self.saw(f"exit status: {process.poll()}")
+            raise
+        return process
+
+    def press_the_keys(self, desk):
+        """Presses the five keys that the lock asks for; answers their codes once the hold runs."""
+        keys = until("the debug log names the keys", desk.home.drawn_keys, 5)
+        codes = [evdev_of_label(label) for label in keys]
+        mark = len(desk.home.log("debug.log"))
+        desk.keyboard.press(*codes)
+        desk.home.wait_for_line("debug.log", "▶ all keys held", 3, mark)
+        return codes
+
+    def assert_stays(self, process, seconds):
+        """The process does not end within the time."""
+        try:
+            self.fail(f"ended with status {process.wait(seconds)}")
+        except subprocess.TimeoutExpired:
+            pass
+
+    @staticmethod
+    def clock():
+        return time.monotonic()

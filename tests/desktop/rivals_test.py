@@ -1,0 +1,90 @@
+"""Other programs that want the keyboard or the top of the screen."""
+
+import unittest
+
+from case import DesktopCase, until
+from desk import Sampler, processes
+
+
+class KeyboardRivals(DesktopCase):
+    def test_another_program_holds_the_keyboard_when_the_lock_comes(self):
+        desk = self.desk()
+        rival = desk.neighbour("grabber")
+        process = self.lock(desk)
+        self.saw("covered although another program holds the keyboard")
+        self.press_the_keys(desk)
+        self.saw("its five keys count all the same")
+        desk.home.wait_for_line("debug.log", "holding 1.", 3)
+        desk.keyboard.let_go()
+        mark = desk.watcher.mark()
+        rival.tell("release")
+        released = self.clock()
+        taken = desk.watcher.first("grab", mark, 5, "the lock takes the keyboard").at
+        self.saw(f"keyboard taken {1000 * (taken - released):.0f} ms after the rival let go")
+        self.assertLess(taken - released, 0.3)
+        self.assertFalse(desk.keys_reach_the_document())
+        self.assertIsNone(process.poll())
+
+    def test_a_lost_grab_comes_back(self):
+        desk = self.desk()
+        mark = desk.watcher.mark()
+        self.lock(desk)
+        grab = desk.watcher.since(mark, "grab")[-1]
+        # A grab ends when its window is no longer on the screen, and any client may take a window off the screen.
+        connection = desk.server.open()
+        mark = desk.watcher.mark()
+        lost = self.clock()
+        connection.create_resource_object("window", grab.window).unmap()
+        connection.sync()
+        desk.watcher.first("ungrab", mark, 2, "the grab is lost")
+        again = desk.watcher.first("grab", mark, 6, "the grab is taken again").at
+        connection.close()
+        self.saw(f"taken again {1000 * (again - lost):.0f} ms after it was lost")
+        self.assertFalse(desk.keys_reach_the_document())
+
+
+class TopmostRivals(DesktopCase):
+    def on_top(self, desk, process, within=2):
+        until("the lock is on top", lambda: desk.eyes.covered(process.pid), within)
+
+    def test_a_window_that_raises_itself_every_100_ms(self):
+        for compositor in (False, True):
+            with self.subTest(compositor=compositor):
+                desk = self.desk(compositor=compositor)
+                process = self.lock(desk)
+                desk.neighbour("raiser")
+                self.on_top(desk, process)
+                main = desk.eyes.primary()
+                points = [(main.x + 500, main.y + 300), (main.x + 320, main.y + 220)]
+                before, began = processes.effort([process.pid]), self.clock()
+                with Sampler(desk.server, points) as sampler:
+                    self.assert_stays(process, 4)
+                busy = 100 * (processes.effort([process.pid])[0] - before[0]) / (self.clock() - began)
+                self.saw(f"{'with' if compositor else 'without'} a compositor: {sampler}; {busy:.0f} % of a core")
+                self.assertGreater(sampler.looks, 200)
+                self.assertLess(sampler.longest, 0.08)
+                self.assertLess(busy, 30)
+                self.on_top(desk, process)
+                desk.close()
+
+    def test_windows_that_map_later(self):
+        for options in ({}, {"windows": "openbox", "compositor": True}):
+            desk = self.desk(**options)
+            process = self.lock(desk)
+            for kind in ("notification", "fullscreen"):
+                with self.subTest(kind=kind, **options):
+                    neighbour = desk.neighbour(kind)
+                    main = desk.eyes.primary()
+                    points = [(main.x + main.width - 200, main.y + 100)]
+                    with Sampler(desk.server, points) as sampler:
+                        neighbour.tell("show")
+                        self.assert_stays(process, 1)
+                    self.saw(f"{kind}, {'openbox and picom' if options else 'bare server'}: {sampler}")
+                    self.assertLess(sampler.longest, 0.1)
+                    self.on_top(desk, process)
+            self.assertTrue(desk.eyes.dark())
+            desk.close()
+
+
+if __name__ == "__main__":
+    unittest.main()

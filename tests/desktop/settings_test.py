@@ -1,0 +1,80 @@
+"""Settings, records and logs that are damaged or cannot be written: the lock comes all the same."""
+
+import os
+import plistlib
+import subprocess
+import time
+import unittest
+
+from case import DesktopCase, until
+
+
+class SettingsTest(DesktopCase):
+    def test_a_settings_file_that_cannot_be_read(self):
+        desk = self.desk()
+        path = desk.home.settings_path
+        os.makedirs(os.path.dirname(path), exist_ok=True)
+        damaged = {
+            "empty": b"",
+            "noise": bytes(range(256)),
+            "cut short": plistlib.dumps({"onboardingComplete": True})[:-30],
+            "not a dictionary": plistlib.dumps(["onboardingComplete"]),
+        }
+        for name, content in damaged.items():
+            with self.subTest(name):
+                with open(path, "wb") as file:
+                    file.write(content)
+                done = desk.bundle.run("--scheduled", within=10)
+                errors = [line for line in done.stderr.split("\n") if line]
+                self.saw(f"{name}: {done.stdout.strip()} | {errors}")
+                # The defaults are in force: nobody has set the program up.
+                self.assertEqual(done.returncode, 0)
+                self.assertIn("Onboarding not complete — not blocking. Exiting.", done.stdout)
+                self.assertEqual(len(errors), 1)
+                kept = [entry for entry in os.listdir(os.path.dirname(path))
+                        if self._content(os.path.join(os.path.dirname(path), entry)) == content]
+                self.assertTrue(kept, "what was in the file is kept")
+
+    @staticmethod
+    def _content(path):
+        with open(path, "rb") as file:
+            return file.read()
+
+    def test_values_of_the_wrong_type_count_as_absent(self):
+        desk = self.desk()
+        desk.home.change_settings(onboardingComplete=True, blockStartHour="22", blockEndHour=True,
+                                  blockingEnabled="no", debugLoggingEnabled=1.5)
+        # A time zone in which it is noon now, so that the default hours (0 to 6) are not on.
+        noon = f"NOON{time.gmtime().tm_hour - 12:+d}"
+        done = desk.bundle.run("--scheduled", within=10, environment={"TZ": noon})
+        self.assertEqual(done.returncode, 0)
+        self.assertIn("Outside blocking hours (0:00–6:00). Exiting.", done.stdout)
+
+    def test_records_and_logs_that_cannot_be_written(self):
+        desk = self.desk()
+        # Files where folders should be: nobody may write there, not even root.
+        library = os.path.join(desk.home.path, "Library")
+        for folder in ("Logs", "Application Support"):
+            os.makedirs(library, exist_ok=True)
+            with open(os.path.join(library, folder), "w", encoding="ascii"):
+                pass
+        desk.home.hours_around_now(onboardingComplete=True)
+        process = desk.bundle.start("--scheduled", output=subprocess.DEVNULL)
+        self.addCleanup(lambda: (process.kill(), process.wait()))
+        until("the lock", lambda: desk.eyes.covered(process.pid), 10)
+        self.assertFalse(desk.keys_reach_the_document())
+        self.assert_stays(process, 1)
+
+    def test_damaged_night_records(self):
+        desk = self.desk()
+        folder = os.path.join(desk.home.path, "Library", "Application Support",
+                              os.path.basename(desk.home.settings_path).removesuffix(".plist"))
+        os.makedirs(folder)
+        with open(os.path.join(folder, "nights.json"), "wb") as file:
+            file.write(b"[{\"date\": 7, \x00")
+        process = self.lock(desk)
+        self.assertIsNone(process.poll())
+
+
+if __name__ == "__main__":
+    unittest.main()
