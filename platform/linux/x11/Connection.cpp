@@ -1,0 +1,134 @@
+#include "platform/linux/x11/Connection.h"
+
+#include <QAbstractEventDispatcher>
+#include <QSocketNotifier>
+#include <algorithm>
+#include <utility>
+
+#include "platform/linux/x11/Reply.h"
+
+namespace dormel::x11 {
+namespace {
+
+constexpr std::uint32_t PROPERTY_WORDS = 1U << 20;
+
+}  // namespace
+
+std::shared_ptr<Connection> Connection::open(const std::string& display) {
+  int screenNumber = 0;
+  xcb_connection_t* xcb = xcb_connect(display.empty() ? nullptr : display.c_str(), &screenNumber);
+  if (xcb_connection_has_error(xcb) != 0) {
+    xcb_disconnect(xcb);
+    return nullptr;
+  }
+  return std::shared_ptr<Connection>(new Connection(xcb, screenNumber, display));
+}
+
+Connection::Connection(xcb_connection_t* xcb, int screenNumber, std::string display)
+    : xcb_(xcb), screenNumber_(screenNumber), display_(std::move(display)) {
+  auto roots = xcb_setup_roots_iterator(xcb_get_setup(xcb_));
+  for (int i = 0; i < screenNumber && roots.rem > 1; ++i) xcb_screen_next(&roots);
+  screen_ = roots.data;
+}
+
+Connection::~Connection() {
+  stopPumping();
+  xcb_disconnect(xcb_);
+}
+
+void Connection::startPumping() {
+  if (notifier_ != nullptr) return;
+  pumpContext_ = std::make_unique<QObject>();
+  notifier_ = new QSocketNotifier(xcb_get_file_descriptor(xcb_), QSocketNotifier::Read);
+  QObject::connect(notifier_, &QSocketNotifier::activated, pumpContext_.get(), [this] { readSocket(); });
+  // Waiting for a reply reads events as well; the socket is then silent although events are there.
+  QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, pumpContext_.get(),
+                   [this] { drainQueue(); });
+}
+
+void Connection::stopPumping() {
+  if (notifier_ == nullptr) return;
+  notifier_->setEnabled(false);
+  std::exchange(notifier_, nullptr)->deleteLater();  // it may be the one that is calling
+  pumpContext_.reset();
+}
+
+void Connection::readSocket() {
+  const auto self = shared_from_this();  // a handler may let go of the connection
+  while (const auto event = owned(xcb_poll_for_event(xcb_))) dispatch(*event);
+  drainQueue();
+}
+
+void Connection::drainQueue() {
+  const auto self = shared_from_this();
+  // Flushing may read, and handling an event may ask: round until nothing is left to do.
+  for (;;) {
+    while (const auto event = owned(xcb_poll_for_queued_event(xcb_))) dispatch(*event);
+    xcb_flush(xcb_);
+    const auto late = owned(xcb_poll_for_queued_event(xcb_));
+    if (!late) break;
+    dispatch(*late);
+  }
+  checkLost();
+}
+
+void Connection::dispatch(const xcb_generic_event_t& event) {
+  // Errors of requests without a reply: a window that went away meanwhile, mostly. Nothing depends on them.
+  if (event.response_type == 0) return;
+  std::vector<std::shared_ptr<const Handler>> present;
+  present.reserve(handlers_.size());
+  for (const auto& weak : handlers_) {
+    if (auto handler = weak.lock()) present.push_back(std::move(handler));
+  }
+  for (const auto& handler : present) {
+    if (handler.use_count() > 1) (*handler)(event);  // not for one that an earlier handler let go of
+  }
+  std::erase_if(handlers_, [](const auto& weak) { return weak.expired(); });
+}
+
+void Connection::checkLost() {
+  if (isAlive() || lostReported_) return;
+  lostReported_ = true;
+  if (notifier_ != nullptr) notifier_->setEnabled(false);  // a dead socket is readable for ever
+  if (onLost_) onLost_();
+}
+
+Subscription Connection::subscribe(Handler handler) {
+  auto shared = std::make_shared<const Handler>(std::move(handler));
+  handlers_.emplace_back(shared);
+  return shared;
+}
+
+void Connection::sync() {
+  static_cast<void>(owned(xcb_get_input_focus_reply(xcb_, xcb_get_input_focus(xcb_), nullptr)));
+}
+
+std::vector<xcb_atom_t> Connection::atoms(const std::vector<std::string>& names) {
+  std::vector<xcb_intern_atom_cookie_t> cookies;
+  for (const std::string& name : names) {
+    cookies.push_back(xcb_intern_atom(xcb_, 0, static_cast<std::uint16_t>(name.size()), name.data()));
+  }
+  std::vector<xcb_atom_t> atoms;
+  for (const auto& cookie : cookies) {
+    const auto reply = owned(xcb_intern_atom_reply(xcb_, cookie, nullptr));
+    atoms.push_back(reply ? reply->atom : static_cast<xcb_atom_t>(XCB_ATOM_NONE));
+  }
+  return atoms;
+}
+
+std::vector<std::uint32_t> Connection::property32(xcb_window_t window, xcb_atom_t property) {
+  const auto cookie = xcb_get_property(xcb_, 0, window, property, XCB_GET_PROPERTY_TYPE_ANY, 0, PROPERTY_WORDS);
+  const auto reply = owned(xcb_get_property_reply(xcb_, cookie, nullptr));
+  if (!reply || reply->format != 32) return {};
+  const auto* items = static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
+  return {items, items + reply->value_len};
+}
+
+std::string Connection::propertyText(xcb_window_t window, xcb_atom_t property) {
+  const auto cookie = xcb_get_property(xcb_, 0, window, property, XCB_GET_PROPERTY_TYPE_ANY, 0, PROPERTY_WORDS);
+  const auto reply = owned(xcb_get_property_reply(xcb_, cookie, nullptr));
+  if (!reply || reply->format != 8) return {};
+  return {static_cast<const char*>(xcb_get_property_value(reply.get())), reply->value_len};
+}
+
+}  // namespace dormel::x11

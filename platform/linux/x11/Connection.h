@@ -1,0 +1,83 @@
+// One connection to an X server: opening it, its events on the main run loop, and its end.
+// Main thread only. Whoever subscribed sees every event in the order of the stream.
+#pragma once
+
+#include <xcb/xcb.h>
+
+#include <QObject>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/RunLoop.h"
+
+class QSocketNotifier;
+
+namespace dormel::x11 {
+
+/// Ends the subscription when the last copy goes.
+using Subscription = std::shared_ptr<const void>;
+
+class Connection : public std::enable_shared_from_this<Connection> {
+ public:
+  using Handler = std::function<void(const xcb_generic_event_t&)>;
+
+  /// Null when there is no such server or it refuses. An empty name means $DISPLAY.
+  [[nodiscard]] static std::shared_ptr<Connection> open(const std::string& display = {});
+  Connection(const Connection&) = delete;
+  Connection& operator=(const Connection&) = delete;
+  ~Connection();
+
+  // NOLINTNEXTLINE: every xcb call takes it
+  operator xcb_connection_t*() const { return xcb_; }
+  [[nodiscard]] const xcb_screen_t& screen() const { return *screen_; }
+  [[nodiscard]] xcb_window_t root() const { return screen_->root; }
+  [[nodiscard]] int screenNumber() const { return screenNumber_; }
+  /// The name it was opened with; empty for $DISPLAY.
+  [[nodiscard]] const std::string& display() const { return display_; }
+  /// False once the server is gone; every request is then ignored and every reply null.
+  [[nodiscard]] bool isAlive() const { return xcb_connection_has_error(xcb_) == 0; }
+
+  /// Delivers events on the thread's Qt event loop from now on. Requests still buffered are sent whenever the
+  /// loop is about to wait. Without pumping, events queue up.
+  void startPumping();
+  void stopPumping();
+
+  [[nodiscard]] Subscription subscribe(Handler handler);
+  /// Called once, from the run loop, when the server is gone.
+  void setOnLost(Task onLost) { onLost_ = std::move(onLost); }
+
+  void flush() { xcb_flush(xcb_); }
+  /// Returns when the server has carried out everything sent before.
+  void sync();
+
+  // What nearly everybody needs of the protocol.
+  [[nodiscard]] xcb_atom_t atom(const std::string& name) { return atoms({name}).front(); }
+  /// In one round trip.
+  [[nodiscard]] std::vector<xcb_atom_t> atoms(const std::vector<std::string>& names);
+  /// A property's value as 32-bit items; empty when absent or of another format.
+  [[nodiscard]] std::vector<std::uint32_t> property32(xcb_window_t window, xcb_atom_t property);
+  /// A property's value as bytes.
+  [[nodiscard]] std::string propertyText(xcb_window_t window, xcb_atom_t property);
+  [[nodiscard]] std::uint32_t newId() { return xcb_generate_id(xcb_); }
+
+ private:
+  Connection(xcb_connection_t* xcb, int screenNumber, std::string display);
+  void readSocket();
+  void drainQueue();
+  void dispatch(const xcb_generic_event_t& event);
+  void checkLost();
+
+  xcb_connection_t* xcb_;
+  xcb_screen_t* screen_ = nullptr;
+  int screenNumber_;
+  std::string display_;
+  std::vector<std::weak_ptr<const Handler>> handlers_;
+  Task onLost_;
+  bool lostReported_ = false;
+  QSocketNotifier* notifier_ = nullptr;
+  std::unique_ptr<QObject> pumpContext_;
+};
+
+}  // namespace dormel::x11

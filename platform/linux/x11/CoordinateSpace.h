@@ -1,0 +1,42 @@
+// The one place where points from the bottom left (logic) and pixels from the top left (the server) meet.
+// The origin of points is the bottom-left corner of the main screen, so that plugging another screen does not
+// move the frames of those that were there.
+#pragma once
+
+#include <cmath>
+
+#include "platform/Geometry.h"
+#include "platform/linux/Canvas.h"
+
+namespace dormel::x11 {
+
+struct CoordinateSpace {
+  double scale = 1;      ///< pixels to the point
+  int originX = 0;       ///< the main screen's left edge, in pixels
+  int originBottom = 0;  ///< the first pixel row below the main screen
+
+  [[nodiscard]] Rect toPoints(const PixelRect& r) const {
+    return {(r.x - originX) / scale, (originBottom - (r.y + r.height)) / scale, r.width / scale, r.height / scale};
+  }
+  /// Edges are rounded, so that rectangles that touch in points touch in pixels.
+  [[nodiscard]] PixelRect toPixels(const Rect& r) const {
+    const auto edge = [this](double points) { return static_cast<int>(std::lround(points * scale)); };
+    const int left = originX + edge(r.x);
+    const int top = originBottom - edge(r.top());
+    return {left, top, originX + edge(r.right()) - left, originBottom - edge(r.y) - top};
+  }
+  friend bool operator==(const CoordinateSpace&, const CoordinateSpace&) = default;
+};
+
+[[nodiscard]] inline PixelRect intersection(const PixelRect& a, const PixelRect& b) {
+  const int left = std::max(a.x, b.x);
+  const int top = std::max(a.y, b.y);
+  return {left, top, std::min(a.x + a.width, b.x + b.width) - left, std::min(a.y + a.height, b.y + b.height) - top};
+}
+
+[[nodiscard]] inline bool contains(const PixelRect& outer, const PixelRect& inner) {
+  return outer.x <= inner.x && outer.y <= inner.y && outer.x + outer.width >= inner.x + inner.width &&
+         outer.y + outer.height >= inner.y + inner.height;
+}
+
+}  // namespace dormel::x11

@@ -1,0 +1,51 @@
+#include "platform/linux/x11/DesktopPicture.h"
+
+#include <utility>
+
+#include "platform/linux/x11/Reply.h"
+
+namespace dormel::x11 {
+
+DesktopPicture::DesktopPicture(std::shared_ptr<Connection> connection, const Visuals& visuals)
+    : connection_(std::move(connection)), visuals_(visuals) {}
+
+void DesktopPicture::take() {
+  if (exists() || !visuals_.canDraw()) return;
+  Connection& c = *connection_;
+  const auto root = owned(xcb_get_geometry_reply(c, xcb_get_geometry(c, c.root()), nullptr));
+  if (!root) return;
+  pixmap_ = c.newId();
+  picture_ = c.newId();
+  xcb_create_pixmap(c, visuals_.rootDepth, pixmap_, c.root(), root->width, root->height);
+  const xcb_gcontext_t gc = c.newId();
+  const std::uint32_t values[] = {XCB_SUBWINDOW_MODE_INCLUDE_INFERIORS, 0};
+  xcb_create_gc(c, gc, c.root(), XCB_GC_SUBWINDOW_MODE | XCB_GC_GRAPHICS_EXPOSURES, values);
+  xcb_copy_area(c, c.root(), pixmap_, gc, 0, 0, 0, 0, root->width, root->height);
+  xcb_free_gc(c, gc);
+  xcb_render_create_picture(c, picture_, pixmap_, visuals_.rootFormat, 0, nullptr);
+}
+
+void DesktopPicture::drop() {
+  if (!exists()) return;
+  xcb_render_free_picture(*connection_, std::exchange(picture_, XCB_NONE));
+  xcb_free_pixmap(*connection_, std::exchange(pixmap_, XCB_NONE));
+}
+
+xcb_pixmap_t DesktopPicture::copy(const PixelRect& area) const {
+  Connection& c = *connection_;
+  const xcb_pixmap_t part = c.newId();
+  const auto width = static_cast<std::uint16_t>(area.width);
+  const auto height = static_cast<std::uint16_t>(area.height);
+  xcb_create_pixmap(c, visuals_.rootDepth, part, c.root(), width, height);
+  const xcb_gcontext_t gc = c.newId();
+  const std::uint32_t values[] = {c.screen().black_pixel, 0};
+  xcb_create_gc(c, gc, part, XCB_GC_FOREGROUND | XCB_GC_GRAPHICS_EXPOSURES, values);
+  const xcb_rectangle_t all{0, 0, width, height};
+  xcb_poly_fill_rectangle(c, part, gc, 1, &all);
+  xcb_copy_area(c, pixmap_, part, gc, static_cast<std::int16_t>(area.x), static_cast<std::int16_t>(area.y), 0, 0, width,
+                height);
+  xcb_free_gc(c, gc);
+  return part;
+}
+
+}  // namespace dormel::x11

@@ -1,0 +1,27 @@
+// The event tap on X: the server's raw key events, which everybody who asks gets under anybody's grab, tell what
+// the keys do; a grab of the whole keyboard keeps them from everybody else. The grab is what "enabled" means. What
+// the grab swallowed cannot be passed on after all: the verdict of the callback has no effect here.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "platform/Keyboard.h"
+#include "platform/linux/x11/ServerFeatures.h"
+
+namespace dormel::x11 {
+
+class EventTapsX11 : public EventTaps {
+ public:
+  /// Every tap gets a connection of its own to `display`. Without a connection there are no taps.
+  EventTapsX11(std::shared_ptr<Connection> connection, const ServerFeatures& features);
+
+  [[nodiscard]] std::unique_ptr<EventTap> create(std::function<TapVerdict(const KeyEvent&)> callback) override;
+
+ private:
+  std::shared_ptr<Connection> connection_;
+  ServerFeatures features_;
+};
+
+}  // namespace dormel::x11

@@ -1,0 +1,58 @@
+#include "platform/linux/x11/KeyTracker.h"
+
+#include <algorithm>
+
+#include "platform/linux/x11/KeyCodes.h"
+
+namespace dormel::x11 {
+
+void KeyTracker::seed(const std::vector<std::uint8_t>& keycodes) {
+  for (const std::uint8_t keycode : keycodes) held_.emplace(SEEDED, keycode);
+}
+
+std::optional<KeyEvent> KeyTracker::press(Source source, std::uint8_t keycode) {
+  const KeyCode keyCode = virtualKeyCode(keycode);
+  held_.erase({SEEDED, keycode});  // pressed again: it must have been up
+  const bool wasDown = isDown(keyCode, false);
+  held_.emplace(source, keycode);
+  if (wasDown) return std::nullopt;
+  return event(keyCode, true);
+}
+
+std::optional<KeyEvent> KeyTracker::release(Source source, std::uint8_t keycode) {
+  const KeyCode keyCode = virtualKeyCode(keycode);
+  const auto erased = held_.erase({source, keycode}) + held_.erase({SEEDED, keycode});
+  if (erased == 0 || isDown(keyCode, true)) return std::nullopt;
+  return event(keyCode, false);
+}
+
+std::vector<KeyEvent> KeyTracker::releaseAll(Source source) {
+  std::vector<std::uint8_t> keycodes;
+  for (const auto& [from, keycode] : held_) {
+    if (from == source) keycodes.push_back(keycode);
+  }
+  std::vector<KeyEvent> events;
+  for (const std::uint8_t keycode : keycodes) {
+    if (const auto released = release(source, keycode)) events.push_back(*released);
+  }
+  return events;
+}
+
+bool KeyTracker::isDown(KeyCode keyCode, bool seededToo) const {
+  return std::any_of(held_.begin(), held_.end(), [&](const auto& held) {
+    return (seededToo || held.first != SEEDED) && virtualKeyCode(held.second) == keyCode;
+  });
+}
+
+KeyEvent KeyTracker::event(KeyCode keyCode, bool down) const {
+  if (isModifierKey(keyCode)) return {EventType::flagsChanged, keyCode, flags()};
+  return {down ? EventType::keyDown : EventType::keyUp, keyCode, flags()};
+}
+
+EventFlags KeyTracker::flags() const {
+  EventFlags flags = 0;
+  for (const auto& held : held_) flags |= modifierFlags(virtualKeyCode(held.second));
+  return flags;
+}
+
+}  // namespace dormel::x11

@@ -1,0 +1,42 @@
+// Turns the presses and releases of several keyboards into one stream of key events: no repeats, a key that is
+// down on two keyboards (or by two keys that count as one) goes down once and up once, and every event carries
+// the modifiers that are down. Plain computation.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <set>
+#include <utility>
+#include <vector>
+
+#include "platform/Keyboard.h"
+
+namespace dormel::x11 {
+
+class KeyTracker {
+ public:
+  using Source = std::uint16_t;  ///< a keyboard's device id, never 0
+
+  /// Keys held already, by their X key code: they show in the flags and are released in the usual way, but they
+  /// do not count as pressed.
+  void seed(const std::vector<std::uint8_t>& keycodes);
+
+  /// The event to pass on, if the press or release makes one.
+  [[nodiscard]] std::optional<KeyEvent> press(Source source, std::uint8_t keycode);
+  [[nodiscard]] std::optional<KeyEvent> release(Source source, std::uint8_t keycode);
+  /// The releases of a keyboard that went away.
+  [[nodiscard]] std::vector<KeyEvent> releaseAll(Source source);
+
+  /// Forgets everything.
+  void clear() { held_.clear(); }
+
+ private:
+  static constexpr Source SEEDED = 0;
+  [[nodiscard]] bool isDown(KeyCode keyCode, bool seededToo) const;
+  [[nodiscard]] KeyEvent event(KeyCode keyCode, bool down) const;
+  [[nodiscard]] EventFlags flags() const;
+
+  std::set<std::pair<Source, std::uint8_t>> held_;
+};
+
+}  // namespace dormel::x11

@@ -1,0 +1,45 @@
+// What the presentation options mean on X while a lock is up: the server's own ways out are dead keys and the
+// pointer is ours. The desktop's shortcuts die with the keyboard grab of the event tap. Main thread only.
+#pragma once
+
+#include <QObject>
+#include <memory>
+#include <string>
+
+#include "platform/linux/x11/KeyActions.h"
+#include "platform/linux/x11/PointerGrab.h"
+
+namespace dormel::x11 {
+
+class Lockdown {
+ public:
+  /// Undoes what a process that died while locked left behind, unless another process of ours is locking now.
+  Lockdown(std::shared_ptr<Connection> connection, const ServerFeatures& features);
+  ~Lockdown();
+  Lockdown(const Lockdown&) = delete;
+  Lockdown& operator=(const Lockdown&) = delete;
+
+  /// On: at once, and again with every keyboard or keymap that comes. Off: everything is given back.
+  void set(bool on);
+  [[nodiscard]] bool isOn() const { return isOn_; }
+
+  /// Gives back what belongs to the server (the keymaps' actions; everything else ends with the connection), over
+  /// a connection of its own: for the last moments of a process whose main thread may be stuck. Any thread.
+  static void giveBackKeys(const std::string& display);
+
+ private:
+  void handle(const xcb_generic_event_t& event);
+
+  std::shared_ptr<Connection> connection_;
+  KeyActions keys_;
+  PointerGrab pointer_;
+  ServerFeatures features_;
+  xcb_window_t marker_;
+  xcb_atom_t selection_;
+  bool isOn_ = false;
+  bool checkPending_ = false;
+  Subscription subscription_;
+  QObject context_;
+};
+
+}  // namespace dormel::x11

@@ -1,0 +1,312 @@
+#include "platform/linux/x11/Panel.h"
+
+#include <unistd.h>
+#include <xcb/shape.h>
+
+#include <QTimer>
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <string_view>
+#include <utility>
+
+namespace dormel::x11 {
+namespace {
+
+constexpr std::uint8_t MAIN_BUTTON = 1;
+constexpr KeyTracker::Source WINDOW_KEYS = 1;
+
+}  // namespace
+
+std::shared_ptr<Panel> Panel::create(std::shared_ptr<PanelEnvironment> environment, const WindowStyle& style,
+                                     const Rect& contentRect) {
+  std::shared_ptr<Panel> panel(new Panel(std::move(environment), style, contentRect));
+  panel->makeWindow();
+  return panel;
+}
+
+Panel::Panel(std::shared_ptr<PanelEnvironment> environment, const WindowStyle& style, const Rect& contentRect)
+    : env_(std::move(environment)),
+      style_(style),
+      area_(env_->screens->space().toPixels(contentRect)),
+      surface_(*env_, style.background),
+      putBackBudget_(env_->clock, 20, 1.0) {}
+
+Panel::~Panel() {
+  orderOut();
+  env_->panels.erase(window_);
+  xcb_destroy_window(*env_->connection, window_);
+  env_->connection->flush();
+}
+
+void Panel::makeWindow() {
+  Connection& c = *env_->connection;
+  window_ = c.newId();
+  std::uint32_t events = XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_KEY_PRESS |
+                         XCB_EVENT_MASK_KEY_RELEASE | XCB_EVENT_MASK_FOCUS_CHANGE;
+  if (!style_.ignoresMouseEvents) {
+    events |= XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE | XCB_EVENT_MASK_BUTTON_1_MOTION |
+              XCB_EVENT_MASK_LEAVE_WINDOW;
+    // A blocker has nothing that answers to a pointer passing by; why wake up for it.
+    if (!isBlack()) events |= XCB_EVENT_MASK_POINTER_MOTION;
+  }
+  const bool argb = surface_.isArgb();
+  const auto width = static_cast<std::uint16_t>(std::max(1, area_.width));
+  const auto height = static_cast<std::uint16_t>(std::max(1, area_.height));
+  const std::uint32_t values[] = {
+      isBlack() ? c.screen().black_pixel : 0,
+      0,
+      1,
+      events,
+      argb ? env_->visuals.argbColormap : c.screen().default_colormap,
+      isBlack() ? env_->blankCursor : static_cast<xcb_cursor_t>(XCB_NONE),
+  };
+  xcb_create_window(c, argb ? std::uint8_t{32} : env_->visuals.rootDepth, window_, c.root(),
+                    static_cast<std::int16_t>(area_.x), static_cast<std::int16_t>(area_.y), width, height, 0,
+                    XCB_WINDOW_CLASS_INPUT_OUTPUT, argb ? env_->visuals.argbVisual : env_->visuals.rootVisual,
+                    XCB_CW_BACK_PIXEL | XCB_CW_BORDER_PIXEL | XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK |
+                        XCB_CW_COLORMAP | XCB_CW_CURSOR,
+                    values);
+  env_->panels[window_] = weak_from_this();
+  setProperties();
+  if (style_.ignoresMouseEvents && env_->features.shape) {
+    xcb_shape_rectangles(c, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT, XCB_CLIP_ORDERING_UNSORTED, window_, 0, 0, 0,
+                         nullptr);
+  }
+  surface_.attach(window_, area_);
+}
+
+void Panel::setProperties() {
+  Connection& c = *env_->connection;
+  const auto setText = [&](xcb_atom_t property, xcb_atom_t type, std::string_view text) {
+    xcb_change_property(c, XCB_PROP_MODE_REPLACE, window_, property, type, 8, static_cast<std::uint32_t>(text.size()),
+                        text.data());
+  };
+  constexpr std::string_view CLASS("dormel\0Dormel\0", 14);
+  setText(XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, CLASS);
+  setText(XCB_ATOM_WM_NAME, XCB_ATOM_STRING, "Dormel");
+  setText(env_->atoms.netWmName, env_->atoms.utf8String, "Dormel");
+  std::array<char, 256> host{};
+  if (gethostname(host.data(), host.size() - 1) == 0) {
+    setText(XCB_ATOM_WM_CLIENT_MACHINE, XCB_ATOM_STRING, host.data());
+  }
+  const auto pid = static_cast<std::uint32_t>(getpid());
+  xcb_change_property(c, XCB_PROP_MODE_REPLACE, window_, env_->atoms.netWmPid, XCB_ATOM_CARDINAL, 32, 1, &pid);
+  // A compositor gives this kind its shadow, if it gives any, and leaves it out of overviews.
+  const xcb_atom_t type = env_->atoms.netWmWindowTypeNotification;
+  xcb_change_property(c, XCB_PROP_MODE_REPLACE, window_, env_->atoms.netWmWindowType, XCB_ATOM_ATOM, 32, 1, &type);
+}
+
+Rect Panel::frame() const { return env_->screens->space().toPoints(area_); }
+
+void Panel::setFrame(const Rect& frame) {
+  moveTo(env_->screens->space().toPixels(frame));
+  layOutContent();
+  env_->connection->flush();
+}
+
+void Panel::moveTo(const PixelRect& area) {
+  area_ = area;
+  const std::uint32_t values[] = {static_cast<std::uint32_t>(area.x), static_cast<std::uint32_t>(area.y),
+                                  static_cast<std::uint32_t>(std::max(1, area.width)),
+                                  static_cast<std::uint32_t>(std::max(1, area.height))};
+  xcb_configure_window(*env_->connection, window_,
+                       XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT,
+                       values);
+  surface_.setArea(area);
+}
+
+void Panel::setContent(std::shared_ptr<View> view) {
+  canvas_.reset();
+  surface_.clearContent();
+  laidOut_ = {};
+  view_ = std::move(view);
+  if (isVisible_) scheduleShowContent();
+}
+
+Canvas* Panel::canvas() const {
+  if (!canvas_ && view_) canvas_ = env_->canvases.make(view_);
+  return canvas_.get();
+}
+
+Size Panel::contentFittingSize() const { return canvas() != nullptr ? canvas_->fittingSize() : Size{}; }
+
+void Panel::layOutContent() {
+  if (!canvas_) return;
+  const double scale = env_->screens->space().scale;
+  const Size window{area_.width / scale, area_.height / scale};
+  Size size = window;
+  if (isBlack()) {
+    fitting_ = canvas_->fittingSize();
+    size = {std::min(fitting_.width, window.width), std::min(fitting_.height, window.height)};
+  }
+  if (size == laidOut_ && scale == laidOutScale_) return;
+  laidOut_ = size;
+  laidOutScale_ = scale;
+  canvas_->resize(size, scale);
+}
+
+void Panel::scheduleShowContent() {
+  if (std::exchange(contentPending_, true)) return;
+  QTimer::singleShot(0, &context_, [this] {
+    contentPending_ = false;
+    showContent();
+  });
+}
+
+void Panel::showContent() {
+  if (!isVisible_ || canvas() == nullptr) return;
+  layOutContent();
+  canvas_->setOnFrame([this](const Pixels& pixels, const PixelRect& changed) { onFrame(pixels, changed); });
+  canvas_->setShowing(true);
+}
+
+void Panel::onFrame(const Pixels& pixels, const PixelRect& changed) {
+  surface_.updateContent(pixels, changed);
+  env_->connection->flush();
+  // The content may have come to want another size; it is not asked to change while it is drawing.
+  if (isBlack() && canvas_ && canvas_->fittingSize() != fitting_) {
+    QTimer::singleShot(0, &context_, [this] { layOutContent(); });
+  }
+}
+
+void Panel::setAlpha(double alpha) {
+  static_cast<void>(beginFade());
+  setFadedAlpha(alpha);
+}
+
+void Panel::setFadedAlpha(double alpha) {
+  surface_.setAlpha(alpha);
+  env_->connection->flush();
+}
+
+void Panel::makeKeyAndOrderFront() {
+  orderFront();
+  if (style_.canBecomeKey) env_->focus.makeKey(window_);
+  env_->connection->flush();
+}
+
+void Panel::orderFrontRegardless() {
+  orderFront();
+  env_->connection->flush();
+}
+
+void Panel::orderFront() {
+  if (isVisible_) {
+    env_->stacking.raise(window_, style_.level);
+    return;
+  }
+  const bool fadesWithoutCompositor = isBlack() && alpha() < 1 && !env_->compositor.isRunning();
+  if (fadesWithoutCompositor && !env_->stacking.hasScreenSaverPanels()) env_->desktop.take();
+  surface_.prepareMap();
+  env_->stacking.raise(window_, style_.level);
+  xcb_map_window(*env_->connection, window_);
+  surface_.finishMap();
+  isVisible_ = true;
+  scheduleShowContent();
+}
+
+void Panel::orderOut() {
+  if (!std::exchange(isVisible_, false)) return;
+  drag_.reset();
+  env_->focus.resign(window_);
+  env_->stacking.remove(window_);
+  xcb_unmap_window(*env_->connection, window_);
+  surface_.unmapped();
+  if (!env_->stacking.hasScreenSaverPanels()) env_->desktop.drop();
+  env_->connection->flush();
+  if (canvas_) canvas_->setShowing(false);
+}
+
+void Panel::handle(const xcb_generic_event_t& event) {
+  switch (event.response_type & 0x7f) {
+    case XCB_EXPOSE: {
+      const auto& e = reinterpret_cast<const xcb_expose_event_t&>(event);
+      surface_.expose({e.x, e.y, e.width, e.height});
+      break;
+    }
+    case XCB_KEY_PRESS:
+    case XCB_KEY_RELEASE:
+      onKey(reinterpret_cast<const xcb_key_press_event_t&>(event), (event.response_type & 0x7f) == XCB_KEY_PRESS);
+      break;
+    case XCB_BUTTON_PRESS:
+    case XCB_BUTTON_RELEASE:
+      onButton(reinterpret_cast<const xcb_button_press_event_t&>(event),
+               (event.response_type & 0x7f) == XCB_BUTTON_PRESS);
+      break;
+    case XCB_MOTION_NOTIFY:
+      onMotion(reinterpret_cast<const xcb_motion_notify_event_t&>(event));
+      break;
+    case XCB_LEAVE_NOTIFY:
+      if (!drag_) tellCanvas(PointerAction::leave, 0, 0);
+      break;
+    case XCB_UNMAP_NOTIFY:
+      if (isVisible_) revive();
+      break;
+    case XCB_CONFIGURE_NOTIFY:
+      putBack(reinterpret_cast<const xcb_configure_notify_event_t&>(event));
+      break;
+    case XCB_DESTROY_NOTIFY:
+      env_->panels.erase(window_);
+      env_->stacking.remove(window_);
+      makeWindow();
+      if (isVisible_) revive();
+      break;
+    default:
+      break;
+  }
+}
+
+void Panel::revive() {
+  if (!putBackBudget_.spend()) return;
+  surface_.prepareMap();
+  env_->stacking.raise(window_, style_.level);
+  xcb_map_window(*env_->connection, window_);
+  surface_.finishMap();
+}
+
+void Panel::putBack(const xcb_configure_notify_event_t& event) {
+  const PixelRect actual{event.x, event.y, event.width, event.height};
+  if (actual != area_ && isVisible_ && !drag_ && putBackBudget_.spend()) moveTo(area_);
+}
+
+void Panel::onKey(const xcb_key_press_event_t& event, bool isPress) {
+  const auto key =
+      isPress ? env_->keys.press(WINDOW_KEYS, event.detail) : env_->keys.release(WINDOW_KEYS, event.detail);
+  if (!key || (key->type == EventType::keyDown && env_->isSwallowed(*key))) return;
+  const auto handler = keyHandler_;
+  if (handler) handler(*key);
+}
+
+void Panel::onButton(const xcb_button_press_event_t& event, bool isPress) {
+  if (event.detail != MAIN_BUTTON) return;
+  if (isPress) {
+    const bool isTaken = tellCanvas(PointerAction::press, event.event_x, event.event_y);
+    // The server keeps the pointer ours until the button is released.
+    if (!isTaken && style_.isMovableByBackground) drag_ = Drag{event.root_x, event.root_y, area_};
+  } else if (drag_) {
+    drag_.reset();
+  } else {
+    tellCanvas(PointerAction::release, event.event_x, event.event_y);
+  }
+}
+
+void Panel::onMotion(const xcb_motion_notify_event_t& event) {
+  if (!drag_) {
+    tellCanvas(PointerAction::move, event.event_x, event.event_y);
+    return;
+  }
+  PixelRect area = drag_->from;
+  area.x += event.root_x - drag_->pointerX;
+  area.y += event.root_y - drag_->pointerY;
+  moveTo(area);
+}
+
+bool Panel::tellCanvas(PointerAction action, int x, int y) {
+  if (!canvas_) return false;
+  const double scale = env_->screens->space().scale;
+  const PixelRect content = surface_.contentArea();
+  return canvas_->pointer(action, (x - content.x) / scale, (y - content.y) / scale);
+}
+
+}  // namespace dormel::x11

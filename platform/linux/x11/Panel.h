@@ -1,0 +1,84 @@
+// One panel: an override-redirect window of ours with a canvas in it. No window manager places it, focuses it or
+// takes it down; if another program unmaps, moves or destroys it, it comes back. Main thread only.
+#pragma once
+
+#include <QObject>
+#include <memory>
+#include <optional>
+
+#include "platform/linux/x11/AlphaAnimator.h"
+#include "platform/linux/x11/PanelEnvironment.h"
+#include "platform/linux/x11/PanelSurface.h"
+
+namespace dormel::x11 {
+
+class Panel final : public FadingWindow, public std::enable_shared_from_this<Panel> {
+ public:
+  [[nodiscard]] static std::shared_ptr<Panel> create(std::shared_ptr<PanelEnvironment> environment,
+                                                     const WindowStyle& style, const Rect& contentRect);
+  Panel(const Panel&) = delete;
+  Panel& operator=(const Panel&) = delete;
+  ~Panel() override;
+
+  [[nodiscard]] Rect frame() const override;
+  void setFrame(const Rect& frame) override;
+  /// A black panel's canvas is made only once the window is up: covering waits for no toolkit.
+  void setContent(std::shared_ptr<View> view) override;
+  [[nodiscard]] Size contentFittingSize() const override;
+  [[nodiscard]] double alpha() const override { return surface_.alpha(); }
+  void setAlpha(double alpha) override;
+  void setFadedAlpha(double alpha) override;
+  void makeKeyAndOrderFront() override;
+  void orderFrontRegardless() override;
+  void orderOut() override;
+  [[nodiscard]] bool isVisible() const override { return isVisible_; }
+  void setKeyHandler(std::function<void(const KeyEvent&)> handler) override { keyHandler_ = std::move(handler); }
+
+  void handle(const xcb_generic_event_t& event);
+  void compositorChanged() { surface_.compositorChanged(); }
+  [[nodiscard]] xcb_window_t window() const { return window_; }
+
+ private:
+  struct Drag {
+    int pointerX;
+    int pointerY;
+    PixelRect from;
+  };
+
+  Panel(std::shared_ptr<PanelEnvironment> environment, const WindowStyle& style, const Rect& contentRect);
+  void makeWindow();
+  void setProperties();
+  void orderFront();
+  void showContent();
+  Canvas* canvas() const;
+  void layOutContent();
+  void scheduleShowContent();
+  void onFrame(const Pixels& pixels, const PixelRect& changed);
+  void onKey(const xcb_key_press_event_t& event, bool isPress);
+  void onButton(const xcb_button_press_event_t& event, bool isPress);
+  void onMotion(const xcb_motion_notify_event_t& event);
+  bool tellCanvas(PointerAction action, int x, int y);
+  void moveTo(const PixelRect& area);
+  void putBack(const xcb_configure_notify_event_t& event);
+  void revive();
+  [[nodiscard]] bool isBlack() const { return style_.background == WindowBackground::black; }
+
+  std::shared_ptr<PanelEnvironment> env_;
+  WindowStyle style_;
+  PixelRect area_;
+  xcb_window_t window_ = XCB_NONE;
+  PanelSurface surface_;
+  std::shared_ptr<View> view_;
+  mutable std::unique_ptr<Canvas> canvas_;
+  Size fitting_;  ///< as of the last layout
+  Size laidOut_;
+  double laidOutScale_ = 0;
+  bool isVisible_ = false;
+  bool contentPending_ = false;
+  std::optional<Drag> drag_;
+  RateBudget putBackBudget_;
+  std::function<void(const KeyEvent&)> keyHandler_;
+  QObject context_;
+};
+
+}  // namespace dormel::x11

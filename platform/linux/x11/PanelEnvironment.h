@@ -1,0 +1,63 @@
+// What all panels of one connection share. It outlives the last of them. Main thread only.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <vector>
+
+#include "platform/linux/Canvas.h"
+#include "platform/linux/x11/Compositor.h"
+#include "platform/linux/x11/DesktopPicture.h"
+#include "platform/linux/x11/KeyTracker.h"
+#include "platform/linux/x11/PanelFocus.h"
+#include "platform/linux/x11/ScreensX11.h"
+#include "platform/linux/x11/Stacking.h"
+
+namespace dormel::x11 {
+
+class Panel;
+
+struct PanelAtoms {
+  explicit PanelAtoms(Connection& connection);
+  xcb_atom_t utf8String;
+  xcb_atom_t netWmName;
+  xcb_atom_t netWmPid;
+  xcb_atom_t netWmWindowType;
+  xcb_atom_t netWmWindowTypeNotification;
+  xcb_atom_t netWmWindowOpacity;
+};
+
+using KeyMonitor = std::function<bool(const KeyEvent&)>;
+
+struct PanelEnvironment {
+  PanelEnvironment(std::shared_ptr<Connection> connection, const ServerFeatures& features,
+                   std::shared_ptr<ScreensX11> screens, CanvasFactory& canvases, const Clock& clock);
+  PanelEnvironment(const PanelEnvironment&) = delete;
+  PanelEnvironment& operator=(const PanelEnvironment&) = delete;
+  ~PanelEnvironment();
+
+  void handle(const xcb_generic_event_t& event);
+  void compositorChanged();
+  /// Shows a key-down to the local monitors; true when one swallows it.
+  [[nodiscard]] bool isSwallowed(const KeyEvent& event);
+
+  std::shared_ptr<Connection> connection;
+  ServerFeatures features;
+  std::shared_ptr<ScreensX11> screens;
+  CanvasFactory& canvases;
+  const Clock& clock;
+  PanelAtoms atoms;
+  Visuals visuals;
+  Compositor compositor;
+  DesktopPicture desktop;
+  Stacking stacking;
+  PanelFocus focus;
+  xcb_cursor_t blankCursor;
+  KeyTracker keys;  ///< of the key events that reach our windows
+  std::map<xcb_window_t, std::weak_ptr<Panel>> panels;
+  std::vector<std::weak_ptr<KeyMonitor>> keyMonitors;
+  Subscription subscription;
+};
+
+}  // namespace dormel::x11

@@ -1,0 +1,53 @@
+#include "platform/linux/x11/PanelServer.h"
+
+#include <utility>
+
+#include "platform/linux/x11/Panel.h"
+#include "platform/linux/x11/UnseenWindow.h"
+
+namespace dormel::x11 {
+namespace {
+
+constexpr int FRAME_MILLISECONDS = 16;
+constexpr int DRAWN_FRAME_MILLISECONDS = 33;  // every pixel is computed: half as often
+
+class MonitorRegistration : public Registration {
+ public:
+  explicit MonitorRegistration(std::shared_ptr<KeyMonitor> monitor) : monitor_(std::move(monitor)) {}
+
+ private:
+  std::shared_ptr<KeyMonitor> monitor_;
+};
+
+}  // namespace
+
+PanelServer::PanelServer(std::shared_ptr<Connection> connection, const ServerFeatures& features,
+                         std::shared_ptr<ScreensX11> screens, CanvasFactory& canvases, const Clock& clock)
+    : env_(connection ? std::make_shared<PanelEnvironment>(connection, features, std::move(screens), canvases, clock)
+                      : nullptr),
+      animator_(clock, [this] {
+        return env_ && env_->compositor.isRunning() ? FRAME_MILLISECONDS : DRAWN_FRAME_MILLISECONDS;
+      }) {}
+
+std::shared_ptr<Window> PanelServer::makeWindow(const WindowStyle& style, const Rect& contentRect) {
+  if (!env_) return std::make_shared<UnseenWindow>(contentRect);
+  return Panel::create(env_, style, contentRect);
+}
+
+void PanelServer::animateAlpha(const std::vector<std::shared_ptr<Window>>& windows, double alpha, Seconds duration,
+                               TimingCurve curve, Task completion) {
+  std::vector<std::shared_ptr<FadingWindow>> fading;
+  for (const auto& window : windows) {
+    if (auto one = std::dynamic_pointer_cast<FadingWindow>(window)) fading.push_back(std::move(one));
+  }
+  animator_.animate(fading, alpha, duration, curve, std::move(completion));
+}
+
+std::unique_ptr<Registration> PanelServer::addLocalKeyDownMonitor(std::function<bool(const KeyEvent&)> monitor) {
+  if (!env_) return nullptr;
+  auto shared = std::make_shared<KeyMonitor>(std::move(monitor));
+  env_->keyMonitors.emplace_back(shared);
+  return std::make_unique<MonitorRegistration>(std::move(shared));
+}
+
+}  // namespace dormel::x11

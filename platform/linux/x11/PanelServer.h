@@ -1,0 +1,29 @@
+// Panels on X, their alpha animations and the local key monitors. Without a display the windows it makes are seen by
+// nobody. Main thread only.
+#pragma once
+
+#include <memory>
+
+#include "platform/linux/x11/AlphaAnimator.h"
+#include "platform/linux/x11/PanelEnvironment.h"
+
+namespace dormel::x11 {
+
+class PanelServer : public WindowServer {
+ public:
+  /// `canvases` and `clock` outlive it and every window made here.
+  PanelServer(std::shared_ptr<Connection> connection, const ServerFeatures& features,
+              std::shared_ptr<ScreensX11> screens, CanvasFactory& canvases, const Clock& clock);
+
+  [[nodiscard]] std::shared_ptr<Window> makeWindow(const WindowStyle& style, const Rect& contentRect) override;
+  void animateAlpha(const std::vector<std::shared_ptr<Window>>& windows, double alpha, Seconds duration,
+                    TimingCurve curve, Task completion) override;
+  [[nodiscard]] std::unique_ptr<Registration> addLocalKeyDownMonitor(
+      std::function<bool(const KeyEvent&)> monitor) override;
+
+ private:
+  std::shared_ptr<PanelEnvironment> env_;  ///< null without a display
+  AlphaAnimator animator_;
+};
+
+}  // namespace dormel::x11

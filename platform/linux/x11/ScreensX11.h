@@ -1,0 +1,57 @@
+// The screens of the X server, in points, and the notice that they changed.
+#pragma once
+
+#include <QObject>
+#include <optional>
+#include <vector>
+
+#include "platform/Windows.h"
+#include "platform/linux/x11/Connection.h"
+#include "platform/linux/x11/CoordinateSpace.h"
+#include "platform/linux/x11/Monitors.h"
+#include "platform/linux/x11/ServerFeatures.h"
+
+namespace dormel::x11 {
+
+class ScreensX11 : public Screens {
+ public:
+  /// Without a connection there are no screens.
+  ScreensX11(std::shared_ptr<Connection> connection, const ServerFeatures& features);
+
+  /// When the server says that nothing shows at all (the moment between two configurations, the last cable
+  /// pulled), the screens of the moment before: nobody is to be uncovered by it.
+  [[nodiscard]] std::vector<Screen> all() const override;
+  [[nodiscard]] std::optional<Screen> main() const override;
+
+  /// How points and pixels relate at present.
+  [[nodiscard]] const CoordinateSpace& space() const;
+
+  /// Called from the run loop after the screens or the scale really changed, a few milliseconds after the server
+  /// said so.
+  void setOnChange(Task onChange) { onChange_ = std::move(onChange); }
+
+ private:
+  struct Desk {
+    std::vector<Monitor> monitors;
+    CoordinateSpace space;
+    friend bool operator==(const Desk&, const Desk&) = default;
+  };
+
+  void handle(const xcb_generic_event_t& event);
+  void invalidate();
+  const Desk& desk() const;
+  [[nodiscard]] Screen screen(const Monitor& monitor, const std::optional<PixelRect>& workArea) const;
+  [[nodiscard]] std::optional<PixelRect> workArea() const;
+
+  std::shared_ptr<Connection> connection_;
+  ServerFeatures features_;
+  mutable Desk desk_;
+  mutable bool isStale_ = true;
+  Desk announced_;
+  bool noticePending_ = false;
+  Task onChange_;
+  Subscription subscription_;
+  QObject context_;
+};
+
+}  // namespace dormel::x11

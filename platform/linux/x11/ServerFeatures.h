@@ -1,0 +1,32 @@
+// What this X server can do, asked once per connection that needs to know, and the event and opcode numbers that
+// the extensions got on it. A missing extension leaves its numbers zero.
+#pragma once
+
+#include <cstdint>
+
+#include "platform/linux/x11/Connection.h"
+
+namespace dormel::x11 {
+
+struct ServerFeatures {
+  /// RandR 1.2 to 1.5 as 2 to 5; 0 without RandR (or with one too old to know outputs).
+  int randr = 0;
+  bool xinput22 = false;  ///< XInput 2.2: raw events under anybody's grab
+  bool xfixes = false;
+  bool render = false;  ///< Render 0.10: solid pictures
+  bool shape = false;
+  bool screenSaver = false;
+  bool xkb = false;
+  bool xwayland = false;  ///< the X bridge of a Wayland compositor, which never sees the whole keyboard
+
+  std::uint8_t randrEvent = 0;
+  std::uint8_t xfixesEvent = 0;
+  std::uint8_t xkbEvent = 0;
+  std::uint8_t xinputOpcode = 0;
+
+  [[nodiscard]] static ServerFeatures query(Connection& connection);
+  /// Only what an event tap needs: XInput.
+  [[nodiscard]] static ServerFeatures queryInput(Connection& connection);
+};
+
+}  // namespace dormel::x11

@@ -1,0 +1,43 @@
+#include "platform/linux/x11/X11Platform.h"
+
+#include <utility>
+
+namespace dormel::x11 {
+
+X11Platform::X11Platform(CanvasFactory& canvases, const Clock& clock, const std::string& display)
+    : connection_(Connection::open(display)),
+      features_(connection_ ? ServerFeatures::query(*connection_) : ServerFeatures{}),
+      screens_(std::make_shared<ScreensX11>(connection_, features_)),
+      accessibility_(connection_, features_),
+      eventTaps_(connection_, features_),
+      hardwareKeys_(connection_),
+      inputIdle_(connection_, features_),
+      layout_(connection_, features_),
+      windows_(connection_, features_, screens_, canvases, clock),
+      lockdown_(connection_ ? std::make_unique<Lockdown>(connection_, features_) : nullptr),
+      display_(display) {
+  if (connection_) connection_->startPumping();
+}
+
+X11Platform::~X11Platform() {
+  if (connection_) connection_->stopPumping();
+}
+
+void X11Platform::setOnServerLost(Task onLost) {
+  if (connection_) connection_->setOnLost(std::move(onLost));
+}
+
+void X11Platform::setOnScreensChanged(Task onChange) { screens_->setOnChange(std::move(onChange)); }
+
+void X11Platform::setLockdown(bool on) {
+  if (!lockdown_) return;
+  if (on) isLockedDown_ = true;  // before the first key action goes
+  lockdown_->set(on);
+  if (!on) isLockedDown_ = false;
+}
+
+void X11Platform::lastWill() const {
+  if (isLockedDown_) Lockdown::giveBackKeys(display_);
+}
+
+}  // namespace dormel::x11

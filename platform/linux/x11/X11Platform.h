@@ -1,0 +1,62 @@
+// Everything of this program that speaks X, put together for one display. Main thread only, but for `lastWill`.
+#pragma once
+
+#include <atomic>
+#include <memory>
+#include <string>
+
+#include "platform/linux/x11/AccessibilityX11.h"
+#include "platform/linux/x11/EventTapX11.h"
+#include "platform/linux/x11/HardwareKeysX11.h"
+#include "platform/linux/x11/IdleX11.h"
+#include "platform/linux/x11/LayoutX11.h"
+#include "platform/linux/x11/Lockdown.h"
+#include "platform/linux/x11/PanelServer.h"
+#include "platform/linux/x11/ScreensX11.h"
+
+namespace dormel::x11 {
+
+class X11Platform {
+ public:
+  /// Connects to `display` ($DISPLAY when empty) and delivers events on this thread's Qt event loop. Where that
+  /// fails, all services are there, but there are no screens, no tap and no trust. `canvases` and `clock` outlive it.
+  X11Platform(CanvasFactory& canvases, const Clock& clock, const std::string& display = {});
+  X11Platform(const X11Platform&) = delete;
+  X11Platform& operator=(const X11Platform&) = delete;
+  ~X11Platform();
+
+  [[nodiscard]] bool hasDisplay() const { return connection_ != nullptr; }
+  /// Called once when the server is gone: nothing shows any more and nothing will.
+  void setOnServerLost(Task onLost);
+  void setOnScreensChanged(Task onChange);
+
+  [[nodiscard]] Accessibility& accessibility() { return accessibility_; }
+  [[nodiscard]] EventTaps& eventTaps() { return eventTaps_; }
+  [[nodiscard]] HardwareKeys& hardwareKeys() { return hardwareKeys_; }
+  [[nodiscard]] InputIdle& inputIdle() { return inputIdle_; }
+  [[nodiscard]] KeyboardLayout& keyboardLayout() { return layout_; }
+  [[nodiscard]] Screens& screens() { return *screens_; }
+  [[nodiscard]] WindowServer& windows() { return windows_; }
+
+  /// On for any presentation options, off for none.
+  void setLockdown(bool on);
+  /// What must not be left behind by a process that ends without coming back to the main loop; to be called before
+  /// it exits. Any thread.
+  void lastWill() const;
+
+ private:
+  std::shared_ptr<Connection> connection_;
+  ServerFeatures features_;
+  std::shared_ptr<ScreensX11> screens_;
+  AccessibilityX11 accessibility_;
+  EventTapsX11 eventTaps_;
+  HardwareKeysX11 hardwareKeys_;
+  IdleX11 inputIdle_;
+  LayoutX11 layout_;
+  PanelServer windows_;
+  std::unique_ptr<Lockdown> lockdown_;
+  std::atomic<bool> isLockedDown_ = false;
+  const std::string display_;
+};
+
+}  // namespace dormel::x11
