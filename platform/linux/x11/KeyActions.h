@@ -32,10 +32,10 @@ class KeyActions {
  private:
   /// One action that was taken out: where it stood, and its eight bytes.
   struct Taken {
-    std::uint32_t device = 0;
-    std::uint32_t keycode = 0;
-    std::uint32_t index = 0;  ///< among the key's actions
-    std::uint32_t bytes[2] = {};
+    std::uint32_t device;
+    std::uint32_t keycode;
+    std::uint32_t index;  ///< among the key's actions
+    std::uint32_t bytes[2];
   };
   struct Keymap;
   [[nodiscard]] std::vector<std::uint16_t> devices();
