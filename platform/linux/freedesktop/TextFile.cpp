@@ -1,0 +1,18 @@
+#include "platform/linux/freedesktop/TextFile.h"
+
+#include "platform/linux/posix/PosixFiles.h"
+
+namespace dormel::freedesktop {
+
+std::optional<std::string> readTextFile(const std::string& path) { return posix::PosixFiles().read(path); }
+
+FileResult createFolders(const std::string& path, unsigned mode) {
+  return posix::PosixFiles().createDirectories(path, mode);
+}
+
+FileResult replaceTextFile(const std::string& path, std::string_view text) {
+  if (auto error = createFolders(path.substr(0, path.rfind('/')))) return error;
+  return posix::PosixFiles().writeAtomically(path, text);
+}
+
+}  // namespace dormel::freedesktop

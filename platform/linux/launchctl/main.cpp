@@ -1,0 +1,193 @@
+// The job scheduler's command line.
+//
+//   launchctl bootstrap <domain> <property list>   loads a job
+//   launchctl bootout <domain>/<label>             unloads it and ends its process
+//   launchctl print <domain>/<label>               tells about a loaded job
+//
+// The domain is "gui/" and the caller's user id. Jobs are kept by the user's service manager where one answers,
+// else by a supervisor. Loading a job also arms it for later logins: its autostart entry calls
+//
+//   launchctl login <domain> <property list>       loads the job into this session, or starts it there
+//
+// The schedulers in turn call these:
+//
+//   launchctl permit <label> <property list> <program>                          whether the job may start now
+//   launchctl exec <output log | -> <error log | -> <program> [argument ...]    becomes the job
+//   launchctl supervise <property list> <descriptor>                            becomes its supervisor
+//
+// Exit status: 0; 3 bootout knows no such job; 5 the property list cannot be read, or the job not be set up;
+// 37 the job is loaded already; 64 wrong usage; 113 print or login cannot find the job; 125 the user has switched
+// the job off. permit answers 1 for no, exec the usual 126 or 127 when the program cannot be started.
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <charconv>
+#include <cstdio>
+#include <cstring>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+#include "platform/linux/freedesktop/AutostartEntry.h"
+#include "platform/linux/jobs/Job.h"
+#include "platform/linux/jobs/JobLaunch.h"
+#include "platform/linux/jobs/Scheduler.h"
+#include "platform/linux/supervisor/SupervisorScheduler.h"
+#include "platform/linux/systemd/SystemdScheduler.h"
+
+namespace dormel::jobs {
+namespace {
+
+using Arguments = std::vector<std::string>;
+
+std::string ownPath() {
+  std::array<char, 4096> path{};
+  const ssize_t length = ::readlink("/proc/self/exe", path.data(), path.size());
+  return length > 0 ? std::string(path.data(), static_cast<std::size_t>(length)) : std::string();
+}
+
+std::string ownDomain() { return "gui/" + std::to_string(::getuid()); }
+
+int fail(int code, const std::string& what, const std::string& detail) {
+  std::fprintf(stderr, "launchctl: %s: %s (%d)\n", what.c_str(), detail.c_str(), code);
+  return code;
+}
+
+int usage() {
+  std::fprintf(stderr,
+               "usage: launchctl bootstrap <domain> <property list>\n"
+               "       launchctl bootout <domain>/<label>\n"
+               "       launchctl print <domain>/<label>\n"
+               "       launchctl login <domain> <property list>\n"
+               "<domain> is %s\n",
+               ownDomain().c_str());
+  return status::usage;
+}
+
+/// The label in "<domain>/<label>".
+std::optional<std::string> labelIn(const std::string& target) {
+  const std::string domain = ownDomain() + "/";
+  if (!target.starts_with(domain)) return {};
+  std::string label = target.substr(domain.size());
+  return isJobLabel(label) ? std::optional(std::move(label)) : std::nullopt;
+}
+
+class Schedulers {
+ public:
+  /// What there is to tell about a job that is loaded whole: known to a scheduler, and armed for later logins.
+  std::optional<JobReport> find(const std::string& label) {
+    if (freedesktop::AutostartEntry(label).state() != freedesktop::AutostartEntry::Switch::on) return {};
+    if (auto report = systemd_.find(label)) return report;
+    return supervisor_.find(label);
+  }
+
+  std::optional<JobError> load(const Job& job) {
+    const freedesktop::AutostartEntry::Content entry{job.displayName(),
+                                                     {launcher_, "login", ownDomain(), job.propertyList}};
+    if (const auto error = freedesktop::AutostartEntry(job.label).write(entry)) {
+      return JobError{"cannot write the autostart entry: " + error->message};
+    }
+    if (!systemd_.available()) return supervisor_.load(job);
+    (void)supervisor_.unload(job.label);  // from a login at which no manager answered
+    return systemd_.load(job);
+  }
+
+  bool unload(const std::string& label) {
+    bool found = systemd_.unload(label);
+    found = supervisor_.unload(label) || found;
+    return freedesktop::AutostartEntry(label).removeUnlessSwitchedOff() || found;
+  }
+
+ private:
+  std::string launcher_ = ownPath();
+  systemd::SystemdScheduler systemd_{launcher_};
+  supervisor::SupervisorScheduler supervisor_{launcher_};
+};
+
+int bootstrap(const std::string& path) {
+  const auto read = readJob(path);
+  if (const auto* error = std::get_if<JobError>(&read)) return fail(status::ioError, "bootstrap", error->message);
+  const Job& job = std::get<Job>(read);
+  if (freedesktop::AutostartEntry(job.label).state() == freedesktop::AutostartEntry::Switch::off) {
+    return fail(status::switchedOff, "bootstrap", "switched off by the user: " + job.label);
+  }
+  Schedulers schedulers;
+  if (schedulers.find(job.label)) return fail(status::alreadyLoaded, "bootstrap", "already loaded: " + job.label);
+  if (const auto error = schedulers.load(job)) return fail(status::ioError, "bootstrap", error->message);
+  return status::ok;
+}
+
+int login(const std::string& path) {
+  if (::access(path.c_str(), F_OK) != 0) return fail(status::couldNotFind, "login", "no such file: " + path);
+  const auto read = readJob(path);
+  if (const auto* error = std::get_if<JobError>(&read)) return fail(status::ioError, "login", error->message);
+  const Job& job = std::get<Job>(read);
+  if (freedesktop::AutostartEntry(job.label).state() == freedesktop::AutostartEntry::Switch::off) {
+    return fail(status::switchedOff, "login", "switched off by the user: " + job.label);
+  }
+  if (const auto error = Schedulers().load(job)) return fail(status::ioError, "login", error->message);
+  return status::ok;
+}
+
+int bootout(const std::string& label) {
+  if (!Schedulers().unload(label)) return fail(status::noSuchJob, "bootout", "no such job: " + label);
+  return status::ok;
+}
+
+int print(const std::string& label) {
+  const auto report = Schedulers().find(label);
+  if (!report) return fail(status::couldNotFind, "print", "could not find " + label + " in " + ownDomain());
+  std::printf("%s/%s = {\n", ownDomain().c_str(), label.c_str());
+  for (const auto& [name, value] : *report) std::printf("\t%s = %s\n", name.c_str(), value.c_str());
+  std::printf("}\n");
+  return status::ok;
+}
+
+int permit(const std::string& label, const std::string& propertyList, const std::string& program) {
+  const auto reason = reasonNotToStart(label, propertyList, program);
+  if (!reason) return 0;
+  std::fprintf(stderr, "%s: not started: %s\n", label.c_str(), reason->c_str());
+  return 1;
+}
+
+int execute(const Arguments& arguments) {
+  Job job;
+  const auto path = [](const std::string& text) { return text == "-" ? std::string() : text; };
+  job.standardOutput = path(arguments[1]);
+  job.standardError = path(arguments[2]);
+  job.arguments.assign(arguments.begin() + 3, arguments.end());
+  const int error = becomeJob(job);
+  std::fprintf(stderr, "%s: %s\n", job.program().c_str(), std::strerror(error));
+  return error == ENOENT ? 127 : 126;
+}
+
+int run(const Arguments& arguments) {
+  const std::string verb = arguments.empty() ? std::string() : arguments[0];
+  const auto takes = [&](std::string_view name, std::size_t count) {
+    return verb == name && arguments.size() == count;
+  };
+  if (takes("bootstrap", 3) && arguments[1] == ownDomain()) return bootstrap(arguments[2]);
+  if (takes("login", 3) && arguments[1] == ownDomain()) return login(arguments[2]);
+  if (takes("bootout", 2) || takes("print", 2)) {
+    if (const auto label = labelIn(arguments[1])) return verb == "print" ? print(*label) : bootout(*label);
+  }
+  if (takes("permit", 4)) return permit(arguments[1], arguments[2], arguments[3]);
+  if (verb == "exec" && arguments.size() >= 4) return execute(arguments);
+  if (takes("supervise", 3)) {
+    int ready = -1;
+    const std::string& text = arguments[2];
+    const auto parsed = std::from_chars(text.data(), text.data() + text.size(), ready);
+    if (parsed.ec == std::errc() && ready > 2) return supervisor::supervise(arguments[1], ready);
+  }
+  return usage();
+}
+
+}  // namespace
+}  // namespace dormel::jobs
+
+int main(int count, char** arguments) {
+  return dormel::jobs::run(dormel::jobs::Arguments(arguments + (count > 0 ? 1 : 0), arguments + count));
+}

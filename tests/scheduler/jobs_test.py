@@ -1,0 +1,552 @@
+"""The job scheduler, whole: the real command line, real processes, under each of its two back ends.
+
+Usage: jobs_test.py <launchctl> [unittest arguments]
+"""
+
+import os
+import pathlib
+import plistlib
+import re
+import shutil
+import signal
+import socket
+import stat
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+from user_manager import Unavailable, UserManager
+
+LAUNCHCTL = os.path.abspath(sys.argv[1]) if len(sys.argv) > 1 else ""
+DOMAIN = f"gui/{os.getuid()}"
+FAKETIME = "/usr/lib/x86_64-linux-gnu/faketime/libfaketimeMT.so.1"
+
+# What a job does, run by run: line n of the plan for its n-th run, the last line from then on.
+PROGRAM = r"""#!/bin/sh
+here=$1
+printf '%s %s %s\n' "$(date +%s.%N)" "$$" "$DISPLAY" >> "$here/runs"
+shift
+printf '%s\n' "$@" > "$here/arguments"
+echo "to the output"
+echo "to the error" >&2
+n=$(wc -l < "$here/runs")
+plan=$(sed -n "${n}p" "$here/plan")
+[ -n "$plan" ] || plan=$(tail -n 1 "$here/plan")
+case $plan in
+  stay) exec sleep 1000 ;;
+  stubborn) trap '' TERM; exec sleep 1000 ;;
+  *bootout*) eval "$plan"; echo $? > "$here/left"; exit 1 ;;
+  *) eval "$plan" ;;
+esac
+"""
+
+
+def wait_for(what, condition, timeout=10.0):
+    """The condition's first true value."""
+    deadline = time.monotonic() + timeout
+    while True:
+        value = condition()
+        if value:
+            return value
+        if time.monotonic() > deadline:
+            raise AssertionError(f"not within {timeout} s: {what}")
+        time.sleep(0.01)
+
+
+def alive(pid):
+    try:
+        return pathlib.Path(f"/proc/{pid}/stat").read_text().rpartition(")")[2].split()[0] != "Z"
+    except (FileNotFoundError, ProcessLookupError):
+        return False
+
+
+class Job:
+    """A job of a test: its folder, its property list, and what its program wrote about its runs."""
+
+    count = 0
+
+    def __init__(self, home, folder=None, plan=("stay",), start=(0, 0), arguments=("--scheduled",), keys=None):
+        Job.count += 1
+        self.label = f"com.orvane.dormel.test-{os.getpid()}-{Job.count}"
+        self.target = f"{DOMAIN}/{self.label}"
+        self.home = home
+        self.folder = folder or home / f"job-{Job.count}"
+        self.folder.mkdir(parents=True, exist_ok=True)
+        self.program = self.folder / "Sleeper.app" / "Contents" / "Linux" / "Sleeper"
+        self.program.parent.mkdir(parents=True)
+        self.program.write_text(PROGRAM)
+        self.program.chmod(0o755)
+        self.log = home / "Logs" / self.label / "job.log"
+        self.entry = home / ".config" / "autostart" / f"{self.label}.desktop"
+        self.plan(*plan)
+        self.plist = self.folder / f"{self.label}.plist"
+        self.content = {"Label": self.label,
+                        "ProgramArguments": [str(self.program), str(self.folder), *arguments],
+                        "StartCalendarInterval": {"Hour": start[0], "Minute": start[1]},
+                        "RunAtLoad": True, "KeepAlive": {"SuccessfulExit": False},
+                        "StandardOutPath": str(self.log), "StandardErrorPath": str(self.log),
+                        "AssociatedBundleIdentifiers": [self.label], **(keys or {})}
+        self.write()
+
+    def write(self):
+        self.plist.write_bytes(plistlib.dumps(self.content))
+
+    def plan(self, *lines):
+        (self.folder / "plan").write_text("".join(line + "\n" for line in lines))
+
+    def runs(self):
+        """(moment, pid, display) of each run so far."""
+        try:
+            lines = (self.folder / "runs").read_text().splitlines()
+        except FileNotFoundError:
+            return []
+        runs = [line.split(" ") for line in lines]
+        return [(float(moment), int(pid), display) for moment, pid, display in runs]
+
+    def wait_for_run(self, number=1, timeout=10.0):
+        return wait_for(f"run {number}", lambda: len(self.runs()) >= number and self.runs()[number - 1], timeout)
+
+
+class JobModel:
+    """The tests of both back ends. A back end gives `home`, `environment` and `say`."""
+
+    # --- what the tests are made of
+
+    def job(self, *arguments, **options):
+        job = Job(self.home, *arguments, **options)
+        self.addCleanup(self.call, "bootout", job.target)
+        return job
+
+    def call(self, *arguments, **variables):
+        environment = {**self.environment, **variables}
+        environment = {name: value for name, value in environment.items() if value is not None}
+        begun = time.monotonic()
+        result = subprocess.run([LAUNCHCTL, *map(str, arguments)], env=environment, text=True, check=False,
+                                stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+        result.seconds = time.monotonic() - begun
+        return result
+
+    def expect(self, status, *arguments, **variables):
+        result = self.call(*arguments, **variables)
+        self.assertEqual(result.returncode, status, f"{arguments}: {result.stdout}{result.stderr}")
+        return result
+
+    def bootstrap(self, job, **variables):
+        return self.expect(0, "bootstrap", DOMAIN, job.plist, **variables)
+
+    def printed(self, job):
+        """What print tells, as a dictionary."""
+        text = self.expect(0, "print", job.target).stdout
+        return dict(re.findall(r"^\t(.*?) = (.*)$", text, re.MULTILINE))
+
+    def left_behind(self, job):
+        return [path for root in (".config", ".local") for path in (self.home / root).rglob(f"*{job.label}*")]
+
+    # --- the tests
+
+    def test_loaded_and_unloaded(self):
+        job = self.job()
+        self.expect(113, "print", job.target)
+        begun = time.time()
+        result = self.bootstrap(job)
+        moment, pid, _ = job.wait_for_run()
+        self.say(f"bootstrap {result.seconds * 1000:.0f} ms, program running {(moment - begun) * 1000:.0f} ms after it began")
+        self.assertEqual(self.printed(job)["pid"], str(pid))
+        self.assertEqual(self.printed(job)["path"], str(job.plist))
+        self.expect(37, "bootstrap", DOMAIN, job.plist)
+        result = self.expect(0, "bootout", job.target)
+        self.say(f"bootout {result.seconds * 1000:.0f} ms")
+        self.assertFalse(alive(pid))
+        self.assertEqual(self.left_behind(job), [])
+        self.expect(113, "print", job.target)
+        self.expect(3, "bootout", job.target)
+        for _ in range(5):  # as a changed schedule does
+            self.bootstrap(job)
+            self.expect(0, "bootout", job.target)
+        self.assertEqual(self.left_behind(job), [])
+
+    def test_restarted_after_every_end_but_a_good_one(self):
+        ends = ["exit 1", "exit 255", "kill -KILL $$", "kill -TERM $$", "kill -HUP $$", "kill -PIPE $$",
+                "kill -SEGV $$", "exit 3", "exit 1", "exit 1", "exit 1", "exit 1", "exit 0"]
+        job = self.job(plan=ends)
+        self.bootstrap(job)
+        job.wait_for_run(len(ends), timeout=2.0 * len(ends))
+        moments = [run[0] for run in job.runs()]
+        gaps = [after - before for before, after in zip(moments, moments[1:])]
+        self.say(f"{len(gaps)} restarts, {min(gaps):.2f} to {max(gaps):.2f} s apart")
+        self.assertLess(max(gaps), 2.0)
+        self.assertGreater(min(gaps), 0.9)
+        time.sleep(2.5)  # there is nothing to wait for but the absence of another start
+        self.assertEqual(len(job.runs()), len(ends))
+        self.expect(0, "print", job.target)
+
+    def test_output_is_appended(self):
+        job = self.job(plan=["exit 1", "exit 1", "stay"])
+        job.log.parent.mkdir(parents=True)
+        job.log.write_text("from before\n")
+        self.bootstrap(job)
+        job.wait_for_run(2)
+        self.assertEqual(job.log.read_text(), "from before\n" + 2 * "to the output\nto the error\n")
+        shutil.rmtree(job.log.parent)  # as cleaning tools do
+        pid = job.wait_for_run(3)[1]
+        self.assertEqual(wait_for("the log", lambda: job.log.exists() and job.log.stat().st_size and
+                                  job.log.read_text()), "to the output\nto the error\n")
+        # A log that cannot be had must not cost the start.
+        shutil.rmtree(job.log.parent)
+        job.log.parent.write_text("in the way")
+        os.kill(pid, signal.SIGKILL)
+        job.wait_for_run(4)
+
+    def test_any_characters_in_paths_and_arguments(self):
+        folder = self.home / "Nächte 100% 'um' \"$HOME\" \\n %h; ${X} `id` #"
+        arguments = ["--scheduled", "", " ", "$HOME", "$$", "${HOME}", "%h%%", "a\"b", "a'b", "\\", "\\x41", ";", "#", "é漢"]
+        job = self.job(folder=folder, arguments=arguments)
+        job.content["StandardOutPath"] = job.content["StandardErrorPath"] = str(folder / "Log s" / "%h $x.log")
+        job.write()
+        self.bootstrap(job)
+        pid = job.wait_for_run()[1]
+        wait_for("the output", lambda: "error" in (folder / "Log s" / "%h $x.log").read_text())
+        self.assertEqual((folder / "arguments").read_text(), "".join(a + "\n" for a in arguments))
+        self.assertEqual(self.printed(job)["path"], str(job.plist))
+        # The autostart entry's command line, read as its readers do: a string first, then a command line in
+        # which the quoting rules are those of the shell.
+        entry = job.entry.read_text()
+        command = re.search("^Exec=(.*)$", entry, re.MULTILINE)[1].replace("\\\\", "\\").replace("%%", "%")
+        words = subprocess.run(["sh", "-c", f"printf '%s\\0' {command}"], stdout=subprocess.PIPE, check=True)
+        self.assertEqual(words.stdout.decode().split("\0")[:-1], [LAUNCHCTL, "login", DOMAIN, str(job.plist)])
+        self.assertIn("\nName=Sleeper\n", entry)
+        self.expect(0, "bootout", job.target)
+        self.assertFalse(alive(pid))
+
+    def test_login(self):
+        job = self.job(plan=["exit 0", "stay"])
+        self.bootstrap(job)
+        job.wait_for_run()
+        wait_for("its end", lambda: "pid" not in self.printed(job))
+        self.expect(0, "login", DOMAIN, job.plist)
+        pid = job.wait_for_run(2)[1]
+        self.expect(0, "login", DOMAIN, job.plist)
+        self.assertEqual(self.printed(job)["pid"], str(pid))  # the same display: left alone
+        self.expect(0, "login", DOMAIN, job.plist, DISPLAY="elsewhere:2")
+        _, moved, display = job.wait_for_run(3)
+        self.assertEqual(display, "elsewhere:2")
+        self.assertFalse(alive(pid))
+        # A login finds the job as its property list describes it by now.
+        job.content["StartCalendarInterval"] = {"Hour": 23, "Minute": 45}
+        job.write()
+        self.expect(0, "login", DOMAIN, job.plist, DISPLAY="elsewhere:2")
+        self.assertIn(" 23:45:00", self.printed(job)["next start"])
+        self.assertEqual(self.printed(job)["pid"], str(moved))
+        job.plist.unlink()
+        self.expect(113, "login", DOMAIN, job.plist)
+
+    def test_no_graphical_session(self):
+        job = self.job()
+        self.forget_session()
+        self.bootstrap(job, DISPLAY=None)
+        self.assertNotIn("pid", self.printed(job))
+        self.assertEqual(job.runs(), [])
+        self.expect(0, "login", DOMAIN, job.plist, DISPLAY="somewhere:1")
+        self.assertEqual(job.wait_for_run()[2], "somewhere:1")
+
+    def test_waits_for_a_display_that_went_away(self):
+        number = 20000 + os.getpid() % 10000
+        path = f"/tmp/.X11-unix/X{number}"
+        os.makedirs(os.path.dirname(path), exist_ok=True)
+        job = self.job()
+        self.bootstrap(job, DISPLAY=f":{number}.0")
+        pid = int(self.printed(job)["pid"])
+        with socket.socket(socket.AF_UNIX) as server:
+            server.bind(path)
+            self.addCleanup(os.unlink, path)
+            time.sleep(0.2)  # a socket on which nobody listens yet
+            self.assertEqual(job.runs(), [])
+            server.listen()
+            begun = time.time()
+            run = job.wait_for_run()
+        self.assertEqual(run[1], pid)
+        self.say(f"started {(run[0] - begun) * 1000:.0f} ms after its display came back")
+
+    def test_switched_off_by_the_user(self):
+        for line in ("Hidden=true", "X-GNOME-Autostart-enabled = false"):
+            with self.subTest(line):
+                job = self.job()
+                self.bootstrap(job)
+                pid = job.wait_for_run()[1]
+                entry = job.entry.read_text()
+                job.entry.write_text(entry.replace("X-GNOME-Autostart-enabled=true", line))
+                self.expect(113, "print", job.target)
+                os.kill(pid, signal.SIGKILL)
+                time.sleep(2)  # for a restart that must not come
+                self.assertEqual(len(job.runs()), 1)
+                self.expect(125, "login", DOMAIN, job.plist)
+                self.expect(0, "bootout", job.target)
+                self.expect(125, "bootstrap", DOMAIN, job.plist)
+                self.assertIn(line, job.entry.read_text())
+                self.assertEqual(len(job.runs()), 1)
+                job.entry.write_text(entry)
+                self.bootstrap(job)
+                job.wait_for_run(2)
+
+    def test_parts_that_vanished(self):
+        job = self.job()
+        self.bootstrap(job)
+        pid = job.wait_for_run()[1]
+        job.entry.unlink()
+        self.expect(113, "print", job.target)
+        self.bootstrap(job)  # repairs
+        self.assertEqual(self.printed(job)["pid"], str(pid))
+        job.plist.unlink()
+        self.expect(113, "print", job.target)
+        os.kill(pid, signal.SIGKILL)
+        time.sleep(2)  # for a restart that must not come
+        self.assertEqual(len(job.runs()), 1)
+        self.expect(0, "bootout", job.target)
+        self.assertEqual(self.left_behind(job), [])
+        job.write()
+        self.bootstrap(job)
+        job.wait_for_run(2)
+        job.program.unlink()
+        os.kill(job.runs()[1][1], signal.SIGKILL)
+        wait_for("giving up", lambda: self.printed(job)["state"] in ("dead", "waiting"))
+
+    def test_a_job_that_takes_itself_out(self):
+        job = self.job()
+        job.plan(f"'{LAUNCHCTL}' bootout {job.target}")
+        self.bootstrap(job)
+        wait_for("the caller's next line", (job.folder / "left").exists)
+        self.assertEqual((job.folder / "left").read_text(), "0\n")
+        pid = job.runs()[0][1]
+        wait_for("its end", lambda: not alive(pid))
+        self.expect(113, "print", job.target)
+        time.sleep(2)  # for a restart that must not come
+        self.assertEqual(len(job.runs()), 1)
+        wait_for("tidiness", lambda: self.left_behind(job) == [])
+
+    def test_a_job_that_will_not_end(self):
+        job = self.job(plan=["stubborn"])
+        self.bootstrap(job)
+        pid = job.wait_for_run()[1]
+        wait_for("its trap", lambda: "sleep" in pathlib.Path(f"/proc/{pid}/comm").read_text())
+        result = self.expect(0, "bootout", job.target)
+        self.say(f"bootout of a job that ignores the signal: {result.seconds:.1f} s")
+        self.assertFalse(alive(pid))
+        self.assertGreater(result.seconds, 4)
+
+    def test_refusals(self):
+        job = self.job()
+        faults = {"no label": {"Label": None}, "odd label": {"Label": "a b"}, "escaping label": {"Label": "../x"},
+                  "no program": {"ProgramArguments": []}, "relative program": {"ProgramArguments": ["sleep"]},
+                  "hour": {"StartCalendarInterval": {"Hour": 24, "Minute": 0}},
+                  "minute": {"StartCalendarInterval": {"Hour": 1}},
+                  "weekday": {"StartCalendarInterval": {"Hour": 1, "Minute": 0, "Weekday": 1}},
+                  "type": {"RunAtLoad": "yes"}, "keep alive": {"KeepAlive": {"Crashed": True}}}
+        for name, change in faults.items():
+            with self.subTest(name):
+                content = {k: v for k, v in {**job.content, **change}.items() if v is not None}
+                path = job.folder / "faulty.plist"
+                path.write_bytes(plistlib.dumps(content))
+                self.expect(5, "bootstrap", DOMAIN, path)
+        for name, damaged in {"empty": b"", "cut off": job.plist.read_bytes()[:200], "noise": bytes(range(256))}.items():
+            with self.subTest(name):
+                path = job.folder / "damaged.plist"
+                path.write_bytes(damaged)
+                self.expect(5, "bootstrap", DOMAIN, path)
+        self.expect(5, "bootstrap", DOMAIN, job.folder / "missing.plist")
+        self.expect(5, "bootstrap", DOMAIN, job.plist, XDG_CONFIG_HOME=str(job.plist))
+        self.expect(64, "bootstrap", "gui/4294967294", job.plist)
+        self.expect(64, "bootout", DOMAIN)
+        self.expect(64)
+        self.assertEqual(job.runs(), [])
+
+    def test_the_start_time_comes(self):
+        """Named to run late in the class: the job was armed before its first test."""
+        run = self.early.wait_for_run(timeout=75)
+        late = run[0] - self.early_moment
+        self.say(f"start time {time.strftime('%H:%M:%S', time.localtime(self.early_moment))}: "
+                 f"program running {late * 1000:.0f} ms after it")
+        self.assertGreaterEqual(late, 0)
+        self.assertLess(late, 1)
+        self.assertEqual(len(self.early.runs()), 1)
+
+    # --- the machine
+
+    @classmethod
+    def say(cls, text):
+        print(f"{time.strftime('%H:%M:%S')} {cls.__name__}: {text}", flush=True)
+
+    @classmethod
+    def make_home(cls):
+        cls.home = pathlib.Path(tempfile.mkdtemp(prefix="dormel-jobs-"))
+        runtime = cls.home / "run"
+        runtime.mkdir(mode=0o700)
+        keep = {name: os.environ[name] for name in ("PATH", "LANG", "TZ", "ASAN_OPTIONS") if name in os.environ}
+        cls.environment = {**keep, "HOME": str(cls.home), "XDG_RUNTIME_DIR": str(runtime), "DISPLAY": "nowhere:1"}
+
+    @classmethod
+    def arm_early_job(cls):
+        cls.early_moment = (int(time.time()) // 60 + 1) * 60
+        if cls.early_moment - time.time() < 2:
+            cls.early_moment += 60
+        local = time.localtime(cls.early_moment)
+        cls.early = Job(cls.home, start=(local.tm_hour, local.tm_min), plan=["exit 0"], keys={"RunAtLoad": False})
+        subprocess.run([LAUNCHCTL, "bootstrap", DOMAIN, cls.early.plist], env=cls.environment, check=True)
+
+    @classmethod
+    def clear_away(cls):
+        subprocess.run([LAUNCHCTL, "bootout", cls.early.target], env=cls.environment, check=False)
+
+
+class OnSystemd(JobModel, unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.make_home()
+        try:
+            cls.manager = UserManager({name: value for name, value in cls.environment.items() if name != "DISPLAY"})
+        except Unavailable as reason:
+            raise unittest.SkipTest(str(reason)) from reason
+        cls.arm_early_job()
+
+    @classmethod
+    def tearDownClass(cls):
+        cls.clear_away()
+        cls.manager.stop()
+        shutil.rmtree(cls.home)
+
+    def forget_session(self):
+        """As after a boot, before anybody logs in to a desktop."""
+        self.manager.systemctl("unset-environment", "DISPLAY")
+
+    def test_units(self):
+        job = self.job(start=(21, 5))
+        self.bootstrap(job)
+        shown = self.manager.systemctl("show", f"{job.label}.timer", "-p", "NextElapseUSecRealtime", "-p",
+                                       "UnitFileState", "-p", "Persistent").stdout
+        self.say(" ".join(shown.split()))
+        self.assertIn(" 21:05:00 ", shown)
+        self.assertIn("UnitFileState=enabled", shown)
+        self.assertIn("Persistent=yes", shown)
+        files = [str(self.home / ".config/systemd/user" / f"{job.label}.{kind}") for kind in ("service", "timer")]
+        verified = subprocess.run(["systemd-analyze", "--user", "verify", *files], env=self.environment, text=True,
+                                  stdout=subprocess.PIPE, stderr=subprocess.STDOUT, check=False)
+        self.assertNotIn(job.label, verified.stdout)
+        self.manager.systemctl("stop", f"{job.label}.timer")
+        self.expect(113, "print", job.target)
+
+    def test_a_manager_for_another_home(self):
+        """It does not read our units, so the job goes to the supervisor, and the other home stays untouched."""
+        home = self.home / "other"
+        job = Job(home)
+        variables = {"HOME": str(home)}
+        self.addCleanup(self.call, "bootout", job.target, **variables)
+        self.bootstrap(job, **variables)
+        job.wait_for_run()
+        self.assertIn("supervisor", self.expect(0, "print", job.target, **variables).stdout)
+        self.assertEqual(self.left_behind(job), [])
+        self.expect(0, "bootout", job.target, **variables)
+
+
+class OnSupervisor(JobModel, unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.make_home()
+        cls.arm_early_job()
+
+    @classmethod
+    def tearDownClass(cls):
+        cls.clear_away()
+        shutil.rmtree(cls.home)
+
+    def forget_session(self):
+        """Each supervisor has the environment that it was started with."""
+
+    def supervisor_of(self, job):
+        return int(self.printed(job)["scheduler"].split()[1])
+
+    def test_the_supervisor_is_killed(self):
+        job = self.job(plan=["stay", "exit 1", "stay"])
+        self.bootstrap(job)
+        pid = job.wait_for_run()[1]
+        killed = self.supervisor_of(job)
+        os.kill(killed, signal.SIGKILL)
+        wait_for("its end", lambda: not alive(killed))
+        self.expect(113, "print", job.target)
+        self.assertTrue(alive(pid))  # what covers the screens goes on doing so
+        self.bootstrap(job)
+        self.assertEqual(self.printed(job)["pid"], str(pid))
+        self.assertEqual(len(job.runs()), 1)
+        begun = time.time()
+        os.kill(pid, signal.SIGKILL)
+        self.assertLess(job.wait_for_run(2)[0] - begun, 2)
+        job.wait_for_run(3)
+        # Killed again, and the job taken out without anybody to look after it.
+        os.kill(self.supervisor_of(job), signal.SIGKILL)
+        self.expect(0, "bootout", job.target)
+        wait_for("the end of the orphan", lambda: not alive(job.runs()[2][1]))
+        self.assertEqual(self.left_behind(job), [])
+
+    def test_its_folder_is_deleted(self):
+        job = self.job()
+        self.bootstrap(job)
+        supervisor = self.supervisor_of(job)
+        shutil.rmtree(self.home / ".local" / "state" / job.label)
+        wait_for("being found again", lambda: self.call("print", job.target).returncode == 0)
+        self.assertEqual(self.supervisor_of(job), supervisor)
+
+    def test_it_stands_on_its_own(self):
+        """Not in its caller's session, on no terminal, holding none of its caller's files; private to its user."""
+        job = self.job()
+        read, write = os.pipe()
+        with os.fdopen(read, "rb") as end:
+            subprocess.run([LAUNCHCTL, "bootstrap", DOMAIN, job.plist], env=self.environment, check=True,
+                           stdin=write, stdout=write, stderr=write, pass_fds=[write])
+            os.close(write)
+            self.assertEqual(end.read(), b"")  # comes back only when nobody has the other end
+        supervisor = self.supervisor_of(job)
+        self.assertNotEqual(os.getsid(supervisor), os.getsid(0))
+        self.assertNotEqual(os.getsid(supervisor), supervisor)
+        self.assertNotEqual(os.getsid(job.wait_for_run()[1]), os.getsid(supervisor))
+        self.assertEqual(stat.S_IMODE((self.home / ".local/state" / job.label).stat().st_mode), 0o700)
+
+    def test_it_costs_nothing_while_it_waits(self):
+        job = self.job()
+        self.bootstrap(job)
+        job.wait_for_run()
+        status = pathlib.Path(f"/proc/{self.supervisor_of(job)}/status")
+        switches = lambda: re.findall(r"ctxt_switches:\s+(\d+)", status.read_text())
+        time.sleep(0.5)
+        before = switches()
+        time.sleep(5)
+        self.assertEqual(switches(), before)
+        memory = re.search(r"VmRSS:\s+(\d+)", status.read_text())[1]
+        self.say(f"no wakeup in 5 s; {memory} kB resident")
+
+    @unittest.skipUnless(os.path.exists(FAKETIME), "libfaketime is not installed")
+    def test_the_clock_reaches_the_start_time(self):
+        """A night ahead: the evening's start, and the one that summer time skips."""
+        year = time.localtime().tm_year + 1
+        march = max(day for day in range(25, 32) if time.gmtime(calendar_noon(year, 3, day)).tm_wday == 6)
+        cases = {"evening": ("Europe/Berlin", (22, 0), f"{year}-08-04 21:59:58"),
+                 "hour skipped": ("Europe/Berlin", (2, 0), f"{year}-03-{march} 01:59:58"),
+                 "midnight": ("Europe/Berlin", (0, 0), f"{year}-08-04 23:59:58")}
+        for name, (zone, start, now) in cases.items():
+            with self.subTest(name):
+                job = self.job(start=start, plan=["exit 0"], keys={"RunAtLoad": False})
+                self.bootstrap(job, TZ=zone, FAKETIME=f"@{now}", LD_PRELOAD=FAKETIME, DONT_FAKE_MONOTONIC="1")
+                begun = time.monotonic()
+                self.assertEqual(job.runs(), [])
+                job.wait_for_run(timeout=5)
+                self.say(f"{name}: clock at {now}, start time {start[0]:02}:{start[1]:02}, "
+                         f"started after {time.monotonic() - begun:.2f} s")
+                time.sleep(1)
+                self.assertEqual(len(job.runs()), 1)
+
+
+def calendar_noon(year, month, day):
+    return time.mktime((year, month, day, 12, 0, 0, 0, 0, -1))
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1] + sys.argv[2:], verbosity=2)
