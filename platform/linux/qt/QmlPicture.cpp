@@ -35,7 +35,6 @@ QmlPicture::QmlPicture(std::unique_ptr<ViewBridge> bridge, std::unique_ptr<QQuic
   root_->setParentItem(window_->contentItem());
   QObject::connect(control_.get(), &QQuickRenderControl::renderRequested, window_.get(), onChange);
   QObject::connect(control_.get(), &QQuickRenderControl::sceneChanged, window_.get(), onChange);
-  control_->initialize();
 }
 
 QmlPicture::~QmlPicture() = default;
