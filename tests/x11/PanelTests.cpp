@@ -1,0 +1,293 @@
+#include <gtest/gtest.h>
+
+#include <QElapsedTimer>
+#include <QTimer>
+
+#include "platform/linux/x11/Reply.h"
+#include "tests/x11/Desk.h"
+
+namespace dormel::x11::test {
+namespace {
+
+constexpr std::uint32_t DESKTOP = 0x336699;
+constexpr std::uint32_t CONTENT = CANVAS_COLOUR & 0xffffff;
+
+class PanelTest : public testing::Test {
+ protected:
+  std::unique_ptr<XServer> server = XServer::withTwoMonitors();
+  Witness desktop{*server, DESKTOP};
+
+  /// The corners that no content reaches, on both monitors.
+  [[nodiscard]] std::vector<std::uint32_t> ground() {
+    return {server->pixel(3, 3), server->pixel(790, 590), server->pixel(803, 3), server->pixel(1430, 470)};
+  }
+  [[nodiscard]] bool isCovered() { return ground() == std::vector<std::uint32_t>(4, 0); }
+  [[nodiscard]] bool isBare() { return ground() == std::vector<std::uint32_t>(4, DESKTOP); }
+  [[nodiscard]] static int blue(std::uint32_t colour) { return static_cast<int>(colour & 0xff); }
+};
+
+TEST_F(PanelTest, CoversInBlackBeforeAnythingIsDrawnThenShowsItsContent) {
+  Desk desk(*server);
+  QElapsedTimer time;
+  time.start();
+  const auto windows = desk.blockers();
+  desk.cover(windows, 1);
+  EXPECT_TRUE(isCovered()) << "in the very turn that ordered them in";
+  EXPECT_EQ(server->pixel(400, 300), 0U);
+  EXPECT_TRUE(desk.canvases.made.empty()) << "and nobody was asked to draw";
+  EXPECT_TRUE(until([&] { return server->pixel(400, 300) == CONTENT && server->pixel(1120, 240) == CONTENT; }));
+  ASSERT_EQ(desk.canvases.made.size(), 2U);
+
+  // Only the changed part is repainted, at its place.
+  desk.canvases.made[0]->paint(0xff00ff00, {50, 30, 2, 2});
+  EXPECT_TRUE(until([&] { return server->pixel(401, 301) == 0x00ff00; }));
+  EXPECT_EQ(server->pixel(399, 299), CONTENT);
+
+  for (const auto& window : windows) window->orderOut();
+  EXPECT_FALSE(desk.canvases.made[0]->isShowing);
+  EXPECT_TRUE(until([&] { return isBare(); }));
+}
+
+TEST_F(PanelTest, RepaintsWhatWasExposed) {
+  Desk desk(*server);
+  const auto windows = desk.blockers();
+  desk.cover(windows, 1);
+  ASSERT_TRUE(until([&] { return server->pixel(400, 300) == CONTENT; }));
+  {
+    Witness rival(*server, 0xff0000, 380, 280, 40, 40);  // above for a moment
+    EXPECT_TRUE(until([&] { return server->pixel(400, 300) == CONTENT; }));
+  }
+  EXPECT_TRUE(until([&] { return server->pixel(382, 300) == CONTENT && server->pixel(370, 270) == 0; }));
+}
+
+TEST_F(PanelTest, StaysAboveARivalThatRaisesItselfAllTheTime) {
+  Desk desk(*server);
+  const auto windows = desk.blockers();
+  desk.cover(windows, 1);
+  Witness rival(*server, 0xff0000);
+  QTimer raising;
+  QObject::connect(&raising, &QTimer::timeout, [&] { rival.raise(); });
+  raising.start(100);
+  // The rival is seen for less than a frame each time; a quarter of a second after each raise it never is.
+  int seen = 0;
+  for (int i = 0; i < 20; ++i) {
+    spin(55);
+    if (!isCovered()) ++seen;
+  }
+  EXPECT_LE(seen, 1);
+  raising.stop();
+  EXPECT_TRUE(until([&] { return isCovered(); }, 200));
+
+  // With nothing in the way, the server hears nothing from us.
+  const auto observer = server->client();
+  const std::uint32_t mask = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
+  xcb_change_window_attributes(*observer, observer->root(), XCB_CW_EVENT_MASK, &mask);
+  observer->sync();
+  spin(300);
+  EXPECT_EQ(owned(xcb_poll_for_event(*observer)), nullptr);
+}
+
+TEST_F(PanelTest, ComesBackWhenAnotherProgramTakesItDown) {
+  Desk desk(*server);
+  const auto windows = desk.blockers();
+  desk.cover(windows, 1);
+  const auto tree = owned(xcb_query_tree_reply(
+      desktop.connection(), xcb_query_tree(desktop.connection(), desktop.connection().root()), nullptr));
+  const xcb_window_t* children = xcb_query_tree_children(tree.get());
+  const int count = xcb_query_tree_children_length(tree.get());
+  const xcb_window_t top = children[count - 1];
+  const xcb_window_t second = children[count - 2];
+  const std::uint32_t away[] = {3000, 3000};
+  xcb_unmap_window(desktop.connection(), top);
+  xcb_configure_window(desktop.connection(), second, XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y, away);
+  desktop.connection().sync();
+  EXPECT_TRUE(until([&] { return isCovered(); }));
+  xcb_destroy_window(desktop.connection(), top);
+  desktop.connection().sync();
+  EXPECT_TRUE(until([&] { return isCovered() && server->pixel(1120, 240) == CONTENT; }));
+}
+
+TEST_F(PanelTest, NeverUncoversDuringARebuild) {
+  Desk desk(*server);
+  auto windows = desk.blockers();
+  desk.cover(windows, 1);
+  Camera camera(*server, DESKTOP);
+  for (int i = 0; i < 40; ++i) {
+    auto next = desk.blockers();
+    desk.cover(next, 1);
+    for (const auto& window : windows) window->orderOut();
+    windows = std::move(next);
+    spin(20);
+  }
+  camera.stop();
+  EXPECT_GT(camera.pictures(), 100);
+  EXPECT_EQ(camera.sightings(), 0);
+}
+
+class FadeTest : public PanelTest, public testing::WithParamInterface<bool> {};
+
+TEST_P(FadeTest, GoesFromTheDesktopToBlackAndBack) {
+  std::unique_ptr<Child> picom;
+  Desk desk(*server);
+  if (GetParam()) {
+    picom = std::make_unique<Child>(std::vector<std::string>{"picom", "--backend", "xrender", "--config", "/dev/null"},
+                                    server->display());
+    ASSERT_TRUE(until([&] { return isComposited(*server); }));
+    spin(300);  // it says so before it has painted anything
+    ASSERT_TRUE(until([&] { return isBare(); }));
+  }
+  const auto windows = desk.blockers();
+  desk.cover(windows, 0);
+  for (int i = 0; i < 5; ++i) {
+    spin(10);
+    EXPECT_TRUE(isBare()) << "at alpha 0 nothing shows, not for a frame";
+  }
+  desk.fade(windows, 1, 0.8);
+  int last = blue(DESKTOP);
+  int between = 0;
+  while (desk.completions == 0) {
+    spin(20);
+    const int now = blue(server->pixel(3, 3));
+    EXPECT_LE(now, last + 2) << "darker all the time";
+    if (now < last && now > 0) ++between;
+    last = now;
+  }
+  EXPECT_GT(between, 6);
+  EXPECT_TRUE(until([&] { return isCovered() && server->pixel(400, 300) == CONTENT; }));
+
+  desk.fade(windows, 0, 0.8);
+  between = 0;
+  while (desk.completions == 1) {
+    spin(20);
+    const int now = blue(server->pixel(803, 3));
+    EXPECT_GE(now, last - 2);
+    if (now > last && now < blue(DESKTOP)) ++between;
+    last = now;
+  }
+  EXPECT_GT(between, 6);
+  EXPECT_TRUE(until([&] { return isBare(); }));
+  for (const auto& window : windows) window->orderOut();
+  EXPECT_TRUE(until([&] { return isBare() && server->pixel(400, 300) == DESKTOP; }));
+}
+
+INSTANTIATE_TEST_SUITE_P(Compositor, FadeTest, testing::Bool(),
+                         [](const auto& info) { return info.param ? "With" : "Without"; });
+
+TEST_F(PanelTest, ACompositorThatComesOrGoesNeverUncovers) {
+  Desk desk(*server);
+  const auto windows = desk.blockers();
+  desk.cover(windows, 0);
+  windows[0]->setAlpha(0.5);
+  windows[1]->setAlpha(1);
+  ASSERT_TRUE(until([&] { return server->pixel(803, 3) == 0; }));
+  const std::vector<std::string> command{"picom", "--backend", "xrender", "--config", "/dev/null"};
+  auto picom = std::make_unique<Child>(command, server->display());
+  const auto isHalf = [&] { return std::abs(blue(server->pixel(3, 3)) - blue(DESKTOP) / 2) < 4; };
+  ASSERT_TRUE(until([&] { return isComposited(*server); }));
+  EXPECT_TRUE(until(isHalf));
+  picom.reset();
+  EXPECT_TRUE(until([&] { return !isComposited(*server); }));
+  EXPECT_TRUE(until([&] { return isCovered(); })) << "what was below is not known any more: black";
+}
+
+TEST_F(PanelTest, SetAlphaEndsAnAnimationAndCompletionsComeOnceAllTheSame) {
+  Desk desk(*server);
+  auto windows = desk.blockers();
+  desk.cover(windows, 0);
+  desk.fade(windows, 1, 0.2);
+  desk.fade({}, 1, 0.1);
+  EXPECT_EQ(desk.completions, 0) << "never inside the call";
+  spin(60);
+  windows[0]->setAlpha(0.25);
+  windows.pop_back();
+  EXPECT_TRUE(until([&] { return desk.completions == 2; }));
+  spin(100);
+  EXPECT_EQ(desk.completions, 2);
+  EXPECT_EQ(windows[0]->alpha(), 0.25);
+}
+
+TEST_F(PanelTest, AKeyPanelHearsTheKeysAndGivesTheFocusBack) {
+  Desk desk(*server);
+  std::string story;
+  const auto monitor = desk.x11.windows().addLocalKeyDownMonitor([&](const KeyEvent& event) {
+    story += "m" + std::to_string(event.keyCode) + " ";
+    return event.keyCode == 53;
+  });
+  auto windows = desk.blockers();
+  for (const auto& window : windows) {
+    window->setKeyHandler([&](const KeyEvent& event) {
+      story += (event.type == EventType::keyDown ? "v"
+                : event.type == EventType::keyUp ? "^"
+                                                 : "~") +
+               std::to_string(event.keyCode) + " ";
+    });
+  }
+  desk.cover(windows, 1);
+  const auto key = [&](int evdev) {
+    server->press(evdev);
+    spin(20);
+    server->release(evdev);
+  };
+  spin(50);
+  key(30);
+  key(1);
+  server->press(30);
+  spin(800);  // repeats
+  server->release(30);
+  key(42);
+  EXPECT_TRUE(until([&] { return story == "m0 v0 ^0 m53 ^53 m0 v0 ^0 ~56 ~56 "; })) << story;
+
+  // Another window takes the focus, as one does that opens: the panel wants it back.
+  desktop.focus();
+  story.clear();
+  spin(50);
+  key(30);
+  EXPECT_TRUE(until([&] { return story == "m0 v0 ^0 "; })) << story;
+
+  windows.clear();
+  spin(20);
+  const int before = desktop.keysSeen();
+  key(30);
+  EXPECT_EQ(desktop.keysSeen() - before, 2) << "back where it was";
+}
+
+TEST_F(PanelTest, ThePillIsDraggedByItsGroundAndHasItsOutlineWithoutACompositor) {
+  Desk desk(*server);
+  const auto pill = desk.x11.windows().makeWindow(pillStyle(), {0, 0, 400, 80});
+  pill->setContent(std::make_shared<PlainView>());
+  EXPECT_EQ(pill->contentFittingSize(), (Size{100, 60}));
+  pill->setFrame({600, 480, 160, 80});  // pixels: 600,40
+  pill->orderFrontRegardless();
+  EXPECT_TRUE(until([&] { return server->pixel(680, 80) == CONTENT; }));
+  EXPECT_EQ(server->pixel(610, 80), DESKTOP) << "nothing where the picture is transparent";
+
+  server->movePointer(680, 80);
+  server->button(true);
+  server->movePointer(580, 280);
+  server->button(false);
+  EXPECT_TRUE(until([&] { return pill->frame() == (Rect{500, 280, 160, 80}); }));
+  EXPECT_TRUE(until([&] { return server->pixel(580, 280) == CONTENT && server->pixel(680, 60) == DESKTOP; }));
+
+  PlainCanvas& canvas = *desk.canvases.made.at(0);
+  canvas.takesPointer = true;
+  canvas.pointerStory.clear();
+  server->button(true);
+  server->movePointer(590, 290);
+  server->button(false);
+  EXPECT_TRUE(until([&] { return canvas.pointerStory.size() == 3; }));
+  EXPECT_EQ(canvas.pointerStory, (std::vector<std::string>{"press 80,40", "move 90,50", "release 90,50"}));
+  EXPECT_EQ(pill->frame(), (Rect{500, 280, 160, 80}));
+
+  // An ordinary window covers it: it rises once. A blocker covers it: it stays below.
+  Witness window(*server, 0xff0000);
+  EXPECT_TRUE(until([&] { return server->pixel(580, 280) == CONTENT; }));
+  const auto windows = desk.blockers();
+  desk.cover(windows, 1);
+  pill->orderFrontRegardless();
+  spin(50);
+  EXPECT_EQ(server->pixel(580, 200), 0U);
+  EXPECT_EQ(server->pixel(500 + 80, 245), 0U);
+}
+
+}  // namespace
+}  // namespace dormel::x11::test
