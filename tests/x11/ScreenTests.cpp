@@ -13,8 +13,8 @@ TEST(Screens, AreInPointsFromTheBottomLeftWithTheMainOneFirst) {
   const auto server = XServer::withTwoMonitors();
   ASSERT_TRUE(server->run({"xrandr", "--output", "DUMMY1", "--primary"}));
   // A bar of 30 pixels on top of everything, as a window manager announces it.
-  ASSERT_TRUE(server->run({"xprop", "-root", "-format", "_NET_WORKAREA", "32c", "-set", "_NET_WORKAREA",
-                           "0, 30, 1440, 570"}));
+  ASSERT_TRUE(
+      server->run({"xprop", "-root", "-format", "_NET_WORKAREA", "32c", "-set", "_NET_WORKAREA", "0, 30, 1440, 570"}));
   Desk desk(*server);
   const auto screens = desk.x11.screens().all();
   ASSERT_EQ(screens.size(), 2U);
@@ -57,9 +57,9 @@ TEST(Screens, ChangesAreToldAtOnceAndEmptyMomentsAreNot) {
   });
   // The event as another client gets it: the notice comes within 200 ms of it.
   const auto observer = server->client();
-  xcb_randr_select_input(*observer, observer->root(), XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE |
-                                                          XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE |
-                                                          XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE);
+  xcb_randr_select_input(
+      *observer, observer->root(),
+      XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE | XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE);
   observer->sync();
   struct Step {
     const char* what;
@@ -67,9 +67,11 @@ TEST(Screens, ChangesAreToldAtOnceAndEmptyMomentsAreNot) {
     std::vector<Rect> frames;
   };
   const std::vector<Step> steps{
-      {"plug", [&] { server->plug("DUMMY2", 1024, 768, 1440, 0); },
+      {"plug",
+       [&] { server->plug("DUMMY2", 1024, 768, 1440, 0); },
        {{0, 0, 800, 600}, {800, 120, 640, 480}, {1440, -168, 1024, 768}}},
-      {"resize", [&] { server->plug("DUMMY2", 320, 200, 1440, 0); },
+      {"resize",
+       [&] { server->plug("DUMMY2", 320, 200, 1440, 0); },
        {{0, 0, 800, 600}, {800, 120, 640, 480}, {1440, 400, 320, 200}}},
       {"pull", [&] { server->pull("DUMMY2"); }, {{0, 0, 800, 600}, {800, 120, 640, 480}}},
   };
@@ -124,8 +126,8 @@ TEST(DisplayScale, TheUsersFigureDecidesThenTheMonitors) {
       {"Xft.dpi: 72", 3840, 300, 1},    // never smaller than life
       {"Xft.dpi: nonsense", 3840, 300, 2},
       {"*Xft.dpi: 192", 1920, 500, 1},
-      {"", 3840, 344, 2},   // 15.6" UHD
-      {"", 3840, 600, 1},   // 27" UHD, 162 dpi
+      {"", 3840, 344, 2},  // 15.6" UHD
+      {"", 3840, 600, 1},  // 27" UHD, 162 dpi
       {"", 1920, 509, 1},
       {"", 3840, 0, 1},
   };
@@ -136,7 +138,8 @@ TEST(DisplayScale, TheUsersFigureDecidesThenTheMonitors) {
 
 TEST(CoordinateSpace, ScreensThatTouchInPixelsTouchInPointsAndBack) {
   const CoordinateSpace space{1.25, 1920, 1080};
-  for (const PixelRect& r : {PixelRect{1920, 0, 1920, 1080}, PixelRect{0, 56, 1920, 1024}, PixelRect{3840, -7, 33, 11}}) {
+  for (const PixelRect& r :
+       {PixelRect{1920, 0, 1920, 1080}, PixelRect{0, 56, 1920, 1024}, PixelRect{3840, -7, 33, 11}}) {
     EXPECT_EQ(space.toPixels(space.toPoints(r)), r);
   }
   EXPECT_EQ(space.toPoints({1920, 0, 1920, 1080}), (Rect{0, 0, 1536, 864}));
