@@ -18,6 +18,9 @@ class Process {
   /// a stuck main thread does not stop it.
   [[noreturn]] virtual void exit(int status) = 0;
 
+  /// This process's id.
+  [[nodiscard]] virtual int processId() const = 0;
+
   /// The user's numeric id.
   [[nodiscard]] virtual unsigned userId() const = 0;
 
@@ -28,6 +31,10 @@ class Process {
   /// Claims the one seat that scheduled runs of this user's login session have. True when this process has it
   /// now, and until it ends; false when another process has it.
   virtual bool claimSession() = 0;
+
+  /// Claims the one seat that opened programs of this user's login session have. False when another process has it,
+  /// which has then been told; `onReopen` runs in this process, on the main thread, whenever it is told.
+  virtual bool claimWindow(Task onReopen) = 0;
 };
 
 class ChildProcesses {
@@ -38,6 +45,10 @@ class ChildProcesses {
   /// signal n); -1 when it could not be started. Blocks the caller. "/bin/launchctl" names the scheduler tool,
   /// wherever this platform keeps it.
   virtual std::int32_t run(const std::string& tool, const std::vector<std::string>& arguments) = 0;
+
+  /// Starts `tool` and lets it run, in a session of its own, its output dropped; it outlives this process. False when
+  /// it could not be started.
+  virtual bool start(const std::string& tool, const std::vector<std::string>& arguments) = 0;
 };
 
 /// The operator's log. Each call writes one whole line at once. Any thread. A closed stream loses the line only.

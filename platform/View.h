@@ -4,7 +4,7 @@
 
 namespace dormel {
 
-enum class ViewKind { blockerOverlay, graceCountdown, accessibilityCard };
+enum class ViewKind { blockerOverlay, graceCountdown, accessibilityCard, statusPage };
 
 class View {
  public:
