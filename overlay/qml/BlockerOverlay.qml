@@ -16,9 +16,10 @@ Item {
 
     readonly property real rise: 20
 
-    // Room for the column at its widest and for its rise.
-    implicitWidth: 560
-    implicitHeight: column.height + 2 * (rise + 4)
+    // Room for the column at its widest and for its rise. A screen smaller than that shows all of it, smaller.
+    readonly property size fitting: Qt.size(464, column.height + 2 * (rise + 4))
+    implicitWidth: fitting.width
+    implicitHeight: fitting.height
 
     opacity: appearance
 
@@ -49,12 +50,12 @@ Item {
         id: column
 
         anchors.centerIn: parent
-        anchors.verticalCenterOffset: (1 - root.appearance) * root.rise * scale
-        width: root.implicitWidth
+        anchors.alignWhenCentered: false
+        anchors.verticalCenterOffset: Math.round((1 - root.appearance) * root.rise * root.view.pixelRatio) / root.view.pixelRatio
+        width: root.fitting.width
         height: hint.y + hint.height
         opacity: root.appearance * root.presence
-        // A screen too small for the column shows all of it, smaller.
-        scale: Math.min(1, root.width / root.implicitWidth, root.height / root.implicitHeight)
+        scale: Math.min(1, root.width / root.fitting.width, root.height / root.fitting.height)
 
         Text {
             id: title

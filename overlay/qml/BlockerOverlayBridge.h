@@ -1,8 +1,8 @@
 // Hands the overlay view to its QML scene. Main thread only.
 #pragma once
 
-#include <QColor>
 #include <QtQml/qqmlregistration.h>
+#include <QColor>
 #include <memory>
 
 #include "core/Constants.h"
@@ -18,8 +18,8 @@ class BlockerOverlayBridge : public ViewBridge {
   QML_UNCREATABLE("Made by the canvas")
 
   Q_PROPERTY(bool appeared READ appeared NOTIFY changed)
-  Q_PROPERTY(int appearDuration READ appearDuration NOTIFY changed)   // ms; 0 for at once
-  Q_PROPERTY(int fadeOutDuration READ fadeOutDuration CONSTANT)       // ms
+  Q_PROPERTY(int appearDuration READ appearDuration NOTIFY changed)  // ms; 0 for at once
+  Q_PROPERTY(int fadeOutDuration READ fadeOutDuration CONSTANT)      // ms
   Q_PROPERTY(bool fadingOut READ fadingOut NOTIFY changed)
   Q_PROPERTY(QAbstractItemModel* keys READ keys CONSTANT)
   Q_PROPERTY(QString statusText READ statusText NOTIFY changed)

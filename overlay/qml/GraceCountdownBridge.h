@@ -1,8 +1,8 @@
 // Hands the grace countdown to its QML scene. Main thread only.
 #pragma once
 
-#include <QColor>
 #include <QtQml/qqmlregistration.h>
+#include <QColor>
 #include <memory>
 
 #include "overlay/GraceCountdownView.h"

@@ -11,14 +11,24 @@ Item {
     implicitWidth: line.width + 2 * 20
     implicitHeight: line.height + 2 * 14
 
-    Rectangle {
+    Item {
         anchors.centerIn: parent
         width: root.implicitWidth
         height: root.implicitHeight
-        radius: height / 2
-        color: Qt.rgba(0, 0, 0, 0.75)
-        border.width: 1
-        border.color: Qt.rgba(root.view.urgencyColor.r, root.view.urgencyColor.g, root.view.urgencyColor.b, root.view.urgencyColor.a * 0.30)
+
+        // Two rectangles: the border lies on the fill and takes nothing from it.
+        Rectangle {
+            anchors.fill: parent
+            radius: height / 2
+            color: Qt.rgba(0, 0, 0, 0.75)
+        }
+        Rectangle {
+            anchors.fill: parent
+            radius: height / 2
+            color: "transparent"
+            border.width: 1
+            border.color: Qt.rgba(root.view.urgencyColor.r, root.view.urgencyColor.g, root.view.urgencyColor.b, root.view.urgencyColor.a * 0.30)
+        }
 
         Row {
             id: line

@@ -172,7 +172,7 @@ TEST_F(GraceTest, ALoweringThatIsOvertakenStopsAtItsNextStep) {
   const struct {
     const char* name;
     Seconds at;
-  } steps[] = {{"confirming", 0.5}, {"content fading", 2.0}, {"windows fading", 3.0}};
+  } steps[] = {{"confirming", 1.0}, {"content fading", 2.0}, {"windows fading", 3.0}, {"retiring", 4.5}};
   for (const auto& step : steps) {
     {
       Night taken;  // down at once
@@ -180,6 +180,7 @@ TEST_F(GraceTest, ALoweringThatIsOvertakenStopsAtItsNextStep) {
       taken.unlock();
       taken.machine.advance(step.at - 1);
       taken.session().deactivate();
+      EXPECT_FALSE(taken.machine.keyboard.isTaken()) << step.name;
       taken.machine.journal.clear();
       taken.machine.advance(400);
       EXPECT_EQ(taken.machine.journal.lines(), Lines{}) << step.name;

@@ -185,6 +185,34 @@ TEST_F(RehearsalTest, TwoEndsInOneTurnAreOne) {
   expectOver(CANCELLED);
 }
 
+TEST_F(RehearsalTest, ItsCallerHearsOfTheEndInALaterTurn) {
+  startTest();
+  machine.windows.deliverKey({EventType::keyDown, ESCAPE, 0});
+  EXPECT_EQ(session->state(), SessionState::idle);
+  EXPECT_EQ(ends, 0);
+  expectOver(CANCELLED);
+}
+
+TEST_F(RehearsalTest, AnOldLoweringDoesNotEndTheNextRun) {
+  for (const Seconds at : {1.0, 2.0, 3.0}) {
+    EXPECT_TRUE(startDemo());
+    hold(5.1);
+    machine.advance(at);
+    for (int run = 0; run < 2; ++run) {
+      machine.keyboard.press(ESCAPE);
+      machine.settle();
+      machine.keyboard.release(ESCAPE);
+      EXPECT_EQ(session->state(), SessionState::idle);
+      if (run == 1) break;
+      EXPECT_TRUE(startDemo());
+      machine.advance(4);
+      EXPECT_EQ(session->state(), SessionState::blocked) << at;
+      EXPECT_EQ(machine.windows.cover(), 1) << at;
+    }
+  }
+  EXPECT_EQ(ends, 6);
+}
+
 TEST_F(RehearsalTest, OnlyOneAtATime) {
   startTest();
   startTest();

@@ -163,6 +163,13 @@ TEST(Session, SleepDropsTheHoldAndWakingLateEndsTheNight) {
   night.machine.advance(60);  // the keys are still down, but nobody pressed them since
   EXPECT_EQ(night.session().state(), SessionState::blocked);
   releaseAll(night.machine);
+  for (const Notice notice : {Notice::willSleep, Notice::didWake}) {  // either will do
+    pressAll(night.machine, night.controller());
+    night.machine.notices.post(notice);
+    night.machine.settle();
+    EXPECT_TRUE(night.controller().pressedKeys().empty());
+    releaseAll(night.machine);
+  }
   EXPECT_NEAR(night.unlock(), 30, 0.11) << "from nothing";
 
   night.machine.advance(310);
@@ -201,6 +208,7 @@ TEST(Session, ScreensThatComeAndGoWhileLockedStayDark) {
     night.begin("2026-11-16 22:00:00");
     night.machine.advance(5);
     const int epoch = night.session().overlayEpoch();
+    const auto old = night.session().windows();  // ordered out, not merely dropped
     night.machine.windows.watchCover();
     night.machine.journal.clear();
     row.change(night.machine.screens);
@@ -298,6 +306,7 @@ TEST(Session, DeactivateTwiceIsTheSameTwice) {
   night.machine.accessibility.setTrusted(false);
   night.machine.advance(3600);
   night.machine.sleep(12 * 3600);
+  night.machine.advance(60);
   EXPECT_EQ(night.machine.journal.lines(),
             (Lines{"22:00:00.000 screen DP-3 plugged", "23:00:00.000 sleeps", "11:00:00.000 wakes"}))
       << "something still watches";

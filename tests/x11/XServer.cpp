@@ -1,7 +1,10 @@
 #include "tests/x11/XServer.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <signal.h>
+#include <sys/socket.h>
+#include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <xcb/xtest.h>
@@ -9,6 +12,7 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QTimer>
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <stdexcept>
@@ -168,6 +172,71 @@ std::uint32_t pixelAt(Connection& connection, int x, int y) {
   if (!reply) return 0xdeadbeef;
   const std::uint8_t* bytes = xcb_get_image_data(reply.get());
   return static_cast<std::uint32_t>(bytes[2] << 16 | bytes[1] << 8 | bytes[0]);
+}
+
+namespace {
+
+sockaddr_un addressOf(const std::string& display) {
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  ("/tmp/.X11-unix/X" + display.substr(1)).copy(address.sun_path, sizeof address.sun_path - 1);
+  return address;
+}
+
+}  // namespace
+
+Masquerade::Masquerade(const XServer& server, std::string asked, std::string answered)
+    : asked_(std::move(asked)), answered_(std::move(answered)) {
+  display_ = ":" + std::to_string(1000 + std::stoi(server.display().substr(1)));
+  const sockaddr_un own = addressOf(display_);
+  socket_ = own.sun_path;
+  unlink(own.sun_path);
+  const int listener = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  if (bind(listener, reinterpret_cast<const sockaddr*>(&own), sizeof own) != 0 || listen(listener, 4) != 0 ||
+      pipe2(stop_, O_CLOEXEC) != 0) {
+    throw std::runtime_error("no display to masquerade as");
+  }
+  thread_ = std::thread([this, listener, real = server.display()] { serve(listener, real); });
+}
+
+Masquerade::~Masquerade() {
+  close(stop_[1]);
+  thread_.join();
+  close(stop_[0]);
+  unlink(socket_.c_str());
+}
+
+void Masquerade::serve(int listener, const std::string& real) {
+  std::vector<pollfd> fds{{stop_[0], POLLIN, 0}, {listener, POLLIN, 0}};  // then pairs: client, server
+  while (poll(fds.data(), fds.size(), -1) >= 0 && fds[0].revents == 0) {
+    for (std::size_t i = 2; i < fds.size(); ++i) {
+      if (fds[i].revents == 0) continue;
+      const int other = fds[i ^ 1].fd;
+      std::string bytes(65536, '\0');
+      const ssize_t count = read(fds[i].fd, bytes.data(), bytes.size());
+      bytes.resize(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+      if (i % 2 == 0) {
+        for (auto at = bytes.find(asked_); at != std::string::npos; at = bytes.find(asked_)) {
+          bytes.replace(at, asked_.size(), answered_);
+        }
+      }
+      if (bytes.empty() || send(other, bytes.data(), bytes.size(), MSG_NOSIGNAL) < 0) {
+        for (const std::size_t end : {i, i ^ 1}) {
+          shutdown(fds[end].fd, SHUT_RDWR);
+          fds[end].events = 0;
+          fds[end].fd = -1 - fds[end].fd;  // poll ignores it; closed below
+        }
+      }
+    }
+    if ((fds[1].revents & POLLIN) != 0) {
+      const sockaddr_un target = addressOf(real);
+      const int server = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+      fds.push_back({accept4(listener, nullptr, nullptr, SOCK_CLOEXEC), POLLIN, 0});
+      if (connect(server, reinterpret_cast<const sockaddr*>(&target), sizeof target) != 0) break;
+      fds.push_back({server, POLLIN, 0});
+    }
+  }
+  for (std::size_t i = 1; i < fds.size(); ++i) close(fds[i].fd >= 0 ? fds[i].fd : -1 - fds[i].fd);
 }
 
 Camera::Camera(const XServer& server, std::uint32_t colour)

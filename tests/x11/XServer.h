@@ -94,6 +94,24 @@ class Witness {
   int keys_ = 0;
 };
 
+/// A display in front of a server that answers one question about an extension with the answer for another one of
+/// the same length of name: what is called XInputExtension is then not there, or XWAYLAND is.
+class Masquerade {
+ public:
+  Masquerade(const XServer& server, std::string asked, std::string answered);
+  ~Masquerade();
+  [[nodiscard]] const std::string& display() const { return display_; }
+
+ private:
+  void serve(int listener, const std::string& path);
+  std::string display_;
+  std::string socket_;
+  std::string asked_;
+  std::string answered_;
+  int stop_[2] = {-1, -1};
+  std::thread thread_;
+};
+
 /// Looks at a few places of the two monitors as fast as it can, from a thread of its own, for a colour that must not
 /// show.
 class Camera {

@@ -1,9 +1,9 @@
 // The curves that everything moves by, as cubic Beziers from (0, 0) to (1, 1). Slow, and without a bounce.
 #pragma once
 
+#include <QtQml/qqmlregistration.h>
 #include <QObject>
 #include <QVariantList>
-#include <QtQml/qqmlregistration.h>
 
 namespace dormel {
 

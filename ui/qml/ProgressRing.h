@@ -1,10 +1,12 @@
 // A ring that fills clockwise from the top: a full track below, an arc with round ends above. All of its stroke lies
 // inside the item.
+//
+// Made for a ring that grows by less than a pixel per frame: only what its end has moved over is painted afresh.
 #pragma once
 
+#include <QtQml/qqmlregistration.h>
 #include <QColor>
 #include <QQuickPaintedItem>
-#include <QtQml/qqmlregistration.h>
 
 namespace dormel {
 
@@ -28,6 +30,7 @@ class ProgressRing : public QQuickPaintedItem {
   [[nodiscard]] double lineWidth() const { return lineWidth_; }
   void setLineWidth(double width);
 
+  /// Paints all of it, or as much as the painter's clip lets through.
   void paint(QPainter* painter) override;
 
  signals:
@@ -36,11 +39,20 @@ class ProgressRing : public QQuickPaintedItem {
   void trackColorChanged();
   void lineWidthChanged();
 
+ protected:
+  void geometryChange(const QRectF& newGeometry, const QRectF& oldGeometry) override;
+
  private:
+  [[nodiscard]] QRectF circle() const;
+  [[nodiscard]] QPointF end(double progress) const;
+  void repaintAll();
+  void repaintEnd(double before);
+
   double progress_ = 0;
   QColor color_ = Qt::white;
   QColor trackColor_ = Qt::transparent;
   double lineWidth_ = 1;
+  bool allDirty_ = true;  // everything is going to be painted already
 };
 
 }  // namespace dormel

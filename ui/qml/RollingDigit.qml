@@ -19,7 +19,7 @@ Item {
     // How far the roll has come, 0 to 1.
     property real roll: 1
 
-    width: isDigit ? cellWidth : current.implicitWidth
+    width: isDigit ? cellWidth : current.implicitWidth + (text === ":" ? colonRise : 0)
     height: current.implicitHeight
 
     // Not bound: what was shown must still be known when the text changes.

@@ -1,9 +1,9 @@
 // The product's typeface: Inter, its Display cut for large sizes. Main thread only.
 #pragma once
 
+#include <QtQml/qqmlregistration.h>
 #include <QFont>
 #include <QObject>
-#include <QtQml/qqmlregistration.h>
 
 namespace dormel {
 

@@ -88,9 +88,10 @@ void QmlCanvas::report() {
   } else {
     changed = changedRect(pixelsOf(reported_), after);
     if (changed.empty()) return;
+    const qsizetype offset = static_cast<qsizetype>(changed.x) * 4;
+    const auto length = static_cast<std::size_t>(changed.width) * 4;
     for (int y = changed.y; y < changed.y + changed.height; ++y) {
-      std::memcpy(reported_.scanLine(y) + changed.x * 4, image_.constScanLine(y) + changed.x * 4,
-                  static_cast<std::size_t>(changed.width) * 4);
+      std::memcpy(reported_.scanLine(y) + offset, image_.constScanLine(y) + offset, length);
     }
   }
   onFrame_(after, changed);

@@ -28,6 +28,9 @@ class QmlCanvas : public Canvas {
   void setShowing(bool showing) override;
   bool pointer(PointerAction action, double x, double y) override { return picture().pointer(action, x, y); }
 
+  /// Whether a frame is going to be drawn. While it is not, this canvas costs nothing.
+  [[nodiscard]] bool isFramePending() const { return frameTimer_.isActive(); }
+
  private:
   [[nodiscard]] Picture& picture() const;
   void requestFrame() const;

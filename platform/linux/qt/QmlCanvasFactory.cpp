@@ -10,7 +10,8 @@ namespace dormel {
 
 QmlCanvasFactory::QmlCanvasFactory(QmlSceneRegistry registry)
     : stage_(std::make_shared<QmlStage>(std::move(registry))) {
-  QQuickWindow::setSceneGraphBackend(QStringLiteral("software"));
+  const QString software = QStringLiteral("software");
+  if (QQuickWindow::sceneGraphBackend() != software) QQuickWindow::setSceneGraphBackend(software);
 }
 
 QmlCanvasFactory::~QmlCanvasFactory() = default;

@@ -27,7 +27,8 @@ QEvent::Type typeOf(PointerAction action) {
 QmlPicture::QmlPicture(std::unique_ptr<ViewBridge> bridge, std::unique_ptr<QQuickItem> root, const QColor& background,
                        const std::function<void()>& onChange)
     : bridge_(std::move(bridge)), root_(std::move(root)) {
-  // The window takes the control when it is made and must outlive it.
+  // The window takes the control when it is made and must outlive it. The control is not initialised: that is for
+  // graphics drivers, and would load one.
   auto control = std::make_unique<QQuickRenderControl>();
   window_ = std::make_unique<QQuickWindow>(control.get());
   control_ = std::move(control);
@@ -46,6 +47,7 @@ Size QmlPicture::fittingSize() const {
 
 void QmlPicture::setTarget(QImage& image, const Size& size) {
   window_->setGeometry(0, 0, static_cast<int>(std::ceil(size.width)), static_cast<int>(std::ceil(size.height)));
+  bridge_->setPixelRatio(image.devicePixelRatio());
   root_->setSize({size.width, size.height});
   QQuickRenderTarget target = QQuickRenderTarget::fromPaintDevice(&image);
   target.setDevicePixelRatio(image.devicePixelRatio());

@@ -36,9 +36,12 @@ std::unique_ptr<Picture> QmlStage::makePicture(const std::shared_ptr<View>& view
   std::unique_ptr<ViewBridge> bridge = scene->makeBridge(view);
   QQmlEngine::setObjectOwnership(bridge.get(), QQmlEngine::CppOwnership);
   QQmlComponent component(engine_.get(), scene->source);
-  std::unique_ptr<QObject> root(
-      component.createWithInitialProperties({{QStringLiteral("view"), QVariant::fromValue<QObject*>(bridge.get())}}));
-  // A scene whose required property could not be set is an object and an error at once.
+  std::unique_ptr<QObject> root;
+  if (!component.isError()) {
+    root.reset(
+        component.createWithInitialProperties({{QStringLiteral("view"), QVariant::fromValue<QObject*>(bridge.get())}}));
+  }
+  // A scene that did not take its view is an object and an error at once.
   if (component.isError() || qobject_cast<QQuickItem*>(root.get()) == nullptr) {
     complain(component.isError() ? component.errors().constFirst().toString()
                                  : scene->source.toString() + QStringLiteral(" is not an item"));

@@ -11,4 +11,10 @@ void ViewBridge::setShowing(bool showing) {
   appear();
 }
 
+void ViewBridge::setPixelRatio(double ratio) {
+  if (pixelRatio_ == ratio) return;
+  pixelRatio_ = ratio;
+  emit pixelRatioChanged();
+}
+
 }  // namespace dormel

@@ -11,10 +11,14 @@ class ViewBridge : public QObject {
   Q_OBJECT
   /// Whether the view is on screen. Whatever would keep drawing by itself runs only while it is.
   Q_PROPERTY(bool showing READ showing NOTIFY showingChanged)
+  /// Pixels to the point. What moves slowly moves by whole pixels, or its parts would not stay together.
+  Q_PROPERTY(double pixelRatio READ pixelRatio NOTIFY pixelRatioChanged)
 
  public:
   [[nodiscard]] bool showing() const { return showing_; }
   void setShowing(bool showing);
+  [[nodiscard]] double pixelRatio() const { return pixelRatio_; }
+  void setPixelRatio(double ratio);
 
   /// What the view says, line by line, for the case that its scene cannot be drawn. Nothing that the user needs
   /// to get out may be missing from it.
@@ -23,6 +27,7 @@ class ViewBridge : public QObject {
  signals:
   void changed();
   void showingChanged();
+  void pixelRatioChanged();
 
  protected:
   /// The view comes on screen for the first time.
@@ -31,6 +36,7 @@ class ViewBridge : public QObject {
  private:
   bool showing_ = false;
   bool appeared_ = false;
+  double pixelRatio_ = 1;
 };
 
 }  // namespace dormel

@@ -1,0 +1,124 @@
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdio>
+#include <thread>
+
+#include "platform/linux/x11/Reply.h"
+#include "tests/x11/Desk.h"
+
+namespace dormel::x11::test {
+namespace {
+
+class LockdownTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    server->run({"setxkbmap", "-option", "terminate:ctrl_alt_bksp,grab:break_actions"});
+    before = keyActions();
+    ASSERT_GT(waysOut(before), 20);
+  }
+
+  /// The actions of the core keyboard's keys and of XTEST's, as text.
+  [[nodiscard]] std::string keyActions() const {
+    std::string text;
+    for (const char* device : {"3", "5"}) {
+      const std::string command = "xkbcomp -a -i " + std::string(device) + " " + server->display() +
+                                  " - 2>/dev/null | grep -E '^ *(key|actions)'";
+      FILE* pipe = popen(command.c_str(), "r");
+      char line[512];
+      while (std::fgets(line, sizeof line, pipe) != nullptr) text += line;
+      pclose(pipe);
+    }
+    return text;
+  }
+
+  [[nodiscard]] static int waysOut(const std::string& actions) {
+    int count = 0;
+    for (const std::string kind : {"Terminate(", "SwitchScreen(", "Private("}) {
+      for (auto at = actions.find(kind); at != std::string::npos; at = actions.find(kind, at + 1)) ++count;
+    }
+    return count;
+  }
+
+  void zap() {
+    for (const int key : {29, 56, 14}) server->press(key);  // left Control, left Alt, Backspace
+    for (const int key : {14, 56, 29}) server->release(key);
+  }
+
+  [[nodiscard]] bool canGrabPointer() const {
+    const auto client = server->client();
+    const auto reply = owned(xcb_grab_pointer_reply(
+        *client, xcb_grab_pointer(*client, 0, client->root(), 0, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC, 0, 0, 0),
+        nullptr));
+    return reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
+  }
+
+  std::unique_ptr<XServer> server = XServer::withTwoMonitors();
+  std::string before;
+};
+
+TEST_F(LockdownTest, KillsTheServersEscapeKeysAndGivesThemBackExactly) {
+  Desk desk(*server);
+  bool isLost = false;
+  desk.x11.setOnServerLost([&] { isLost = true; });
+  desk.x11.setLockdown(true);
+  EXPECT_EQ(waysOut(keyActions()), 0);
+  EXPECT_FALSE(canGrabPointer());
+  zap();
+  spin(100);
+  EXPECT_FALSE(isLost);
+
+  // A new layout brings them back, for a moment.
+  server->run({"setxkbmap", "de"});
+  EXPECT_TRUE(until([&] { return waysOut(keyActions()) == 0; }));
+  server->run({"setxkbmap", "us"});
+  EXPECT_TRUE(until([&] { return waysOut(keyActions()) == 0; }));
+
+  desk.x11.setLockdown(false);
+  EXPECT_EQ(keyActions(), before);
+  EXPECT_TRUE(canGrabPointer());
+  zap();  // as ever
+  EXPECT_TRUE(until([&] { return isLost; }));
+  EXPECT_FALSE(desk.x11.accessibility().isProcessTrusted());
+  const auto window = desk.x11.windows().makeWindow(blockerStyle(), {0, 0, 10, 10});
+  window->makeKeyAndOrderFront();  // harmless, if useless
+}
+
+TEST_F(LockdownTest, TheNextStartRepairsWhatACrashLeftAndNobodyDisturbsALivingLock) {
+  int ready[2];
+  ASSERT_EQ(pipe(ready), 0);
+  const pid_t pid = fork();
+  if (pid == 0) {
+    const auto connection = server->client();
+    Lockdown lockdown(connection, ServerFeatures::query(*connection));
+    lockdown.set(true);
+    connection->sync();
+    if (write(ready[1], "!", 1) == 1) pause();
+    _exit(1);
+  }
+  Child locker(pid);
+  char mark = 0;
+  ASSERT_EQ(read(ready[0], &mark, 1), 1);
+  close(ready[0]);
+  close(ready[1]);
+  EXPECT_EQ(waysOut(keyActions()), 0);
+  { const Desk second(*server); }
+  EXPECT_EQ(waysOut(keyActions()), 0) << "the first one is still at it";
+
+  locker.kill();
+  EXPECT_EQ(waysOut(keyActions()), 0) << "they do not come back by themselves";
+  { const Desk next(*server); }
+  EXPECT_EQ(keyActions(), before);
+}
+
+TEST_F(LockdownTest, TheLastWillNeedsNoMainThread) {
+  Desk desk(*server);
+  desk.x11.setLockdown(true);
+  ASSERT_EQ(waysOut(keyActions()), 0);
+  std::thread([&] { desk.x11.lastWill(); }).join();
+  EXPECT_EQ(keyActions(), before);
+}
+
+}  // namespace
+}  // namespace dormel::x11::test

@@ -1,0 +1,150 @@
+#include <gtest/gtest.h>
+#include <xcb/randr.h>
+
+#include <QElapsedTimer>
+
+#include "platform/linux/x11/DisplayScale.h"
+#include "tests/x11/Desk.h"
+
+namespace dormel::x11::test {
+namespace {
+
+TEST(Screens, AreInPointsFromTheBottomLeftWithTheMainOneFirst) {
+  const auto server = XServer::withTwoMonitors();
+  ASSERT_TRUE(server->run({"xrandr", "--output", "DUMMY1", "--primary"}));
+  // A bar of 30 pixels on top of everything, as a window manager announces it.
+  ASSERT_TRUE(
+      server->run({"xprop", "-root", "-format", "_NET_WORKAREA", "32c", "-set", "_NET_WORKAREA", "0, 30, 1440, 570"}));
+  Desk desk(*server);
+  const auto screens = desk.x11.screens().all();
+  ASSERT_EQ(screens.size(), 2U);
+  EXPECT_EQ(screens[0].name, "DUMMY1");
+  EXPECT_EQ(screens[0].frame, (Rect{0, 0, 640, 480}));
+  EXPECT_EQ(screens[0].visibleFrame, (Rect{0, 0, 640, 450}));
+  EXPECT_EQ(screens[1].name, "DUMMY0");
+  EXPECT_EQ(screens[1].frame, (Rect{-800, -120, 800, 600}));
+  EXPECT_EQ(desk.x11.screens().main()->name, "DUMMY1");
+}
+
+TEST(Screens, AreTheSameThroughEveryVersionOfTheExtension) {
+  const auto server = XServer::withTwoMonitors();
+  server->plug("DUMMY2", 640, 480, 800, 0);  // mirrors DUMMY1
+  server->plug("DUMMY3", 320, 200, 0, 0);    // shows a part of DUMMY0
+  const auto connection = server->client();
+  const auto newest = queryMonitors(*connection, 5);
+  ASSERT_EQ(newest.size(), 2U);
+  EXPECT_EQ(newest[0].area, (PixelRect{0, 0, 800, 600}));
+  EXPECT_EQ(newest[1].area, (PixelRect{800, 0, 640, 480}));
+  EXPECT_TRUE(newest[0].isPrimary);
+  for (const int version : {2, 3, 4}) {
+    const auto older = queryMonitors(*connection, version);
+    ASSERT_EQ(older.size(), 2U) << version;
+    for (int i : {0, 1}) {
+      EXPECT_EQ(older[i].area, newest[i].area);
+      EXPECT_EQ(older[i].name, newest[i].name);
+    }
+  }
+}
+
+TEST(Screens, ChangesAreToldAtOnceAndEmptyMomentsAreNot) {
+  const auto server = XServer::withTwoMonitors();
+  Desk desk(*server);
+  int notices = 0;
+  std::vector<Screen> seen;
+  desk.x11.setOnScreensChanged([&] {
+    ++notices;
+    seen = desk.x11.screens().all();
+  });
+  // The event as another client gets it: the notice comes within 200 ms of it.
+  const auto observer = server->client();
+  xcb_randr_select_input(
+      *observer, observer->root(),
+      XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE | XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE);
+  observer->sync();
+  struct Step {
+    const char* what;
+    std::function<void()> act;
+    std::vector<Rect> frames;
+  };
+  const std::vector<Step> steps{
+      {"plug",
+       [&] { server->plug("DUMMY2", 1024, 768, 1440, 0); },
+       {{0, 0, 800, 600}, {800, 120, 640, 480}, {1440, -168, 1024, 768}}},
+      {"resize",
+       [&] { server->plug("DUMMY2", 320, 200, 1440, 0); },
+       {{0, 0, 800, 600}, {800, 120, 640, 480}, {1440, 400, 320, 200}}},
+      {"pull", [&] { server->pull("DUMMY2"); }, {{0, 0, 800, 600}, {800, 120, 640, 480}}},
+  };
+  for (const Step& step : steps) {
+    step.act();  // the server has sent its events when this returns
+    QElapsedTimer time;
+    time.start();
+    const auto frames = [&] {
+      std::vector<Rect> all;
+      for (const Screen& screen : seen) all.push_back(screen.frame);
+      return all;
+    };
+    EXPECT_TRUE(until([&] { return frames() == step.frames; }, 200)) << step.what;
+    std::printf("%s noticed %lld ms after xrandr ended\n", step.what, static_cast<long long>(time.elapsed()));
+  }
+  const int before = notices;
+  ASSERT_TRUE(server->run({"xrandr", "--output", "DUMMY0", "--off", "--output", "DUMMY1", "--off"}));
+  spin(100);
+  EXPECT_EQ(desk.x11.screens().all().size(), 2U) << "with every cable pulled, what was there still counts";
+  EXPECT_EQ(notices, before);
+}
+
+TEST(Screens, ANewOneCanBeCoveredRightAfterItsNotice) {
+  const auto server = XServer::withTwoMonitors();
+  const Witness desktop(*server, 0x336699, 0, 0, 4000, 2000);
+  Desk desk(*server);
+  auto windows = desk.blockers();
+  desk.cover(windows, 1);
+  desk.x11.setOnScreensChanged([&] {
+    auto next = desk.blockers();
+    desk.cover(next, 1);
+    for (const auto& window : windows) window->orderOut();
+    windows = std::move(next);
+  });
+  QElapsedTimer time;
+  server->plug("DUMMY2", 1024, 768, 1440, 0);
+  time.start();
+  EXPECT_TRUE(until([&] { return server->pixel(1500, 700) == 0; }, 200));
+  std::printf("covered %lld ms after xrandr ended\n", static_cast<long long>(time.elapsed()));
+}
+
+TEST(DisplayScale, TheUsersFigureDecidesThenTheMonitors) {
+  struct Case {
+    const char* resources;
+    int width, millimetres;
+    double scale;
+  };
+  const Case cases[] = {
+      {"Xcursor.size:\t24\nXft.dpi:\t192\nXft.rgba:\tnone\n", 1920, 0, 2},
+      {"Xft.dpi: 120", 1920, 0, 1.25},
+      {"Xft.dpi: 108", 1920, 0, 1.25},  // 1.125 goes up
+      {"Xft.dpi: 72", 3840, 300, 1},    // never smaller than life
+      {"Xft.dpi: nonsense", 3840, 300, 2},
+      {"*Xft.dpi: 192", 1920, 500, 1},
+      {"", 3840, 344, 2},  // 15.6" UHD
+      {"", 3840, 600, 1},  // 27" UHD, 162 dpi
+      {"", 1920, 509, 1},
+      {"", 3840, 0, 1},
+  };
+  for (const Case& c : cases) {
+    EXPECT_EQ(displayScale(xftDpi(c.resources), c.width, c.millimetres), c.scale) << c.resources << c.millimetres;
+  }
+}
+
+TEST(CoordinateSpace, ScreensThatTouchInPixelsTouchInPointsAndBack) {
+  const CoordinateSpace space{1.25, 1920, 1080};
+  for (const PixelRect& r :
+       {PixelRect{1920, 0, 1920, 1080}, PixelRect{0, 56, 1920, 1024}, PixelRect{3840, -7, 33, 11}}) {
+    EXPECT_EQ(space.toPixels(space.toPoints(r)), r);
+  }
+  EXPECT_EQ(space.toPoints({1920, 0, 1920, 1080}), (Rect{0, 0, 1536, 864}));
+  EXPECT_EQ(space.toPixels({1536 - 220 - 24, 864 - 56 - 24, 220, 56}), (PixelRect{3535, 30, 275, 70}));
+}
+
+}  // namespace
+}  // namespace dormel::x11::test

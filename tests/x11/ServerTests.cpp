@@ -1,0 +1,95 @@
+// Servers that are missing, lacking, or dying.
+#include <gtest/gtest.h>
+
+#include "tests/x11/Desk.h"
+
+namespace dormel::x11::test {
+namespace {
+
+TEST(Server, WithoutADisplayThereAreNoScreensAndNoTrustAndWindowsThatNobodySees) {
+  posix::PosixClock clock;
+  PlainCanvases canvases;
+  X11Platform x11(canvases, clock, ":987");
+  EXPECT_FALSE(x11.hasDisplay());
+  EXPECT_FALSE(x11.accessibility().isProcessTrusted());
+  EXPECT_TRUE(x11.screens().all().empty());
+  EXPECT_EQ(x11.screens().main(), std::nullopt);
+  EXPECT_EQ(x11.eventTaps().create([](const KeyEvent&) { return TapVerdict::pass; }), nullptr);
+  EXPECT_FALSE(x11.hardwareKeys().isDown(0));
+  EXPECT_LT(x11.inputIdle().secondsSinceLast(InputKind::keyDown), 0);
+  EXPECT_EQ(x11.keyboardLayout().translate(0), std::nullopt);
+  EXPECT_EQ(x11.windows().addLocalKeyDownMonitor([](const KeyEvent&) { return false; }), nullptr);
+  x11.setLockdown(true);
+  x11.setLockdown(false);
+  x11.lastWill();
+  const auto window = x11.windows().makeWindow(blockerStyle(), {0, 0, 800, 600});
+  window->makeKeyAndOrderFront();
+  EXPECT_TRUE(window->isVisible());
+  bool isDone = false;
+  x11.windows().animateAlpha({window}, 0, 0.05, TimingCurve::linear, [&] { isDone = true; });
+  EXPECT_TRUE(until([&] { return isDone; }));
+  EXPECT_EQ(window->alpha(), 0);
+}
+
+TEST(Server, WithoutRandRTheRootIsTheScreen) {
+  const auto server = XServer::xorg({"-extension", "RANDR"});
+  Desk desk(*server);
+  const auto screens = desk.x11.screens().all();
+  ASSERT_EQ(screens.size(), 1U);
+  EXPECT_EQ(screens[0].frame, (Rect{0, 0, 1024, 768}));
+  EXPECT_TRUE(desk.x11.accessibility().isProcessTrusted());
+}
+
+TEST(Server, WithoutRenderOrACompositorTheLockIsStillBlackWithItsContent) {
+  const auto server = XServer::xorg({"-extension", "RENDER", "-extension", "Composite"});
+  const Witness desktop(*server);
+  Desk desk(*server);
+  const auto windows = desk.blockers();
+  desk.cover(windows, 0.0);
+  desk.fade(windows, 1, 0.1);
+  EXPECT_EQ(server->pixel(3, 3), 0U);
+  EXPECT_TRUE(until([&] { return desk.completions == 1 && server->pixel(512, 384) == (CANVAS_COLOUR & 0xffffff); }));
+}
+
+TEST(Server, WithoutXInputOrThroughAWaylandBridgeThereIsNoTrustAndNoTap) {
+  const auto server = XServer::withTwoMonitors();
+  struct Case {
+    const char* asked;
+    const char* answered;
+    bool isTrusted;
+  };
+  for (const Case& c : {Case{"MIT-SHM", "MIT-???", true}, Case{"XInputExtension", "XInput?????????", false},
+                        Case{"XWAYLAND", "XINERAMA", false}}) {
+    const Masquerade front(*server, c.asked, c.answered);
+    Desk desk(front.display());
+    ASSERT_TRUE(desk.x11.hasDisplay());
+    EXPECT_EQ(desk.x11.accessibility().isProcessTrusted(), c.isTrusted) << c.asked;
+    const auto tap = desk.x11.eventTaps().create([](const KeyEvent&) { return TapVerdict::pass; });
+    EXPECT_EQ(tap != nullptr, c.isTrusted) << c.asked;
+    EXPECT_EQ(desk.x11.screens().all().size(), 2U);
+    const auto windows = desk.blockers();
+    desk.cover(windows, 1);
+    EXPECT_TRUE(until([&] { return server->pixel(400, 300) == (CANVAS_COLOUR & 0xffffff); })) << c.asked;
+  }
+}
+
+TEST(Server, ItsDeathIsToldOnce) {
+  const auto server = XServer::withTwoMonitors();
+  Desk desk(*server);
+  int losses = 0;
+  desk.x11.setOnServerLost([&] { ++losses; });
+  const auto windows = desk.blockers();
+  desk.cover(windows, 1);
+  const auto tap = desk.x11.eventTaps().create([](const KeyEvent&) { return TapVerdict::swallow; });
+  const auto source = tap->makeRunLoopSource();
+  tap->enable(true);
+  server->crash();
+  EXPECT_TRUE(until([&] { return losses > 0; }));
+  spin(200);
+  EXPECT_EQ(losses, 1);
+  EXPECT_FALSE(desk.x11.accessibility().isProcessTrusted());
+  EXPECT_FALSE(desk.x11.hardwareKeys().isDown(0));
+}
+
+}  // namespace
+}  // namespace dormel::x11::test
