@@ -6,6 +6,7 @@
 #include "app/AppInstaller.h"
 #include "core/AppSupport.h"
 #include "core/Config.h"
+#include "core/DebugLog.h"
 #include "platform/Defaults.h"
 #include "platform/Files.h"
 #include "platform/Platform.h"
@@ -40,12 +41,16 @@ void AppDelegate::uninstallAnswered(int button) {
   if (button != 0) return;
   // Looked at only now: the hours may have begun while the question stood.
   if (Config::blockingEnabled() && Config::isBlockingNow(platform().clock.now())) return;
+  // From here on nothing may bring back what is being removed: not the log, and not the return from the settings.
+  DebugLog::shared().setEnabled(false);
+  awaitingLoginItemsFix_ = false;
   AgentManager::uninstall();
   platform().defaults.removeDomain();
   platform().defaults.synchronize();
   platform().files.remove(AppSupport::directory());
   platform().files.remove(Config::logDirectory());
   removeBundle();
+  platform().workspace.forgetApplication();
   ask({AlertStyle::informational, "Dormel uninstalled", "Dormel has been removed from your Mac.", {"OK"}},
       &AppDelegate::uninstallDone);
 }

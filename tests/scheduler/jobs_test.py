@@ -1,6 +1,6 @@
 """The job scheduler, whole: the real command line, real processes, under each of its two back ends.
 
-Usage: jobs_test.py <launchctl> [unittest arguments]
+Usage: python3 -m unittest jobs_test, with DORMEL_BUILD naming the build folder
 """
 
 import os
@@ -17,9 +17,11 @@ import tempfile
 import time
 import unittest
 
-from user_manager import Unavailable, UserManager
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "tools"))
 
-LAUNCHCTL = os.path.abspath(sys.argv[1]) if len(sys.argv) > 1 else ""
+from desk import Home, scheduler  # noqa: E402
+
+LAUNCHCTL = os.path.join(os.environ["DORMEL_BUILD"], "Dormel.app/Contents/Helpers/launchctl")
 DOMAIN = f"gui/{os.getuid()}"
 FAKETIME = "/usr/lib/x86_64-linux-gnu/faketime/libfaketimeMT.so.1"
 
@@ -379,11 +381,10 @@ class JobModel:
 
     @classmethod
     def make_home(cls):
-        cls.home = pathlib.Path(tempfile.mkdtemp(prefix="dormel-jobs-"))
-        runtime = cls.home / "run"
-        runtime.mkdir(mode=0o700)
-        keep = {name: os.environ[name] for name in ("PATH", "LANG", "TZ", "ASAN_OPTIONS") if name in os.environ}
-        cls.environment = {**keep, "HOME": str(cls.home), "XDG_RUNTIME_DIR": str(runtime), "DISPLAY": "nowhere:1"}
+        cls.folder = tempfile.mkdtemp(prefix="dormel-jobs-")
+        cls.desk_home = Home(cls.folder)
+        cls.home = pathlib.Path(cls.desk_home.path)
+        cls.environment = {**cls.desk_home.environment(), "DISPLAY": "nowhere:1"}
 
     @classmethod
     def arm_early_job(cls):
@@ -403,27 +404,26 @@ class OnSystemd(JobModel, unittest.TestCase):
     @classmethod
     def setUpClass(cls):
         cls.make_home()
-        try:
-            cls.manager = UserManager({name: value for name, value in cls.environment.items() if name != "DISPLAY"})
-        except Unavailable as reason:
-            raise unittest.SkipTest(str(reason)) from reason
+        why = scheduler.available()
+        if why is not None:
+            raise unittest.SkipTest(why)
+        cls.manager = scheduler.UserManager(cls.desk_home, cls.folder).start()
         cls.arm_early_job()
 
     @classmethod
     def tearDownClass(cls):
         cls.clear_away()
         cls.manager.stop()
-        shutil.rmtree(cls.home)
+        shutil.rmtree(cls.folder, ignore_errors=True)
 
     def forget_session(self):
         """As after a boot, before anybody logs in to a desktop."""
-        self.manager.systemctl("unset-environment", "DISPLAY")
+        self.manager.ask("unset-environment", "DISPLAY")
 
     def test_units(self):
         job = self.job(start=(21, 5))
         self.bootstrap(job)
-        shown = self.manager.systemctl("show", f"{job.label}.timer", "-p", "NextElapseUSecRealtime", "-p",
-                                       "UnitFileState", "-p", "Persistent").stdout
+        shown = self.manager.ask("show", f"{job.label}.timer", "-p", "NextElapseUSecRealtime,UnitFileState,Persistent")
         self.say(" ".join(shown.split()))
         self.assertIn(" 21:05:00 ", shown)
         self.assertIn("UnitFileState=enabled", shown)
@@ -432,7 +432,7 @@ class OnSystemd(JobModel, unittest.TestCase):
         verified = subprocess.run(["systemd-analyze", "--user", "verify", *files], env=self.environment, text=True,
                                   stdout=subprocess.PIPE, stderr=subprocess.STDOUT, check=False)
         self.assertNotIn(job.label, verified.stdout)
-        self.manager.systemctl("stop", f"{job.label}.timer")
+        self.manager.ask("stop", f"{job.label}.timer")
         self.expect(113, "print", job.target)
 
     def test_a_manager_for_another_home(self):
@@ -457,7 +457,7 @@ class OnSupervisor(JobModel, unittest.TestCase):
     @classmethod
     def tearDownClass(cls):
         cls.clear_away()
-        shutil.rmtree(cls.home)
+        shutil.rmtree(cls.folder, ignore_errors=True)
 
     def forget_session(self):
         """Each supervisor has the environment that it was started with."""
@@ -491,7 +491,7 @@ class OnSupervisor(JobModel, unittest.TestCase):
         job = self.job()
         self.bootstrap(job)
         supervisor = self.supervisor_of(job)
-        shutil.rmtree(self.home / ".local" / "state" / job.label)
+        shutil.rmtree(self.home / ".local" / "state" / job.label, ignore_errors=True)  # it may be back meanwhile
         wait_for("being found again", lambda: self.call("print", job.target).returncode == 0)
         self.assertEqual(self.supervisor_of(job), supervisor)
 
@@ -549,4 +549,4 @@ def calendar_noon(year, month, day):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=sys.argv[:1] + sys.argv[2:], verbosity=2)
+    unittest.main(verbosity=2)
