@@ -1,10 +1,12 @@
-// What a main window wears above its content: a hairline around it and, in a strip that is otherwise clear, the buttons
-// that minimise and close it.
+// What a window wears above its content: a hairline around it and, in a strip that is otherwise clear, the buttons that
+// minimise and close it.
 import QtQuick
 import Dormel.Ui
 
 Item {
     id: root
+
+    required property bool minimizable
 
     Rectangle {
         anchors.fill: parent
@@ -21,6 +23,7 @@ Item {
         spacing: 4
 
         WindowButton {
+            visible: root.minimizable
             name: "Minimize"
             onClicked: root.Window.window.showMinimized()
 

@@ -31,8 +31,8 @@ class QmlSceneRegistry {
   /// The scene of that kind; null when nobody registered one.
   [[nodiscard]] const QmlScene* find(ViewKind kind) const;
 
-  /// What every main window wears above its content: an Item of the window's size that takes the pointer only where
-  /// its buttons are, and closes and minimises `Window.window`.
+  /// What a window that is no alert wears above its content: an Item of the window's size with a required property
+  /// `minimizable`, which takes the pointer only where its buttons are, and closes and minimises `Window.window`.
   void setWindowFrame(QUrl source) { windowFrame_ = std::move(source); }
   [[nodiscard]] const QUrl& windowFrame() const { return windowFrame_; }
 

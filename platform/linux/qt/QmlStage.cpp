@@ -61,8 +61,9 @@ std::unique_ptr<Picture> QmlStage::makePicture(const std::shared_ptr<View>& view
   return std::make_unique<QmlPicture>(std::move(scene.bridge), std::move(scene.root), scene.background, onChange);
 }
 
-std::unique_ptr<QQuickItem> QmlStage::makeWindowFrame() {
-  return registry_.windowFrame().isEmpty() ? nullptr : create(registry_.windowFrame(), {});
+std::unique_ptr<QQuickItem> QmlStage::makeWindowFrame(bool minimizable) {
+  if (registry_.windowFrame().isEmpty()) return nullptr;
+  return create(registry_.windowFrame(), {{QStringLiteral("minimizable"), minimizable}});
 }
 
 }  // namespace dormel

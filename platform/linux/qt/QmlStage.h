@@ -31,8 +31,8 @@ class QmlStage {
   [[nodiscard]] std::unique_ptr<Picture> makePicture(const std::shared_ptr<View>& view,
                                                      const std::function<void()>& onChange);
 
-  /// What a main window wears, see QmlSceneRegistry::setWindowFrame; null when there is none.
-  [[nodiscard]] std::unique_ptr<QQuickItem> makeWindowFrame();
+  /// What a window wears, see QmlSceneRegistry::setWindowFrame; null when there is none.
+  [[nodiscard]] std::unique_ptr<QQuickItem> makeWindowFrame(bool minimizable);
 
  private:
   QQmlEngine& engine();
