@@ -23,7 +23,7 @@ const char* editingMethod(MenuCommand command) {
     case MenuCommand::paste:
       return "paste()";
     case MenuCommand::deleteSelection:
-      return "clearSelection()";
+      return "remove(int,int)";
     case MenuCommand::selectAll:
       return "selectAll()";
     default:
@@ -37,6 +37,16 @@ QMetaMethod editing(MenuCommand command) {
   const char* name = editingMethod(command);
   if (focused == nullptr || name == nullptr) return {};
   return focused->metaObject()->method(focused->metaObject()->indexOfMethod(name));
+}
+
+void edit(MenuCommand command) {
+  QObject* focused = QGuiApplication::focusObject();
+  if (command == MenuCommand::deleteSelection) {
+    editing(command).invoke(focused, Q_ARG(int, focused->property("selectionStart").toInt()),
+                            Q_ARG(int, focused->property("selectionEnd").toInt()));
+  } else {
+    editing(command).invoke(focused);
+  }
 }
 
 bool matches(const MenuItem& item, const QKeyEvent& press) {
@@ -119,7 +129,7 @@ void QtMainMenu::perform(MenuCommand command) {
       others_.show();
       break;
     default:
-      editing(command).invoke(QGuiApplication::focusObject());
+      edit(command);
       break;
   }
 }
