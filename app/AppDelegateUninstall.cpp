@@ -40,6 +40,9 @@ void AppDelegate::uninstallAnswered(int button) {
   if (button != 0) return;
   // Looked at only now: the hours may have begun while the question stood.
   if (Config::blockingEnabled() && Config::isBlockingNow(platform().clock.now())) return;
+  // Nothing may arm the job again, not even a return from the login items.
+  awaitingLoginItemsFix_ = false;
+  recoveryAlert_.reset();
   AgentManager::uninstall();
   platform().defaults.removeDomain();
   platform().defaults.synchronize();
