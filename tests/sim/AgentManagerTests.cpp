@@ -1,140 +1,98 @@
-// The scheduler's job: what its file says, how it is loaded, and what is said when that fails.
+#include "app/AgentManager.h"
+
 #include <gtest/gtest.h>
 
-#include "tests/sim/Program.h"
+#include "core/Config.h"
+#include "core/Constants.h"
+#include "core/DebugLog.h"
+#include "platform/sim/SimMachine.h"
 
 namespace dormel {
 namespace {
 
-using Lines = Program::Lines;
+const std::string LABEL = BUNDLE_IDENTIFIER;
+const std::string PLIST = "/home/user/Library/LaunchAgents/" + LABEL + ".plist";
+const std::string BOOTOUT = "run /bin/launchctl bootout gui/1000/" + LABEL + " = ";
+const std::string BOOTSTRAP = "run /bin/launchctl bootstrap gui/1000 " + PLIST + " = ";
 
-const std::string WRITE = "write ~/Library/LaunchAgents/" + std::string(BUNDLE_IDENTIFIER) + ".plist";
-
-class AgentManagerTest : public testing::Test {
- protected:
-  AgentManagerTest() {
-    machine.defaults.putBoolean(defaultsKey::debugLoggingEnabled, true);
-    machine.defaults.putInteger(defaultsKey::blockStartHour, 21);
-    cliArgs = {"/usr/local/bin/dormel"};
+/// What the journal says about tools and printed lines, without the time of day.
+std::vector<std::string> effects(SimMachine& machine) {
+  std::vector<std::string> kept;
+  for (const std::string& line : machine.journal.lines()) {
+    const std::string effect = line.substr(line.find(' ') + 1);
+    if (effect.starts_with("run ") || effect.starts_with("out: ")) kept.push_back(effect);
   }
+  machine.journal.clear();
+  return kept;
+}
 
-  Lines effects() {
-    Lines lines;
-    for (const std::string& line : machine.journal.lines()) {
-      if (line.find("mkdir ") == std::string::npos) lines.push_back(line.substr(sizeof "21:00:00.000 " - 1));
-    }
-    machine.journal.clear();
-    return lines;
-  }
+using Effects = std::vector<std::string>;
 
+TEST(AgentManager, ArmsAndDisarmsTheJob) {
   SimMachine machine;
-};
+  machine.defaults.putInteger(defaultsKey::blockStartHour, 21);
+  EXPECT_FALSE(AgentManager::isLoaded());
+  EXPECT_EQ(effects(machine), Effects{"run /bin/launchctl print gui/1000/" + LABEL + " = 113"});
+  EXPECT_TRUE(AgentManager::uninstall());
+  EXPECT_EQ(effects(machine), Effects{BOOTOUT + "3"});
 
-TEST_F(AgentManagerTest, ItsFileReadsBackAsTheEightKeys) {
   EXPECT_TRUE(AgentManager::install());
-  EXPECT_EQ(AgentManager::plistPath(), PLIST);
-  EXPECT_EQ(machine.files.content(PLIST).substr(0, 38), R"(<?xml version="1.0" encoding="UTF-8"?>)");
-  const auto read = readXmlPropertyList(machine.files.content(PLIST));
-  ASSERT_TRUE(read);
-  const auto text = [](const char* value) { return PropertyListValue{std::string(value)}; };
-  const char* const log = "/home/user/Library/Logs/Dormel/dormel.log";
+  EXPECT_EQ(effects(machine), (Effects{BOOTOUT + "3", BOOTSTRAP + "0"}));
+  EXPECT_TRUE(AgentManager::isLoaded());
+  const std::string log = "/home/user/Library/Logs/Dormel/dormel.log";
+  const auto text = [](const std::string& value) { return PropertyListValue{value}; };
   const PropertyListDictionary expected{
-      {"Label", text(BUNDLE_IDENTIFIER)},
-      {"ProgramArguments",
-       {PropertyListArray{text("/Applications/Dormel.app/Contents/Linux/Dormel"), text("--scheduled")}}},
+      {"Label", text(LABEL)},
+      {"ProgramArguments", {PropertyListArray{text(*machine.bundle.executablePath()), text("--scheduled")}}},
       {"StartCalendarInterval", {PropertyListDictionary{{"Hour", {std::int64_t{21}}}, {"Minute", {std::int64_t{0}}}}}},
       {"RunAtLoad", {true}},
       {"KeepAlive", {PropertyListDictionary{{"SuccessfulExit", {false}}}}},
       {"StandardOutPath", text(log)},
       {"StandardErrorPath", text(log)},
-      {"AssociatedBundleIdentifiers", {PropertyListArray{text(BUNDLE_IDENTIFIER)}}},
-  };
-  EXPECT_EQ(*read, PropertyListValue{expected});
-  EXPECT_TRUE(machine.files.exists("/home/user/Library/Logs/Dormel")) << "the scheduler could not create the log";
-}
+      {"AssociatedBundleIdentifiers", {PropertyListArray{text(LABEL)}}}};
+  EXPECT_EQ(readXmlPropertyList(machine.files.content(PLIST)), PropertyListValue{expected});
+  EXPECT_TRUE(machine.files.exists("/home/user/Library/Logs/Dormel"));
 
-TEST_F(AgentManagerTest, TheWholeLifeOfAJob) {
-  EXPECT_FALSE(AgentManager::isLoaded());
+  machine.defaults.putInteger(defaultsKey::blockStartHour, 23);
+  effects(machine);
   EXPECT_TRUE(AgentManager::install());
-  EXPECT_TRUE(AgentManager::isLoaded());
-  machine.defaults.putInteger(defaultsKey::blockStartHour, 1);
-  EXPECT_TRUE(AgentManager::install());
-  EXPECT_NE(machine.files.content(PLIST).find("<integer>1</integer>"), std::string::npos);
-  EXPECT_TRUE(AgentManager::reload());
+  EXPECT_EQ(effects(machine), (Effects{BOOTOUT + "0", BOOTSTRAP + "0"}));
+  EXPECT_NE(machine.files.content(PLIST).find("<integer>23</integer>"), std::string::npos);
+
   EXPECT_TRUE(AgentManager::uninstall());
+  EXPECT_FALSE(AgentManager::isLoaded());
   EXPECT_FALSE(machine.files.exists(PLIST));
-  EXPECT_FALSE(AgentManager::isLoaded());
-  EXPECT_TRUE(AgentManager::uninstall());
-  EXPECT_EQ(effects(),
-            (Lines{PRINT + " = 113",    //
-                   WRITE,               //
-                   BOOTOUT + " = 3",    //
-                   BOOTSTRAP + " = 0",  //
-                   PRINT + " = 0",      //
-                   WRITE,               // the hour changed
-                   BOOTOUT + " = 0",    //
-                   BOOTSTRAP + " = 0",  //
-                   BOOTOUT + " = 0",    // reloaded
-                   BOOTSTRAP + " = 0",  //
-                   BOOTOUT + " = 0",    // uninstalled
-                   "remove ~/Library/LaunchAgents/" + std::string(BUNDLE_IDENTIFIER) + ".plist",
-                   PRINT + " = 113",     //
-                   BOOTOUT + " = 3"}));  // and once more
 }
 
-TEST_F(AgentManagerTest, EachFailureIsOneLineAndStopsThere) {
-  const auto bootstrapFailed = [](const char* status) {
-    return std::string("out: AgentManager: bootstrap FAILED (exit ") + status +
-           ") — agent NOT loaded, Dormel will not fire tonight";
-  };
-  const struct {
-    const char* name;
-    std::function<void(SimMachine&)> world;
-    Lines effects;
-    const char* trail;
-  } rows[] = {
-      {"the scheduler refuses",
-       [](SimMachine& m) { m.scheduler.setBootstrapFailure(5); },
-       {WRITE, BOOTOUT + " = 3", BOOTSTRAP + " = 5", bootstrapFailed("5")},
-       "agent bootstrap FAILED exit=5"},
-      {"the user switched it off",
-       [](SimMachine& m) { m.scheduler.setSwitchedOff(true); },
-       {WRITE, BOOTOUT + " = 3", BOOTSTRAP + " = 125", bootstrapFailed("125")},
-       "agent bootstrap FAILED exit=125"},
-      {"there is no scheduler",
-       [](SimMachine& m) { m.childProcesses.install("/bin/launchctl", {}); },
-       {WRITE, BOOTOUT + " = -1", BOOTSTRAP + " = -1", bootstrapFailed("-1")},
-       "agent bootstrap FAILED exit=-1"},
-      {"the folder is not ours",
-       [](SimMachine& m) {
-         m.files.putDirectory("/home/user/Library/LaunchAgents");
-         m.files.chmod("/home/user/Library/LaunchAgents", 0555);
-       },
-       {WRITE + ": Permission denied", "out: AgentManager: failed to write plist: Permission denied"},
-       ""},
-      {"the folder cannot be made",
-       [](SimMachine& m) { m.files.put("/home/user/Library", "a file"); },
-       {WRITE + ": No such file or directory", "out: AgentManager: failed to write plist: No such file or directory"},
-       ""},
-      {"the path is no text",
-       [](SimMachine& m) { m.bundle.setPath("/Applications/\xff.app"); },
-       {"out: AgentManager: failed to serialise plist"},
-       ""},
-  };
-  for (const auto& row : rows) {
-    SimMachine own;
-    own.defaults.putBoolean(defaultsKey::debugLoggingEnabled, true);
-    row.world(own);
-    EXPECT_FALSE(AgentManager::install()) << row.name;
-    Lines lines;
-    for (const std::string& line : own.journal.lines()) {
-      if (line.find("mkdir ") == std::string::npos) lines.push_back(line.substr(sizeof "21:00:00.000 " - 1));
-    }
-    EXPECT_EQ(lines, row.effects) << row.name;
-    const Lines trail = Program::trail();
-    EXPECT_EQ(trail, *row.trail == '\0' ? Lines{} : Lines{row.trail}) << row.name;
-    EXPECT_EQ(own.files.exists(PLIST), *row.trail != '\0') << row.name << ": what is left for a later reload";
-  }
+TEST(AgentManager, SaysWhatWentWrong) {
+  SimMachine machine;
+  DebugLog::shared().setEnabled(true);
+  machine.childProcesses.install("/bin/launchctl", [](const std::vector<std::string>& arguments) {
+    return arguments.front() == "bootstrap" ? 5 : 0;
+  });
+  effects(machine);
+  EXPECT_FALSE(AgentManager::install());
+  EXPECT_EQ(effects(machine),
+            (Effects{BOOTOUT + "0", BOOTSTRAP + "5",
+                     "out: AgentManager: bootstrap FAILED (exit 5) — agent NOT loaded, Dormel will not fire tonight"}));
+  EXPECT_TRUE(DebugLog::shared().lines().back().ends_with("agent bootstrap FAILED exit=5"));
+  EXPECT_TRUE(machine.files.exists(PLIST)) << "a later try has nothing to load";
+
+  machine.childProcesses.install("/bin/launchctl", {});
+  EXPECT_FALSE(AgentManager::reload());
+  EXPECT_EQ(effects(machine).back(),
+            "out: AgentManager: bootstrap FAILED (exit -1) — agent NOT loaded, Dormel will not fire tonight");
+  EXPECT_FALSE(AgentManager::isLoaded());
+
+  effects(machine);
+  machine.files.erase(PLIST);
+  machine.files.setFreeBytes(0);
+  EXPECT_FALSE(AgentManager::install());
+  EXPECT_EQ(effects(machine), Effects{"out: AgentManager: failed to write plist: No space left on device"});
+  machine.files.setFreeBytes({});
+  machine.bundle.setPath("/home/user/\xff.app");
+  EXPECT_FALSE(AgentManager::install());
+  EXPECT_EQ(effects(machine), Effects{"out: AgentManager: failed to serialise plist"});
 }
 
 }  // namespace

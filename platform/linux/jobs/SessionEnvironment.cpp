@@ -78,14 +78,15 @@ bool runsOnAnotherDisplay(pid_t process, const std::vector<std::string>& ours) {
   });
 }
 
-std::vector<std::string> mergedEnvironment(std::vector<std::string> base, const std::vector<std::string>& changes) {
+void adoptSessionEnvironment(const std::vector<std::string>& changes) {
   for (const std::string& change : changes) {
     const auto equals = change.find('=');
-    const std::string prefix = change.substr(0, equals) + "=";
-    std::erase_if(base, [&](const std::string& entry) { return entry.starts_with(prefix); });
-    if (equals != std::string::npos) base.push_back(change);
+    if (equals == std::string::npos) {
+      ::unsetenv(change.c_str());
+    } else {
+      ::setenv(change.substr(0, equals).c_str(), change.c_str() + equals + 1, 1);
+    }
   }
-  return base;
 }
 
 }  // namespace dormel::jobs

@@ -19,8 +19,7 @@ namespace dormel::jobs {
 /// none: there is nothing better to move it to.
 [[nodiscard]] bool runsOnAnotherDisplay(pid_t process, const std::vector<std::string>& ours);
 
-/// `base` after `changes` as `sessionEnvironment` writes them.
-[[nodiscard]] std::vector<std::string> mergedEnvironment(std::vector<std::string> base,
-                                                         const std::vector<std::string>& changes);
+/// Makes another process's session this one's: `changes` are what `sessionEnvironment` answered there.
+void adoptSessionEnvironment(const std::vector<std::string>& changes);
 
 }  // namespace dormel::jobs

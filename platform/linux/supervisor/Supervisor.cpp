@@ -31,18 +31,6 @@ std::vector<std::string> ownEnvironment() {
   return entries;
 }
 
-/// What the start's conditions look at is this process's environment.
-void adoptEnvironment(const Words& changes) {
-  for (const std::string& change : changes) {
-    const auto equals = change.find('=');
-    if (equals == std::string::npos) {
-      ::unsetenv(change.c_str());
-    } else {
-      ::setenv(change.substr(0, equals).c_str(), change.c_str() + equals + 1, 1);
-    }
-  }
-}
-
 std::string localTimeText(std::time_t moment) {
   std::tm local{};
   localtime_r(&moment, &local);
@@ -73,7 +61,7 @@ void Supervisor::begin() {
 
 void Supervisor::load(const Words& sessionChanges) {
   loaded_ = true;
-  adoptEnvironment(sessionChanges);
+  adoptSessionEnvironment(sessionChanges);
   startTimer_.arm(job_.start);
   if (!job_.runAtLoad) return;
   if (process_.running() && runsOnAnotherDisplay(process_.id(), sessionChanges)) process_.stop();
@@ -147,7 +135,7 @@ void Supervisor::answerCaller() {
                      (credentials.uid == ::getuid() || credentials.uid == 0);
   if (known) {
     if (const auto question = receiveWords(connection.get(), QUESTION_TIMEOUT_S)) {
-      const Words reply = answer(*question, Caller{credentials.pid});
+      const Words reply = answer(*question, credentials.pid);
       // Whoever hears that the job is gone may load it again at once, and finds the place free.
       if (!loaded_ && !process_.running()) place_.clear();
       sendWords(connection.get(), reply);
@@ -155,7 +143,7 @@ void Supervisor::answerCaller() {
   }
 }
 
-Words Supervisor::answer(const Words& question, const Caller& caller) {
+Words Supervisor::answer(const Words& question, pid_t caller) {
   const std::string& first = question.front();
   if (first == verb::print) return loaded_ ? report() : Words{std::to_string(status::couldNotFind)};
   if (first == verb::unload) {
@@ -185,11 +173,11 @@ Words Supervisor::report() const {
   return words;
 }
 
-void Supervisor::unload(const Caller& caller) {
+void Supervisor::unload(pid_t caller) {
   loaded_ = false;
   pausing_ = false;
   startTimer_.arm({});
-  if (!process_.running() || descendsFrom(caller.process, process_.id())) return;
+  if (!process_.running() || descendsFrom(caller, process_.id())) return;
   process_.stop();
   place_.record({});
 }

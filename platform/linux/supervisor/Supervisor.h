@@ -33,19 +33,14 @@ class Supervisor {
   void run();
 
  private:
-  /// How a call came to be, which decides whether the job's process may be stopped for it.
-  struct Caller {
-    pid_t process = 0;
-  };
-
   void load(const Words& sessionChanges);
   void startJob();
   void jobEnded(const Ending& ending);
   void pauseBeforeRestart();
   void answerCaller();
-  [[nodiscard]] Words answer(const Words& question, const Caller& caller);
+  [[nodiscard]] Words answer(const Words& question, pid_t caller);
   [[nodiscard]] Words report() const;
-  void unload(const Caller& caller);
+  void unload(pid_t caller);
   void watchPlace();
   void placeVanished();
 

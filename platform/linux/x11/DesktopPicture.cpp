@@ -31,21 +31,4 @@ void DesktopPicture::drop() {
   xcb_free_pixmap(*connection_, std::exchange(pixmap_, XCB_NONE));
 }
 
-xcb_pixmap_t DesktopPicture::copy(const PixelRect& area) const {
-  Connection& c = *connection_;
-  const xcb_pixmap_t part = c.newId();
-  const auto width = static_cast<std::uint16_t>(area.width);
-  const auto height = static_cast<std::uint16_t>(area.height);
-  xcb_create_pixmap(c, visuals_.rootDepth, part, c.root(), width, height);
-  const xcb_gcontext_t gc = c.newId();
-  const std::uint32_t values[] = {c.screen().black_pixel, 0};
-  xcb_create_gc(c, gc, part, XCB_GC_FOREGROUND | XCB_GC_GRAPHICS_EXPOSURES, values);
-  const xcb_rectangle_t all{0, 0, width, height};
-  xcb_poly_fill_rectangle(c, part, gc, 1, &all);
-  xcb_copy_area(c, pixmap_, part, gc, static_cast<std::int16_t>(area.x), static_cast<std::int16_t>(area.y), 0, 0, width,
-                height);
-  xcb_free_gc(c, gc);
-  return part;
-}
-
 }  // namespace dormel::x11

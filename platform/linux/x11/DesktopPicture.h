@@ -1,12 +1,12 @@
-// What was on the desktop just before the first panel covered it, kept on the server: without a compositor a fade is
-// drawn over it. Main thread only.
+// What was on the desktop just before the first panel covered it: without a compositor, fades in and out are drawn
+// over it. It is kept, on the server, as long as the desktop is covered; what lies under the panels later cannot be
+// had without uncovering it. Main thread only.
 #pragma once
 
 #include <xcb/render.h>
 
 #include <memory>
 
-#include "platform/linux/Canvas.h"
 #include "platform/linux/x11/Connection.h"
 #include "platform/linux/x11/Visuals.h"
 
@@ -26,8 +26,6 @@ class DesktopPicture {
 
   /// In root coordinates, black where there was no screen.
   [[nodiscard]] xcb_render_picture_t picture() const { return picture_; }
-  /// A pixmap of the root's depth with that part of it. The caller frees it.
-  [[nodiscard]] xcb_pixmap_t copy(const PixelRect& area) const;
 
  private:
   std::shared_ptr<Connection> connection_;

@@ -80,7 +80,9 @@ void PanelSurface::applyAlpha() {
     paintFade();
   } else if (std::exchange(fadeWasDrawn_, false)) {
     groundBlack();
-    xcb_clear_area(*env_.connection, 0, window_, 0, 0, 0, 0);
+    for (const auto& r : aroundContent()) {
+      if (r.width > 0 && r.height > 0) xcb_clear_area(*env_.connection, 0, window_, r.x, r.y, r.width, r.height);
+    }
     paintContent(contentArea());
   }
 }
@@ -109,17 +111,14 @@ void PanelSurface::prepareMap() {
     groundBlack();
     return;
   }
-  const xcb_pixmap_t ground = env_.desktop.copy(area_);
-  xcb_change_window_attributes(*env_.connection, window_, XCB_CW_BACK_PIXMAP, &ground);
-  xcb_free_pixmap(*env_.connection, ground);  // the window keeps it
+  // The server paints nothing of its own then: what is on the screen stays there until we paint over it.
+  const std::uint32_t none = XCB_BACK_PIXMAP_NONE;
+  xcb_change_window_attributes(*env_.connection, window_, XCB_CW_BACK_PIXMAP, &none);
 }
 
 void PanelSurface::finishMap() {
   isMapped_ = true;
   if (!isDrawnFade()) return;
-  // From here on every pixel is ours to paint; the server's own painting would flash the bare desktop.
-  const std::uint32_t none = XCB_BACK_PIXMAP_NONE;
-  xcb_change_window_attributes(*env_.connection, window_, XCB_CW_BACK_PIXMAP, &none);
   fadeWasDrawn_ = true;
   if (alpha_ > 0) paintFade();
 }
@@ -189,6 +188,18 @@ void PanelSurface::paintContent(const PixelRect& part) {
   }
 }
 
+std::vector<xcb_rectangle_t> PanelSurface::aroundContent() const {
+  const PixelRect window{0, 0, area_.width, area_.height};
+  const PixelRect content = intersection(contentArea(), window);
+  if (content.empty()) return {{0, 0, u16(window.width), u16(window.height)}};
+  const int right = content.x + content.width;
+  const int bottom = content.y + content.height;
+  return {{0, 0, u16(window.width), u16(content.y)},
+          {0, s16(content.y), u16(content.x), u16(content.height)},
+          {s16(right), s16(content.y), u16(window.width - right), u16(content.height)},
+          {0, s16(bottom), u16(window.width), u16(window.height - bottom)}};
+}
+
 void PanelSurface::paintFade() {
   Connection& c = *env_.connection;
   const xcb_render_picture_t remaining = makeShade(c, 1 - alpha_);
@@ -196,17 +207,7 @@ void PanelSurface::paintFade() {
   const PixelRect content = intersection(contentArea(), window);
 
   // The desktop as far as it still shows, everywhere but under the content.
-  std::vector<xcb_rectangle_t> around;
-  if (content.empty()) {
-    around.push_back({0, 0, u16(window.width), u16(window.height)});
-  } else {
-    const int right = content.x + content.width;
-    const int bottom = content.y + content.height;
-    around = {{0, 0, u16(window.width), u16(content.y)},
-              {0, s16(content.y), u16(content.x), u16(content.height)},
-              {s16(right), s16(content.y), u16(window.width - right), u16(content.height)},
-              {0, s16(bottom), u16(window.width), u16(window.height - bottom)}};
-  }
+  const auto around = aroundContent();
   xcb_render_set_picture_clip_rectangles(c, picture_, 0, 0, static_cast<std::uint32_t>(around.size()), around.data());
   xcb_render_composite(c, XCB_RENDER_PICT_OP_SRC, env_.desktop.picture(), remaining, picture_, s16(area_.x),
                        s16(area_.y), 0, 0, 0, 0, u16(window.width), u16(window.height));

@@ -51,6 +51,7 @@ class PanelSurface {
   void setOpacityProperty(double opacity);
   void paintContent(const PixelRect& part);
   void paintFade();
+  [[nodiscard]] std::vector<xcb_rectangle_t> aroundContent() const;
   void applyShape();
   void groundBlack();
 

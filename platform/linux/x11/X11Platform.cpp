@@ -1,8 +1,16 @@
 #include "platform/linux/x11/X11Platform.h"
 
+#include <chrono>
+#include <future>
+#include <thread>
 #include <utility>
 
 namespace dormel::x11 {
+namespace {
+
+constexpr std::chrono::milliseconds LAST_WILL_LIMIT{500};
+
+}  // namespace
 
 X11Platform::X11Platform(CanvasFactory& canvases, const Clock& clock, const std::string& display)
     : connection_(Connection::open(display)),
@@ -37,7 +45,15 @@ void X11Platform::setLockdown(bool on) {
 }
 
 void X11Platform::lastWill() const {
-  if (isLockedDown_) Lockdown::giveBackKeys(display_);
+  if (!isLockedDown_) return;
+  // A server that does not answer must not keep the process from ending.
+  auto given = std::make_shared<std::promise<void>>();
+  auto isGiven = given->get_future();
+  std::thread([given, display = display_] {
+    Lockdown::giveBackKeys(display);
+    given->set_value();
+  }).detach();
+  isGiven.wait_for(LAST_WILL_LIMIT);
 }
 
 }  // namespace dormel::x11

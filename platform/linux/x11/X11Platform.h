@@ -40,8 +40,8 @@ class X11Platform {
 
   /// On for any presentation options, off for none.
   void setLockdown(bool on);
-  /// What must not be left behind by a process that ends without coming back to the main loop; to be called before
-  /// it exits. Any thread.
+  /// Gives back what must not be left behind by a process that ends without coming back to the main loop; to be
+  /// called right before it exits. Takes half a second at most, whatever the server does. Any thread.
   void lastWill() const;
 
  private:
