@@ -80,6 +80,7 @@ void AppDelegate::startWindowMode() {
       })) {
     platform().process.exit(0);  // the running one comes to the front instead
   }
+  if (AppInstaller::isInApplicationsFolder()) platform().workspace.registerApplication(platform().bundle.path());
   platform().application.setActivationPolicy(ActivationPolicy::regular);
   installMainMenu();
   platform().application.activateIgnoringOthers();

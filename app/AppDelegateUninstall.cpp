@@ -6,6 +6,7 @@
 #include "app/AppInstaller.h"
 #include "core/AppSupport.h"
 #include "core/Config.h"
+#include "core/DebugLog.h"
 #include "platform/Defaults.h"
 #include "platform/Files.h"
 #include "platform/Platform.h"
@@ -40,7 +41,8 @@ void AppDelegate::uninstallAnswered(int button) {
   if (button != 0) return;
   // Looked at only now: the hours may have begun while the question stood.
   if (Config::blockingEnabled() && Config::isBlockingNow(platform().clock.now())) return;
-  // Nothing may arm the job again, not even a return from the login items.
+  // From here on nothing may bring back what is being removed: not the log, and not the return from the settings.
+  DebugLog::shared().setEnabled(false);
   awaitingLoginItemsFix_ = false;
   recoveryAlert_.reset();
   AgentManager::uninstall();
@@ -49,6 +51,7 @@ void AppDelegate::uninstallAnswered(int button) {
   platform().files.remove(AppSupport::directory());
   platform().files.remove(Config::logDirectory());
   removeBundle();
+  platform().workspace.forgetApplication();
   ask({AlertStyle::informational, "Dormel uninstalled", "Dormel has been removed from your Mac.", {"OK"}},
       &AppDelegate::uninstallDone);
 }

@@ -53,10 +53,9 @@ bool isAppRunning(const std::string& bundle) {
                      [&](const std::string& path) { return workspace.standardized(path) == wanted; });
 }
 
-/// This bundle's executable, in the copy at `bundle`.
-std::string executableIn(const std::string& bundle) {
-  const std::string own = AgentManager::executablePath();
-  return own.starts_with(bundlePath()) ? bundle + own.substr(bundlePath().size()) : own;
+/// The file of this bundle at `own`, in the copy at `bundle`.
+std::string inCopy(const std::string& bundle, const std::string& own) {
+  return own.starts_with(bundlePath() + "/") ? bundle + own.substr(bundlePath().size()) : own;
 }
 
 /// The error's own words, or nothing when it went well.
@@ -71,8 +70,11 @@ void stripQuarantine(const std::string& path) {
 }
 
 void relaunch(const std::string& path) {
+  // Where the platform brings the tool along, the new copy's: the old one may be gone with its disk by then.
+  const std::string open = platform().childProcesses.toolPath("/usr/bin/open");
+  const std::string tool = open == inCopy(path, open) ? open : shellQuoted(inCopy(path, open));
   const std::string text = "(while /bin/kill -0 " + std::to_string(platform().process.processId()) +
-                           " >/dev/null 2>&1; do /bin/sleep 0.1; done; /usr/bin/open " + shellQuoted(path) + ") &";
+                           " >/dev/null 2>&1; do /bin/sleep 0.1; done; " + tool + " " + shellQuoted(path) + ") &";
   platform().childProcesses.start("/bin/sh", {"-c", text});
   exitWith(0);
 }
@@ -112,7 +114,7 @@ void move() {
   stripQuarantine(destination);
   // The job must name the copy that stays: this one is about to be thrown away by its user, and a scheduled start of
   // it would end at once because it is in the wrong place.
-  if (Config::onboardingComplete()) AgentManager::install(executableIn(destination));
+  if (Config::onboardingComplete()) AgentManager::install(inCopy(destination, AgentManager::executablePath()));
   relaunch(destination);
 }
 

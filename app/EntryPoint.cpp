@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "app/AgentManager.h"
+#include "app/AppInstaller.h"
 #include "app/CommandLine.h"
 #include "core/Config.h"
 #include "platform/Accessibility.h"
@@ -11,6 +12,7 @@
 #include "platform/Platform.h"
 #include "platform/Process.h"
 #include "platform/Windows.h"
+#include "platform/Workspace.h"
 
 namespace dormel::EntryPoint {
 namespace {
@@ -50,6 +52,7 @@ void setOnboardingComplete(bool complete) {
 void setup() {
   setOnboardingComplete(true);
   const bool installed = AgentManager::install();
+  if (AppInstaller::isInApplicationsFolder()) platform().workspace.registerApplication(platform().bundle.path());
   print(installed ? "Setup complete — agent installed." : "Setup FAILED — agent not installed.");
   platform().process.exit(installed ? 0 : 1);
 }

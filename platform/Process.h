@@ -42,9 +42,12 @@ class ChildProcesses {
   virtual ~ChildProcesses() = default;
 
   /// Runs `tool` with `arguments` to its end, its output dropped, and returns its exit status (128 + n after
-  /// signal n); -1 when it could not be started. Blocks the caller. "/bin/launchctl" names the scheduler tool,
-  /// wherever this platform keeps it.
+  /// signal n); -1 when it could not be started. Blocks the caller. `tool` is looked up as `toolPath` does.
   virtual std::int32_t run(const std::string& tool, const std::vector<std::string>& arguments) = 0;
+
+  /// The file that stands for `tool` on this platform, for callers that name it in a shell's text: "/usr/bin/open" and
+  /// "/bin/launchctl" are programs of the bundle. A tool that needs no standing in is answered as it is.
+  [[nodiscard]] virtual std::string toolPath(const std::string& tool) const { return tool; }
 
   /// Starts `tool` and lets it run, in a session of its own, its output dropped; it outlives this process. False when
   /// it could not be started.

@@ -6,6 +6,7 @@
 #include <condition_variable>
 #include <mutex>
 
+#include "platform/linux/posix/PosixChildProcesses.h"
 #include "platform/linux/posix/PosixProcess.h"
 #include "platform/linux/posix/PosixQueues.h"
 #include "tests/posix/TemporaryHome.h"
@@ -14,7 +15,7 @@ namespace dormel {
 namespace {
 
 TEST(PosixChildProcesses, ReportsHowTheToolEnded) {
-  posix::PosixChildProcesses children("/bin/false");
+  posix::PosixChildProcesses children(posix::PosixChildProcesses::Tools{{"/bin/launchctl", "/bin/false"}});
   const struct {
     const char* tool;
     std::vector<std::string> arguments;
@@ -75,10 +76,11 @@ int statusOf(Body body) {
 TEST(PosixProcess, ExitWaitsForTheRecordsButNotForEver) {
   const TemporaryHome home;
   const std::string path = home.path() + "/record";
+  const posix::Seats seats{home.path() + "/session", home.path() + "/window"};
   const auto noWatch = [](int, const std::function<bool()>&) {};
   EXPECT_EQ(statusOf([&] {
               posix::PosixQueues queues;
-              posix::PosixProcess process(queues, home.path() + "/lock", noWatch);
+              posix::PosixProcess process(queues, seats, noWatch);
               const auto queue = queues.makeSerial("com.example.records");
               queue->async([&] {
                 ::usleep(50'000);
@@ -96,12 +98,12 @@ TEST(PosixProcess, OneSessionAtATime) {
   const TemporaryHome home;
   posix::PosixQueues queues;
   const auto noWatch = [](int, const std::function<bool()>&) {};
-  const std::string lock = home.path() + "/lock";
+  const posix::Seats seats{home.path() + "/session", home.path() + "/window"};
   const auto claimed = [&] {
-    return statusOf([&] { ::_exit(posix::PosixProcess(queues, lock, noWatch).claimSession() ? 1 : 0); });
+    return statusOf([&] { ::_exit(posix::PosixProcess(queues, seats, noWatch).claimSession() ? 1 : 0); });
   };
   {
-    posix::PosixProcess process(queues, lock, noWatch);
+    posix::PosixProcess process(queues, seats, noWatch);
     EXPECT_TRUE(process.claimSession());
     EXPECT_EQ(claimed(), 0);
   }

@@ -37,6 +37,8 @@ class Program {
     machine.files.putDirectory("/home/user/Library/LaunchAgents");
     place(bundle);
     machine.bundle.setPath(bundle);
+    machine.workspace.registerApplication(bundle);
+    machine.journal.clear();
     machine.windows.setFirstShown([](View& view) {
       if (view.kind() == ViewKind::blockerOverlay) static_cast<BlockerOverlayView&>(view).onAppear();
       if (view.kind() == ViewKind::statusPage) static_cast<StatusPage&>(view).onAppear();

@@ -20,8 +20,8 @@ std::string offer(const std::string& why) {
 
 std::string failed(const std::string& why) { return "alert, critical: Installation Error / " + why + " / [OK]"; }
 
-std::string relaunch(const std::string& quoted) {
-  return "left running: /bin/sh -c (while /bin/kill -0 4711 >/dev/null 2>&1; do /bin/sleep 0.1; done; /usr/bin/open " +
+std::string relaunch(const std::string& quoted, const std::string& tool = "/usr/bin/open") {
+  return "left running: /bin/sh -c (while /bin/kill -0 4711 >/dev/null 2>&1; do /bin/sleep 0.1; done; " + tool + " " +
          quoted + ") &";
 }
 
@@ -127,6 +127,9 @@ TEST(Relocation, EveryWayItGoes) {
        [](Program& p) { p.machine.workspace.setLocalApplicationsDirectory({}); },
        {failed("Could not find the Applications folder.")},
        1},
+      {"the platform brings the tool along",
+       [=](Program& p) { p.machine.childProcesses.standIn("/usr/bin/open", from + "/Contents/Helpers/open"); },
+       {"copy to " + to, strip, relaunch("'" + to + "'", "'" + to + "/Contents/Helpers/open'"), "exit 0"}},
       {"there is no such tool",
        [](Program& p) {
          p.machine.childProcesses.install("/usr/bin/xattr", {});
@@ -182,6 +185,10 @@ TEST(Relocation, TheJobNamesTheCopyThatStaysSoThatTheVeryNextRunLocks) {
                    BOOTSTRAP + " = 0", relaunch(R"('/Applications/Night'\''s Dormel.app')"), "exit 0"}));
 
   program.machine.files.erase("/Volumes/Dormel");  // ejected
+  program.open();                                  // what waited for the old one does this
+  EXPECT_EQ(program.machine.workspace.listed(), to) << "the desktop's menus still open the old copy";
+  EXPECT_TRUE(program.machine.alerts.shown().empty());
+  program.machine.mainWindows.closeFront();
   program.machine.advanceTo("2026-11-16 22:00:03");
   ASSERT_TRUE(program.machine.timeline.processRuns());
   EXPECT_EQ(program.machine.bundle.path(), to);

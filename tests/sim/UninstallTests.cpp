@@ -27,12 +27,14 @@ class UninstallTest : public testing::Test {
   }
   static Lines removal(const std::string& bundle) {
     return {"alert answered: Uninstall",
+            "default debugLoggingEnabled = false",
             BOOTOUT + " = 0",
             "remove ~/Library/LaunchAgents/" + std::string(BUNDLE_IDENTIFIER) + ".plist",
             "defaults removed",
             "remove ~/Library/Application Support/" + std::string(BUNDLE_IDENTIFIER),
             "remove ~/Library/Logs/Dormel",
             bundle,
+            "forgotten by the desktop",
             DONE};
   }
 };
