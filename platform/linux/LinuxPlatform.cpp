@@ -18,6 +18,7 @@
 #include "platform/linux/posix/PosixProcess.h"
 #include "platform/linux/posix/PosixQueues.h"
 #include "platform/linux/posix/PropertyListDefaults.h"
+#include "platform/linux/posix/StandardDescriptors.h"
 #include "platform/linux/qt/QmlCanvasFactory.h"
 #include "platform/linux/qt/QtRunLoop.h"
 #include "platform/linux/x11/X11Platform.h"
@@ -142,7 +143,7 @@ struct LinuxPlatform::Parts {
 };
 
 LinuxPlatform::LinuxPlatform(int& argc, char** argv, QmlSceneRegistry scenes)
-    : parts_(std::make_unique<Parts>(argc, argv, std::move(scenes))) {}
+    : parts_((posix::holdStandardDescriptors(), std::make_unique<Parts>(argc, argv, std::move(scenes)))) {}
 
 LinuxPlatform::~LinuxPlatform() = default;
 
