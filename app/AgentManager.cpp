@@ -29,12 +29,12 @@ std::string executablePath() {
 
 std::string plistPath() { return folder() + "/" + BUNDLE_IDENTIFIER + ".plist"; }
 
-PropertyListDictionary plistDictionary() {
+PropertyListDictionary plistDictionary(const std::string& executable) {
   Config::ensureLogDirectory();
   const auto text = [](const std::string& value) { return PropertyListValue{value}; };
   return {
       {"Label", text(BUNDLE_IDENTIFIER)},
-      {"ProgramArguments", {PropertyListArray{text(executablePath()), text("--scheduled")}}},
+      {"ProgramArguments", {PropertyListArray{text(executable), text("--scheduled")}}},
       {"StartCalendarInterval",
        {PropertyListDictionary{{"Hour", {std::int64_t{Config::startHour()}}}, {"Minute", {std::int64_t{0}}}}}},
       {"RunAtLoad", {true}},
@@ -45,9 +45,9 @@ PropertyListDictionary plistDictionary() {
   };
 }
 
-bool install() {
+bool install(const std::string& executable) {
   Files& files = platform().files;
-  const PropertyListDictionary job = plistDictionary();
+  const PropertyListDictionary job = plistDictionary(executable);
   files.createDirectories(folder(), 0777);
   const auto xml = writeXmlPropertyList({job});
   if (!xml) {

@@ -17,10 +17,11 @@ namespace dormel::AgentManager {
 [[nodiscard]] std::string plistPath();
 /// The job: at the stored start hour, at load, and again after any end but status 0. Creates the log folder, so that
 /// the scheduler can create the log.
-[[nodiscard]] PropertyListDictionary plistDictionary();
+[[nodiscard]] PropertyListDictionary plistDictionary(const std::string& executable = executablePath());
 
-/// Writes the property list and reloads the job; false, with one printed line, when it is not loaded afterwards.
-bool install();
+/// Writes the property list, for this program or for the copy of it whose executable is named, and reloads the job;
+/// false, with one printed line, when it is not loaded afterwards.
+bool install(const std::string& executable = executablePath());
 /// Unloads the job if it is loaded, and loads it.
 bool reload();
 /// Unloads the job and deletes its property list. Always true.

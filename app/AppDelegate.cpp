@@ -2,18 +2,48 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 
+#include "app/AgentManager.h"
+#include "app/AppInstaller.h"
 #include "app/CommandLine.h"
+#include "app/MainMenuItems.h"
+#include "core/Config.h"
+#include "core/DebugLog.h"
 #include "platform/Accessibility.h"
+#include "platform/Defaults.h"
+#include "platform/Files.h"
 #include "platform/Platform.h"
 #include "platform/Process.h"
+#include "platform/Workspace.h"
+#include "settings/AccessibilityCardView.h"
 
 namespace dormel {
+namespace {
+
+constexpr const char* ACCESSIBILITY_PAGE =
+    "x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility";
+constexpr Size SETTINGS_SIZE{460, 660};
+
+void print(const std::string& line) { platform().output.print(line); }
+
+void trace(const std::string& line) { DebugLog::shared().append(line); }
+
+bool needsApproval() {
+  return platform().loginItems.status(AgentManager::plistPath()) == LoginItemStatus::requiresApproval;
+}
+
+bool isTrusted() { return platform().accessibility.isProcessTrusted(); }
+
+std::shared_ptr<View> permissionCard() { return AccessibilityCardView::create(AppDelegate::openAccessibilitySettings); }
+
+}  // namespace
 
 std::shared_ptr<AppDelegate> AppDelegate::create() { return std::shared_ptr<AppDelegate>(new AppDelegate); }
 
 void AppDelegate::didFinishLaunching() {
   const bool scheduled = std::find(cliArgs.begin(), cliArgs.end(), "--scheduled") != cliArgs.end();
+  if (!AppInstaller::moveToApplicationsFolderIfNeeded(scheduled)) return;
   if (scheduled) {
     startScheduledBlock();
   } else {
@@ -24,19 +54,19 @@ void AppDelegate::didFinishLaunching() {
 void AppDelegate::startScheduledBlock() {
   mode_ = Mode::scheduled;
   if (!platform().process.claimSession()) {
-    platform().output.print("Dormel is already watching this night in another process. Exiting.");
+    print("Dormel is already watching this night in another process. Exiting.");
     platform().process.exit(0);
   }
   platform().application.setActivationPolicy(ActivationPolicy::accessory);
   platform().application.activateIgnoringOthers();
-  const bool trusted = platform().accessibility.isProcessTrusted();
+  const bool trusted = isTrusted();
   if (trusted) {
-    platform().output.print("Accessibility permission OK.");
+    print("Accessibility permission OK.");
   } else {
-    platform().output.print("WARNING: Accessibility not granted — Dormel will NOT lock the screen tonight (P2.2r).");
-    platform().output.print("To fix: System Settings → Privacy & Security → Accessibility → add/enable Dormel");
+    print("WARNING: Accessibility not granted — Dormel will NOT lock the screen tonight (P2.2r).");
+    print("To fix: System Settings → Privacy & Security → Accessibility → add/enable Dormel");
   }
-  screenManager_ = ScreenManager::create();
+  screenManager_ = ScreenManager::create(permissionCard);
   screenManager_->activate(trusted);
 }
 
@@ -45,14 +75,140 @@ void AppDelegate::startWindowMode() {
   for (std::size_t i = 1; i < cliArgs.size(); ++i) {
     platform().output.printError("Dormel: unknown argument " + cliArgs[i] + "; see --help");
   }
-  // There is no window to show yet. Saying so beats pretending.
-  platform().output.printError("Dormel: there is no settings window yet; arm the lock with --setup, see --help");
-  platform().process.exit(1);
+  if (!platform().process.claimWindow([weak = weak_from_this()] {
+        if (const auto self = weak.lock()) self->handleReopen();
+      })) {
+    platform().process.exit(0);  // the running one comes to the front instead
+  }
+  if (AppInstaller::isInApplicationsFolder()) platform().workspace.registerApplication(platform().bundle.path());
+  platform().application.setActivationPolicy(ActivationPolicy::regular);
+  installMainMenu();
+  platform().application.activateIgnoringOthers();
+  screenManager_ = ScreenManager::create(permissionCard);
+  showSettings();
+  if (Config::onboardingComplete()) selfHeal();
 }
+
+void AppDelegate::installMainMenu() {
+  platform().mainMenu.install(mainMenu(), WINDOWS_MENU, [](MenuCommand command) {
+    if (command == MenuCommand::quit) platform().application.terminate();
+  });
+}
+
+void AppDelegate::selfHeal() {
+  if (!AppInstaller::isInApplicationsFolder() || AgentManager::isLoaded()) return;
+  if (needsApproval()) {
+    trace("self-heal: Dormel is switched off in Login Items — asking the user");
+    if (Config::blockingEnabled()) beginLoginItemsRecovery();
+    return;
+  }
+  if (AgentManager::install()) {
+    print("Self-heal: LaunchAgent not loaded — re-armed.");
+    trace("self-heal: agent not loaded at Settings launch — re-armed");
+    return;
+  }
+  if (!Config::blockingEnabled()) return;
+  trace("self-heal: re-arm bootstrap FAILED — asking the user");
+  beginLoginItemsRecovery();
+}
+
+void AppDelegate::beginLoginItemsRecovery() {
+  if (recoveryAlertVisible()) return;
+  awaitingLoginItemsFix_ = true;
+  switchSeenOff_ = needsApproval();
+  recoveryAlert_ = platform().alerts.show(
+      {AlertStyle::warning,
+       "Dormel is switched off",
+       "Dormel was turned off in System Settings → Login Items & Extensions, so it will not lock at night. macOS only "
+       "lets you flip that switch yourself.\n\nIn the list, find \"Dormel\" and turn it back on — you may need to "
+       "scroll down. Then come back here, and Dormel re-arms itself.",
+       {"Open Login Items", "Not Now"}},
+      [weak = weak_from_this()](int button) {
+        if (const auto self = weak.lock()) self->recoveryAnswered(button);
+      });
+}
+
+void AppDelegate::recoveryAnswered(int button) {
+  recoveryAlert_.reset();
+  if (button == 0) platform().loginItems.openSettings();
+}
+
+void AppDelegate::didBecomeActive() {
+  if (mode_ != Mode::window) return;
+  const bool isLaunch = !std::exchange(hasBeenActive_, true);
+  if (!awaitingLoginItemsFix_ || needsApproval()) return;
+  // The launch's own activation follows the alert about a job that could not be loaded: nobody has been anywhere yet.
+  if (isLaunch && !switchSeenOff_) return;
+  awaitingLoginItemsFix_ = false;
+  recoveryAlert_.reset();
+  if (!AgentManager::isLoaded()) AgentManager::install();
+  trace("self-heal: Login Items switched back on — agent re-armed");
+}
+
+void AppDelegate::finishOnboarding() {
+  platform().defaults.set(defaultsKey::onboardingComplete, {true});
+  Config::seedClockFormatFromSystem();
+  showSettings();
+  if (AgentManager::install()) {
+    print("Onboarding complete — scheduler armed (lock " + std::to_string(Config::startHour()) + ":00 → " +
+          std::to_string(Config::endHour()) + ":00).");
+    return;
+  }
+  print("Onboarding complete but the scheduler could NOT be armed.");
+  beginLoginItemsRecovery();
+}
+
+void AppDelegate::showSettings() {
+  // Until the settings have a view of their own, a plain page shows the program's state and the rehearsals.
+  present(platform().mainWindows.make({SETTINGS_SIZE, "Dormel"}, StatusPage::create(pageActions()),
+                                      [] { platform().application.terminate(); }));
+}
+
+StatusPage::Actions AppDelegate::pageActions() {
+  const auto weakly = [weak = weak_from_this()](auto operation) {
+    return [weak, operation] {
+      if (const auto self = weak.lock()) operation(*self);
+    };
+  };
+  return {weakly([](AppDelegate& self) { self.testNow(); }), weakly([](AppDelegate& self) { self.runDemo([] {}); }),
+          weakly([](AppDelegate& self) { self.confirmUninstall(); }), openAccessibilitySettings};
+}
+
+void AppDelegate::ask(const Alert& alert, void (AppDelegate::*onAnswer)(int)) {
+  alert_ = platform().alerts.show(alert, [weak = weak_from_this(), onAnswer](int button) {
+    const auto self = weak.lock();
+    if (!self) return;
+    self->alert_.reset();
+    (self.get()->*onAnswer)(button);
+  });
+}
+
+void AppDelegate::present(std::unique_ptr<MainWindow> window) {
+  const std::unique_ptr<MainWindow> before = std::exchange(mainWindow_, std::move(window));
+  mainWindow_->bringToFront();
+  platform().application.activateIgnoringOthers();
+  if (before) before->close();
+}
+
+void AppDelegate::handleReopen() {
+  if (mode_ != Mode::window || !mainWindow_) return;
+  mainWindow_->bringToFront();
+  platform().application.activateIgnoringOthers();
+}
+
+void AppDelegate::testNow() {
+  if (screenManager_) screenManager_->startTest(isTrusted(), [] {});
+}
+
+bool AppDelegate::runDemo(std::function<void()> onEnd) {
+  return screenManager_ && screenManager_->startOnboardingDemo(std::move(onEnd));
+}
+
+void AppDelegate::openAccessibilitySettings() { platform().workspace.open(ACCESSIBILITY_PAGE); }
 
 bool AppDelegate::shouldTerminate() {
   if (mode_ == Mode::window || !screenManager_ || screenManager_->state() == SessionState::idle) return true;
-  platform().output.print("Terminate blocked — still in blocking hours.");
+  print("Terminate blocked — still in blocking hours.");
   return false;
 }
 

@@ -1,8 +1,10 @@
 #include "app/EntryPoint.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "app/AgentManager.h"
+#include "app/AppInstaller.h"
 #include "app/CommandLine.h"
 #include "core/Config.h"
 #include "platform/Accessibility.h"
@@ -11,6 +13,7 @@
 #include "platform/Platform.h"
 #include "platform/Process.h"
 #include "platform/Windows.h"
+#include "platform/Workspace.h"
 
 namespace dormel::EntryPoint {
 namespace {
@@ -50,6 +53,7 @@ void setOnboardingComplete(bool complete) {
 void setup() {
   setOnboardingComplete(true);
   const bool installed = AgentManager::install();
+  if (AppInstaller::isInApplicationsFolder()) platform().workspace.registerApplication(platform().bundle.path());
   print(installed ? "Setup complete — agent installed." : "Setup FAILED — agent not installed.");
   platform().process.exit(installed ? 0 : 1);
 }
@@ -71,14 +75,27 @@ void checkAccessibility() {
   platform().process.exit(trusted ? 0 : 1);
 }
 
+struct Command {
+  const char* argument;
+  void (*run)();  // ends the process
+};
+constexpr Command COMMANDS[] = {{"--version", version},
+                                {"--help", help},
+                                {"--setup", setup},
+                                {"--uninstall", uninstall},
+                                {"--check-ax", checkAccessibility}};
+
 }  // namespace
 
 void runOneShotCommand() {
-  if (has("--version")) version();
-  if (has("--help")) help();
-  if (has("--setup")) setup();
-  if (has("--uninstall")) uninstall();
-  if (has("--check-ax")) checkAccessibility();
+  for (const Command& command : COMMANDS) {
+    if (has(command.argument)) command.run();
+  }
+}
+
+bool opensWindow() {
+  return !has("--scheduled") &&
+         std::none_of(std::begin(COMMANDS), std::end(COMMANDS), [](const Command& c) { return has(c.argument); });
 }
 
 std::shared_ptr<AppDelegate> startApplication() {

@@ -4,13 +4,10 @@
 #include "platform/Platform.h"
 
 namespace dormel::AppSupport {
-namespace {
 
 std::string directory() {
   return platform().files.homeDirectory() + "/Library/Application Support/" + BUNDLE_IDENTIFIER;
 }
-
-}  // namespace
 
 std::string url(const std::string& name) { return directory() + "/" + name; }
 

@@ -24,6 +24,9 @@ struct StoreError {
 
 namespace AppSupport {
 
+/// The folder that holds the record files.
+[[nodiscard]] std::string directory();
+
 /// Where the record file `name` (a plain name) lives. Touches nothing.
 [[nodiscard]] std::string url(const std::string& name);
 

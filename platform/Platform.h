@@ -10,6 +10,7 @@
 namespace dormel {
 
 class Accessibility;
+class Alerts;
 class Application;
 class Bundle;
 class Calendar;
@@ -21,6 +22,9 @@ class Files;
 class HardwareKeys;
 class InputIdle;
 class KeyboardLayout;
+class LoginItems;
+class MainMenu;
+class MainWindows;
 class Notices;
 class Process;
 class Queues;
@@ -29,6 +33,7 @@ class Screens;
 class SecureRandom;
 class StandardOutput;
 class WindowServer;
+class Workspace;
 
 struct Platform {
   Clock& clock;
@@ -51,6 +56,11 @@ struct Platform {
   Application& application;
   Notices& notices;
   Bundle& bundle;
+  Alerts& alerts;
+  MainWindows& mainWindows;
+  MainMenu& mainMenu;
+  Workspace& workspace;
+  LoginItems& loginItems;
 };
 
 /// The set in force. Calling it with none installed is a programming error and ends the program.

@@ -18,6 +18,9 @@ class Process {
   /// a stuck main thread does not stop it.
   [[noreturn]] virtual void exit(int status) = 0;
 
+  /// This process's id.
+  [[nodiscard]] virtual int processId() const = 0;
+
   /// The user's numeric id.
   [[nodiscard]] virtual unsigned userId() const = 0;
 
@@ -28,6 +31,10 @@ class Process {
   /// Claims the one seat that scheduled runs of this user's login session have. True when this process has it
   /// now, and until it ends; false when another process has it.
   virtual bool claimSession() = 0;
+
+  /// Claims the one seat that opened programs of this user's login session have. False when another process has it,
+  /// which has then been told; `onReopen` runs in this process, on the main thread, whenever it is told.
+  virtual bool claimWindow(Task onReopen) = 0;
 };
 
 class ChildProcesses {
@@ -35,9 +42,16 @@ class ChildProcesses {
   virtual ~ChildProcesses() = default;
 
   /// Runs `tool` with `arguments` to its end, its output dropped, and returns its exit status (128 + n after
-  /// signal n); -1 when it could not be started. Blocks the caller. "/bin/launchctl" names the scheduler tool,
-  /// wherever this platform keeps it.
+  /// signal n); -1 when it could not be started. Blocks the caller. `tool` is looked up as `toolPath` does.
   virtual std::int32_t run(const std::string& tool, const std::vector<std::string>& arguments) = 0;
+
+  /// The file that stands for `tool` on this platform, for callers that name it in a shell's text: "/usr/bin/open" and
+  /// "/bin/launchctl" are programs of the bundle. A tool that needs no standing in is answered as it is.
+  [[nodiscard]] virtual std::string toolPath(const std::string& tool) const { return tool; }
+
+  /// Starts `tool` and lets it run, in a session of its own, its output dropped; it outlives this process. False when
+  /// it could not be started.
+  virtual bool start(const std::string& tool, const std::vector<std::string>& arguments) = 0;
 };
 
 /// The operator's log. Each call writes one whole line at once. Any thread. A closed stream loses the line only.

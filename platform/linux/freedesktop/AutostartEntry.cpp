@@ -69,7 +69,10 @@ AutostartEntry::Switch switchInDesktopEntry(std::string_view text) {
     const std::string_view value = trimmed(line.substr(equals + 1));
     // Booleans were once written as figures, and readers still take them.
     if (key == "Hidden" && (value == "true" || value == "1")) return AutostartEntry::Switch::off;
-    if (key == "X-GNOME-Autostart-enabled" && (value == "false" || value == "0")) return AutostartEntry::Switch::off;
+    // Written by GNOME, MATE and others, each with its own name in it.
+    if (key.starts_with("X-") && key.ends_with("-Autostart-enabled") && (value == "false" || value == "0")) {
+      return AutostartEntry::Switch::off;
+    }
   }
   return AutostartEntry::Switch::on;
 }

@@ -30,6 +30,7 @@ std::string homeDirectory() {
   return user == nullptr ? "/" : user->pw_dir;
 }
 
+std::string cacheHome() { return folderOr("XDG_CACHE_HOME", "/.cache"); }
 std::string configHome() { return folderOr("XDG_CONFIG_HOME", "/.config"); }
 std::string dataHome() { return folderOr("XDG_DATA_HOME", "/.local/share"); }
 std::string stateHome() { return folderOr("XDG_STATE_HOME", "/.local/state"); }

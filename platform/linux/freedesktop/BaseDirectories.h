@@ -8,6 +8,7 @@ namespace dormel::freedesktop {
 
 /// $HOME, or else the home folder of the user database.
 [[nodiscard]] std::string homeDirectory();
+[[nodiscard]] std::string cacheHome();
 [[nodiscard]] std::string configHome();
 [[nodiscard]] std::string dataHome();
 [[nodiscard]] std::string stateHome();

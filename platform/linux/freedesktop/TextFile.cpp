@@ -1,5 +1,6 @@
 #include "platform/linux/freedesktop/TextFile.h"
 
+#include "platform/linux/freedesktop/CreatedFolders.h"
 #include "platform/linux/posix/PosixFiles.h"
 
 namespace dormel::freedesktop {
@@ -7,7 +8,7 @@ namespace dormel::freedesktop {
 std::optional<std::string> readTextFile(const std::string& path) { return posix::PosixFiles().read(path); }
 
 FileResult createFolders(const std::string& path, unsigned mode) {
-  return posix::PosixFiles().createDirectories(path, mode);
+  return posix::PosixFiles(noteCreatedFolder).createDirectories(path, mode);
 }
 
 FileResult replaceTextFile(const std::string& path, std::string_view text) {

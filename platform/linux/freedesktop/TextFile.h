@@ -16,7 +16,8 @@ namespace dormel::freedesktop {
 /// content or the new one.
 FileResult replaceTextFile(const std::string& path, std::string_view text);
 
-/// Creates the folder with all missing ones above it, less the process's umask.
+/// Creates the folder with all missing ones above it, less the process's umask, and takes note of each, so that an
+/// uninstall finds them.
 FileResult createFolders(const std::string& path, unsigned mode = 0777);
 
 }  // namespace dormel::freedesktop

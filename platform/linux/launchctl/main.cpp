@@ -28,9 +28,11 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <variant>
 #include <vector>
 
+#include "platform/linux/freedesktop/AppBundle.h"
 #include "platform/linux/freedesktop/AutostartEntry.h"
 #include "platform/linux/jobs/Job.h"
 #include "platform/linux/jobs/JobLaunch.h"
@@ -47,6 +49,16 @@ std::string ownPath() {
   std::array<char, 4096> path{};
   const ssize_t length = ::readlink("/proc/self/exe", path.data(), path.size());
   return length > 0 ? std::string(path.data(), static_cast<std::size_t>(length)) : std::string();
+}
+
+/// The copy of this program that comes with the job's own bundle, so that a job which was moved, or is being moved by
+/// another copy, depends on nothing but its own; this one where the job brings none.
+std::string launcherFor(const Job& job) {
+  if (const auto bundle = freedesktop::bundleOfExecutable(job.program())) {
+    std::string launcher = *bundle + "/Contents/Helpers/launchctl";
+    if (::access(launcher.c_str(), X_OK) == 0) return launcher;
+  }
+  return ownPath();
 }
 
 std::string ownDomain() { return "gui/" + std::to_string(::getuid()); }
@@ -77,6 +89,9 @@ std::optional<std::string> labelIn(const std::string& target) {
 
 class Schedulers {
  public:
+  /// `launcher` is what the schedulers call to start a job that they are given.
+  explicit Schedulers(std::string launcher = ownPath()) : launcher_(std::move(launcher)) {}
+
   /// What there is to tell about a job that is loaded whole: known to a scheduler, and armed for later logins.
   std::optional<JobReport> find(const std::string& label) {
     if (freedesktop::AutostartEntry(label).state() != freedesktop::AutostartEntry::Switch::on) return {};
@@ -102,7 +117,7 @@ class Schedulers {
   }
 
  private:
-  std::string launcher_ = ownPath();
+  std::string launcher_;
   systemd::SystemdScheduler systemd_{launcher_};
   supervisor::SupervisorScheduler supervisor_{launcher_};
 };
@@ -114,7 +129,7 @@ int bootstrap(const std::string& path) {
   if (freedesktop::AutostartEntry(job.label).state() == freedesktop::AutostartEntry::Switch::off) {
     return fail(status::switchedOff, "bootstrap", "switched off by the user: " + job.label);
   }
-  Schedulers schedulers;
+  Schedulers schedulers(launcherFor(job));
   if (schedulers.find(job.label)) return fail(status::alreadyLoaded, "bootstrap", "already loaded: " + job.label);
   if (const auto error = schedulers.load(job)) return fail(status::ioError, "bootstrap", error->message);
   return status::ok;
@@ -128,7 +143,7 @@ int login(const std::string& path) {
   if (freedesktop::AutostartEntry(job.label).state() == freedesktop::AutostartEntry::Switch::off) {
     return fail(status::switchedOff, "login", "switched off by the user: " + job.label);
   }
-  if (const auto error = Schedulers().load(job)) return fail(status::ioError, "login", error->message);
+  if (const auto error = Schedulers(launcherFor(job)).load(job)) return fail(status::ioError, "login", error->message);
   return status::ok;
 }
 

@@ -43,6 +43,14 @@ std::string PosixBundle::helper(const std::string& name) const {
   return path_ + (isBundle_ ? "/Contents/Helpers/" : "/") + name;
 }
 
+std::map<std::string, std::string> PosixBundle::tools() const {
+  return {{"/bin/launchctl", helper("launchctl")},
+          {"/usr/bin/open", helper("open")},
+          // Takes the mark of a download off a copy. Here it is an extended attribute, if anything, and copies do not
+          // inherit those: there is nothing to take off.
+          {"/usr/bin/xattr", "/bin/true"}};
+}
+
 std::string PosixBundle::resources() const { return path_ + (isBundle_ ? "/Contents/Resources" : ""); }
 
 }  // namespace dormel::posix

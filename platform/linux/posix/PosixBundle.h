@@ -1,6 +1,7 @@
 // The bundle this process runs from: ".../Dormel.app/Contents/{Info.plist,Linux/Dormel,Helpers/,Resources/}".
 #pragma once
 
+#include <map>
 #include <string>
 
 #include "platform/PropertyList.h"
@@ -19,6 +20,8 @@ class PosixBundle final : public Bundle {
 
   /// ".../Contents/Helpers/<name>", beside the executable when it runs outside a bundle.
   [[nodiscard]] std::string helper(const std::string& name) const;
+  /// The files that stand for the tools which programs expect of their platform.
+  [[nodiscard]] std::map<std::string, std::string> tools() const;
   /// ".../Contents/Resources".
   [[nodiscard]] std::string resources() const;
 

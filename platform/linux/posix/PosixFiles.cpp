@@ -36,7 +36,7 @@ FileDescriptor openFile(const std::string& path, int flags, unsigned mode = 0) {
 
 }  // namespace
 
-PosixFiles::PosixFiles() {
+PosixFiles::PosixFiles(OnFolderCreated onFolderCreated) : onFolderCreated_(std::move(onFolderCreated)) {
   if (const char* home = std::getenv("HOME"); home != nullptr && *home == '/') {
     home_ = home;
   } else if (const passwd* account = getpwuid(getuid()); account != nullptr && account->pw_dir != nullptr) {
@@ -53,7 +53,9 @@ bool PosixFiles::exists(const std::string& path) const {
 FileResult PosixFiles::createDirectories(const std::string& path, unsigned mode) {
   for (std::size_t end = path.find('/', 1);; end = path.find('/', end + 1)) {
     const std::string part = path.substr(0, end);
-    if (::mkdir(part.c_str(), mode) != 0 && errno != EEXIST) {
+    if (::mkdir(part.c_str(), mode) == 0) {
+      if (onFolderCreated_) onFolderCreated_(part);
+    } else if (errno != EEXIST) {
       const FileError error = lastError();
       if (!exists(part)) return error;  // a read-only folder above may still hold the one we want
     }

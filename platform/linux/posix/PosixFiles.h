@@ -1,13 +1,19 @@
 // The file system through POSIX calls. Any thread.
 #pragma once
 
+#include <functional>
+#include <utility>
+
 #include "platform/Files.h"
 
 namespace dormel::posix {
 
 class PosixFiles final : public Files {
  public:
-  PosixFiles();
+  /// Told the path of each folder that `createDirectories` made. Any thread.
+  using OnFolderCreated = std::function<void(const std::string& path)>;
+
+  explicit PosixFiles(OnFolderCreated onFolderCreated = {});
 
   [[nodiscard]] std::string homeDirectory() const override { return home_; }
   [[nodiscard]] bool exists(const std::string& path) const override;
@@ -22,6 +28,7 @@ class PosixFiles final : public Files {
   FileResult remove(const std::string& path) override;
 
  private:
+  OnFolderCreated onFolderCreated_;
   std::string home_;  // HOME, else the account's; read once, because the environment must not be read from threads
 };
 

@@ -3,11 +3,9 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
-#include <spawn.h>
 #include <sys/eventfd.h>
 #include <sys/file.h>
 #include <sys/random.h>
-#include <sys/wait.h>
 
 #include <array>
 #include <atomic>
@@ -52,8 +50,11 @@ void writeLine(int fd, std::string_view text) {
 
 }  // namespace
 
-PosixProcess::PosixProcess(PosixQueues& queues, std::string sessionLockPath, WatchReadable watchReadable)
-    : queues_(queues), sessionLockPath_(std::move(sessionLockPath)), watchReadable_(std::move(watchReadable)) {
+PosixProcess::PosixProcess(PosixQueues& queues, Seats seats, WatchReadable watchReadable)
+    : queues_(queues),
+      sessionLockPath_(std::move(seats.session)),
+      windowSeat_(std::move(seats.window)),
+      watchReadable_(std::move(watchReadable)) {
   // A log pipe whose reader went away costs a line, not the lock.
   ::signal(SIGPIPE, SIG_IGN);
 }
@@ -67,6 +68,8 @@ void PosixProcess::exit(int status) {
   for (const Task& action : beforeExit_) action();
   std::_Exit(status);
 }
+
+int PosixProcess::processId() const { return ::getpid(); }
 
 unsigned PosixProcess::userId() const { return ::getuid(); }
 
@@ -92,38 +95,6 @@ bool PosixProcess::claimSession() {
   if (::flock(file.get(), LOCK_EX | LOCK_NB) != 0) return errno != EWOULDBLOCK;
   sessionLock_ = std::move(file);
   return true;
-}
-
-std::int32_t PosixChildProcesses::run(const std::string& tool, const std::vector<std::string>& arguments) {
-  const std::string& path = tool == "/bin/launchctl" ? launchctl_ : tool;
-  std::vector<char*> argv{const_cast<char*>(path.c_str())};
-  for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
-  argv.push_back(nullptr);
-
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-    posix_spawn_file_actions_addopen(&actions, fd, "/dev/null", O_RDWR, 0);
-  }
-  // What we do with signals is ours; the tool starts with the usual dispositions.
-  posix_spawnattr_t attributes;
-  posix_spawnattr_init(&attributes);
-  sigset_t usual;
-  sigemptyset(&usual);
-  for (const int signal : {SIGTERM, SIGINT, SIGPIPE, SIGCHLD}) sigaddset(&usual, signal);
-  posix_spawnattr_setsigdefault(&attributes, &usual);
-  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF);
-  pid_t child = -1;
-  const int failure = ::posix_spawn(&child, path.c_str(), &actions, &attributes, argv.data(), environ);
-  posix_spawnattr_destroy(&attributes);
-  posix_spawn_file_actions_destroy(&actions);
-  if (failure != 0) return -1;
-
-  int status = 0;
-  while (::waitpid(child, &status, 0) < 0) {
-    if (errno != EINTR) return -1;
-  }
-  return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
 void PosixOutput::print(std::string_view line) { writeLine(STDOUT_FILENO, line); }

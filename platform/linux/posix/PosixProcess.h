@@ -1,4 +1,4 @@
-// This process and its children through POSIX calls.
+// This process through POSIX calls.
 #pragma once
 
 #include <functional>
@@ -8,10 +8,17 @@
 #include "platform/Process.h"
 #include "platform/Random.h"
 #include "platform/linux/posix/FileDescriptor.h"
+#include "platform/linux/posix/WindowSeat.h"
 
 namespace dormel::posix {
 
 class PosixQueues;
+
+/// The files by which the processes of one login session find out about each other.
+struct Seats {
+  std::string session;  ///< of the scheduled run
+  std::string window;   ///< of the opened program
+};
 
 /// Ends the program: waits for the serial queues (two seconds at most), runs what was registered with `beforeExit`,
 /// and leaves without running destructors, because other threads may still be in the middle of anything.
@@ -20,15 +27,17 @@ class PosixProcess final : public Process {
   /// Hands a descriptor to the main loop, which runs the action whenever it is readable until that returns false.
   using WatchReadable = std::function<void(int fd, std::function<bool()> action)>;
 
-  PosixProcess(PosixQueues& queues, std::string sessionLockPath, WatchReadable watchReadable);
+  PosixProcess(PosixQueues& queues, Seats seats, WatchReadable watchReadable);
 
   /// Adds something to be done at every exit, on whichever thread exits; it must not depend on the main thread.
   void beforeExit(Task action) { beforeExit_.push_back(std::move(action)); }
 
   [[noreturn]] void exit(int status) override;
+  [[nodiscard]] int processId() const override;
   [[nodiscard]] unsigned userId() const override;
   void onTerminationSignal(Task handler) override { onSignal(15, std::move(handler)); }
   bool claimSession() override;
+  bool claimWindow(Task onReopen) override { return windowSeat_.claim(watchReadable_, std::move(onReopen)); }
 
   /// Runs `handler` on the main thread for each `signal` instead of its default effect.
   void onSignal(int signal, Task handler);
@@ -36,19 +45,10 @@ class PosixProcess final : public Process {
  private:
   PosixQueues& queues_;
   std::string sessionLockPath_;
+  WindowSeat windowSeat_;
   WatchReadable watchReadable_;
   std::vector<Task> beforeExit_;
   FileDescriptor sessionLock_;
-};
-
-class PosixChildProcesses final : public ChildProcesses {
- public:
-  /// `launchctl` is where this bundle keeps the scheduler tool.
-  explicit PosixChildProcesses(std::string launchctl) : launchctl_(std::move(launchctl)) {}
-  std::int32_t run(const std::string& tool, const std::vector<std::string>& arguments) override;
-
- private:
-  std::string launchctl_;
 };
 
 class PosixOutput final : public StandardOutput {

@@ -4,6 +4,8 @@
 #include <sys/file.h>
 
 #include <cerrno>
+#include <filesystem>
+#include <system_error>
 #include <tuple>
 #include <utility>
 
@@ -71,6 +73,12 @@ void PropertyListDefaults::removeDomain() {
     known_ = identity();
   }
   files_.remove(lockPath_);
+  // Damaged files that were kept aside, and what a write that was cut off left behind.
+  const std::filesystem::path file = path_;
+  std::error_code error;
+  for (const auto& entry : std::filesystem::directory_iterator(folder_, error)) {
+    if (entry.path().filename().string().starts_with(file.filename().string() + ".")) files_.remove(entry.path());
+  }
 }
 
 bool PropertyListDefaults::synchronize() {

@@ -129,6 +129,8 @@ std::optional<JobError> SystemdScheduler::load(const Job& job) {
   }
   const auto environment = sessionEnvironment();
   if (!manager_->changeEnvironment(environment)) return JobError{"the user manager does not take the environment"};
+  // Where the manager keeps the time of the last start. It would make the folder too, but nobody would take it away.
+  if (job.start) freedesktop::createFolders(freedesktop::dataHome() + "/systemd/timers", 0755);
   if (job.start && !(changed ? manager_->restart(units.timer) : manager_->start(units.timer))) {
     return JobError{"the user manager does not arm the timer"};
   }

@@ -1,0 +1,61 @@
+// Removing everything the program put on the machine.
+#include <string>
+
+#include "app/AgentManager.h"
+#include "app/AppDelegate.h"
+#include "app/AppInstaller.h"
+#include "core/AppSupport.h"
+#include "core/Config.h"
+#include "core/DebugLog.h"
+#include "platform/Defaults.h"
+#include "platform/Files.h"
+#include "platform/Platform.h"
+#include "platform/Process.h"
+#include "platform/Workspace.h"
+
+namespace dormel {
+namespace {
+
+void removeBundle() {
+  const std::string path = platform().bundle.path();
+  if (platform().workspace.isDeletable(path)) {
+    platform().files.remove(path);
+    return;
+  }
+  // A refused password leaves the bundle; everything else is gone already.
+  static_cast<void>(platform().workspace.runAsAdministrator("rm -rf " + AppInstaller::shellQuoted(path)));
+}
+
+}  // namespace
+
+void AppDelegate::confirmUninstall() {
+  ask({AlertStyle::warning,
+       "Uninstall Dormel?",
+       "This removes Dormel from this computer completely: the nightly lock, the application, and everything it saved, "
+       "settings and records included.",
+       {"Uninstall", "Cancel"}},
+      &AppDelegate::uninstallAnswered);
+}
+
+void AppDelegate::uninstallAnswered(int button) {
+  if (button != 0) return;
+  // Looked at only now: the hours may have begun while the question stood.
+  if (Config::blockingEnabled() && Config::isBlockingNow(platform().clock.now())) return;
+  // From here on nothing may bring back what is being removed: not the log, and not the return from the settings.
+  DebugLog::shared().setEnabled(false);
+  awaitingLoginItemsFix_ = false;
+  recoveryAlert_.reset();
+  AgentManager::uninstall();
+  platform().defaults.removeDomain();
+  platform().defaults.synchronize();
+  platform().files.remove(AppSupport::directory());
+  platform().files.remove(Config::logDirectory());
+  removeBundle();
+  platform().workspace.forgetApplication();
+  ask({AlertStyle::informational, "Dormel uninstalled", "Dormel has been removed from your Mac.", {"OK"}},
+      &AppDelegate::uninstallDone);
+}
+
+void AppDelegate::uninstallDone(int /*button*/) { platform().process.exit(0); }
+
+}  // namespace dormel

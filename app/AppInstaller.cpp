@@ -1,0 +1,175 @@
+#include "app/AppInstaller.h"
+
+#include <algorithm>
+#include <memory>
+#include <utility>
+
+#include "app/AgentManager.h"
+#include "core/Config.h"
+#include "platform/Alerts.h"
+#include "platform/Files.h"
+#include "platform/Platform.h"
+#include "platform/Process.h"
+#include "platform/RunLoop.h"
+#include "platform/Windows.h"
+#include "platform/Workspace.h"
+
+namespace dormel::AppInstaller {
+namespace {
+
+// A background-only application cannot bring an alert to the front; it becomes a regular one first, and the desktop
+// takes a moment to notice.
+constexpr Seconds BECOME_REGULAR = 0.3;
+constexpr Seconds BECOME_ACTIVE = 0.1;
+
+std::string bundlePath() { return platform().bundle.path(); }
+
+std::string lastComponent(const std::string& path) { return path.substr(path.find_last_of('/') + 1); }
+
+std::string parent(const std::string& path) { return path.substr(0, path.find_last_of('/')); }
+
+void exitWith(int status) { platform().process.exit(status); }
+
+/// Shows an alert that lives until it is answered.
+void ask(const Alert& alert, std::function<void(int)> onAnswer) {
+  auto shown = std::make_shared<std::unique_ptr<ShownAlert>>();
+  *shown = platform().alerts.show(alert, [shown, onAnswer = std::move(onAnswer)](int button) {
+    const std::unique_ptr<ShownAlert> answered = std::move(*shown);
+    onAnswer(button);
+  });
+}
+
+void failInstallation(const std::string& reason) {
+  ask({AlertStyle::critical, "Installation Error", reason, {"OK"}}, [](int) { exitWith(1); });
+}
+
+void failMove(const std::string& reason) { failInstallation("Could not move Dormel to Applications: " + reason); }
+
+bool isAppRunning(const std::string& bundle) {
+  Workspace& workspace = platform().workspace;
+  const std::string wanted = workspace.standardized(bundle);
+  const auto running = workspace.runningBundles();
+  return std::any_of(running.begin(), running.end(),
+                     [&](const std::string& path) { return workspace.standardized(path) == wanted; });
+}
+
+/// The file of this bundle at `own`, in the copy at `bundle`.
+std::string inCopy(const std::string& bundle, const std::string& own) {
+  return own.starts_with(bundlePath() + "/") ? bundle + own.substr(bundlePath().size()) : own;
+}
+
+/// The error's own words, or nothing when it went well.
+std::optional<std::string> runAuthorized(const std::string& command) {
+  const auto error = platform().workspace.runAsAdministrator(command);
+  if (!error) return {};
+  return error->message.value_or("Install failed");
+}
+
+void stripQuarantine(const std::string& path) {
+  platform().childProcesses.run("/usr/bin/xattr", {"-d", "-r", "com.apple.quarantine", path});
+}
+
+void relaunch(const std::string& path) {
+  // Where the platform brings the tool along, the new copy's: the old one may be gone with its disk by then.
+  const std::string open = platform().childProcesses.toolPath("/usr/bin/open");
+  const std::string tool = open == inCopy(path, open) ? open : shellQuoted(inCopy(path, open));
+  const std::string text = "(while /bin/kill -0 " + std::to_string(platform().process.processId()) +
+                           " >/dev/null 2>&1; do /bin/sleep 0.1; done; " + tool + " " + shellQuoted(path) + ") &";
+  platform().childProcesses.start("/bin/sh", {"-c", text});
+  exitWith(0);
+}
+
+/// Replaces what stands at `destination` by the running bundle; what went wrong, if anything.
+std::optional<std::string> copyBundle(const std::string& folder, const std::string& destination) {
+  Files& files = platform().files;
+  Workspace& workspace = platform().workspace;
+  const bool occupied = files.exists(destination);
+  if (!workspace.isWritable(folder) || (occupied && !workspace.isWritable(destination))) {
+    return runAuthorized("rm -rf " + shellQuoted(destination) + " && cp -pR " + shellQuoted(bundlePath()) + " " +
+                         shellQuoted(destination));
+  }
+  if (occupied) {
+    if (const auto error = workspace.moveToTrash(destination)) return error->message;
+  }
+  if (const auto error = workspace.copy(bundlePath(), destination)) return error->message;
+  return {};
+}
+
+void move() {
+  const auto folder = platform().workspace.localApplicationsDirectory();
+  if (!folder) {
+    failInstallation("Could not find the Applications folder.");
+    return;
+  }
+  const std::string destination = *folder + "/" + lastComponent(bundlePath());
+  if (platform().files.exists(destination) && isAppRunning(destination)) {
+    platform().workspace.open(destination);
+    exitWith(0);
+    return;
+  }
+  if (const auto reason = copyBundle(*folder, destination)) {
+    failMove(*reason);
+    return;
+  }
+  stripQuarantine(destination);
+  // The job must name the copy that stays: this one is about to be thrown away by its user, and a scheduled start of
+  // it would end at once because it is in the wrong place.
+  if (Config::onboardingComplete()) AgentManager::install(inCopy(destination, AgentManager::executablePath()));
+  relaunch(destination);
+}
+
+void offerToMove() {
+  const std::string why = isRunningFromDMG()
+                              ? "Dormel is running from a disk image. It needs to be in your Applications folder to "
+                                "work properly.\n\nAfter moving, you can eject the disk image."
+                              : "Dormel needs to be in your Applications folder to work properly.";
+  ask({AlertStyle::informational, "Move Dormel to Applications", why, {"Move to Applications", "Quit"}},
+      [](int button) {
+        if (button != 0) {
+          exitWith(0);
+          return;
+        }
+        move();
+      });
+}
+
+}  // namespace
+
+bool moveToApplicationsFolderIfNeeded(bool isScheduled) {
+  if (isInApplicationsFolder()) return true;
+  if (isScheduled) {
+    platform().output.print("ERROR: Dormel launched --scheduled from " + bundlePath() + ", not /Applications.");
+    exitWith(0);
+    return false;
+  }
+  platform().application.setActivationPolicy(ActivationPolicy::regular);
+  platform().runLoop.asyncAfter(BECOME_REGULAR, [] {
+    platform().application.activateIgnoringOthers();
+    platform().runLoop.asyncAfter(BECOME_ACTIVE, offerToMove);
+  });
+  return false;
+}
+
+bool isInApplicationsFolder() {
+  Workspace& workspace = platform().workspace;
+  const std::string folder = workspace.standardized(parent(bundlePath()));
+  const auto folders = workspace.applicationsDirectories();
+  return std::any_of(folders.begin(), folders.end(),
+                     [&](const std::string& candidate) { return workspace.standardized(candidate) == folder; });
+}
+
+bool isRunningFromDMG() { return platform().workspace.isOnReadOnlyImage(bundlePath()); }
+
+std::string shellQuoted(const std::string& text) {
+  std::string quoted = "'";
+  for (const char c : text) {
+    if (c == '\'') {
+      quoted += "'\\''";
+    } else {
+      quoted += c;
+    }
+  }
+  return quoted + "'";
+}
+
+}  // namespace dormel::AppInstaller

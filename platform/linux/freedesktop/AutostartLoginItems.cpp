@@ -1,0 +1,26 @@
+#include "platform/linux/freedesktop/AutostartLoginItems.h"
+
+#include <unistd.h>
+
+#include <filesystem>
+
+#include "platform/linux/freedesktop/AutostartEntry.h"
+
+namespace dormel::freedesktop {
+
+LoginItemStatus AutostartLoginItems::status(const std::string& path) const {
+  // A job's property list is named after its label, and so is its autostart entry.
+  switch (AutostartEntry(std::filesystem::path(path).stem().string()).state()) {
+    case AutostartEntry::Switch::on:
+      return LoginItemStatus::enabled;
+    case AutostartEntry::Switch::off:
+      return LoginItemStatus::requiresApproval;
+    case AutostartEntry::Switch::absent:
+      break;
+  }
+  return ::access(path.c_str(), F_OK) == 0 ? LoginItemStatus::notRegistered : LoginItemStatus::notFound;
+}
+
+void AutostartLoginItems::openSettings() { static_cast<void>(opener_.openSettings(SettingsPage::autostart)); }
+
+}  // namespace dormel::freedesktop

@@ -1,0 +1,51 @@
+#include "platform/linux/freedesktop/Opener.h"
+
+#include <cstdlib>
+#include <string_view>
+
+#include "platform/Process.h"
+#include "platform/linux/freedesktop/AppBundle.h"
+#include "platform/linux/freedesktop/Programs.h"
+
+namespace dormel::freedesktop {
+namespace {
+
+constexpr std::string_view SETTINGS_SCHEME = "x-apple.systempreferences:";
+
+std::string currentDesktop() {
+  const char* name = std::getenv("XDG_CURRENT_DESKTOP");
+  return name == nullptr ? std::string() : std::string(name);
+}
+
+SettingsPage pageAt(const std::string& address) {
+  return address.find("LoginItems") != std::string::npos ? SettingsPage::autostart : SettingsPage::accessibility;
+}
+
+}  // namespace
+
+bool Opener::complain(const std::string& what) const {
+  output_.printError("Dormel: cannot open " + what);
+  return false;
+}
+
+bool Opener::open(const std::string& pathOrAddress) const {
+  if (pathOrAddress.starts_with(SETTINGS_SCHEME)) return openSettings(pageAt(pathOrAddress));
+  if (isBundle(pathOrAddress)) {
+    return children_.start(bundleExecutable(pathOrAddress), {}) || complain(pathOrAddress + ": its program cannot run");
+  }
+  const auto tool = findProgram("xdg-open");
+  if (!tool) return complain(pathOrAddress + ": there is no xdg-open");
+  return children_.start(*tool, {pathOrAddress}) || complain(pathOrAddress);
+}
+
+bool Opener::openSettings(SettingsPage page) const {
+  const std::string desktop = currentDesktop();
+  for (const auto& command : settingsCommands(page, desktop)) {
+    const auto program = findProgram(command.front());
+    if (program && children_.start(*program, {command.begin() + 1, command.end()})) return true;
+  }
+  const std::string name = desktop.empty() ? "no desktop that we know" : desktop;
+  return complain("the settings: " + name + " has no settings program here");
+}
+
+}  // namespace dormel::freedesktop
