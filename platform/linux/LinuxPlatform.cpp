@@ -24,6 +24,7 @@
 #include "platform/linux/posix/PosixProcess.h"
 #include "platform/linux/posix/PosixQueues.h"
 #include "platform/linux/posix/PropertyListDefaults.h"
+#include "platform/linux/posix/StandardDescriptors.h"
 #include "platform/linux/qt/QmlCanvasFactory.h"
 #include "platform/linux/qt/QmlStage.h"
 #include "platform/linux/qt/QtAlerts.h"
@@ -242,7 +243,7 @@ struct LinuxPlatform::Parts {
 };
 
 LinuxPlatform::LinuxPlatform(LaunchKind kind, QmlSceneRegistry scenes)
-    : parts_(std::make_unique<Parts>(kind, std::move(scenes))) {}
+    : parts_((posix::holdStandardDescriptors(), std::make_unique<Parts>(kind, std::move(scenes)))) {}
 
 LinuxPlatform::~LinuxPlatform() = default;
 

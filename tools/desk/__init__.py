@@ -9,12 +9,13 @@ server with its dummy driver, xrandr and ImageMagick (see tools/packages).
 from .bundle import Bundle
 from .desk import Desk
 from .eyes import Eyes, Picture, Sampler
-from .home import Home
+from .home import IDENTIFIER, Home
 from .keyboard import Keyboard, evdev_of_label
+from .login_manager import LoginManager
 from .neighbours import Neighbour
 from .server import Server
 from .wait import NotSeen, until
 from .watcher import Watcher
 
-__all__ = ["Bundle", "Desk", "Eyes", "Home", "Keyboard", "Neighbour", "NotSeen", "Picture", "Sampler", "Server",
-           "Watcher", "evdev_of_label", "until"]
+__all__ = ["IDENTIFIER", "Bundle", "Desk", "Eyes", "Home", "Keyboard", "LoginManager", "Neighbour", "NotSeen", "Picture",
+           "Sampler", "Server", "Watcher", "evdev_of_label", "until"]
