@@ -4,17 +4,21 @@
 #include <functional>
 #include <map>
 #include <string>
+#include <utility>
 
 #include "platform/Accessibility.h"
 #include "platform/Process.h"
 #include "platform/Windows.h"
 #include "platform/sim/SimJournal.h"
+#include "platform/sim/SimTimeline.h"
 
 namespace dormel {
 
 class SimAccessibility : public Accessibility {
  public:
   [[nodiscard]] bool isProcessTrusted() const override { return trusted_; }
+
+  // The world's side.
   void setTrusted(bool trusted) { trusted_ = trusted; }
 
  private:
@@ -23,12 +27,17 @@ class SimAccessibility : public Accessibility {
 
 class SimApplication : public Application {
  public:
-  SimApplication(SimJournal& journal, Process& process) : journal_(journal), process_(process) {}
+  SimApplication(SimTimeline& timeline, SimJournal& journal, Process& process)
+      : timeline_(timeline), journal_(journal), process_(process) {}
 
   void setActivationPolicy(ActivationPolicy policy) override {
     journal_.note("activation policy ", policy == ActivationPolicy::regular ? "regular" : "accessory");
   }
-  void activateIgnoringOthers() override { journal_.note("application activated"); }
+  /// The delegate hears of it in a turn of its own, as it does when the user comes back.
+  void activateIgnoringOthers() override {
+    journal_.note("application activated");
+    comeBack();
+  }
   void setPresentationOptions(std::uint32_t options) override {
     journal_.note("presentation ", options);
     options_ = options;
@@ -42,13 +51,29 @@ class SimApplication : public Application {
 
   /// Not owned; null for none.
   void setDelegate(ApplicationDelegate* delegate) { delegate_ = delegate; }
+
+  // The user's side.
+  /// The user turns to another application, and back to this one.
+  void leave() { isActive_ = false; }
+  void comeBack() {
+    if (std::exchange(isActive_, true)) return;
+    timeline_.addMain(0, 0, [this] {
+      if (delegate_ != nullptr) delegate_->didBecomeActive();
+    });
+  }
+
   /// The options stand until somebody takes them back: a desktop does not know that their owner died.
-  void processEnded() { delegate_ = nullptr; }
+  void processEnded() {
+    delegate_ = nullptr;
+    isActive_ = false;
+  }
 
  private:
+  SimTimeline& timeline_;
   SimJournal& journal_;
   Process& process_;
   ApplicationDelegate* delegate_ = nullptr;
+  bool isActive_ = false;
   std::uint32_t options_ = 0;
 };
 

@@ -65,6 +65,11 @@ void SimEventQueue::runNext(const Micros& now, std::uint64_t& sequence) {
   push({due, ++sequence}, entry.id);
 }
 
+int SimEventQueue::repeating() const {
+  return static_cast<int>(
+      std::count_if(slots_.begin(), slots_.end(), [](const Slot& slot) { return slot.id != 0 && slot.interval != 0; }));
+}
+
 void SimEventQueue::clear() {
   heap_.clear();
   free_.clear();

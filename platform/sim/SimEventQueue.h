@@ -41,6 +41,9 @@ class SimEventQueue {
   /// that lies after `now` as it stands when the event has run: missed ticks are not made up for.
   void runNext(const Micros& now, std::uint64_t& sequence);
 
+  /// How many repeating events there are.
+  [[nodiscard]] int repeating() const;
+
   /// Forgets every event. What their tasks hold may use the queue while it goes.
   void clear();
 

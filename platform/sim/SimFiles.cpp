@@ -120,6 +120,42 @@ FileResult SimFiles::remove(const std::string& path) {
   return noted("remove ", path, {});
 }
 
+bool SimFiles::isWritable(const std::string& path) const { return (mode(path).value_or(0) & OWNER_WRITE) != 0; }
+
+bool SimFiles::isDeletable(const std::string& path) const { return find(path) != nullptr && !blocked(path, true); }
+
+FileResult SimFiles::copy(const std::string& from, const std::string& to) {
+  const char* const verb = "copy to ";
+  if (!exists(from)) return noted(verb, to, failure(NO_SUCH));
+  if (find(to) != nullptr) return noted(verb, to, failure("File exists"));
+  if (const auto error = blocked(to, true)) return noted(verb, to, error);
+  for (const std::string& path : tree(from)) {
+    const Node node = *find(path);
+    if (const auto error = take(node.bytes.size())) {
+      erase(to);
+      return noted(verb, to, error);
+    }
+    nodes_[to + path.substr(from.size())] = node;
+  }
+  return noted(verb, to, {});
+}
+
+FileResult SimFiles::moveToTrash(const std::string& path) {
+  const char* const verb = "trash ";
+  if (find(path) == nullptr) return noted(verb, path, failure(NO_SUCH));
+  if (const auto error = blocked(path, true)) return noted(verb, path, error);
+  const std::string trash = std::string(HOME) + "/.Trash";
+  const std::string to = trash + path.substr(path.rfind('/'));
+  putDirectory(trash, 0700);
+  erase(to);
+  for (const std::string& name : tree(path)) {
+    auto node = nodes_.extract(name);
+    node.key() = to + name.substr(path.size());
+    nodes_.insert(std::move(node));
+  }
+  return noted(verb, path, {});
+}
+
 void SimFiles::put(const std::string& path, std::string_view bytes, unsigned mode) {
   putDirectory(parentOf(path));
   nodes_[path] = {false, mode, std::string(bytes)};
@@ -179,6 +215,14 @@ FileResult SimFiles::blocked(const std::string& path, bool toChange) const {
     if (toChange && folder == parent && (node->mode & OWNER_WRITE) == 0) return failure(DENIED);
     if (folder == "/") return {};
   }
+}
+
+std::vector<std::string> SimFiles::tree(const std::string& path) const {
+  std::vector<std::string> found;
+  for (const auto& [name, node] : nodes_) {
+    if (name == path || name.starts_with(path + "/")) found.push_back(name);
+  }
+  return found;
 }
 
 FileResult SimFiles::take(std::size_t bytes) {

@@ -25,6 +25,16 @@ class SimFiles : public Files {
   FileResult rename(const std::string& from, const std::string& to) override;
   FileResult remove(const std::string& path) override;
 
+  // What a desktop does with files.
+  /// Whether this user may change the file, or make entries in the folder.
+  [[nodiscard]] bool isWritable(const std::string& path) const;
+  /// Whether this user may take it out of its folder.
+  [[nodiscard]] bool isDeletable(const std::string& path) const;
+  /// A file, or a folder with all it holds; nothing may stand at `to`. A copy that fails leaves nothing behind.
+  FileResult copy(const std::string& from, const std::string& to);
+  /// To ~/.Trash, whatever stood there under that name.
+  FileResult moveToTrash(const std::string& path);
+
   // The world's side: no permission is asked, nothing goes into the journal.
   /// Puts a file there, and the folders above it.
   void put(const std::string& path, std::string_view bytes, unsigned mode = 0644);
@@ -52,6 +62,8 @@ class SimFiles : public Files {
   /// Why `path` cannot be reached through its folders, or (`toChange`) its folder's entries cannot be changed.
   [[nodiscard]] FileResult blocked(const std::string& path, bool toChange) const;
   [[nodiscard]] FileResult take(std::size_t bytes);
+  /// The names of `path` and of all that lies below it.
+  [[nodiscard]] std::vector<std::string> tree(const std::string& path) const;
   void giveBack(std::size_t bytes);
   FileResult noted(const char* verb, const std::string& path, FileResult result);
   [[nodiscard]] static std::string shown(const std::string& path);

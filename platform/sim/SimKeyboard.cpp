@@ -175,7 +175,7 @@ void SimKeyboard::deliver(const KeyEvent& event, bool toTap) {
 }
 
 void SimKeyboard::passOn(const KeyEvent& event) {
-  if (timeline_.processRuns() && windows_.keyWindow() != nullptr) {
+  if (timeline_.processRuns() && windows_.hasFocus()) {
     timeline_.addMain(0, 0, [this, event] { windows_.deliverKey(event); });
     return;
   }

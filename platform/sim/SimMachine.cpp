@@ -30,14 +30,24 @@ SimMachine::SimMachine(const Options& options)
       screens(journal, notices),
       windows(timeline, journal, screens),
       keyboard(timeline, journal, windows),
-      application(journal, process),
-      scheduler(timeline, calendar, files, process,
-                [this](const std::vector<std::string>& arguments, const std::string& logPath) {
-                  launch(arguments, logPath);
-                }),
+      application(timeline, journal, process),
+      alerts(timeline, journal),
+      mainWindows(timeline, journal, windows),
+      mainMenu(timeline, journal, mainWindows),
+      workspace(journal, files),
+      loginItems(journal),
+      scheduler(
+          timeline, calendar, files, process,
+          [this](const std::string& executable, const std::vector<std::string>& arguments, const std::string& logPath) {
+            if (const std::size_t end = executable.find("/Contents/"); end != std::string::npos) {
+              bundle.setPath(executable.substr(0, end));
+            }
+            launch(arguments, logPath);
+          }),
       services_(services()) {
   childProcesses.install("/bin/launchctl",
                          [this](const std::vector<std::string>& arguments) { return scheduler.run(arguments); });
+  childProcesses.install("/usr/bin/xattr", [](const std::vector<std::string>&) { return 0; });
   timeline.setProcessHooks([this](bool leaving) { journal.setMuted(leaving); },
                            [this](int status) { processEnded(status); });
   if (!options.processRuns) timeline.clear();
@@ -51,12 +61,14 @@ SimMachine::SimMachine(const Options& options)
 SimMachine::~SimMachine() {
   journal.setMuted(true);
   launched_.reset();
+  alerts.processEnded();
   timeline.clear();
 }
 
 Platform SimMachine::services() {
-  return {clock,         calendar, runLoop,  queues,   defaults, files,   process, childProcesses, output,  random,
-          accessibility, keyboard, keyboard, keyboard, layout,   screens, windows, application,    notices, bundle};
+  return {clock,   calendar,      runLoop,  queues,      defaults, files,     process,   childProcesses, output,
+          random,  accessibility, keyboard, keyboard,    keyboard, layout,    screens,   windows,        application,
+          notices, bundle,        alerts,   mainWindows, mainMenu, workspace, loginItems};
 }
 
 void SimMachine::setWallClock(const std::string& localMoment) {
@@ -111,6 +123,9 @@ void SimMachine::processEnded(int status) {
   launched_.reset();
   notices.processEnded();
   application.processEnded();
+  alerts.processEnded();
+  mainWindows.processEnded();
+  mainMenu.processEnded();
   process.processEnded();
   defaults.processEnded();
   output.redirect({});

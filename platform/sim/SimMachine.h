@@ -17,11 +17,13 @@
 #include <vector>
 
 #include "platform/Platform.h"
+#include "platform/sim/SimAlerts.h"
 #include "platform/sim/SimDefaults.h"
 #include "platform/sim/SimDesktop.h"
 #include "platform/sim/SimFiles.h"
 #include "platform/sim/SimJournal.h"
 #include "platform/sim/SimKeyboard.h"
+#include "platform/sim/SimMainWindow.h"
 #include "platform/sim/SimProcess.h"
 #include "platform/sim/SimQueues.h"
 #include "platform/sim/SimRandom.h"
@@ -30,6 +32,7 @@
 #include "platform/sim/SimTime.h"
 #include "platform/sim/SimTimeline.h"
 #include "platform/sim/SimWindows.h"
+#include "platform/sim/SimWorkspace.h"
 
 namespace dormel {
 
@@ -108,6 +111,11 @@ class SimMachine {
   SimKeyboard keyboard;
   SimKeyboardLayout layout;
   SimApplication application;
+  SimAlerts alerts;
+  SimMainWindows mainWindows;
+  SimMainMenu mainMenu;
+  SimWorkspace workspace;
+  SimLoginItems loginItems;
   SimBundle bundle;
   SimScheduler scheduler;
 

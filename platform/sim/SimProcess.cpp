@@ -9,7 +9,26 @@ constexpr int KILLED_BY_SIGNAL = 128;
 constexpr int SIGNAL_KILL = 9;
 constexpr int SIGNAL_TERM = 15;
 
+std::string commandLine(const std::string& tool, const std::vector<std::string>& arguments) {
+  std::string line = tool;
+  for (const std::string& argument : arguments) line += " " + argument;
+  return line;
+}
+
 }  // namespace
+
+bool SimProcess::claimWindow(Task onReopen) {
+  if (windowSeatTaken_) {
+    journal_.note("the running program is told that it was opened again");
+    return false;
+  }
+  onReopen_ = std::move(onReopen);
+  return true;
+}
+
+void SimProcess::reopen() {
+  if (onReopen_) timeline_.addMain(0, 0, onReopen_);
+}
 
 void SimProcess::terminate() {
   if (!timeline_.processRuns()) return;
@@ -34,12 +53,15 @@ void SimOutput::put(const char* stream, std::string_view line, std::vector<std::
 }
 
 std::int32_t SimChildProcesses::run(const std::string& tool, const std::vector<std::string>& arguments) {
-  std::string line = tool;
-  for (const std::string& argument : arguments) line += " " + argument;
   const auto found = tools_.find(tool);
   const std::int32_t status = found == tools_.end() ? -1 : found->second(arguments);
-  journal_.note("run ", line, " = ", status);
+  journal_.note("run ", commandLine(tool, arguments), " = ", status);
   return status;
+}
+
+bool SimChildProcesses::start(const std::string& tool, const std::vector<std::string>& arguments) {
+  journal_.note("left running: ", commandLine(tool, arguments), startsFail_ ? " (failed)" : "");
+  return !startsFail_;
 }
 
 void SimChildProcesses::install(const std::string& tool, Tool behaviour) {

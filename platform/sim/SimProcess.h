@@ -18,9 +18,11 @@ class SimProcess : public Process {
 
   /// Unwinds to the machine, which lets the serial queues run dry and then runs nothing of this process any more.
   [[noreturn]] void exit(int status) override { timeline_.exit(status); }
+  [[nodiscard]] int processId() const override { return 4711; }
   [[nodiscard]] unsigned userId() const override { return 1000; }
   void onTerminationSignal(Task handler) override { terminationHandler_ = std::move(handler); }
   bool claimSession() override { return !seatTaken_; }
+  bool claimWindow(Task onReopen) override;
 
   // The world's side.
   /// The termination signal: the handler's turn comes on the main thread; without one the process dies of it.
@@ -29,13 +31,19 @@ class SimProcess : public Process {
   void kill();
   /// Another process has the seat of the scheduled run.
   void setSeatTaken(bool taken) { seatTaken_ = taken; }
-  void processEnded() { terminationHandler_ = nullptr; }
+  /// Another process has the seat of the opened program.
+  void setWindowSeatTaken(bool taken) { windowSeatTaken_ = taken; }
+  /// The user opens the program a second time: the one that has the window seat is told.
+  void reopen();
+  void processEnded() { terminationHandler_ = onReopen_ = nullptr; }
 
  private:
   SimTimeline& timeline_;
   SimJournal& journal_;
   Task terminationHandler_;
+  Task onReopen_;
   bool seatTaken_ = false;
+  bool windowSeatTaken_ = false;
 };
 
 class SimOutput : public StandardOutput {
@@ -68,13 +76,17 @@ class SimChildProcesses : public ChildProcesses {
   explicit SimChildProcesses(SimJournal& journal) : journal_(journal) {}
 
   std::int32_t run(const std::string& tool, const std::vector<std::string>& arguments) override;
+  bool start(const std::string& tool, const std::vector<std::string>& arguments) override;
 
   /// Puts a tool on the machine; none takes it away, and it can no longer be started.
   void install(const std::string& tool, Tool behaviour);
+  /// While true, nothing can be started on its own.
+  void setStartsFail(bool fail) { startsFail_ = fail; }
 
  private:
   SimJournal& journal_;
   std::map<std::string, Tool> tools_;
+  bool startsFail_ = false;
 };
 
 }  // namespace dormel

@@ -44,6 +44,7 @@ std::int32_t SimScheduler::bootstrap(const std::string& plistPath) {
   if (jobs_.contains(*label)) return ALREADY_LOADED;
 
   Job job;
+  if (const auto* executable = program->front().as<std::string>()) job.executable = *executable;
   for (auto argument = program->begin() + 1; argument != program->end(); ++argument) {
     if (const auto* text = argument->as<std::string>()) job.arguments.push_back(*text);
   }
@@ -97,7 +98,7 @@ void SimScheduler::start(const std::string& label) {
   if (job == jobs_.end() || timeline_.processRuns()) return;
   running_ = label;
   const Job started = job->second;  // it may be gone before the program has started
-  starter_(started.arguments, started.logPath);
+  starter_(started.executable, started.arguments, started.logPath);
 }
 
 void SimScheduler::arm(const std::string& label) {

@@ -19,8 +19,9 @@ namespace dormel {
 
 class SimScheduler {
  public:
-  /// Starts the program with those arguments (the executable's path left out), its output going to the log as well.
-  using Starter = std::function<void(const std::vector<std::string>& arguments, const std::string& logPath)>;
+  /// Starts the program with those arguments, its output going to the log as well.
+  using Starter = std::function<void(const std::string& executable, const std::vector<std::string>& arguments,
+                                     const std::string& logPath)>;
 
   SimScheduler(SimTimeline& timeline, const SimCalendar& calendar, SimFiles& files, SimProcess& process,
                Starter starter)
@@ -44,6 +45,7 @@ class SimScheduler {
 
  private:
   struct Job {
+    std::string executable;
     std::vector<std::string> arguments;
     std::string logPath;
     int hour = -1;

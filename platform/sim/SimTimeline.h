@@ -55,6 +55,9 @@ class SimTimeline {
   /// Runs `work` as the process's main thread at this moment. False when it ended the process.
   bool perform(const Task& work);
 
+  /// The process's timers that tick until they are cancelled, on the main thread and off it.
+  [[nodiscard]] int repeatingTimers() const { return main_.repeating() + background_.repeating(); }
+
   [[nodiscard]] bool processRuns() const { return processRuns_; }
   void startProcess() { processRuns_ = true; }
   /// Ends the process from outside, at once: nothing of it runs any more, not even its serial queues.

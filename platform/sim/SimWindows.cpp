@@ -168,17 +168,19 @@ void SimWindowServer::watchCover() {
 void SimWindowServer::stealFocus() {
   if (keyWindow_ != nullptr) journal_.note("window ", keyWindow_->number_, " lost the focus");
   keyWindow_ = nullptr;
+  ordinaryFocus_ = false;
 }
 
 bool SimWindowServer::deliverKey(const KeyEvent& event) {
   SimWindow* const window = keyWindow_;
-  if (window == nullptr) return false;
+  if (!hasFocus()) return false;
   if (event.type == EventType::keyDown) {
     const KeyMonitors now = *monitors_;
     for (const auto& monitor : now) {
       if ((*monitor)(event)) return true;
     }
   }
+  if (window == nullptr) return true;  // an ordinary window, which does nothing with keys
   if (const auto handler = window->keyHandler_) handler(event);
   return true;
 }
@@ -188,6 +190,7 @@ void SimWindowServer::processEnded() {
   for (SimWindow* window : order_) window->visible_ = false;
   order_.clear();
   keyWindow_ = nullptr;
+  ordinaryFocus_ = false;
   monitors_->clear();
   checkCover();
 }
@@ -205,8 +208,12 @@ void SimWindowServer::show(SimWindow& window) {
   order_.push_back(&window);
   journal_.note("window ", window.number_, " in");
   checkCover();
-  if (!window.content_ || std::exchange(window.shownBefore_, true) || !firstShown_) return;
-  timeline_.addMain(0, 0, [this, weak = std::weak_ptr<View>(window.content_)] {
+  if (window.content_ && !std::exchange(window.shownBefore_, true)) tellFirstShown(window.content_);
+}
+
+void SimWindowServer::tellFirstShown(const std::weak_ptr<View>& content) {
+  if (!firstShown_) return;
+  timeline_.addMain(0, 0, [this, weak = content] {
     const auto view = weak.lock();
     if (view && firstShown_) firstShown_(*view);
   });

@@ -87,11 +87,17 @@ class SimWindowServer : public WindowServer {
   [[nodiscard]] SimWindow* keyWindow() const { return keyWindow_; }
   /// Another application takes the focus.
   void stealFocus();
-  /// A key event reaches the key window; false when there is none.
+  /// An ordinary window of this application has the focus whenever none of its panels has it; or no longer.
+  void giveFocusToOrdinaryWindow() { ordinaryFocus_ = true; }
+  void stealOrdinaryFocus() { ordinaryFocus_ = false; }
+  /// Whether keys that no tap takes reach this application.
+  [[nodiscard]] bool hasFocus() const { return keyWindow_ != nullptr || ordinaryFocus_; }
+  /// A key event reaches the key window, or an ordinary window of ours; false when there is none.
   bool deliverKey(const KeyEvent& event);
 
   /// The drawing side: told once per window, in a turn after it first came on screen, and asked for sizes.
   void setFirstShown(std::function<void(View&)> told) { firstShown_ = std::move(told); }
+  void tellFirstShown(const std::weak_ptr<View>& content);
   void setFittingSize(std::function<Size(const View&)> asked) { fittingSize_ = std::move(asked); }
 
   /// All windows are gone with their process.
@@ -115,6 +121,7 @@ class SimWindowServer : public WindowServer {
   std::function<void(View&)> firstShown_;
   std::function<Size(const View&)> fittingSize_;
   int lastNumber_ = 0;
+  bool ordinaryFocus_ = false;
   bool watching_ = false;
   std::vector<Rect> watched_;
   double leastCover_ = 1;

@@ -21,6 +21,11 @@ class PanelServer : public WindowServer {
   [[nodiscard]] std::unique_ptr<Registration> addLocalKeyDownMonitor(
       std::function<bool(const KeyEvent&)> monitor) override;
 
+  /// Shows the monitors a key-down that reached a window of this application that is no panel; true when one
+  /// swallows it.
+  [[nodiscard]] bool isSwallowed(const KeyEvent& event) { return env_ && env_->isSwallowed(event); }
+  [[nodiscard]] bool isCompositing() const { return env_ && env_->compositor.isRunning(); }
+
  private:
   std::shared_ptr<PanelEnvironment> env_;  ///< null without a display
   AlphaAnimator animator_;

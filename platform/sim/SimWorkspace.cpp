@@ -1,0 +1,45 @@
+#include "platform/sim/SimWorkspace.h"
+
+#include <algorithm>
+#include <filesystem>
+
+namespace dormel {
+namespace {
+
+bool isAtOrBelow(const std::string& path, const std::string& folder) {
+  return path == folder || path.starts_with(folder + "/");
+}
+
+}  // namespace
+
+std::string SimWorkspace::standardized(const std::string& path) const {
+  std::string plain = std::filesystem::path(path).lexically_normal().string();
+  if (plain.size() > 1 && plain.ends_with('/')) plain.pop_back();
+  for (const auto& [link, target] : links_) {
+    if (isAtOrBelow(plain, link)) return standardized(target + plain.substr(link.size()));
+  }
+  return plain;
+}
+
+bool SimWorkspace::isOnReadOnlyImage(const std::string& path) const {
+  return std::any_of(images_.begin(), images_.end(),
+                     [&](const std::string& image) { return isAtOrBelow(path, image); });
+}
+
+bool SimWorkspace::open(const std::string& pathOrAddress) {
+  journal_.note("open ", pathOrAddress);
+  return true;
+}
+
+std::optional<AuthorizationError> SimWorkspace::runAsAdministrator(const std::string& command) {
+  journal_.note("administrator", answer_ ? " refuses: " : ": ", command);
+  return answer_;
+}
+
+void SimWorkspace::mountImage(const std::string& path) {
+  images_.push_back(path);
+  files_.putDirectory(path);
+  files_.chmod(path, 0555);
+}
+
+}  // namespace dormel

@@ -1,0 +1,69 @@
+// What a simulated desktop does for applications: folders of them, the trash, copies, opening things, the
+// administrator's shell, the login item's switch.
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/Workspace.h"
+#include "platform/sim/SimFiles.h"
+#include "platform/sim/SimJournal.h"
+
+namespace dormel {
+
+class SimWorkspace : public Workspace {
+ public:
+  SimWorkspace(SimJournal& journal, SimFiles& files) : journal_(journal), files_(files) {}
+
+  [[nodiscard]] std::vector<std::string> applicationsDirectories() const override { return folders_; }
+  [[nodiscard]] std::optional<std::string> localApplicationsDirectory() const override { return localFolder_; }
+  [[nodiscard]] std::string standardized(const std::string& path) const override;
+  [[nodiscard]] bool isOnReadOnlyImage(const std::string& path) const override;
+  [[nodiscard]] bool isWritable(const std::string& path) const override { return files_.isWritable(path); }
+  [[nodiscard]] bool isDeletable(const std::string& path) const override { return files_.isDeletable(path); }
+  FileResult moveToTrash(const std::string& path) override { return files_.moveToTrash(path); }
+  FileResult copy(const std::string& from, const std::string& to) override { return files_.copy(from, to); }
+  [[nodiscard]] std::vector<std::string> runningBundles() const override { return running_; }
+  bool open(const std::string& pathOrAddress) override;
+  /// Only recorded: nothing on the disk changes.
+  std::optional<AuthorizationError> runAsAdministrator(const std::string& command) override;
+
+  // The world's side.
+  /// Where a program moves itself to; nothing for no such place.
+  void setLocalApplicationsDirectory(std::optional<std::string> folder) { localFolder_ = std::move(folder); }
+  /// A symbolic link to a folder.
+  void link(const std::string& path, const std::string& target) { links_[path] = target; }
+  /// A read-only disk image is mounted there.
+  void mountImage(const std::string& path);
+  void setRunningBundles(std::vector<std::string> bundles) { running_ = std::move(bundles); }
+  /// What the administrator's shell answers from now on; nothing when all goes well.
+  void setAdministratorAnswer(std::optional<AuthorizationError> answer) { answer_ = std::move(answer); }
+
+ private:
+  SimJournal& journal_;
+  SimFiles& files_;
+  std::vector<std::string> folders_{"/home/user/Applications", "/Applications"};
+  std::optional<std::string> localFolder_ = "/Applications";
+  std::map<std::string, std::string> links_;
+  std::vector<std::string> images_;
+  std::vector<std::string> running_;
+  std::optional<AuthorizationError> answer_;
+};
+
+class SimLoginItems : public LoginItems {
+ public:
+  explicit SimLoginItems(SimJournal& journal) : journal_(journal) {}
+
+  [[nodiscard]] LoginItemStatus status(const std::string& /*path*/) const override { return status_; }
+  void openSettings() override { journal_.note("login items page opened"); }
+
+  void setStatus(LoginItemStatus status) { status_ = status; }
+
+ private:
+  SimJournal& journal_;
+  LoginItemStatus status_ = LoginItemStatus::enabled;
+};
+
+}  // namespace dormel
