@@ -115,6 +115,7 @@ void AppDelegate::selfHeal() {
 void AppDelegate::beginLoginItemsRecovery() {
   if (recoveryAlertVisible()) return;
   awaitingLoginItemsFix_ = true;
+  switchSeenOff_ = needsApproval();
   recoveryAlert_ = platform().alerts.show(
       {AlertStyle::warning,
        "Dormel is switched off",
@@ -133,7 +134,11 @@ void AppDelegate::recoveryAnswered(int button) {
 }
 
 void AppDelegate::didBecomeActive() {
-  if (mode_ != Mode::window || !awaitingLoginItemsFix_ || needsApproval()) return;
+  if (mode_ != Mode::window) return;
+  const bool isLaunch = !std::exchange(hasBeenActive_, true);
+  if (!awaitingLoginItemsFix_ || needsApproval()) return;
+  // The launch's own activation follows the alert about a job that could not be loaded: nobody has been anywhere yet.
+  if (isLaunch && !switchSeenOff_) return;
   awaitingLoginItemsFix_ = false;
   recoveryAlert_.reset();
   if (!AgentManager::isLoaded()) AgentManager::install();

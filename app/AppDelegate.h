@@ -68,7 +68,9 @@ class AppDelegate : public ApplicationDelegate, public std::enable_shared_from_t
   Mode mode_ = Mode::window;
   std::shared_ptr<ScreenManager> screenManager_;
   std::unique_ptr<MainWindow> mainWindow_;
+  bool hasBeenActive_ = false;
   bool awaitingLoginItemsFix_ = false;
+  bool switchSeenOff_ = false;  // when the recovery began: only then can the launch find it on again
   std::unique_ptr<ShownAlert> recoveryAlert_;
   std::unique_ptr<ShownAlert> alert_;  // any other alert that waits for its answer
 };

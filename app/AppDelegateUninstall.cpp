@@ -44,6 +44,7 @@ void AppDelegate::uninstallAnswered(int button) {
   // From here on nothing may bring back what is being removed: not the log, and not the return from the settings.
   DebugLog::shared().setEnabled(false);
   awaitingLoginItemsFix_ = false;
+  recoveryAlert_.reset();
   AgentManager::uninstall();
   platform().defaults.removeDomain();
   platform().defaults.synchronize();

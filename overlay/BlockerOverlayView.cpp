@@ -68,8 +68,6 @@ Seconds BlockerOverlayView::appearDuration() const {
   return session && session->overlayFadesIn() ? OVERLAY_FADE_IN_DURATION : 0;
 }
 
-double BlockerOverlayView::columnOpacity() const { return appeared_ && !isFadingOut() ? 1 : 0; }
-
 bool BlockerOverlayView::isFadingOut() const {
   const auto session = session_.lock();
   return session && session->isFadingOut();

@@ -58,8 +58,7 @@ class BlockerOverlayView : public View, public Observable, public std::enable_sh
   [[nodiscard]] bool appeared() const { return appeared_; }
   /// How long the change of `appeared` is to be animated (ease-out): 2.5 s, or 0 for at once.
   [[nodiscard]] Seconds appearDuration() const;
-  /// The column's own target opacity: 0 before it appeared and while it fades out.
-  [[nodiscard]] double columnOpacity() const;
+  /// The column's opacity is 0 before it appeared and while this is true.
   [[nodiscard]] bool isFadingOut() const;
 
   [[nodiscard]] std::vector<KeyIndicator> keys() const;

@@ -93,7 +93,9 @@ Item {
 
             Repeater {
                 model: root.view.keys
-                KeyCap {}
+                KeyCap {
+                    pixelRatio: root.view.pixelRatio
+                }
             }
         }
 

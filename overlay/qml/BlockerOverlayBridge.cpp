@@ -24,7 +24,6 @@ QColor BlockerOverlayBridge::statusColor() const { return toColor(view_->statusC
 QColor BlockerOverlayBridge::progressColor() const { return toColor(view_->progressColor()); }
 
 QStringList BlockerOverlayBridge::plainLines() const {
-  if (view_->columnOpacity() == 0) return {};
   if (view_->showUnlockConfirm()) {
     return {QStringLiteral("Unlocked. Let go."), relockText()};
   }

@@ -13,9 +13,18 @@ Item {
     required property color labelColor
     required property color fill
     required property color border
+    property real pixelRatio: 1
+
+    readonly property point place: Qt.point((parent?.x ?? 0) + x, (parent?.y ?? 0) + y)
 
     width: capWidth
     height: capHeight
+
+    // The edges stand on whole pixels at every scale.
+    transform: Translate {
+        x: Math.round(root.place.x * root.pixelRatio) / root.pixelRatio - root.place.x
+        y: Math.round(root.place.y * root.pixelRatio) / root.pixelRatio - root.place.y
+    }
 
     // Two rectangles: the border lies on the fill and takes nothing from it.
     Rectangle {

@@ -4,7 +4,6 @@
 // Events may add and cancel events, their own included, while they run.
 #pragma once
 
-#include <compare>
 #include <cstdint>
 #include <vector>
 
@@ -23,7 +22,9 @@ class SimEventQueue {
   struct Key {
     Micros time = 0;
     std::uint64_t sequence = 0;
-    friend auto operator<=>(const Key&, const Key&) = default;
+    friend bool operator<(const Key& a, const Key& b) {
+      return a.time != b.time ? a.time < b.time : a.sequence < b.sequence;
+    }
   };
 
   using Id = std::uint64_t;

@@ -35,14 +35,14 @@ bool SimFiles::exists(const std::string& path) const { return find(path) != null
 
 FileResult SimFiles::createDirectories(const std::string& path, unsigned mode) {
   if (const Node* node = find(path)) return node->isFolder ? FileResult{} : failure("File exists");
-  if (const auto error = createDirectories(parentOf(path), mode)) return error;
+  if (auto error = createDirectories(parentOf(path), mode)) return error;
   if (const auto error = blocked(path, true)) return noted("mkdir ", path, error);
   nodes_[path] = {true, mode & ~UMASK, {}};
   return noted("mkdir ", path, {});
 }
 
 FileResult SimFiles::setMode(const std::string& path, unsigned mode) {
-  if (const auto error = blocked(path, false)) return error;
+  if (auto error = blocked(path, false)) return error;
   Node* node = find(path);
   if (node == nullptr) return failure(NO_SUCH);
   if (node->mode != mode) noted("chmod ", path, {});

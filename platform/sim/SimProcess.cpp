@@ -59,6 +59,11 @@ std::int32_t SimChildProcesses::run(const std::string& tool, const std::vector<s
   return status;
 }
 
+std::string SimChildProcesses::toolPath(const std::string& tool) const {
+  const auto found = standIns_.find(tool);
+  return found == standIns_.end() ? tool : found->second;
+}
+
 bool SimChildProcesses::start(const std::string& tool, const std::vector<std::string>& arguments) {
   journal_.note("left running: ", commandLine(tool, arguments), startsFail_ ? " (failed)" : "");
   return !startsFail_;

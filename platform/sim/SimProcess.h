@@ -76,16 +76,20 @@ class SimChildProcesses : public ChildProcesses {
   explicit SimChildProcesses(SimJournal& journal) : journal_(journal) {}
 
   std::int32_t run(const std::string& tool, const std::vector<std::string>& arguments) override;
+  [[nodiscard]] std::string toolPath(const std::string& tool) const override;
   bool start(const std::string& tool, const std::vector<std::string>& arguments) override;
 
   /// Puts a tool on the machine; none takes it away, and it can no longer be started.
   void install(const std::string& tool, Tool behaviour);
+  /// Another file stands for the tool.
+  void standIn(const std::string& tool, const std::string& path) { standIns_[tool] = path; }
   /// While true, nothing can be started on its own.
   void setStartsFail(bool fail) { startsFail_ = fail; }
 
  private:
   SimJournal& journal_;
   std::map<std::string, Tool> tools_;
+  std::map<std::string, std::string> standIns_;
   bool startsFail_ = false;
 };
 

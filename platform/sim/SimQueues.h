@@ -48,7 +48,7 @@ class SimQueues : public Queues {
       Ticker(SimTimeline& timeline, std::uint64_t id) : timeline_(timeline), id_(id) {}
       Ticker(const Ticker&) = delete;
       Ticker& operator=(const Ticker&) = delete;
-      ~Ticker() override { cancel(); }
+      ~Ticker() override { timeline_.cancelBackground(id_); }
       void cancel() override { timeline_.cancelBackground(id_); }
 
      private:

@@ -77,7 +77,7 @@ std::int32_t SimScheduler::bootout(const std::string& label) {
 
 void SimScheduler::logIn() {
   const std::string folder = files_.homeDirectory() + "/Library/LaunchAgents";
-  for (const std::string& name : files_.names(folder)) bootstrap(folder + "/" + name);
+  for (const std::string& name : files_.names(folder)) bootstrap(std::string(folder).append("/").append(name));
 }
 
 void SimScheduler::clockChanged() {

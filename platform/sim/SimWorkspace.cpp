@@ -31,6 +31,16 @@ bool SimWorkspace::open(const std::string& pathOrAddress) {
   return true;
 }
 
+void SimWorkspace::registerApplication(const std::string& bundle) {
+  if (listed_ != bundle) journal_.note("listed in the menus: ", bundle);
+  listed_ = bundle;
+}
+
+void SimWorkspace::forgetApplication() {
+  journal_.note("forgotten by the desktop");
+  listed_.clear();
+}
+
 std::optional<AuthorizationError> SimWorkspace::runAsAdministrator(const std::string& command) {
   journal_.note("administrator", answer_ ? " refuses: " : ": ", command);
   return answer_;

@@ -27,6 +27,8 @@ class SimWorkspace : public Workspace {
   FileResult copy(const std::string& from, const std::string& to) override { return files_.copy(from, to); }
   [[nodiscard]] std::vector<std::string> runningBundles() const override { return running_; }
   bool open(const std::string& pathOrAddress) override;
+  void registerApplication(const std::string& bundle) override;
+  void forgetApplication() override;
   /// Only recorded: nothing on the disk changes.
   std::optional<AuthorizationError> runAsAdministrator(const std::string& command) override;
 
@@ -38,6 +40,8 @@ class SimWorkspace : public Workspace {
   /// A read-only disk image is mounted there.
   void mountImage(const std::string& path);
   void setRunningBundles(std::vector<std::string> bundles) { running_ = std::move(bundles); }
+  /// The bundle that stands in the desktop's menus; empty for none.
+  [[nodiscard]] const std::string& listed() const { return listed_; }
   /// What the administrator's shell answers from now on; nothing when all goes well.
   void setAdministratorAnswer(std::optional<AuthorizationError> answer) { answer_ = std::move(answer); }
 
@@ -50,6 +54,7 @@ class SimWorkspace : public Workspace {
   std::vector<std::string> images_;
   std::vector<std::string> running_;
   std::optional<AuthorizationError> answer_;
+  std::string listed_;
 };
 
 class SimLoginItems : public LoginItems {

@@ -114,6 +114,8 @@ class Job:
 class JobModel:
     """The tests of both back ends. A back end gives `home`, `environment` and `say`."""
 
+    tool = LAUNCHCTL
+
     # --- what the tests are made of
 
     def job(self, *arguments, **options):
@@ -121,11 +123,11 @@ class JobModel:
         self.addCleanup(self.call, "bootout", job.target)
         return job
 
-    def call(self, *arguments, tool=LAUNCHCTL, **variables):
+    def call(self, *arguments, tool=None, **variables):
         environment = {**self.environment, **variables}
         environment = {name: value for name, value in environment.items() if value is not None}
         begun = time.monotonic()
-        result = subprocess.run([tool, *map(str, arguments)], env=environment, text=True, check=False,
+        result = subprocess.run([tool or self.tool, *map(str, arguments)], env=environment, text=True, check=False,
                                 stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
         result.seconds = time.monotonic() - begun
         return result
@@ -142,6 +144,12 @@ class JobModel:
         """What print tells, as a dictionary."""
         text = self.expect(0, "print", job.target).stdout
         return dict(re.findall(r"^\t(.*?) = (.*)$", text, re.MULTILINE))
+
+    def use_bundle_in(self, folder):
+        """From now on the helper of a bundle that lies there."""
+        helpers = folder / "Contents" / "Helpers"
+        helpers.mkdir(parents=True)
+        self.tool = shutil.copy(LAUNCHCTL, helpers)
 
     def left_behind(self, job):
         return [path for root in (".config", ".local") for path in (self.home / root).rglob(f"*{job.label}*")]
@@ -204,6 +212,7 @@ class JobModel:
     def test_any_characters_in_paths_and_arguments(self):
         folder = self.home / "Nächte 100% 'um' \"$HOME\" \\n %h; ${X} `id` #"
         arguments = ["--scheduled", "", " ", "$HOME", "$$", "${HOME}", "%h%%", "a\"b", "a'b", "\\", "\\x41", ";", "#", "é漢"]
+        self.use_bundle_in(folder)
         job = self.job(folder=folder, arguments=arguments)
         job.content["StandardOutPath"] = job.content["StandardErrorPath"] = str(folder / "Log s" / "%h $x.log")
         job.write()
@@ -217,7 +226,8 @@ class JobModel:
         entry = job.entry.read_text()
         command = re.search("^Exec=(.*)$", entry, re.MULTILINE)[1].replace("\\\\", "\\").replace("%%", "%")
         words = subprocess.run(["sh", "-c", f"printf '%s\\0' {command}"], stdout=subprocess.PIPE, check=True)
-        self.assertEqual(words.stdout.decode().split("\0")[:-1], [LAUNCHCTL, "login", DOMAIN, str(job.plist)])
+        self.assertEqual(words.stdout.decode().split("\0")[:-1],
+                         ["/usr/bin/env", self.tool, "login", DOMAIN, str(job.plist)])
         self.assertIn("\nName=Sleeper\n", entry)
         self.expect(0, "bootout", job.target)
         self.assertFalse(alive(pid))
@@ -329,7 +339,7 @@ class JobModel:
         self.assertEqual(mapped, "", "nothing runs from the old place, which may be on a disk that is taken out")
         os.kill(pid, signal.SIGKILL)
         pid = job.wait_for_run(2)[1]
-        self.assertIn(f'Exec="{own}" "login"', job.entry.read_text())
+        self.assertIn(f'"{own}" "login"', job.entry.read_text())
         self.expect(0, "login", DOMAIN, job.plist, tool=own, DISPLAY="elsewhere:3")
         self.assertEqual(job.wait_for_run(3)[2], "elsewhere:3")
         self.expect(0, "bootout", job.target, tool=own)
@@ -456,6 +466,17 @@ class OnSystemd(JobModel, unittest.TestCase):
         self.manager.ask("stop", f"{job.label}.timer")
         self.expect(113, "print", job.target)
 
+    def test_a_login_through_the_session_manager(self):
+        """Desktops that leave their autostart entries to systemd: its own reading of ours must start the job."""
+        self.use_bundle_in(self.home / "Night's Dormel.app")
+        job = self.job(folder=self.home / "Night's work", plan=["exit 0", "stay"])
+        self.bootstrap(job)
+        job.wait_for_run()
+        self.manager.ask("daemon-reload")
+        escaped = job.label.replace("-", "\\x2d")
+        self.manager.ask("start", f"app-{escaped}@autostart.service")
+        job.wait_for_run(2)
+
     def test_a_manager_for_another_home(self):
         """It does not read our units, so the job goes to the supervisor, and the other home stays untouched."""
         home = self.home / "other"
@@ -543,6 +564,42 @@ class OnSupervisor(JobModel, unittest.TestCase):
         self.assertEqual(switches(), before)
         memory = re.search(r"VmRSS:\s+(\d+)", status.read_text())[1]
         self.say(f"no wakeup in 5 s; {memory} kB resident")
+
+    @unittest.skipUnless(os.path.exists(FAKETIME), "libfaketime is not installed")
+    def test_the_clock_is_set(self):
+        """Past the start time. What wakes the supervisor is the kernel's notice, given for a step of no length."""
+        stamp = self.home / "clock"
+        stamp.write_text("@2030-08-04 20:00:00\n")
+        job = self.job(start=(22, 0), plan=["exit 0"], keys={"RunAtLoad": False})
+        self.bootstrap(job, FAKETIME_TIMESTAMP_FILE=str(stamp), FAKETIME_NO_CACHE="1", LD_PRELOAD=FAKETIME,
+                       DONT_FAKE_MONOTONIC="1", TZ="UTC")
+        self.assertEqual(job.runs(), [])
+        stamp.write_text("@2030-08-04 23:30:00\n")
+        try:
+            time.clock_settime(time.CLOCK_REALTIME, time.time())
+        except PermissionError as error:
+            self.skipTest(f"setting the clock: {error}")
+        job.wait_for_run(timeout=5)
+        self.assertIn("2030-08-05 22:00:00", self.printed(job)["next start"])
+
+    def test_the_zone_changes(self):
+        """In a mount namespace with an /etc of its own, the link removed and set again, then replaced in one step."""
+        job = self.job(start=(22, 0), keys={"RunAtLoad": False})
+        etc = self.home / "etc"
+        etc.mkdir()
+        script = """
+            set -e; cp /etc/passwd /etc/ld.so.cache "$1"; mount --bind "$1" /etc; cd /etc
+            zone() { ln -s "/usr/share/zoneinfo/$1" "$2"; }
+            shown() { sleep 0.3; "$0" print "$4" | sed -n 's/.*next start = .* //p'; }
+            zone Etc/UTC localtime; "$0" bootstrap "$2" "$3"; shown "$@"
+            rm localtime; sleep 0.3; zone Asia/Tokyo localtime; shown "$@"
+            zone Asia/Kolkata new; mv -T new localtime; shown "$@"; "$0" bootout "$4" """
+        environment = {name: value for name, value in self.environment.items() if name != "TZ"}
+        result = subprocess.run(["unshare", "-m", "sh", "-c", script, LAUNCHCTL, etc, DOMAIN, job.plist, job.target],
+                                env=environment, text=True, check=False, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+        if "unshare" in result.stderr or "mount" in result.stderr:
+            self.skipTest(result.stderr.strip())
+        self.assertEqual(result.stdout.split(), ["UTC", "JST", "IST"])
 
     @unittest.skipUnless(os.path.exists(FAKETIME), "libfaketime is not installed")
     def test_the_clock_reaches_the_start_time(self):

@@ -121,7 +121,7 @@ TEST_F(GraceTest, LiftsTheLockStepByStep) {
   const struct {
     Seconds after;
     bool confirm, fadingOut, covered, taken;
-    std::size_t windows;
+    unsigned windows;
     int remaining;
   } rows[] = {
       {0.0, true, false, true, true, 2, 300},    {1.499, true, false, true, true, 2, 299},

@@ -14,6 +14,13 @@ std::string_view trimmed(std::string_view text) {
   return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
 }
 
+/// The command as every reader takes it: service managers that turn entries into units refuse a program whose name
+/// holds a quotation mark, but not an argument that does.
+std::vector<std::string> readable(std::vector<std::string> command) {
+  if (command.front().find_first_of("'\"") != std::string::npos) command.insert(command.begin(), "/usr/bin/env");
+  return command;
+}
+
 }  // namespace
 
 AutostartEntry::AutostartEntry(std::string_view label)
@@ -32,7 +39,7 @@ FileResult AutostartEntry::write(const Content& content) const {
       desktopEntryString(content.name) +
       "\n"
       "Exec=" +
-      desktopEntryExec(content.command) +
+      desktopEntryExec(readable(content.command)) +
       "\n"
       "TryExec=" +
       desktopEntryString(content.command.front()) +

@@ -9,7 +9,7 @@ namespace dormel::jobs::supervisor {
 namespace {
 
 // A page or two of environment at the most; a longer message is no message of ours.
-constexpr std::size_t LONGEST = 128 * 1024;
+constexpr std::size_t LONGEST = 131072;
 
 }  // namespace
 

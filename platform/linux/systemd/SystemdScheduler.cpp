@@ -75,8 +75,9 @@ SystemdScheduler::SystemdScheduler(std::string launcher)
       manager_(UserManager::connect()) {}
 
 bool SystemdScheduler::available() {
+  if (!manager_) return false;
   freedesktop::createFolders(folder_);
-  return manager_ && manager_->readsUnitsIn(folder_);
+  return manager_->readsUnitsIn(folder_);
 }
 
 std::optional<JobReport> SystemdScheduler::find(const std::string& label) {

@@ -14,7 +14,7 @@ class SystemdScheduler : public Scheduler {
   /// `launcher`: path of the program that the units start jobs through.
   explicit SystemdScheduler(std::string launcher);
 
-  /// Whether a manager answers that can keep our jobs. Creates the folder of unit files to find out.
+  /// Whether a manager answers that can keep our jobs. Creates the folder of unit files to ask about it.
   [[nodiscard]] bool available();
 
   [[nodiscard]] std::optional<JobReport> find(const std::string& label) override;

@@ -29,6 +29,13 @@ std::string restartLines(Restart restart) {
   return {};
 }
 
+/// A command line as far as the program's name. The colon keeps "$" an ordinary character in all of it.
+std::string commandStart(const std::string& program) {
+  // As arguments these are welcome; in the name of what is to be executed they are refused, quoted or not.
+  if (program.find_first_of("'\"\\") == std::string::npos) return ":" + commandWord(program);
+  return ":/bin/sh -c " + commandWord("exec \"$0\" \"$@\"") + " " + commandWord(program);
+}
+
 std::string pathOrDash(const std::string& path) { return path.empty() ? "-" : path; }
 
 }  // namespace
@@ -60,8 +67,7 @@ std::string plainValue(std::string_view text) {
 }
 
 std::string serviceUnit(const Job& job, const std::string& launcher) {
-  // The colon keeps "$" an ordinary character.
-  const std::string launch = ":" + commandWord(launcher);
+  const std::string launch = commandStart(launcher);
   std::string condition = launch + " permit " + commandWord(job.label) + " " + commandWord(job.propertyList) + " " +
                           commandWord(job.program());
   std::string command = launch + " exec " + commandWord(pathOrDash(job.standardOutput)) + " " +

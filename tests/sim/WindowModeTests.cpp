@@ -1,0 +1,409 @@
+// The program as its user opens it: one window, a menu, and a scheduler's job that is kept healthy.
+#include <gtest/gtest.h>
+
+#include "app/MainMenuItems.h"
+#include "tests/sim/Program.h"
+
+namespace dormel {
+namespace {
+
+using Lines = Program::Lines;
+using Status = LoginItemStatus;
+
+const std::string WRITE = "write ~/Library/LaunchAgents/" + std::string(BUNDLE_IDENTIFIER) + ".plist";
+const std::string RECOVERY =
+    "alert, warning: Dormel is switched off / Dormel was turned off in System Settings → Login Items & Extensions, so "
+    "it will not lock at night. macOS only lets you flip that switch yourself.\\n\\nIn the list, find \"Dormel\" and "
+    "turn it back on — you may need to scroll down. Then come back here, and Dormel re-arms itself. / [Open Login "
+    "Items] [Not Now]";
+const std::string REFUSED =
+    "out: AgentManager: bootstrap FAILED (exit 5) — agent NOT loaded, Dormel will not fire tonight";
+const std::string TRAIL_BACK = "self-heal: Login Items switched back on — agent re-armed";
+
+/// The trail without what the challenge draws at its creation.
+Lines appTrail() {
+  Lines lines = Program::trail();
+  std::erase_if(lines, [](const std::string& line) { return line.starts_with("⟳"); });
+  return lines;
+}
+
+/// The effects without the debug log's file.
+Lines effects(Program& program) {
+  Lines lines = program.effects();
+  std::erase_if(lines, [](const std::string& line) { return line.ends_with("debug.log"); });
+  return lines;
+}
+
+TEST(WindowMode, OpensWithItsMenuAndItsWindowInFront) {
+  Program program;
+  program.arm();
+  program.open();
+  EXPECT_EQ(effects(program), (Lines{"start", "activation policy regular", "menu installed, windows in Window",
+                                     "application activated", "main window 1 made, 460x660 Dormel",
+                                     "main window 1 front", "application activated", PRINT + " = 0"}));
+  EXPECT_EQ(program.delegate().mode(), AppDelegate::Mode::window);
+  EXPECT_EQ(program.delegate().screenManager()->state(), SessionState::idle);
+}
+
+TEST(WindowMode, HealsALostJobOrAsksForTheSwitch) {
+  const Lines healed{PRINT + " = 113", WRITE, BOOTOUT + " = 3", BOOTSTRAP + " = 0",
+                     "out: Self-heal: LaunchAgent not loaded — re-armed."};
+  const Lines refused{PRINT + " = 113", WRITE, BOOTOUT + " = 3", BOOTSTRAP + " = 5", REFUSED};
+  Lines refusedAloud = refused;
+  refusedAloud.push_back(RECOVERY);
+  const char* const healedTrail = "self-heal: agent not loaded at Settings launch — re-armed";
+  const char* const offTrail = "self-heal: Dormel is switched off in Login Items — asking the user";
+  const char* const exitTrail = "agent bootstrap FAILED exit=5";
+
+  const struct {
+    const char* name;
+    bool complete, enabled, loaded, refused;
+    Status status;
+    Lines effects, trail;
+  } rows[] = {
+      {"all is well", true, true, true, false, Status::enabled, {PRINT + " = 0"}, {}},
+      {"off, but still loaded", true, true, true, false, Status::requiresApproval, {PRINT + " = 0"}, {}},
+      {"not set up", false, true, false, false, Status::enabled, {}, {}},
+      {"lost", true, true, false, false, Status::enabled, healed, {healedTrail}},
+      {"lost, unknown to the desktop", true, true, false, false, Status::notFound, healed, {healedTrail}},
+      {"lost, never registered", true, true, false, false, Status::notRegistered, healed, {healedTrail}},
+      {"lost, lock off", true, false, false, false, Status::enabled, healed, {healedTrail}},
+      {"off", true, true, false, true, Status::requiresApproval, {PRINT + " = 113", RECOVERY}, {offTrail}},
+      {"off, lock off too", true, false, false, true, Status::requiresApproval, {PRINT + " = 113"}, {offTrail}},
+      {"refused",
+       true,
+       true,
+       false,
+       true,
+       Status::enabled,
+       refusedAloud,
+       {exitTrail, "self-heal: re-arm bootstrap FAILED — asking the user"}},
+      {"refused, lock off", true, false, false, true, Status::enabled, refused, {exitTrail}},
+  };
+  for (const auto& row : rows) {
+    Program program;
+    program.machine.defaults.putBoolean(defaultsKey::onboardingComplete, row.complete);
+    program.machine.defaults.putBoolean(defaultsKey::blockingEnabled, row.enabled);
+    if (row.loaded) program.arm();
+    program.machine.scheduler.setBootstrapFailure(row.refused ? std::optional(5) : std::nullopt);
+    program.machine.loginItems.setStatus(row.status);
+    program.open();
+    program.machine.advance(60);
+    Lines seen = effects(program);
+    ASSERT_GT(seen.size(), 6U);
+    seen.erase(seen.begin(), seen.begin() + 7);  // the start, as above
+    EXPECT_EQ(seen, row.effects) << row.name;
+    EXPECT_EQ(appTrail(), row.trail) << row.name;
+    EXPECT_EQ(program.delegate().recoveryAlertVisible(), program.machine.alerts.shown().size() == 1) << row.name;
+  }
+}
+
+TEST(WindowMode, LooksForTheSwitchWheneverTheUserComesBack) {
+  const Lines rearmed{PRINT + " = 113", WRITE, BOOTOUT + " = 3", BOOTSTRAP + " = 0"};
+  const struct {
+    const char* name;
+    const char* answer;  // null: the alert still stands
+    bool stillOff, loadedMeanwhile;
+    Lines answered, back;
+    bool awaits;
+  } rows[] = {
+      {"by way of the button",
+       "Open Login Items",
+       false,
+       false,
+       {"alert answered: Open Login Items", "login items page opened"},
+       rearmed,
+       false},
+      {"by a way of its own", "Not Now", false, false, {"alert answered: Not Now"}, rearmed, false},
+      {"with the alert still open",
+       nullptr,
+       false,
+       false,
+       {},
+       {"alert taken off: Dormel is switched off", rearmed[0], rearmed[1], rearmed[2], rearmed[3]},
+       false},
+      {"nothing changed",
+       "Open Login Items",
+       true,
+       false,
+       {"alert answered: Open Login Items", "login items page opened"},
+       {},
+       true},
+      {"nothing changed, alert open", nullptr, true, false, {}, {}, true},
+      {"loaded by the desktop already", "Not Now", false, true, {"alert answered: Not Now"}, {PRINT + " = 0"}, false},
+  };
+  for (const auto& row : rows) {
+    Program program;
+    SimMachine& machine = program.machine;
+    machine.scheduler.setSwitchedOff(true);
+    machine.loginItems.setStatus(Status::requiresApproval);
+    program.open();
+    machine.journal.clear();
+    program.delegate().beginLoginItemsRecovery();
+    EXPECT_EQ(machine.alerts.shown().size(), 1U) << row.name << ": one is enough";
+    if (row.answer != nullptr) program.answer(row.answer);
+    EXPECT_EQ(effects(program), row.answered) << row.name;
+    EXPECT_EQ(program.delegate().recoveryAlertVisible(), row.answer == nullptr) << row.name;
+
+    machine.application.leave();
+    if (!row.stillOff) {
+      machine.scheduler.setSwitchedOff(false);
+      machine.loginItems.setStatus(Status::enabled);
+    }
+    if (row.loadedMeanwhile) program.arm();
+    machine.application.comeBack();
+    machine.settle();
+    EXPECT_EQ(effects(program), row.back) << row.name;
+    EXPECT_EQ(program.delegate().awaitingLoginItemsFix(), row.awaits) << row.name;
+    EXPECT_EQ(appTrail().back() == TRAIL_BACK, !row.awaits) << row.name;
+    EXPECT_EQ(program.isArmed(), !row.stillOff) << row.name;
+
+    machine.application.leave();
+    machine.application.comeBack();
+    machine.settle();
+    EXPECT_EQ(effects(program), Lines{}) << row.name << ": a second return";
+  }
+}
+
+TEST(WindowMode, AnAlertThatIsAnsweredCanComeAgain) {
+  Program program;
+  program.machine.loginItems.setStatus(Status::requiresApproval);
+  program.open();
+  program.answer("Not Now");
+  program.delegate().beginLoginItemsRecovery();
+  EXPECT_EQ(program.machine.alerts.shown().size(), 1U);
+}
+
+TEST(WindowMode, TheAlertOfARefusedJobWaitsForItsReader) {
+  Program program;
+  program.machine.scheduler.setBootstrapFailure(5);
+  program.open();
+  program.machine.advance(60);
+  ASSERT_EQ(program.machine.alerts.shown().size(), 1U) << "the launch itself is no return from the settings";
+  program.answer("Open Login Items");
+  program.machine.scheduler.setBootstrapFailure({});
+  program.machine.application.leave();
+  program.machine.application.comeBack();
+  program.machine.settle();
+  EXPECT_TRUE(program.isArmed());
+}
+
+TEST(WindowMode, FinishingTheOnboardingArmsTheSchedulerOrSaysThatItCouldNot) {
+  for (const bool refused : {false, true}) {
+    Program program;
+    program.machine.defaults.putBoolean(defaultsKey::onboardingComplete, false);
+    program.machine.scheduler.setBootstrapFailure(refused ? std::optional(5) : std::nullopt);
+    program.open();
+    program.machine.journal.clear();
+    program.delegate().finishOnboarding();
+    Lines expected{"default onboardingComplete = true",
+                   "default use24HourClock = true",
+                   "main window 2 made, 460x660 Dormel",
+                   "main window 2 front",
+                   "application activated",
+                   "main window 1 closed",
+                   WRITE,
+                   BOOTOUT + " = 3",
+                   BOOTSTRAP + " = 0",
+                   "out: Onboarding complete — scheduler armed (lock 22:00 → 6:00)."};
+    if (refused) {
+      expected.erase(expected.end() - 2, expected.end());
+      for (const std::string& line :
+           {BOOTSTRAP + " = 5", REFUSED, std::string("out: Onboarding complete but the scheduler could NOT be armed."),
+            RECOVERY}) {
+        expected.push_back(line);
+      }
+    }
+    EXPECT_EQ(effects(program), expected);
+    EXPECT_EQ(program.delegate().awaitingLoginItemsFix(), refused);
+  }
+}
+
+TEST(WindowMode, TheMainMenu) {
+  struct Row {
+    const char* title;
+    const char* key = "";
+    bool withShift = false, withOption = false;
+  };
+  const struct {
+    const char* title;
+    std::vector<Row> items;
+  } menus[] = {
+      {"Dormel",
+       {{"About Dormel"},
+        {""},
+        {"Hide Dormel", "h"},
+        {"Hide Others", "h", false, true},
+        {"Show All"},
+        {""},
+        {"Quit Dormel", "q"}}},
+      {"Edit",
+       {{"Undo", "z"},
+        {"Redo", "z", true},
+        {""},
+        {"Cut", "x"},
+        {"Copy", "c"},
+        {"Paste", "v"},
+        {"Delete"},
+        {""},
+        {"Select All", "a"}}},
+      {"Window", {{"Close", "w"}, {"Minimize", "m"}}},
+  };
+  const std::vector<Menu> installed = mainMenu();
+  ASSERT_EQ(installed.size(), std::size(menus));
+  for (std::size_t i = 0; i < installed.size(); ++i) {
+    EXPECT_EQ(installed[i].title, menus[i].title);
+    ASSERT_EQ(installed[i].items.size(), menus[i].items.size());
+    for (std::size_t j = 0; j < menus[i].items.size(); ++j) {
+      const MenuItem& item = installed[i].items[j];
+      const Row& row = menus[i].items[j];
+      EXPECT_EQ(item.title, row.title);
+      EXPECT_EQ(item.command == MenuCommand::separator, item.title.empty());
+      EXPECT_EQ(item.key, row.key) << row.title;
+      EXPECT_EQ(item.withShift, row.withShift) << row.title;
+      EXPECT_EQ(item.withOption, row.withOption) << row.title;
+    }
+  }
+}
+
+TEST(WindowMode, EndsWithItsWindowOrByItsMenuEvenWhileItRehearses) {
+  const struct {
+    const char* name;
+    std::function<void(Program&)> end;
+  } rows[] = {
+      {"the window's button", [](Program& p) { p.machine.mainWindows.closeFront(); }},
+      {"the window's shortcut", [](Program& p) { EXPECT_TRUE(p.machine.mainMenu.press("w")); }},
+      {"quit", [](Program& p) { EXPECT_TRUE(p.machine.mainMenu.press("q")); }},
+      {"the desktop", [](Program& p) { p.machine.run([&] { p.machine.application.terminate(); }); }},
+  };
+  for (const auto& row : rows) {
+    for (const bool rehearses : {false, true}) {
+      Program program;
+      program.arm();
+      program.machine.setWallClock("2026-11-16 23:00:00");  // the hours are nothing to it
+      program.open();
+      if (rehearses) program.delegate().testNow();
+      program.machine.advance(3);
+      EXPECT_EQ(program.machine.windows.cover(), rehearses ? 1 : 0);
+      row.end(program);
+      program.machine.settle();
+      EXPECT_EQ(program.machine.exitStatus(), 0) << row.name;
+      EXPECT_EQ(program.machine.windows.cover(), 0) << row.name;
+      EXPECT_FALSE(program.machine.keyboard.isTaken()) << row.name;
+    }
+  }
+}
+
+TEST(WindowMode, ASecondStartBringsTheFirstToTheFront) {
+  Program second;
+  second.machine.process.setWindowSeatTaken(true);
+  second.open();
+  EXPECT_EQ(second.effects(), (Lines{"start", "the running program is told that it was opened again", "exit 0"}));
+
+  Program first;
+  first.arm();
+  first.open();
+  first.machine.advance(60);
+  first.machine.journal.clear();
+  first.machine.process.reopen();
+  first.machine.settle();
+  EXPECT_EQ(first.effects(), (Lines{"main window 1 front", "application activated"}));
+}
+
+TEST(WindowMode, TheRehearsalsOfThePage) {
+  Program program;
+  program.arm();
+  program.open();
+  const auto page = std::static_pointer_cast<StatusPage>(program.machine.mainWindows.front());
+  const auto endByEscape = [&] {
+    EXPECT_EQ(program.delegate().screenManager()->state(), SessionState::blocked);
+    EXPECT_EQ(program.machine.application.presentationOptions(), 0U);
+    program.machine.keyboard.press(53);
+    program.machine.settle();
+    program.machine.keyboard.release(53);
+    EXPECT_EQ(program.delegate().screenManager()->state(), SessionState::idle);
+  };
+  page->testRun();
+  endByEscape();
+  EXPECT_TRUE(page->canRunDemo());
+  page->demo();
+  endByEscape();
+
+  program.machine.accessibility.setTrusted(false);
+  page->testRun();  // goes without; the keys arrive by its windows
+  endByEscape();
+  EXPECT_FALSE(program.delegate().runDemo([] { FAIL() << "it never began"; }));
+  program.machine.advance(2);
+  EXPECT_FALSE(page->canRunDemo());
+}
+
+TEST(ScheduledRun, IsQuitOnlyWhenNothingIsLocked) {
+  const struct {
+    const char* name;
+    Seconds after;
+    bool trusted;
+    SessionState state;
+    bool ends;
+  } rows[] = {
+      {"fading in", 1, true, SessionState::blocked, false},
+      {"locked", 10, true, SessionState::blocked, false},
+      {"unlocked for five minutes", 120, true, SessionState::grace, false},
+      {"no permission, nothing locked", 10, false, SessionState::idle, true},
+  };
+  for (const auto& row : rows) {
+    Program program;
+    SimMachine& machine = program.machine;
+    machine.accessibility.setTrusted(row.trusted);
+    machine.setWallClock("2026-11-16 23:00:00");
+    program.open({"--scheduled"});
+    ScreenManager& session = *program.delegate().screenManager();
+    if (row.state == SessionState::grace) {
+      pressAll(machine, *session.bypassController());
+      machine.advance(31);
+      releaseAll(machine);
+    }
+    machine.advance(row.after);
+    ASSERT_EQ(session.state(), row.state) << row.name;
+    machine.journal.clear();
+    machine.run([&] { machine.application.terminate(); });
+    if (!row.ends) {
+      EXPECT_EQ(program.effects(), Lines{"out: Terminate blocked — still in blocking hours."}) << row.name;
+      EXPECT_FALSE(machine.exitStatus()) << row.name;
+      continue;
+    }
+    EXPECT_EQ(machine.exitStatus(), 0) << row.name;
+    EXPECT_TRUE(machine.windows.visible().empty()) << row.name;
+  }
+}
+
+TEST(ScheduledRun, SaysWhatItFindsAndNeverOpensAWindow) {
+  const std::string start = "start --scheduled";
+  Program second;
+  second.machine.process.setSeatTaken(true);
+  second.open({"--scheduled"});
+  EXPECT_EQ(second.effects(),
+            (Lines{start, "out: Dormel is already watching this night in another process. Exiting.", "exit 0"}));
+
+  Program untrusted;
+  untrusted.machine.accessibility.setTrusted(false);
+  untrusted.open({"--scheduled"});
+  EXPECT_EQ(effects(untrusted),
+            (Lines{start, "activation policy accessory", "application activated",
+                   "out: WARNING: Accessibility not granted — Dormel will NOT lock the screen tonight (P2.2r).",
+                   "out: To fix: System Settings → Privacy & Security → Accessibility → add/enable Dormel",
+                   "out: Outside blocking hours (22:00–6:00). Exiting.", "exit 0"}));
+
+  Program locked;
+  locked.machine.setWallClock("2026-11-16 22:00:00");
+  locked.open({"--scheduled"});
+  locked.machine.process.reopen();
+  locked.machine.application.leave();
+  locked.machine.application.comeBack();
+  locked.machine.advance(60);
+  EXPECT_EQ(locked.machine.output.lines(), Lines{"Accessibility permission OK."});
+  EXPECT_TRUE(locked.machine.mainMenu.installed().empty());
+  EXPECT_EQ(locked.machine.mainWindows.front(), nullptr);
+}
+
+}  // namespace
+}  // namespace dormel
