@@ -68,6 +68,7 @@ std::vector<std::uint16_t> KeyActions::devices() {
 
 std::vector<KeyActions::Keymap> KeyActions::keymaps(const std::vector<std::uint16_t>& devices) {
   std::vector<xcb_xkb_get_map_cookie_t> cookies;
+  cookies.reserve(devices.size());
   for (const std::uint16_t device : devices) {
     cookies.push_back(xcb_xkb_get_map(*connection_, device, XCB_XKB_MAP_PART_KEY_ACTIONS, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0,
                                       0, 0, 0, 0, 0, 0));
@@ -84,7 +85,7 @@ std::vector<KeyActions::Keymap> KeyActions::keymaps(const std::vector<std::uint1
     // Only this part was asked for: the counts, padded to four bytes, then the actions.
     const auto* counts = static_cast<const std::uint8_t*>(xcb_xkb_get_map_map(reply.get()));
     keymap.counts.assign(counts, counts + reply->nKeyActions);
-    const auto* actions = counts + (reply->nKeyActions + 3U) / 4 * 4;
+    const auto* actions = counts + (std::size_t{reply->nKeyActions} + 3) / 4 * 4;
     keymap.actions.resize(reply->totalActions);
     if (!keymap.actions.empty()) {
       std::memcpy(keymap.actions.data(), actions, keymap.actions.size() * sizeof(xcb_xkb_action_t));

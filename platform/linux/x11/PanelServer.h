@@ -12,7 +12,7 @@ namespace dormel::x11 {
 class PanelServer : public WindowServer {
  public:
   /// `canvases` and `clock` outlive it and every window made here.
-  PanelServer(std::shared_ptr<Connection> connection, const ServerFeatures& features,
+  PanelServer(const std::shared_ptr<Connection>& connection, const ServerFeatures& features,
               std::shared_ptr<ScreensX11> screens, CanvasFactory& canvases, const Clock& clock);
 
   [[nodiscard]] std::shared_ptr<Window> makeWindow(const WindowStyle& style, const Rect& contentRect) override;
