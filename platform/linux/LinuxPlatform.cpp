@@ -14,6 +14,7 @@
 #include "platform/Identifiers.h"
 #include "platform/linux/DesktopApplication.h"
 #include "platform/linux/freedesktop/AutostartLoginItems.h"
+#include "platform/linux/freedesktop/CreatedFolders.h"
 #include "platform/linux/freedesktop/DesktopWorkspace.h"
 #include "platform/linux/freedesktop/Logind.h"
 #include "platform/linux/freedesktop/SeatFiles.h"
@@ -122,6 +123,7 @@ struct LinuxPlatform::Parts {
         arguments(kind),
         qt(makeApplication(arguments)),
         icon(kind == LaunchKind::windows ? scenes.icon() : QIcon()),
+        files(freedesktop::noteCreatedFolder),
         process(queues, freedesktop::seatFiles(),
                 [this](int fd, std::function<bool()> action) { loop.watchReadable(fd, std::move(action)); }),
         children(bundle.tools()),

@@ -16,10 +16,7 @@ Item {
     Accessible.role: Accessible.Pane
     Accessible.name: "Dormel"
 
-    Rectangle {
-        anchors.fill: parent
-        color: Tone.background
-    }
+    Ground {}
 
     Column {
         id: header

@@ -8,9 +8,11 @@ import tempfile
 import time
 
 from . import paint, processes, scheduler
+from .clients import Clients
 from .eyes import Eyes
 from .home import Home
 from .keyboard import Keyboard
+from .mouse import Mouse
 from .neighbours import Neighbour
 from .server import Server
 from .wait import NotSeen, until
@@ -57,6 +59,8 @@ class Desk:
         self.server.start()
         self.eyes = self._keep(Eyes(self.server))
         self.keyboard = self._keep(Keyboard(self.server))
+        self.mouse = self._keep(Mouse(self.server))
+        self.clients = self._keep(Clients(self.server))
         if self._scale is not None:
             self.server.set_resources(f"Xft.dpi:\t{96 * self._scale:.0f}\n")
         monitors = self.eyes.monitors()
@@ -66,7 +70,9 @@ class Desk:
         if self._compositor:
             self.start_compositor()
         self.witness = self._keep(Witness(self.server, picture=paint.document(900, 620) if self._pretty else None))
-        until("the document has the keyboard focus", self.witness.focused.is_set, 5)
+        # openbox does not look at what reached it while it was starting until something else does.
+        until("the document has the keyboard focus",
+              lambda: self.clients.nudge_manager() or self.witness.focused.is_set(), 5)
         self.watcher = self._keep(Watcher(self.server))
         if self._want_manager:
             manager = scheduler.UserManager(self.home, self.folder, self._extra)

@@ -14,10 +14,7 @@ FocusScope {
     Accessible.name: "About Dormel"
     Accessible.description: "Dormel " + view.versionText
 
-    Rectangle {
-        anchors.fill: parent
-        color: Tone.background
-    }
+    Ground {}
 
     Column {
         id: column

@@ -16,8 +16,9 @@ FocusScope {
 
     Keys.onEscapePressed: event => event.accepted = root.view.cancel()
 
-    Rectangle {
-        anchors.fill: parent
+    focus: true
+
+    Ground {
         color: Tone.raised
         border.width: 1
         border.color: Qt.rgba(1, 1, 1, 0.12)

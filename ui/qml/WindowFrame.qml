@@ -8,8 +8,7 @@ Item {
 
     required property bool minimizable
 
-    Rectangle {
-        anchors.fill: parent
+    Ground {
         color: "transparent"
         border.width: 1
         border.color: Tone.hairline

@@ -63,7 +63,7 @@ void DesktopWindow::centre(const QWindow* over) {
   if (at == nullptr) at = QGuiApplication::primaryScreen();
   if (over == nullptr && at == nullptr) return;
   const QRect area = over != nullptr ? over->geometry() : at->availableGeometry();
-  setPosition(area.center() - QPoint(width() / 2, height() / 2));
+  setPosition(area.x() + (area.width() - width()) / 2, area.y() + (area.height() - height()) / 2);
 }
 
 void DesktopWindow::bringToFront() {
