@@ -14,6 +14,7 @@
 #include "platform/Identifiers.h"
 #include "platform/linux/DesktopApplication.h"
 #include "platform/linux/freedesktop/AutostartLoginItems.h"
+#include "platform/linux/freedesktop/CreatedFolders.h"
 #include "platform/linux/freedesktop/DesktopWorkspace.h"
 #include "platform/linux/freedesktop/Logind.h"
 #include "platform/linux/freedesktop/SeatFiles.h"
@@ -120,8 +121,9 @@ struct LinuxPlatform::Parts {
   Parts(LaunchKind kind, QmlSceneRegistry scenes)
       : kind(kind),
         arguments(kind),
-        qt(makeApplication(arguments)),
+        qt(kind == LaunchKind::command ? nullptr : makeApplication(arguments)),
         icon(kind == LaunchKind::windows ? scenes.icon() : QIcon()),
+        files(freedesktop::noteCreatedFolder),
         process(queues, freedesktop::seatFiles(),
                 [this](int fd, std::function<bool()> action) { loop.watchReadable(fd, std::move(action)); }),
         children(bundle.tools()),
