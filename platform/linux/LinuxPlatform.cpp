@@ -121,7 +121,7 @@ struct LinuxPlatform::Parts {
   Parts(LaunchKind kind, QmlSceneRegistry scenes)
       : kind(kind),
         arguments(kind),
-        qt(makeApplication(arguments)),
+        qt(kind == LaunchKind::command ? nullptr : makeApplication(arguments)),
         icon(kind == LaunchKind::windows ? scenes.icon() : QIcon()),
         files(freedesktop::noteCreatedFolder),
         process(queues, freedesktop::seatFiles(),
