@@ -1,6 +1,7 @@
 #include "app/EntryPoint.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "app/AgentManager.h"
 #include "app/AppInstaller.h"
@@ -74,14 +75,27 @@ void checkAccessibility() {
   platform().process.exit(trusted ? 0 : 1);
 }
 
+struct Command {
+  const char* argument;
+  void (*run)();  // ends the process
+};
+constexpr Command COMMANDS[] = {{"--version", version},
+                                {"--help", help},
+                                {"--setup", setup},
+                                {"--uninstall", uninstall},
+                                {"--check-ax", checkAccessibility}};
+
 }  // namespace
 
 void runOneShotCommand() {
-  if (has("--version")) version();
-  if (has("--help")) help();
-  if (has("--setup")) setup();
-  if (has("--uninstall")) uninstall();
-  if (has("--check-ax")) checkAccessibility();
+  for (const Command& command : COMMANDS) {
+    if (has(command.argument)) command.run();
+  }
+}
+
+bool opensWindow() {
+  return !has("--scheduled") &&
+         std::none_of(std::begin(COMMANDS), std::end(COMMANDS), [](const Command& c) { return has(c.argument); });
 }
 
 std::shared_ptr<AppDelegate> startApplication() {

@@ -4,7 +4,14 @@
 
 namespace dormel {
 
-enum class ViewKind { blockerOverlay, graceCountdown, accessibilityCard, statusPage };
+enum class ViewKind {
+  blockerOverlay,
+  graceCountdown,
+  accessibilityCard,
+  statusPage,
+  alert,       ///< the platform's own: logic names an alert by its texts (Alerts.h)
+  aboutPanel,  ///< the platform's own, behind the menu's command
+};
 
 class View {
  public:

@@ -16,10 +16,8 @@ void DesktopApplication::setPresentationOptions(std::uint32_t options) {
 }
 
 void DesktopApplication::terminate() {
-  if (delegate_ != nullptr) {
-    if (!delegate_->shouldTerminate()) return;
-    delegate_->willTerminate();
-  }
+  if (!mayTerminate()) return;
+  if (delegate_ != nullptr) delegate_->willTerminate();
   process_.exit(0);
 }
 

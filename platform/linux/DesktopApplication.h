@@ -25,6 +25,8 @@ class DesktopApplication final : public Application {
   void setPresentationOptions(std::uint32_t options) override;
   [[nodiscard]] std::uint32_t presentationOptions() const override { return options_; }
   void terminate() override;
+  /// Whether the delegate would let a quit request through.
+  [[nodiscard]] bool mayTerminate() const { return delegate_ == nullptr || delegate_->shouldTerminate(); }
 
  private:
   Process& process_;

@@ -9,14 +9,23 @@
 
 namespace dormel {
 
+/// What a process will show.
+enum class LaunchKind {
+  background,  ///< panels or nothing: the toolkit only draws, and works without a display
+  windows,     ///< ordinary windows and alerts, on the desktop's own Qt platform
+};
+
 class LinuxPlatform {
  public:
-  /// Connects to the display, if there is one; shows nothing. `scenes` says how views are drawn. The arguments are
-  /// the process's and outlive this object.
-  LinuxPlatform(int& argc, char** argv, QmlSceneRegistry scenes);
+  /// Connects to the display, if there is one; shows nothing. `scenes` says how views are drawn. Windows need a
+  /// desktop, see `hasDesktop`.
+  LinuxPlatform(LaunchKind kind, QmlSceneRegistry scenes);
   LinuxPlatform(const LinuxPlatform&) = delete;
   LinuxPlatform& operator=(const LinuxPlatform&) = delete;
   ~LinuxPlatform();
+
+  /// Whether there is a display that windows can be opened on. May be asked before anything else.
+  [[nodiscard]] static bool hasDesktop();
 
   [[nodiscard]] Platform& services();
 

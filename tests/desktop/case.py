@@ -8,7 +8,8 @@ import unittest
 
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "tools"))
 
-from desk import Bundle, Desk, NotSeen, evdev_of_label, until  # noqa: E402,F401
+from desk import (ESCAPE, RETURN, SPACE, TAB, Bundle, Desk, NotSeen, evdev_of_label,  # noqa: E402,F401
+                  until)
 
 
 class DesktopCase(unittest.TestCase):

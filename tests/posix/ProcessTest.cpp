@@ -1,32 +1,18 @@
-// Queues, children and the end of the process.
+// Queues, seats and the end of the process.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
+#include <sys/stat.h>
 
 #include <atomic>
 #include <condition_variable>
 #include <mutex>
 
-#include "platform/linux/posix/PosixChildProcesses.h"
 #include "platform/linux/posix/PosixProcess.h"
 #include "platform/linux/posix/PosixQueues.h"
+#include "tests/posix/Child.h"
 #include "tests/posix/TemporaryHome.h"
 
 namespace dormel {
 namespace {
-
-TEST(PosixChildProcesses, ReportsHowTheToolEnded) {
-  posix::PosixChildProcesses children(posix::PosixChildProcesses::Tools{{"/bin/launchctl", "/bin/false"}});
-  const struct {
-    const char* tool;
-    std::vector<std::string> arguments;
-    std::int32_t status;
-  } cases[] = {{"/bin/sh", {"-c", "exit 37"}, 37},
-               {"/bin/sh", {"-c", "kill -9 $$"}, 137},
-               {"/bin/sh", {"-c", "[ \"$1\" = \"a 'b' \\$c\" ]", "sh", "a 'b' $c"}, 0},
-               {"/nowhere/at/all", {}, -1},
-               {"/bin/launchctl", {}, 1}};
-  for (const auto& example : cases) EXPECT_EQ(children.run(example.tool, example.arguments), example.status);
-}
 
 TEST(PosixQueues, RunsInOrderAndFinishesBeforeItGoes) {
   std::vector<int> order;
@@ -60,19 +46,6 @@ TEST(PosixQueues, ATimerMayEndItselfFromItsOwnTick) {
   EXPECT_FALSE(timer);
 }
 
-/// Runs `body` in a child process and answers its exit status.
-template <typename Body>
-int statusOf(Body body) {
-  const pid_t child = ::fork();
-  if (child == 0) {
-    body();
-    ::_exit(99);
-  }
-  int status = -1;
-  ::waitpid(child, &status, 0);
-  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
 TEST(PosixProcess, ExitWaitsForTheRecordsButNotForEver) {
   const TemporaryHome home;
   const std::string path = home.path() + "/record";
@@ -88,6 +61,7 @@ TEST(PosixProcess, ExitWaitsForTheRecordsButNotForEver) {
               });
               process.beforeExit([&] { put(path + "2", contents(path)); });
               process.exit(7);
+              return 99;
             }),
             7);
   EXPECT_EQ(contents(path), "kept");
@@ -100,7 +74,7 @@ TEST(PosixProcess, OneSessionAtATime) {
   const auto noWatch = [](int, const std::function<bool()>&) {};
   const posix::Seats seats{home.path() + "/session", home.path() + "/window"};
   const auto claimed = [&] {
-    return statusOf([&] { ::_exit(posix::PosixProcess(queues, seats, noWatch).claimSession() ? 1 : 0); });
+    return statusOf([&] { return posix::PosixProcess(queues, seats, noWatch).claimSession(); });
   };
   {
     posix::PosixProcess process(queues, seats, noWatch);
@@ -108,6 +82,42 @@ TEST(PosixProcess, OneSessionAtATime) {
     EXPECT_EQ(claimed(), 0);
   }
   EXPECT_EQ(claimed(), 1) << "free again with its holder gone";
+}
+
+TEST(PosixProcess, TheSecondWindowTellsTheFirst) {
+  const TemporaryHome home;
+  posix::PosixQueues queues;
+  const posix::Seats seats{home.path() + "/session", home.path() + "/window"};
+  std::function<bool()> onReadable;
+  const auto watch = [&](int, std::function<bool()> action) { onReadable = std::move(action); };
+  int reopened = 0;
+  const auto another = [&] {
+    return statusOf([&] { return posix::PosixProcess(queues, seats, watch).claimWindow([] {}); });
+  };
+  const auto claim = [&](posix::PosixProcess& process) { return process.claimWindow([&] { ++reopened; }); };
+
+  // Something else stands in the place: it is nobody's seat.
+  put(seats.window, "left behind");
+  {
+    posix::PosixProcess first(queues, seats, watch);
+    EXPECT_TRUE(claim(first));
+    EXPECT_TRUE(onReadable());
+    EXPECT_EQ(reopened, 0) << "nobody called";
+    EXPECT_EQ(another(), 0);
+    EXPECT_TRUE(onReadable());
+    EXPECT_EQ(reopened, 1);
+    // Two before the main loop came round are one: the window comes to the front once.
+    EXPECT_EQ(another(), 0);
+    EXPECT_EQ(another(), 0);
+    EXPECT_TRUE(onReadable());
+    EXPECT_TRUE(onReadable());
+    EXPECT_EQ(reopened, 2);
+    std::filesystem::remove(seats.window);
+    EXPECT_EQ(another(), 1) << "a deleted seat can be had anew";
+  }
+  EXPECT_EQ(another(), 1) << "free again with its holder gone, though its file is still there";
+  const posix::Seats nowhere{"/nowhere/session", "/nowhere/window"};
+  EXPECT_TRUE(posix::PosixProcess(queues, nowhere, watch).claimWindow([] {}));
 }
 
 }  // namespace

@@ -123,11 +123,11 @@ class JobModel:
         self.addCleanup(self.call, "bootout", job.target)
         return job
 
-    def call(self, *arguments, **variables):
+    def call(self, *arguments, tool=None, **variables):
         environment = {**self.environment, **variables}
         environment = {name: value for name, value in environment.items() if value is not None}
         begun = time.monotonic()
-        result = subprocess.run([self.tool, *map(str, arguments)], env=environment, text=True, check=False,
+        result = subprocess.run([tool or self.tool, *map(str, arguments)], env=environment, text=True, check=False,
                                 stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
         result.seconds = time.monotonic() - begun
         return result
@@ -323,6 +323,27 @@ class JobModel:
         job.program.unlink()
         os.kill(job.runs()[1][1], signal.SIGKILL)
         wait_for("giving up", lambda: self.printed(job)["state"] in ("dead", "waiting"))
+
+    def test_armed_by_a_copy_that_vanishes(self):
+        job = self.job()
+        own = job.program.parent.parent / "Helpers" / "launchctl"
+        old = self.home / "Downloads" / f"{job.label}.app" / "Contents" / "Helpers" / "launchctl"
+        for place in (own, old):
+            place.parent.mkdir(parents=True)
+            shutil.copy2(LAUNCHCTL, place)
+        self.expect(0, "bootstrap", DOMAIN, job.plist, tool=old)
+        pid = job.wait_for_run()[1]
+        shutil.rmtree(old.parent)
+        mapped = subprocess.run(["grep", "-l", str(old.parent), *map(str, pathlib.Path("/proc").glob("[0-9]*/maps"))],
+                                text=True, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, check=False).stdout
+        self.assertEqual(mapped, "", "nothing runs from the old place, which may be on a disk that is taken out")
+        os.kill(pid, signal.SIGKILL)
+        pid = job.wait_for_run(2)[1]
+        self.assertIn(f'"{own}" "login"', job.entry.read_text())
+        self.expect(0, "login", DOMAIN, job.plist, tool=own, DISPLAY="elsewhere:3")
+        self.assertEqual(job.wait_for_run(3)[2], "elsewhere:3")
+        self.expect(0, "bootout", job.target, tool=own)
+        self.assertEqual(self.left_behind(job), [])
 
     def test_a_job_that_takes_itself_out(self):
         job = self.job()

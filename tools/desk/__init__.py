@@ -7,14 +7,18 @@ server with its dummy driver, xrandr and ImageMagick (see tools/packages).
 """
 
 from .bundle import Bundle
+from .clients import Clients
 from .desk import Desk
 from .eyes import Eyes, Picture, Sampler
-from .home import Home
-from .keyboard import Keyboard, evdev_of_label
+from .home import IDENTIFIER, Home
+from .keyboard import ESCAPE, RETURN, SPACE, TAB, Keyboard, evdev_of_label
+from .login_manager import LoginManager
+from .mouse import Mouse
 from .neighbours import Neighbour
 from .server import Server
 from .wait import NotSeen, until
 from .watcher import Watcher
 
-__all__ = ["Bundle", "Desk", "Eyes", "Home", "Keyboard", "Neighbour", "NotSeen", "Picture", "Sampler", "Server",
-           "Watcher", "evdev_of_label", "until"]
+__all__ = ["Bundle", "Clients", "Desk", "ESCAPE", "Eyes", "Home", "IDENTIFIER", "Keyboard", "LoginManager", "Mouse",
+           "Neighbour", "NotSeen", "Picture", "RETURN", "SPACE", "Sampler", "Server", "TAB", "Watcher", "evdev_of_label",
+           "until"]

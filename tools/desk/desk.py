@@ -8,9 +8,11 @@ import tempfile
 import time
 
 from . import paint, processes, scheduler
+from .clients import Clients
 from .eyes import Eyes
 from .home import Home
 from .keyboard import Keyboard
+from .mouse import Mouse
 from .neighbours import Neighbour
 from .server import Server
 from .wait import NotSeen, until
@@ -25,17 +27,18 @@ class Desk:
 
     manager: True starts a private user manager and falls back to none where it cannot run (manager_missing tells
     why); False never does, which leaves the program to its built-in supervisor.
-    windows: "openbox" adds a window manager; compositor: True adds picom.
+    windows: "openbox" adds a window manager; compositor: True adds picom. scale: what the user set for large monitors.
     """
 
     def __init__(self, monitors=((1920, 1080), (1280, 1024)), manager=False, windows=None, compositor=False,
-                 server_arguments=(), pretty=False, extra=None):
+                 server_arguments=(), pretty=False, extra=None, scale=None):
         self.folder = tempfile.mkdtemp(prefix="dormel-")
         self.home = Home(self.folder)
         self.server = Server(self.folder, monitors, server_arguments)
         self.manager = None
         self.manager_missing = None
         self._want_manager, self._windows, self._compositor, self._pretty = manager, windows, compositor, pretty
+        self._scale = scale
         self._extra = dict(extra or {})
         self._helpers = []
         self._neighbours = []
@@ -56,6 +59,10 @@ class Desk:
         self.server.start()
         self.eyes = self._keep(Eyes(self.server))
         self.keyboard = self._keep(Keyboard(self.server))
+        self.mouse = self._keep(Mouse(self.server))
+        self.clients = self._keep(Clients(self.server))
+        if self._scale is not None:
+            self.server.set_resources(f"Xft.dpi:\t{96 * self._scale:.0f}\n")
         monitors = self.eyes.monitors()
         paint.wallpaper(self.server, monitors if self._pretty else [])
         if self._windows:
@@ -63,7 +70,9 @@ class Desk:
         if self._compositor:
             self.start_compositor()
         self.witness = self._keep(Witness(self.server, picture=paint.document(900, 620) if self._pretty else None))
-        until("the document has the keyboard focus", self.witness.focused.is_set, 5)
+        # openbox does not look at what reached it while it was starting until something else does.
+        until("the document has the keyboard focus",
+              lambda: self.clients.nudge_manager() or self.witness.focused.is_set(), 5)
         self.watcher = self._keep(Watcher(self.server))
         if self._want_manager:
             manager = scheduler.UserManager(self.home, self.folder, self._extra)

@@ -10,6 +10,8 @@ IDENTIFIER = os.environ.get("DORMEL_APP_ID_BASE", "com.orvane.dormel") + ".mac"
 
 
 class Home:
+    identifier = IDENTIFIER
+
     def __init__(self, folder):
         self.path = os.path.join(folder, "home")
         self.runtime = os.path.join(folder, "run")

@@ -10,7 +10,8 @@ EVDEV = {
     "J": 36, "K": 37, "N": 49, "M": 50,
     "L.Shift": 42, "R.Shift": 54, "L.Ctrl": 29, "L.Option": 56, "R.Option": 100, "L.Cmd": 125, "R.Cmd": 126,
 }
-SPACE, ESCAPE, F9 = 57, 1, 67
+SPACE, ESCAPE, TAB, RETURN, F9 = 57, 1, 15, 28, 67
+LEFT_CTRL = EVDEV["L.Ctrl"]
 
 
 def evdev_of_label(label):

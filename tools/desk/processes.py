@@ -75,21 +75,25 @@ def memory(pids):
 
 
 def effort(pids):
-    """(seconds of processor time, times woken up) of all threads of the processes so far."""
-    seconds, wakeups = 0.0, 0
+    """{thread: (seconds of processor time, times woken up)} of the processes so far."""
+    threads = {}
     for pid in pids:
         try:
-            threads = os.listdir(f"/proc/{pid}/task")
+            names = os.listdir(f"/proc/{pid}/task")
         except OSError:
             continue
-        for thread in threads:
+        for name in names:
             try:
-                with open(f"/proc/{pid}/task/{thread}/schedstat", encoding="ascii") as file:
-                    seconds += int(file.read().split()[0]) / 1e9
-                with open(f"/proc/{pid}/task/{thread}/status", encoding="utf-8") as file:
-                    for line in file:
-                        if line.startswith("voluntary_ctxt_switches:"):
-                            wakeups += int(line.split()[1])
+                with open(f"/proc/{pid}/task/{name}/schedstat", encoding="ascii") as file:
+                    seconds = int(file.read().split()[0]) / 1e9
+                with open(f"/proc/{pid}/task/{name}/status", encoding="utf-8") as file:
+                    wakeups = next(int(line.split()[1]) for line in file if line.startswith("voluntary_ctxt_switches:"))
             except OSError:
                 continue
-    return seconds, wakeups
+            threads[int(name)] = seconds, wakeups
+    return threads
+
+
+def spent(before, after):
+    """(seconds, wake-ups) between two efforts. What a thread did last that has ended in between is not in it."""
+    return tuple(sum(now[i] - before.get(thread, (0.0, 0))[i] for thread, now in after.items()) for i in (0, 1))

@@ -12,6 +12,7 @@ import struct
 import subprocess
 import time
 
+from Xlib import Xatom
 from Xlib import display as xdisplay
 from Xlib.protocol import display as xprotocol
 from Xlib.protocol import event as xevent
@@ -116,6 +117,15 @@ class Server:
 
     def environment(self):
         return {"DISPLAY": self.display, "XAUTHORITY": self.xauthority, "XDG_SESSION_TYPE": "x11"}
+
+    def set_resources(self, text):
+        """The user's settings that every client finds on the root window."""
+        connection = self.open()
+        try:
+            connection.screen().root.change_property(Xatom.RESOURCE_MANAGER, Xatom.STRING, 8, text.encode())
+            connection.sync()
+        finally:
+            connection.close()
 
     # Monitors. The output's name is DUMMY<index>.
 

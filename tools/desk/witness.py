@@ -19,6 +19,7 @@ class Witness:
         self.window = screen.root.create_window(
             x, y, width, height, 0, screen.root_depth, X.InputOutput, X.CopyFromParent, background_pixel=colour,
             event_mask=X.KeyPressMask | X.KeyReleaseMask | X.FocusChangeMask | X.StructureNotifyMask)
+        self._display.set_error_handler(lambda *_: None)
         self.window.set_wm_name("Chapter seven")
         self.window.set_wm_class("witness", "Witness")
         self.window.change_property(self._display.intern_atom("_NET_WM_NAME"),
@@ -32,7 +33,7 @@ class Witness:
         self._display.sync()
         self._mapped = threading.Event()
         self.focused = threading.Event()
-        self._closing = False
+        self._closing = self._had_focus = False
         self._thread = threading.Thread(target=self._run, name="witness", daemon=True)
         self._thread.start()
         self._mapped.wait(5)
@@ -41,7 +42,9 @@ class Witness:
         try:
             while not self._closing:
                 if self._display.pending_events() == 0:
-                    select.select([self._display.fileno()], [], [], 0.5)
+                    select.select([self._display.fileno()], [], [], 0.5 if self._had_focus else 0.05)
+                if not self._had_focus:
+                    self._ask_for_focus()
                 while self._display.pending_events():
                     event = self._display.next_event()
                     if event.type in (X.KeyPress, X.KeyRelease):
@@ -50,14 +53,22 @@ class Witness:
                             self.keys.append((time.monotonic(), kind, event.detail - 8))
                     elif event.type == X.MapNotify:
                         self._mapped.set()
-                        self.window.set_input_focus(X.RevertToPointerRoot, X.CurrentTime)
-                        self._display.flush()
                     elif event.type == X.FocusIn and event.mode in (X.NotifyNormal, X.NotifyUngrab):
+                        self._had_focus = True
                         self.focused.set()
                     elif event.type == X.FocusOut and event.mode == X.NotifyNormal:
                         self.focused.clear()
         except (error.ConnectionClosedError, OSError, ValueError):
             pass
+
+    def _ask_for_focus(self):
+        """Once is not enough: a window manager that is still starting loses requests, and it shows a window before
+        the frame that it puts around it."""
+        if self._mapped.is_set():
+            self.window.set_input_focus(X.RevertToPointerRoot, X.CurrentTime)
+        else:
+            self.window.map()
+        self._display.flush()
 
     def mark(self):
         with self._lock:

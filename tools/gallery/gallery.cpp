@@ -8,6 +8,11 @@
 #include <cstdio>
 #include <functional>
 
+#include "core/Config.h"
+#include "platform/linux/qt/AboutView.h"
+#include "platform/linux/qt/AlertView.h"
+#include "settings/AccessibilityCardView.h"
+#include "settings/StatusPage.h"
 #include "tests/drawn/DrawnNight.h"
 
 using namespace dormel;
@@ -44,6 +49,22 @@ void save(const QString& path, const QImage& picture, const Monitor& monitor, bo
   if (!screen.save(path)) std::fprintf(stderr, "cannot write %s\n", qPrintable(path));
 }
 
+/// Something that stands on the desktop.
+void saveOnDesktop(const QString& path, const QImage& picture, double scale) {
+  const int margin = static_cast<int>(40 * scale);
+  QImage desktop(picture.width() + 2 * margin, picture.height() + 2 * margin, QImage::Format_RGB32);
+  QPainter painter(&desktop);
+  QLinearGradient wallpaper(0, 0, desktop.width(), desktop.height());
+  wallpaper.setColorAt(0, QColor(40, 60, 90));
+  wallpaper.setColorAt(1, QColor(220, 180, 150));
+  painter.fillRect(desktop.rect(), wallpaper);
+  QImage pixels = picture;
+  pixels.setDevicePixelRatio(1);
+  painter.drawImage(margin, margin, pixels);
+  painter.end();
+  if (!desktop.save(path)) std::fprintf(stderr, "cannot write %s\n", qPrintable(path));
+}
+
 class Gallery {
  public:
   explicit Gallery(const QDir& folder) : folder_(folder) {}
@@ -70,9 +91,72 @@ class Gallery {
     }
   }
 
+  /// A page, a card or an alert, once it came to rest.
+  void showPage(const char* name, const std::function<std::shared_ptr<View>(DrawnMachine&)>& make, Seconds after = 3) {
+    for (const int scale : {1, 2}) {
+      DrawnMachine machine;
+      DrawnView drawn(machine.factory, make(machine), scale);
+      drawn.picture();
+      machine.pass(after);
+      const QString file = folder_.filePath(QStringLiteral("%1-%2x.png").arg(QLatin1String(name)).arg(scale));
+      saveOnDesktop(file, drawn.picture(), scale);
+      std::printf("%s\n", qPrintable(file));
+    }
+  }
+
  private:
   QDir folder_;
 };
+
+std::shared_ptr<View> card(DrawnMachine& /*machine*/) {
+  return AccessibilityCardView::create([] {});
+}
+
+std::shared_ptr<View> page() {
+  return StatusPage::create({[] {}, [] {}, [] {}, [] {}});
+}
+
+std::shared_ptr<View> alert(const Alert& alert) {
+  return std::make_shared<AlertView>(alert, [](std::size_t) {});
+}
+
+void showWindows(Gallery& gallery) {
+  gallery.showPage("card-off", card, 1.0);
+  gallery.showPage("card-turning", card, 1.58);
+  gallery.showPage("card-on", card, 2.2);
+  gallery.showPage("page-armed", [](DrawnMachine&) { return page(); });
+  gallery.showPage("page-locked-in", [](DrawnMachine& desk) {
+    desk.machine.setWallClock("2026-11-16 23:05:00");
+    return page();
+  });
+  gallery.showPage("page-untrusted", [](DrawnMachine& desk) {
+    desk.machine.accessibility.setTrusted(false);
+    return page();
+  });
+  gallery.showPage("page-fresh", [](DrawnMachine& desk) {
+    desk.store(defaultsKey::onboardingComplete, {false});
+    return page();
+  });
+  gallery.showPage("alert-move", [](DrawnMachine&) {
+    return alert({AlertStyle::informational,
+                  "Move Dormel to Applications",
+                  "Dormel is running from a disk image. It needs to be in your Applications folder to work "
+                  "properly.\n\nAfter moving, you can eject the disk image.",
+                  {"Move to Applications", "Quit"}});
+  });
+  gallery.showPage("alert-recovery", [](DrawnMachine&) {
+    return alert({AlertStyle::warning,
+                  "Dormel is switched off",
+                  "Dormel was turned off in System Settings → Login Items & Extensions, so it will not lock at night. "
+                  "macOS only lets you flip that switch yourself.\n\nIn the list, find \"Dormel\" and turn it back on "
+                  "— you may need to scroll down. Then come back here, and Dormel re-arms itself.",
+                  {"Open Login Items", "Not Now"}});
+  });
+  gallery.showPage("alert-short", [](DrawnMachine&) {
+    return alert({AlertStyle::informational, "Dormel uninstalled", "Dormel has been removed from your Mac.", {"OK"}});
+  });
+  gallery.showPage("about", [](DrawnMachine&) { return std::make_shared<AboutView>(); });
+}
 
 }  // namespace
 
@@ -82,6 +166,8 @@ int main(int argc, char** argv) {
   QDir folder(argc > 1 ? QString::fromLocal8Bit(argv[1]) : QStringLiteral("gallery"));
   if (!folder.mkpath(QStringLiteral("."))) return 1;
   Gallery gallery(folder);
+
+  showWindows(gallery);
 
   const auto nothing = [](DrawnNight&) {};
   const auto holdFor = [](Seconds seconds) {

@@ -1,5 +1,11 @@
 #include "ui/qml/UiModule.h"
 
+#include <memory>
+
+#include "ui/qml/AboutBridge.h"
+#include "ui/qml/AlertBridge.h"
+#include "ui/qml/Mark.h"
+#include "ui/qml/Tone.h"
 #include "ui/qml/Typeface.h"
 
 // Generated beside this file. Naming it keeps the registration in a statically linked program.
@@ -9,7 +15,23 @@ namespace dormel {
 
 void loadUiModule() {
   [[maybe_unused]] static void (*volatile const keep)() = &qml_register_types_Dormel_Ui;
-  Typeface::load();
+  [[maybe_unused]] static const bool loaded = (Typeface::load(), true);
+}
+
+void registerUiScenes(QmlSceneRegistry& registry) {
+  registry.prepareWith(loadUiModule);
+  registry.add(ViewKind::alert, {QUrl(QStringLiteral("qrc:/qt/qml/Dormel/Ui/AlertDialog.qml")),
+                                 [](const std::shared_ptr<View>& view) -> std::unique_ptr<ViewBridge> {
+                                   return std::make_unique<AlertBridge>(std::static_pointer_cast<AlertView>(view));
+                                 },
+                                 Tone::raised()});
+  registry.add(ViewKind::aboutPanel, {QUrl(QStringLiteral("qrc:/qt/qml/Dormel/Ui/AboutPanel.qml")),
+                                      [](const std::shared_ptr<View>& view) -> std::unique_ptr<ViewBridge> {
+                                        return std::make_unique<AboutBridge>(std::static_pointer_cast<AboutView>(view));
+                                      },
+                                      Tone::background()});
+  registry.setWindowFrame(QUrl(QStringLiteral("qrc:/qt/qml/Dormel/Ui/WindowFrame.qml")));
+  registry.setIcon(AppTile::icon);
 }
 
 }  // namespace dormel

@@ -9,7 +9,9 @@
 namespace dormel {
 
 QmlCanvasFactory::QmlCanvasFactory(QmlSceneRegistry registry)
-    : stage_(std::make_shared<QmlStage>(std::move(registry))) {
+    : QmlCanvasFactory(std::make_shared<QmlStage>(std::move(registry))) {}
+
+QmlCanvasFactory::QmlCanvasFactory(std::shared_ptr<QmlStage> stage) : stage_(std::move(stage)) {
   const QString software = QStringLiteral("software");
   if (QQuickWindow::sceneGraphBackend() != software) QQuickWindow::setSceneGraphBackend(software);
 }

@@ -17,6 +17,8 @@ class QmlStage;
 class QmlCanvasFactory : public CanvasFactory {
  public:
   explicit QmlCanvasFactory(QmlSceneRegistry registry);
+  /// Shares the stage with windows of the toolkit's own.
+  explicit QmlCanvasFactory(std::shared_ptr<QmlStage> stage);
   ~QmlCanvasFactory() override;
 
   /// Costs next to nothing: the scene is loaded when the canvas is first asked for its size, or just before its

@@ -3,10 +3,12 @@
 #pragma once
 
 #include <QColor>
+#include <QIcon>
 #include <QUrl>
 #include <functional>
 #include <map>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "platform/View.h"
@@ -29,6 +31,15 @@ class QmlSceneRegistry {
   /// The scene of that kind; null when nobody registered one.
   [[nodiscard]] const QmlScene* find(ViewKind kind) const;
 
+  /// What a window that is no alert wears above its content: an Item of the window's size with a required property
+  /// `minimizable`, which takes the pointer only where its buttons are, and closes and minimises `Window.window`.
+  void setWindowFrame(QUrl source) { windowFrame_ = std::move(source); }
+  [[nodiscard]] const QUrl& windowFrame() const { return windowFrame_; }
+
+  /// The picture of the program in task switchers.
+  void setIcon(std::function<QIcon()> make) { makeIcon_ = std::move(make); }
+  [[nodiscard]] QIcon icon() const { return makeIcon_ ? makeIcon_() : QIcon(); }
+
   /// Has `step` run once, before the first scene is loaded: fonts, say.
   void prepareWith(std::function<void()> step) { preparations_.push_back(std::move(step)); }
   /// Runs the steps that have not run yet.
@@ -37,6 +48,8 @@ class QmlSceneRegistry {
  private:
   std::map<ViewKind, QmlScene> scenes_;
   std::vector<std::function<void()>> preparations_;
+  QUrl windowFrame_;
+  std::function<QIcon()> makeIcon_;
 };
 
 }  // namespace dormel

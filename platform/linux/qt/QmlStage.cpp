@@ -1,7 +1,6 @@
 #include "platform/linux/qt/QmlStage.h"
 
 #include <QQmlComponent>
-#include <QQuickItem>
 #include <QVariantMap>
 #include <utility>
 
@@ -21,35 +20,50 @@ void complain(const QString& reason) {
 
 QmlStage::QmlStage(QmlSceneRegistry registry) : registry_(std::move(registry)) {}
 
-std::unique_ptr<Picture> QmlStage::makePicture(const std::shared_ptr<View>& view,
-                                               const std::function<void()>& onChange) {
-  const QmlScene* scene = registry_.find(view->kind());
-  if (scene == nullptr) {
-    complain(QStringLiteral("no scene for this kind of view"));
-    return std::make_unique<PlainTextPicture>(nullptr, Qt::transparent, onChange);
-  }
-  registry_.prepare();
+QQmlEngine& QmlStage::engine() {
   if (!engine_) {
     engine_ = std::make_unique<QQmlEngine>();
     engine_->addImportPath(QStringLiteral("qrc:/qt/qml"));
   }
-  std::unique_ptr<ViewBridge> bridge = scene->makeBridge(view);
-  QQmlEngine::setObjectOwnership(bridge.get(), QQmlEngine::CppOwnership);
-  QQmlComponent component(engine_.get(), scene->source);
+  return *engine_;
+}
+
+std::unique_ptr<QQuickItem> QmlStage::create(const QUrl& source, const QVariantMap& properties) {
+  registry_.prepare();
+  QQmlComponent component(&engine(), source);
   std::unique_ptr<QObject> root;
-  if (!component.isError()) {
-    root.reset(
-        component.createWithInitialProperties({{QStringLiteral("view"), QVariant::fromValue<QObject*>(bridge.get())}}));
-  }
+  if (!component.isError()) root.reset(component.createWithInitialProperties(properties));
   // A scene that did not take its view is an object and an error at once.
   if (component.isError() || qobject_cast<QQuickItem*>(root.get()) == nullptr) {
     complain(component.isError() ? component.errors().constFirst().toString()
-                                 : scene->source.toString() + QStringLiteral(" is not an item"));
-    root.reset();
-    return std::make_unique<PlainTextPicture>(std::move(bridge), scene->background, onChange);
+                                 : source.toString() + QStringLiteral(" is not an item"));
+    return nullptr;
   }
-  std::unique_ptr<QQuickItem> item(qobject_cast<QQuickItem*>(root.release()));
-  return std::make_unique<QmlPicture>(std::move(bridge), std::move(item), scene->background, onChange);
+  return std::unique_ptr<QQuickItem>(qobject_cast<QQuickItem*>(root.release()));
+}
+
+LoadedScene QmlStage::load(const std::shared_ptr<View>& view) {
+  const QmlScene* scene = registry_.find(view->kind());
+  if (scene == nullptr) {
+    complain(QStringLiteral("no scene for this kind of view"));
+    return {};
+  }
+  LoadedScene loaded{scene->makeBridge(view), nullptr, scene->background};
+  QQmlEngine::setObjectOwnership(loaded.bridge.get(), QQmlEngine::CppOwnership);
+  loaded.root = create(scene->source, {{QStringLiteral("view"), QVariant::fromValue<QObject*>(loaded.bridge.get())}});
+  return loaded;
+}
+
+std::unique_ptr<Picture> QmlStage::makePicture(const std::shared_ptr<View>& view,
+                                               const std::function<void()>& onChange) {
+  LoadedScene scene = load(view);
+  if (!scene.root) return std::make_unique<PlainTextPicture>(std::move(scene.bridge), scene.background, onChange);
+  return std::make_unique<QmlPicture>(std::move(scene.bridge), std::move(scene.root), scene.background, onChange);
+}
+
+std::unique_ptr<QQuickItem> QmlStage::makeWindowFrame(bool minimizable) {
+  if (registry_.windowFrame().isEmpty()) return nullptr;
+  return create(registry_.windowFrame(), {{QStringLiteral("minimizable"), minimizable}});
 }
 
 }  // namespace dormel

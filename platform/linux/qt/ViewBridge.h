@@ -15,6 +15,9 @@ class ViewBridge : public QObject {
   Q_PROPERTY(double pixelRatio READ pixelRatio NOTIFY pixelRatioChanged)
 
  public:
+  ViewBridge() = default;
+  ~ViewBridge() override = default;
+
   [[nodiscard]] bool showing() const { return showing_; }
   void setShowing(bool showing);
   [[nodiscard]] double pixelRatio() const { return pixelRatio_; }

@@ -105,10 +105,12 @@ void Connection::sync() {
 
 std::vector<xcb_atom_t> Connection::atoms(const std::vector<std::string>& names) {
   std::vector<xcb_intern_atom_cookie_t> cookies;
+  cookies.reserve(names.size());
   for (const std::string& name : names) {
     cookies.push_back(xcb_intern_atom(xcb_, 0, static_cast<std::uint16_t>(name.size()), name.data()));
   }
   std::vector<xcb_atom_t> atoms;
+  atoms.reserve(names.size());
   for (const auto& cookie : cookies) {
     const auto reply = owned(xcb_intern_atom_reply(xcb_, cookie, nullptr));
     atoms.push_back(reply ? reply->atom : static_cast<xcb_atom_t>(XCB_ATOM_NONE));

@@ -9,8 +9,8 @@
 namespace dormel::x11 {
 namespace {
 
-constexpr std::size_t REQUEST_HEADER = 64;            // generous
-constexpr std::size_t BAND_BYTES = 4U * 1024 * 1024;  // the server serves others in between
+constexpr std::size_t REQUEST_HEADER = 64;                        // generous
+constexpr std::size_t BAND_BYTES = std::size_t{4} * 1024 * 1024;  // the server serves others in between
 
 }  // namespace
 

@@ -2,7 +2,6 @@
 
 #include <xcb/xinput.h>
 
-#include <QTimer>
 #include <utility>
 
 #include "platform/linux/x11/Reply.h"
@@ -15,7 +14,10 @@ Lockdown::Lockdown(std::shared_ptr<Connection> connection, const ServerFeatures&
       pointer_(connection_),
       features_(features),
       marker_(connection_->newId()),
-      selection_(connection_->atom("_DORMEL_LOCKDOWN")) {
+      selection_(connection_->atom("_DORMEL_LOCKDOWN")),
+      check_([this] {
+        if (isOn_) keys_.disarm();
+      }) {
   xcb_create_window(*connection_, XCB_COPY_FROM_PARENT, marker_, connection_->root(), -2, -2, 1, 1, 0,
                     XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
   // The selection is owned while a lockdown is on, and dies with its owner.
@@ -55,12 +57,8 @@ void Lockdown::set(bool on) {
 }
 
 void Lockdown::handle(const xcb_generic_event_t& event) {
-  if (!keys_.concerns(event) || std::exchange(checkPending_, true)) return;
   // A change comes as a burst, and our own is among them: look once, after it.
-  QTimer::singleShot(0, &context_, [this] {
-    checkPending_ = false;
-    if (isOn_) keys_.disarm();
-  });
+  if (keys_.concerns(event)) check_.ask();
 }
 
 void Lockdown::giveBackKeys(const std::string& display) {

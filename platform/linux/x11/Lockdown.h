@@ -2,11 +2,11 @@
 // pointer is ours. The desktop's shortcuts die with the keyboard grab of the event tap. Main thread only.
 #pragma once
 
-#include <QObject>
 #include <memory>
 #include <string>
 
 #include "platform/linux/x11/KeyActions.h"
+#include "platform/linux/x11/Later.h"
 #include "platform/linux/x11/PointerGrab.h"
 
 namespace dormel::x11 {
@@ -37,9 +37,8 @@ class Lockdown {
   xcb_window_t marker_;
   xcb_atom_t selection_;
   bool isOn_ = false;
-  bool checkPending_ = false;
   Subscription subscription_;
-  QObject context_;
+  Later check_;
 };
 
 }  // namespace dormel::x11

@@ -3,7 +3,6 @@
 #include <unistd.h>
 #include <xcb/shape.h>
 
-#include <QTimer>
 #include <algorithm>
 #include <array>
 #include <cstring>
@@ -15,6 +14,7 @@ namespace {
 
 constexpr std::uint8_t MAIN_BUTTON = 1;
 constexpr KeyTracker::Source WINDOW_KEYS = 1;
+constexpr int PUT_BACK_LATER_MILLISECONDS = 100;
 
 }  // namespace
 
@@ -30,7 +30,14 @@ Panel::Panel(std::shared_ptr<PanelEnvironment> environment, const WindowStyle& s
       style_(style),
       area_(env_->screens->space().toPixels(contentRect)),
       surface_(*env_, style.background),
-      putBackBudget_(env_->clock, 20, 1.0) {}
+      putBackBudget_(env_->clock, 20, 1.0),
+      showContentLater_([this] { showContent(); }),
+      layOutLater_([this] { layOutContent(); }),
+      putBackLater_(
+          [this] {
+            if (isVisible_) putBack();
+          },
+          PUT_BACK_LATER_MILLISECONDS) {}
 
 Panel::~Panel() {
   orderOut();
@@ -121,7 +128,7 @@ void Panel::setContent(std::shared_ptr<View> view) {
   surface_.clearContent();
   laidOut_ = {};
   view_ = std::move(view);
-  if (isVisible_) scheduleShowContent();
+  if (isVisible_) showContentLater_.ask();
 }
 
 Canvas* Panel::canvas() const {
@@ -146,14 +153,6 @@ void Panel::layOutContent() {
   canvas_->resize(size, scale);
 }
 
-void Panel::scheduleShowContent() {
-  if (std::exchange(contentPending_, true)) return;
-  QTimer::singleShot(0, &context_, [this] {
-    contentPending_ = false;
-    showContent();
-  });
-}
-
 void Panel::showContent() {
   if (!isVisible_ || canvas() == nullptr) return;
   layOutContent();
@@ -166,7 +165,7 @@ void Panel::onFrame(const Pixels& pixels, const PixelRect& changed) {
   env_->connection->flush();
   // The content may have come to want another size; it is not asked to change while it is drawing.
   if (isBlack() && canvas_ && canvas_->fittingSize() != fitting_) {
-    QTimer::singleShot(0, &context_, [this] { layOutContent(); });
+    layOutLater_.ask();
   }
 }
 
@@ -203,7 +202,7 @@ void Panel::orderFront() {
   xcb_map_window(*env_->connection, window_);
   surface_.finishMap();
   isVisible_ = true;
-  scheduleShowContent();
+  showContentLater_.ask();
 }
 
 void Panel::orderOut() {
@@ -241,33 +240,37 @@ void Panel::handle(const xcb_generic_event_t& event) {
       if (!drag_) tellCanvas(PointerAction::leave, 0, 0);
       break;
     case XCB_UNMAP_NOTIFY:
-      if (isVisible_) revive();
+      if (isVisible_) putBack();
       break;
-    case XCB_CONFIGURE_NOTIFY:
-      putBack(reinterpret_cast<const xcb_configure_notify_event_t&>(event));
+    case XCB_CONFIGURE_NOTIFY: {
+      const auto& e = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
+      if (isVisible_ && !drag_ && PixelRect{e.x, e.y, e.width, e.height} != area_) putBack();
       break;
+    }
     case XCB_DESTROY_NOTIFY:
       env_->panels.erase(window_);
       env_->stacking.remove(window_);
+      env_->focus.resign(window_);
       makeWindow();
-      if (isVisible_) revive();
+      if (isVisible_) putBack();
       break;
     default:
       break;
   }
 }
 
-void Panel::revive() {
-  if (!putBackBudget_.spend()) return;
+void Panel::putBack() {
+  if (!putBackBudget_.spend()) {
+    putBackLater_.ask();
+    return;
+  }
+  moveTo(area_);
   surface_.prepareMap();
   env_->stacking.raise(window_, style_.level);
   xcb_map_window(*env_->connection, window_);
   surface_.finishMap();
-}
-
-void Panel::putBack(const xcb_configure_notify_event_t& event) {
-  const PixelRect actual{event.x, event.y, event.width, event.height};
-  if (actual != area_ && isVisible_ && !drag_ && putBackBudget_.spend()) moveTo(area_);
+  if (style_.canBecomeKey) env_->focus.makeKey(window_);
+  env_->connection->flush();
 }
 
 void Panel::onKey(const xcb_key_press_event_t& event, bool isPress) {

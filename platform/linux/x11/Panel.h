@@ -2,11 +2,11 @@
 // takes it down; if another program unmaps, moves or destroys it, it comes back. Main thread only.
 #pragma once
 
-#include <QObject>
 #include <memory>
 #include <optional>
 
 #include "platform/linux/x11/AlphaAnimator.h"
+#include "platform/linux/x11/Later.h"
 #include "platform/linux/x11/PanelEnvironment.h"
 #include "platform/linux/x11/PanelSurface.h"
 
@@ -52,15 +52,14 @@ class Panel final : public FadingWindow, public std::enable_shared_from_this<Pan
   void showContent();
   Canvas* canvas() const;
   void layOutContent();
-  void scheduleShowContent();
   void onFrame(const Pixels& pixels, const PixelRect& changed);
   void onKey(const xcb_key_press_event_t& event, bool isPress);
   void onButton(const xcb_button_press_event_t& event, bool isPress);
   void onMotion(const xcb_motion_notify_event_t& event);
   bool tellCanvas(PointerAction action, int x, int y);
   void moveTo(const PixelRect& area);
-  void putBack(const xcb_configure_notify_event_t& event);
-  void revive();
+  /// Undoes what another program did to the visible window, as often as the budget allows.
+  void putBack();
   [[nodiscard]] bool isBlack() const { return style_.background == WindowBackground::black; }
 
   std::shared_ptr<PanelEnvironment> env_;
@@ -74,11 +73,12 @@ class Panel final : public FadingWindow, public std::enable_shared_from_this<Pan
   Size laidOut_;
   double laidOutScale_ = 0;
   bool isVisible_ = false;
-  bool contentPending_ = false;
   std::optional<Drag> drag_;
   RateBudget putBackBudget_;
   std::function<void(const KeyEvent&)> keyHandler_;
-  QObject context_;
+  Later showContentLater_;
+  Later layOutLater_;
+  Later putBackLater_;
 };
 
 }  // namespace dormel::x11

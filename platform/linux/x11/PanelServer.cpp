@@ -21,7 +21,7 @@ class MonitorRegistration : public Registration {
 
 }  // namespace
 
-PanelServer::PanelServer(std::shared_ptr<Connection> connection, const ServerFeatures& features,
+PanelServer::PanelServer(const std::shared_ptr<Connection>& connection, const ServerFeatures& features,
                          std::shared_ptr<ScreensX11> screens, CanvasFactory& canvases, const Clock& clock)
     : env_(connection ? std::make_shared<PanelEnvironment>(connection, features, std::move(screens), canvases, clock)
                       : nullptr),

@@ -12,7 +12,7 @@ namespace dormel::x11 {
 class PanelServer : public WindowServer {
  public:
   /// `canvases` and `clock` outlive it and every window made here.
-  PanelServer(std::shared_ptr<Connection> connection, const ServerFeatures& features,
+  PanelServer(const std::shared_ptr<Connection>& connection, const ServerFeatures& features,
               std::shared_ptr<ScreensX11> screens, CanvasFactory& canvases, const Clock& clock);
 
   [[nodiscard]] std::shared_ptr<Window> makeWindow(const WindowStyle& style, const Rect& contentRect) override;
@@ -20,6 +20,11 @@ class PanelServer : public WindowServer {
                     TimingCurve curve, Task completion) override;
   [[nodiscard]] std::unique_ptr<Registration> addLocalKeyDownMonitor(
       std::function<bool(const KeyEvent&)> monitor) override;
+
+  /// Shows the monitors a key-down that reached a window of this application that is no panel; true when one
+  /// swallows it.
+  [[nodiscard]] bool isSwallowed(const KeyEvent& event) { return env_ && env_->isSwallowed(event); }
+  [[nodiscard]] bool isCompositing() const { return env_ && env_->compositor.isRunning(); }
 
  private:
   std::shared_ptr<PanelEnvironment> env_;  ///< null without a display

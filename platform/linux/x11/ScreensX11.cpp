@@ -2,7 +2,6 @@
 
 #include <xcb/randr.h>
 
-#include <QTimer>
 #include <utility>
 
 #include "platform/linux/x11/DisplayScale.h"
@@ -11,7 +10,7 @@
 namespace dormel::x11 {
 
 ScreensX11::ScreensX11(std::shared_ptr<Connection> connection, const ServerFeatures& features)
-    : connection_(std::move(connection)), features_(features) {
+    : connection_(std::move(connection)), features_(features), announcement_([this] { announce(); }) {
   if (!connection_) return;
   if (features_.randr >= 2) {
     xcb_randr_select_input(
@@ -26,20 +25,15 @@ void ScreensX11::handle(const xcb_generic_event_t& event) {
   const int type = event.response_type & 0x7f;
   if (type == features_.randrEvent + XCB_RANDR_SCREEN_CHANGE_NOTIFY ||
       type == features_.randrEvent + XCB_RANDR_NOTIFY) {
-    invalidate();
+    isStale_ = true;
+    announcement_.ask();  // one configuration comes as a burst of events; what has arrived by then is one notice
   }
 }
 
-void ScreensX11::invalidate() {
-  isStale_ = true;
-  if (std::exchange(noticePending_, true)) return;
-  // One configuration comes as a burst of events; what has arrived by now is one notice.
-  QTimer::singleShot(0, &context_, [this] {
-    noticePending_ = false;
-    if (desk() == announced_) return;
-    announced_ = desk_;
-    if (onChange_) onChange_();
-  });
+void ScreensX11::announce() {
+  if (desk() == announced_) return;
+  announced_ = desk_;
+  if (onChange_) onChange_();
 }
 
 const ScreensX11::Desk& ScreensX11::desk() const {

@@ -1,13 +1,13 @@
 // The screens of the X server, in points, and the notice that they changed.
 #pragma once
 
-#include <QObject>
 #include <optional>
 #include <vector>
 
 #include "platform/Windows.h"
 #include "platform/linux/x11/Connection.h"
 #include "platform/linux/x11/CoordinateSpace.h"
+#include "platform/linux/x11/Later.h"
 #include "platform/linux/x11/Monitors.h"
 #include "platform/linux/x11/ServerFeatures.h"
 
@@ -38,7 +38,7 @@ class ScreensX11 : public Screens {
   };
 
   void handle(const xcb_generic_event_t& event);
-  void invalidate();
+  void announce();
   const Desk& desk() const;
   [[nodiscard]] Screen screen(const Monitor& monitor, const std::optional<PixelRect>& workArea) const;
   [[nodiscard]] std::optional<PixelRect> workArea() const;
@@ -48,10 +48,9 @@ class ScreensX11 : public Screens {
   mutable Desk desk_;
   mutable bool isStale_ = true;
   Desk announced_;
-  bool noticePending_ = false;
   Task onChange_;
   Subscription subscription_;
-  QObject context_;
+  Later announcement_;
 };
 
 }  // namespace dormel::x11

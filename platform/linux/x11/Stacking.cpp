@@ -14,13 +14,13 @@ constexpr int LATER_MILLISECONDS = 100;
 }  // namespace
 
 Stacking::Stacking(std::shared_ptr<Connection> connection, const Clock& clock)
-    : connection_(std::move(connection)), screenSaverBudget_(clock, 50, 1.0), floatingBudget_(clock, 4, 2.0) {
+    : connection_(std::move(connection)),
+      screenSaverBudget_(clock, 50, 1.0),
+      floatingBudget_(clock, 4, 2.0),
+      later_([this] { check(); }, LATER_MILLISECONDS) {
   const std::uint32_t mask = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
   xcb_change_window_attributes(*connection_, connection_->root(), XCB_CW_EVENT_MASK, &mask);
   subscription_ = connection_->subscribe([this](const xcb_generic_event_t& event) { handle(event); });
-  later_.setSingleShot(true);
-  later_.setInterval(LATER_MILLISECONDS);
-  QObject::connect(&later_, &QTimer::timeout, [this] { check(); });
 }
 
 bool Stacking::isOurs(xcb_window_t window) const {
@@ -129,7 +129,7 @@ void Stacking::check() {
       postponed = true;
     }
   }
-  if (postponed && !later_.isActive()) later_.start();
+  if (postponed) later_.ask();
   connection_->flush();
 }
 

@@ -4,12 +4,12 @@
 // Main thread only.
 #pragma once
 
-#include <QTimer>
 #include <memory>
 #include <vector>
 
 #include "platform/Windows.h"
 #include "platform/linux/x11/Connection.h"
+#include "platform/linux/x11/Later.h"
 #include "platform/linux/x11/RateBudget.h"
 
 namespace dormel::x11 {
@@ -44,7 +44,7 @@ class Stacking {
   std::vector<Kept> kept_;  ///< from bottom to top, as they should be
   RateBudget screenSaverBudget_;
   RateBudget floatingBudget_;
-  QTimer later_;
+  Later later_;
   Subscription subscription_;
 };
 

@@ -2,8 +2,11 @@
 
 #include <chrono>
 #include <future>
+#include <limits>
 #include <thread>
 #include <utility>
+
+#include "platform/linux/x11/KeyCodes.h"
 
 namespace dormel::x11 {
 namespace {
@@ -22,6 +25,7 @@ X11Platform::X11Platform(CanvasFactory& canvases, const Clock& clock, const std:
       inputIdle_(connection_, features_),
       layout_(connection_, features_),
       windows_(connection_, features_, screens_, canvases, clock),
+      managedWindows_(connection_),
       lockdown_(connection_ ? std::make_unique<Lockdown>(connection_, features_) : nullptr),
       display_(display) {
   if (connection_) connection_->startPumping();
@@ -36,6 +40,12 @@ void X11Platform::setOnServerLost(Task onLost) {
 }
 
 void X11Platform::setOnScreensChanged(Task onChange) { screens_->setOnChange(std::move(onChange)); }
+
+bool X11Platform::isKeyDownSwallowed(unsigned keycode) {
+  if (keycode > std::numeric_limits<xcb_keycode_t>::max()) return false;
+  const KeyCode key = virtualKeyCode(static_cast<xcb_keycode_t>(keycode));
+  return windows_.isSwallowed({isModifierKey(key) ? EventType::flagsChanged : EventType::keyDown, key, 0});
+}
 
 void X11Platform::setLockdown(bool on) {
   if (!lockdown_) return;

@@ -11,6 +11,7 @@
 #include "platform/linux/x11/IdleX11.h"
 #include "platform/linux/x11/LayoutX11.h"
 #include "platform/linux/x11/Lockdown.h"
+#include "platform/linux/x11/ManagedWindows.h"
 #include "platform/linux/x11/PanelServer.h"
 #include "platform/linux/x11/ScreensX11.h"
 
@@ -38,6 +39,12 @@ class X11Platform {
   [[nodiscard]] Screens& screens() { return *screens_; }
   [[nodiscard]] WindowServer& windows() { return windows_; }
 
+  /// Whether a local monitor swallows the press of this key, by its X key code, in a window of the toolkit's own.
+  [[nodiscard]] bool isKeyDownSwallowed(unsigned keycode);
+  /// Whether windows may be translucent.
+  [[nodiscard]] bool isCompositing() const { return windows_.isCompositing(); }
+  [[nodiscard]] ManagedWindows& managedWindows() { return managedWindows_; }
+
   /// On for any presentation options, off for none.
   void setLockdown(bool on);
   /// Gives back what must not be left behind by a process that ends without coming back to the main loop; to be
@@ -54,6 +61,7 @@ class X11Platform {
   IdleX11 inputIdle_;
   LayoutX11 layout_;
   PanelServer windows_;
+  ManagedWindows managedWindows_;
   std::unique_ptr<Lockdown> lockdown_;
   std::atomic<bool> isLockedDown_ = false;
   const std::string display_;

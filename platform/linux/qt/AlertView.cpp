@@ -1,0 +1,14 @@
+#include "platform/linux/qt/AlertView.h"
+
+namespace dormel {
+
+std::optional<std::size_t> AlertView::cancelButton() const {
+  for (std::size_t i = 0; i < alert_.buttons.size(); ++i) {
+    for (const char* cancelling : {"Cancel", "Quit", "Not Now"}) {
+      if (alert_.buttons[i] == cancelling) return i;
+    }
+  }
+  return std::nullopt;
+}
+
+}  // namespace dormel

@@ -1,0 +1,143 @@
+#include "platform/linux/qt/DesktopWindow.h"
+
+#include <QCoreApplication>
+#include <QCursor>
+#include <QGuiApplication>
+#include <QMouseEvent>
+#include <QScreen>
+#include <QStyleHints>
+#include <QSurfaceFormat>
+#include <cmath>
+#include <utility>
+
+namespace dormel {
+
+DesktopWindow::DesktopWindow(std::shared_ptr<WindowGroup> group, const std::shared_ptr<View>& view,
+                             Qt::WindowFlags flags)
+    : group_(std::move(group)), isRounded_(group_->help().canBlend && group_->help().canBlend()) {
+  setFlags(flags | Qt::FramelessWindowHint);
+  if (isRounded_) {
+    QSurfaceFormat format = this->format();
+    format.setAlphaBufferSize(8);
+    setFormat(format);
+  }
+  scene_ = group_->stage().load(view);
+  setColor(isRounded_ ? QColor(Qt::transparent) : scene_.background);
+  if (scene_.root) scene_.root->setParentItem(contentItem());
+  connect(this, &QWindow::visibilityChanged, this, [this] { tellShowing(); });
+  connect(this, &QWindow::screenChanged, this, [this] { tellShowing(); });
+}
+
+DesktopWindow::~DesktopWindow() = default;
+
+void DesktopWindow::tellShowing() {
+  if (!scene_.bridge) return;
+  scene_.bridge->setPixelRatio(effectiveDevicePixelRatio());
+  scene_.bridge->setShowing(visibility() != QWindow::Hidden && visibility() != QWindow::Minimized);
+}
+
+void DesktopWindow::fixSize(std::optional<Size> size) {
+  if (!size && scene_.root) {
+    scene_.root->ensurePolished();
+    size = {scene_.root->implicitWidth(), scene_.root->implicitHeight()};
+  }
+  if (!size) return;
+  const QSize whole(static_cast<int>(std::ceil(size->width)), static_cast<int>(std::ceil(size->height)));
+  if (scene_.root) scene_.root->setSize(whole);
+  if (frame_) frame_->setSize(whole);
+  resize(whole);
+  setMinimumSize(whole);
+  setMaximumSize(whole);
+}
+
+void DesktopWindow::wearFrame(bool minimizable) {
+  frame_ = group_->stage().makeWindowFrame(minimizable);
+  if (!frame_) return;
+  frame_->setParentItem(contentItem());
+  frame_->setZ(1);
+  frame_->setSize(size());
+}
+
+void DesktopWindow::centre(const QWindow* over) {
+  QScreen* at = QGuiApplication::screenAt(QCursor::pos());
+  if (at == nullptr) at = QGuiApplication::primaryScreen();
+  if (over == nullptr && at == nullptr) return;
+  const QRect area = over != nullptr ? over->geometry() : at->availableGeometry();
+  setPosition(area.x() + (area.width() - width()) / 2, area.y() + (area.height() - height()) / 2);
+}
+
+void DesktopWindow::bringToFront() {
+  if (windowStates() & Qt::WindowMinimized) {
+    showNormal();
+  } else {
+    show();
+  }
+  raise();
+  requestActivate();
+  if (group_->help().activate) group_->help().activate(winId());
+}
+
+void DesktopWindow::dismiss() {
+  onCloseRequest_ = {};
+  hide();
+  deleteLater();
+}
+
+void DesktopWindow::requestClose() {
+  // Not from inside the event: the answer may be to end the process, or this window.
+  QMetaObject::invokeMethod(
+      this,
+      [this] {
+        const Task request = onCloseRequest_;
+        if (request) request();
+      },
+      Qt::QueuedConnection);
+}
+
+bool DesktopWindow::event(QEvent* event) {
+  switch (event->type()) {
+    case QEvent::Close:
+      event->ignore();
+      requestClose();
+      return true;
+    case QEvent::KeyPress:
+      if (group_->takes(*static_cast<QKeyEvent*>(event))) {
+        event->accept();
+        return true;
+      }
+      break;
+    default:
+      break;
+  }
+  return QQuickWindow::event(event);
+}
+
+void DesktopWindow::mousePressEvent(QMouseEvent* event) {
+  QQuickWindow::mousePressEvent(event);
+  drag_.reset();
+  if (event->button() == Qt::LeftButton && mouseGrabberItem() == nullptr) {
+    drag_ = Drag{event->globalPosition().toPoint(), position()};
+  }
+}
+
+void DesktopWindow::mouseMoveEvent(QMouseEvent* event) {
+  QQuickWindow::mouseMoveEvent(event);
+  if (!drag_ || !(event->buttons() & Qt::LeftButton)) return;
+  const QPoint way = event->globalPosition().toPoint() - drag_->pointer;
+  if (!drag_->byUs) {
+    if (way.manhattanLength() < QGuiApplication::styleHints()->startDragDistance()) return;
+    if (startSystemMove()) {
+      drag_.reset();  // the desktop has the pointer now
+      return;
+    }
+    drag_->byUs = true;
+  }
+  setPosition(drag_->window + way);
+}
+
+void DesktopWindow::mouseReleaseEvent(QMouseEvent* event) {
+  drag_.reset();
+  QQuickWindow::mouseReleaseEvent(event);
+}
+
+}  // namespace dormel

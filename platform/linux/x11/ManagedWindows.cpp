@@ -1,0 +1,73 @@
+#include "platform/linux/x11/ManagedWindows.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace dormel::x11 {
+namespace {
+
+constexpr std::uint32_t SOURCE_PAGER = 2;
+constexpr std::uint32_t ICONIC_STATE = 3;
+
+}  // namespace
+
+void ManagedWindows::send(xcb_window_t window, xcb_atom_t type, const std::vector<std::uint32_t>& data) {
+  xcb_client_message_event_t message{};
+  message.response_type = XCB_CLIENT_MESSAGE;
+  message.format = 32;
+  message.window = window;
+  message.type = type;
+  std::copy(data.begin(), data.end(), std::begin(message.data.data32));
+  xcb_send_event(*connection_, 0, connection_->root(),
+                 XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+                 reinterpret_cast<const char*>(&message));
+}
+
+std::vector<std::uint32_t> ManagedWindows::clients() {
+  return connection_->property32(connection_->root(), connection_->atom("_NET_CLIENT_LIST"));
+}
+
+void ManagedWindows::activate(xcb_window_t window) {
+  if (!connection_) return;
+  send(window, connection_->atom("_NET_ACTIVE_WINDOW"), {SOURCE_PAGER, XCB_CURRENT_TIME, XCB_NONE});
+  connection_->flush();
+}
+
+bool ManagedWindows::canHideOthers() {
+  return connection_ &&
+         !connection_->property32(connection_->root(), connection_->atom("_NET_SUPPORTING_WM_CHECK")).empty();
+}
+
+void ManagedWindows::hideOthers() {
+  if (!connection_) return;
+  const auto atoms =
+      connection_->atoms({"_NET_WM_PID", "_NET_WM_STATE", "_NET_WM_STATE_HIDDEN", "WM_CHANGE_STATE",
+                          "_NET_WM_WINDOW_TYPE", "_NET_WM_WINDOW_TYPE_DESKTOP", "_NET_WM_WINDOW_TYPE_DOCK"});
+  for (const xcb_window_t window : clients()) {
+    const auto has = [&](xcb_atom_t property, std::uint32_t value) {
+      const auto values = connection_->property32(window, property);
+      return std::find(values.begin(), values.end(), value) != values.end();
+    };
+    if (has(atoms[0], static_cast<std::uint32_t>(::getpid())) || has(atoms[1], atoms[2]) || has(atoms[4], atoms[5]) ||
+        has(atoms[4], atoms[6])) {
+      continue;
+    }
+    send(window, atoms[3], {ICONIC_STATE});
+    hidden_.push_back(window);
+  }
+  connection_->flush();
+}
+
+void ManagedWindows::showOthers() {
+  if (!connection_) return;
+  const auto present = clients();
+  // Asking a minimised window's manager to map it is how one un-minimises it.
+  for (const xcb_window_t window : std::exchange(hidden_, {})) {
+    if (std::find(present.begin(), present.end(), window) != present.end()) xcb_map_window(*connection_, window);
+  }
+  connection_->flush();
+}
+
+}  // namespace dormel::x11

@@ -1,0 +1,124 @@
+// The floating card of a night without the permission to take the keyboard.
+import QtQuick
+import Dormel.Settings
+import Dormel.Ui
+
+Item {
+    id: root
+
+    required property AccessibilityCardBridge view
+
+    readonly property real padding: 20
+
+    implicitWidth: 440
+    implicitHeight: content.height + 2 * padding
+
+    Accessible.role: Accessible.Pane
+    Accessible.name: title.text
+
+    CardBackdrop {
+        anchors.fill: parent
+        radius: 18
+    }
+
+    Column {
+        id: content
+        x: root.padding
+        y: Math.round((root.height - height) / 2)
+        width: root.width - 2 * root.padding
+
+        Item {
+            width: parent.width
+            height: 20
+
+            Mark {
+                id: mark
+                width: 20
+                height: 20
+                color: Qt.rgba(1, 1, 1, 0.9)
+            }
+            Text {
+                id: title
+                anchors.left: mark.right
+                anchors.leftMargin: 10
+                anchors.right: parent.right
+                anchors.verticalCenter: parent.verticalCenter
+                text: "Dormel Requires Accessibility"
+                // One line, at worst at 85 %.
+                fontSizeMode: Text.HorizontalFit
+                minimumPixelSize: 13
+                elide: Text.ElideRight
+                font: Typeface.at(15, Font.DemiBold)
+                color: "white"
+            }
+        }
+        Gap { size: 12 }
+        Text {
+            width: parent.width
+            text: "Your permissions got accidentally reset. Enable Accessibility in System Settings so Dormel can function properly."
+            wrapMode: Text.Wrap
+            lineHeight: 1.2
+            font: Typeface.at(13, Font.Normal)
+            color: Qt.rgba(1, 1, 1, 0.6)
+        }
+        Gap { size: 14 }
+        Text {
+            width: parent.width
+            text: "You may need to toggle it off and on again:"
+            wrapMode: Text.Wrap
+            font: Typeface.at(12, Font.Medium)
+            color: Qt.rgba(1, 1, 1, 0.45)
+        }
+        Gap { size: 8 }
+        Rectangle {
+            width: parent.width
+            height: 40
+            radius: 10
+            color: Qt.rgba(1, 1, 1, 0.06)
+
+            AppTile {
+                id: tile
+                anchors.left: parent.left
+                anchors.leftMargin: 12
+                anchors.verticalCenter: parent.verticalCenter
+                width: 20
+                height: 20
+            }
+            Text {
+                anchors.left: tile.right
+                anchors.leftMargin: 10
+                anchors.verticalCenter: parent.verticalCenter
+                text: "Dormel.app"
+                font: Typeface.at(12, Font.Normal)
+                color: Qt.rgba(1, 1, 1, 0.85)
+            }
+            MiniSwitch {
+                anchors.right: parent.right
+                anchors.rightMargin: 12
+                anchors.verticalCenter: parent.verticalCenter
+                on: root.view.toggleOn
+            }
+        }
+        Gap { size: 16 }
+        PushButton {
+            width: parent.width
+            height: labelHeight + 2 * 9
+            text: "Open Accessibility Settings"
+            prominent: true
+            onClicked: root.view.openSettings()
+        }
+        Gap { size: 12 }
+        Text {
+            anchors.horizontalCenter: parent.horizontalCenter
+            text: "Dormel will start when enabled."
+            font: Typeface.at(11, Font.Normal)
+            color: Qt.rgba(1, 1, 1, 0.35)
+        }
+    }
+
+    component Gap: Item {
+        required property real size
+        width: 1
+        height: size
+    }
+}

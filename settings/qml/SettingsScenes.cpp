@@ -1,0 +1,35 @@
+#include "settings/qml/SettingsScenes.h"
+
+#include <memory>
+
+#include "settings/qml/AccessibilityCardBridge.h"
+#include "settings/qml/StatusPageBridge.h"
+#include "ui/qml/Tone.h"
+#include "ui/qml/UiModule.h"
+
+// Generated beside this file. Naming it keeps the registration in a statically linked program.
+void qml_register_types_Dormel_Settings();
+
+namespace dormel {
+namespace {
+
+template <typename Bridge, typename ConcreteView>
+QmlScene scene(const char* name, const QColor& background) {
+  return {QUrl(QStringLiteral("qrc:/qt/qml/Dormel/Settings/%1.qml").arg(QLatin1String(name))),
+          [](const std::shared_ptr<View>& view) -> std::unique_ptr<ViewBridge> {
+            return std::make_unique<Bridge>(std::static_pointer_cast<ConcreteView>(view));
+          },
+          background};
+}
+
+}  // namespace
+
+void registerSettingsScenes(QmlSceneRegistry& registry) {
+  [[maybe_unused]] static void (*volatile const keep)() = &qml_register_types_Dormel_Settings;
+  registry.prepareWith(loadUiModule);
+  registry.add(ViewKind::accessibilityCard,
+               scene<AccessibilityCardBridge, AccessibilityCardView>("AccessibilityCard", Qt::transparent));
+  registry.add(ViewKind::statusPage, scene<StatusPageBridge, StatusPage>("StatusPage", Tone::background()));
+}
+
+}  // namespace dormel

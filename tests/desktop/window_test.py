@@ -1,0 +1,115 @@
+"""The program as the user opens it: one window, operated by mouse and keyboard, and the rehearsals behind its buttons."""
+
+import time
+import unittest
+
+from case import ESCAPE, RETURN, TAB, DesktopCase, evdev_of_label, until
+
+LEFT_CTRL, Q, W, M = 29, 16, 17, 50
+
+# Places in the window, from its top left corner.
+CLOSE = (438, 22)
+MINIMIZE = (406, 22)
+HEADER = (60, 80)
+
+
+class WindowTest(DesktopCase):
+    def open(self, **options):
+        desk = self.desk(windows="openbox", **options)
+        hour = time.localtime().tm_hour
+        desk.home.change_settings(onboardingComplete=True, blockStartHour=(hour + 6) % 24,
+                                  blockEndHour=(hour + 9) % 24, debugLoggingEnabled=True)
+        begun = self.clock()
+        process = self.start(desk)
+        window = self.window_of(desk, process)
+        self.saw(f"window after {1000 * (self.clock() - begun):.0f} ms")
+        until("it has the focus", lambda: desk.clients.active() == window.id, 5)
+        return desk, process, window
+
+    @staticmethod
+    def window_of(desk, process, title="Dormel"):
+        return until(f"the window {title!r}",
+                     lambda: next((c for c in desk.clients.of(process.pid) if c.title == title), None), 10)
+
+    @staticmethod
+    def chord(desk, *keys):
+        desk.keyboard.press(*keys)
+        desk.keyboard.let_go()
+
+    def press_button(self, desk, tabs):
+        """Reaches a control of the window from its first one by Tab, and presses it."""
+        desk.keyboard.tap(*([TAB] * tabs), RETURN)
+
+    def test_is_a_good_citizen_of_the_desktop(self):
+        desk, process, window = self.open(compositor=True)
+        self.assertEqual((window.width, window.height), (460, 660))
+        self.assertEqual(window.names[0], desk.home.identifier)
+        monitor = desk.eyes.monitors()[0]
+        self.assertEqual((2 * window.x + 460, 2 * window.y + 660), (monitor.width, monitor.height), "centred")
+
+        desk.mouse.drag(*window.at(*HEADER), *window.at(HEADER[0] - 150, HEADER[1] + 40))
+        moved = until("it follows the mouse", lambda: (w := self.window_of(desk, process)).x < window.x - 50 and w, 3)
+        self.saw(f"dragged by {moved.x - window.x}, {moved.y - window.y}")
+
+        desk.mouse.click(*moved.at(*MINIMIZE))
+        until("it is minimised", lambda: self.window_of(desk, process).minimized, 3)
+        second = desk.bundle.run()
+        self.assertEqual(second.returncode, 0)
+        until("opening it again brings it back", lambda: not self.window_of(desk, process).minimized
+              and desk.clients.active() == window.id and desk.clients.stacking()[-1] == window.id, 3)
+
+        desk.mouse.click(*moved.at(*CLOSE))
+        self.assertEqual(process.wait(5), 0)
+
+    def test_ends_by_its_shortcuts(self):
+        for keys in ((LEFT_CTRL, Q), (LEFT_CTRL, W)):
+            with self.subTest(keys):
+                desk, process, _ = self.open()
+                self.chord(desk, *keys)
+                self.assertEqual(process.wait(5), 0)
+
+    def test_an_alert_is_answered_by_the_keyboard(self):
+        desk, process, window = self.open()
+        self.press_button(desk, 3)  # Test run, Demo, Uninstall
+        alert = self.window_of(desk, process, "Uninstall Dormel?")
+        self.assertEqual(alert.belongs_to, window.id)
+        until("the alert has the focus", lambda: desk.clients.active() == alert.id, 3)
+        self.chord(desk, LEFT_CTRL, W)  # the window below cannot be operated
+        desk.mouse.click(*window.at(*CLOSE))
+        self.assert_stays(process, 0.5)
+        self.assertEqual(desk.clients.stacking()[-1], alert.id, "it stays in front")
+        until("the alert has the focus again", lambda: desk.clients.active() == alert.id, 3)
+        desk.keyboard.tap(ESCAPE)
+        until("the alert is gone", lambda: len(desk.clients.of(process.pid)) == 1, 3)
+        self.assertIsNone(process.poll())
+        self.assertTrue(desk.home.settings()["onboardingComplete"])
+
+    def test_a_test_run_is_left_at_any_moment(self):
+        desk, process, window = self.open()
+        desk.mouse.click(*window.at(130, 527))
+        until("every screen is covered", lambda: desk.eyes.covered(process.pid), 5)
+        desk.home.wait_for_line("debug.log", "═══ TEST START", 3)
+        self.assertFalse(desk.keys_reach_the_document(), "the keyboard is taken")
+        desk.keyboard.tap(ESCAPE)
+        until("the screens are free", lambda: not desk.eyes.covered(process.pid), 3)
+        until("the window has the focus again", lambda: desk.clients.active() == window.id, 3)
+
+        # Through the grace period, where no tap runs: the window itself gets the key.
+        mark = len(desk.home.log("debug.log"))
+        self.press_button(desk, 0)
+        until("every screen is covered again", lambda: desk.eyes.covered(process.pid), 5)
+        keys = until("the keys are drawn", lambda: desk.home.drawn_keys(mark), 5)
+        desk.keyboard.press(*map(evdev_of_label, keys))
+        desk.home.wait_for_line("debug.log", "✔", 8, mark)
+        desk.keyboard.let_go()
+        until("the screens are free again", lambda: not desk.eyes.covered(process.pid), 8)
+        until("the window has the focus", lambda: desk.clients.active() == window.id, 3)
+        desk.keyboard.tap(ESCAPE)
+        desk.home.wait_for_line("debug.log", "═══ TEST CANCELLED ═══", 3, mark)
+        until("the pill is gone", lambda: [w for w in desk.eyes.windows_of(process.pid) if w.override] == [], 3)
+        self.chord(desk, LEFT_CTRL, Q)
+        self.assertEqual(process.wait(5), 0)
+
+
+if __name__ == "__main__":
+    unittest.main()

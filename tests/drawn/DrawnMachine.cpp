@@ -1,0 +1,78 @@
+#include "tests/drawn/DrawnMachine.h"
+
+#include <QCoreApplication>
+#include <cmath>
+#include <utility>
+
+#include "core/Config.h"
+#include "overlay/qml/OverlayScenes.h"
+#include "settings/qml/SettingsScenes.h"
+#include "ui/qml/UiModule.h"
+
+namespace dormel {
+namespace {
+
+constexpr Seconds FRAME = 0.02;
+
+QmlSceneRegistry allScenes() {
+  QmlSceneRegistry registry;
+  registerUiScenes(registry);
+  registerOverlayScenes(registry);
+  registerSettingsScenes(registry);
+  return registry;
+}
+
+}  // namespace
+
+void SteppedAnimations::step(qint64 milliseconds) {
+  // Animations that were just started or stopped are entered and left in posted events.
+  QCoreApplication::sendPostedEvents();
+  now_ += milliseconds;
+  if (isRunning()) advanceAnimation();
+  QCoreApplication::sendPostedEvents();
+}
+
+void SteppedAnimations::start() {
+  now_ = 0;
+  QAnimationDriver::start();
+}
+
+DrawnView::DrawnView(QmlCanvasFactory& factory, std::shared_ptr<View> view, double scale, std::optional<Size> size)
+    : canvas_(static_cast<QmlCanvas*>(factory.make(std::move(view)).release())), scale_(scale) {
+  canvas_->setOnFrame([this](const Pixels& pixels, const PixelRect& changed) {
+    const auto* bytes = reinterpret_cast<const uchar*>(pixels.data);
+    picture_ =
+        QImage(bytes, pixels.width, pixels.height, pixels.stride * 4, QImage::Format_ARGB32_Premultiplied).copy();
+    picture_.setDevicePixelRatio(scale_);
+    lastChange_ = changed;
+    ++frames_;
+  });
+  canvas_->resize(size ? *size : canvas_->fittingSize(), scale);
+  canvas_->setShowing(true);
+}
+
+const QImage& DrawnView::picture() {
+  while (canvas_->isFramePending()) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+  return picture_;
+}
+
+DrawnMachine::DrawnMachine(std::uint64_t seed)
+    : machine({.seed = seed, .start = "2026-11-16 12:00:00", .processRuns = true}),
+      stage(std::make_shared<QmlStage>(allScenes())),
+      factory(stage) {
+  machine.bundle.setPath(DORMEL_BUNDLE);
+  machine.screens.plug("DP-1", {0, 0, 1920, 1080});
+  store(defaultsKey::onboardingComplete, {true});
+  store(defaultsKey::blockStartHour, {std::int64_t{22}});
+  store(defaultsKey::blockEndHour, {std::int64_t{7}});
+}
+
+void DrawnMachine::pass(Seconds duration) {
+  const auto frames = static_cast<int>(std::lround(duration / FRAME));
+  for (int i = 0; i < frames; ++i) {
+    machine.advance(FRAME);
+    animations_.step(std::lround(FRAME * 1000));
+  }
+}
+
+}  // namespace dormel

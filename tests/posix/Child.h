@@ -1,0 +1,50 @@
+// Parts of a test that need a process of their own: another user, another view of the disks, an end.
+#pragma once
+
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <exception>
+#include <string>
+
+namespace dormel {
+
+/// Runs `body` in a child process and answers its exit status: what the body returns, or exits with.
+template <typename Body>
+int statusOf(Body body) {
+  const pid_t child = ::fork();
+  if (child == 0) {
+    try {
+      ::_exit(static_cast<int>(body()));
+    } catch (const std::exception& error) {
+      std::fprintf(stderr, "%s\n", error.what());
+      ::_exit(98);  // and not back into the test, which has a process of its own
+    }
+  }
+  int status = -1;
+  ::waitpid(child, &status, 0);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+constexpr uid_t NOBODY = 65534;
+
+/// The same as a user whom permissions bind; `folder` is given to that user first, who otherwise is the test's own.
+template <typename Body>
+int statusAsOrdinaryUser(const std::string& folder, Body body) {
+  if (::geteuid() != 0) return statusOf(body);
+  if (::chown(folder.c_str(), NOBODY, NOBODY) != 0) return -1;
+  return statusOf([&] {
+    return ::setresgid(NOBODY, NOBODY, NOBODY) == 0 && ::setresuid(NOBODY, NOBODY, NOBODY) == 0 ? body() : -1;
+  });
+}
+
+/// Gives this process a view of the mounts that it can change without anybody noticing; false where it may not.
+inline bool ownMounts() {
+  return ::unshare(::geteuid() == 0 ? CLONE_NEWNS : CLONE_NEWNS | CLONE_NEWUSER) == 0 &&
+         ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
+}
+
+}  // namespace dormel

@@ -1,0 +1,456 @@
+// The desktop's services for applications, on real files and with real programs in place of the desktop's own.
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+#include <chrono>
+#include <map>
+#include <thread>
+
+#include "platform/Identifiers.h"
+#include "platform/linux/freedesktop/AutostartLoginItems.h"
+#include "platform/linux/freedesktop/DesktopWorkspace.h"
+#include "platform/linux/freedesktop/MountTable.h"
+#include "platform/linux/freedesktop/TextFile.h"
+#include "platform/linux/posix/PosixChildProcesses.h"
+#include "tests/posix/Child.h"
+#include "tests/posix/TemporaryHome.h"
+
+namespace dormel {
+namespace {
+
+namespace fs = std::filesystem;
+
+class Recorder final : public StandardOutput {
+ public:
+  void print(std::string_view /*line*/) override {}
+  void printError(std::string_view line) override { errors.emplace_back(line); }
+  std::vector<std::string> errors;
+};
+
+/// An environment variable for the life of a test.
+class Variable {
+ public:
+  Variable(const char* name, const std::string& value) : name_(name) {
+    if (const char* before = std::getenv(name)) before_ = before;
+    ::setenv(name, value.c_str(), 1);
+  }
+  Variable(const Variable&) = delete;
+  Variable& operator=(const Variable&) = delete;
+  ~Variable() { before_ ? ::setenv(name_, before_->c_str(), 1) : ::unsetenv(name_); }
+
+ private:
+  const char* name_;
+  std::optional<std::string> before_;
+};
+
+class WorkspaceTest : public testing::Test {
+ protected:
+  std::string in(const std::string& name) const { return home.path() + "/" + name; }
+
+  /// A program that writes its arguments into the file, a line each, and ends with `status`.
+  void program(const std::string& path, const std::string& heard, const std::string& more = "exit 0") {
+    put(path, "#!/bin/sh\nprintf '%s\\n' \"$@\" > '" + heard + ".part'; mv '" + heard + ".part' '" + heard + "'\n" +
+                  more + "\n");
+    ::chmod(path.c_str(), 0755);
+  }
+
+  /// A small application with a link, odd names and permissions.
+  void application(const std::string& path) {
+    put(path + "/Contents/Linux/Dormel", "program");
+    ::chmod((path + "/Contents/Linux/Dormel").c_str(), 0750);
+    put(path + "/Contents/Resources/It's ü", "text");
+    fs::create_symlink("../Linux/Dormel", path + "/Contents/Resources/link");
+    fs::last_write_time(path + "/Contents/Linux/Dormel", fs::file_time_type::clock::now() - std::chrono::hours(1000));
+  }
+
+  /// Everything below a folder: what it is, its permissions and its content.
+  static std::map<std::string, std::string> listing(const std::string& folder) {
+    std::map<std::string, std::string> found;
+    for (const auto& entry : fs::recursive_directory_iterator(folder)) {
+      const auto status = entry.symlink_status();
+      std::string text = std::to_string(static_cast<int>(status.permissions()));
+      if (fs::is_symlink(status)) text += " -> " + fs::read_symlink(entry).string();
+      if (fs::is_regular_file(status)) {
+        text += " " + std::to_string(fs::last_write_time(entry).time_since_epoch().count()) + " " +
+                contents(entry.path().string());
+      }
+      found[entry.path().lexically_relative(folder).string()] = text;
+    }
+    return found;
+  }
+
+  std::string awaited(const std::string& path) {
+    for (int i = 0; i < 1000 && !fs::exists(path); ++i) std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    std::string text = contents(path);
+    fs::remove(path);
+    return text;
+  }
+
+  TemporaryHome home;
+  // Tests started from a desktop have these set; they would lead out of the home folder.
+  Variable config{"XDG_CONFIG_HOME", ""}, data{"XDG_DATA_HOME", ""}, state{"XDG_STATE_HOME", ""};
+  Variable cache{"XDG_CACHE_HOME", ""}, runtime{"XDG_RUNTIME_DIR", home.path()};
+  posix::PosixChildProcesses children;
+  Recorder output;
+  freedesktop::DesktopWorkspace workspace{children, output};
+};
+
+TEST_F(WorkspaceTest, CopiesWholeOrNotAtAll) {
+  const std::string from = in("Night's Dormel.app");
+  application(from);
+  const auto wanted = listing(from);
+  for (const char* name : {"copy.app", "-rf.app", "two\nlines.app", "übung 'n so.app"}) {
+    fs::create_directories(in("Applications"));
+    const std::string to = in("Applications") + "/" + name;
+    const auto error = workspace.copy(from, to);
+    EXPECT_FALSE(error) << error->message;
+    EXPECT_EQ(listing(to), wanted);
+    EXPECT_TRUE(workspace.copy(from, to)) << "something stands there";
+    EXPECT_EQ(listing(to), wanted);
+    fs::remove_all(to);
+  }
+  put(from + "/Contents/Resources/large", std::string(20'000, 'x'));
+  rlimit limit{};
+  ::getrlimit(RLIMIT_FSIZE, &limit);
+  ::signal(SIGXFSZ, SIG_IGN);
+  const rlimit tight{8192, limit.rlim_max};
+  ::setrlimit(RLIMIT_FSIZE, &tight);
+  const auto full = workspace.copy(from, in("Applications/new.app"));
+  ::setrlimit(RLIMIT_FSIZE, &limit);
+  ASSERT_TRUE(full);
+  EXPECT_NE(full->message.find("large"), std::string::npos) << full->message;
+  EXPECT_TRUE(workspace.copy(in("missing.app"), in("Applications/new.app")));
+  EXPECT_TRUE(workspace.copy(from, in("missing/new.app")));
+  EXPECT_TRUE(fs::is_empty(in("Applications")));
+}
+
+TEST_F(WorkspaceTest, TrashKeepsWhatAndWhereItWas) {
+  const std::string path = in("Night's 100% ü.app");
+  const std::string can = in(".local/share/Trash");
+  for (const char* name : {"Night's 100% ü", "Night's 100% ü 2"}) {
+    application(path);
+    const auto wanted = listing(path);
+    const auto error = workspace.moveToTrash(path);
+    ASSERT_FALSE(error) << error->message;
+    EXPECT_FALSE(fs::exists(path));
+    EXPECT_EQ(listing(can + "/files/" + name + ".app"), wanted);
+    const std::string info = contents(can + "/info/" + name + ".app.trashinfo");
+    EXPECT_TRUE(
+        info.starts_with("[Trash Info]\nPath=" + home.path() + "/Night%27s%20100%25%20%C3%BC.app\nDeletionDate=2"))
+        << info;
+  }
+  EXPECT_TRUE(workspace.moveToTrash(path)) << "there is nothing any more";
+  EXPECT_EQ(std::distance(fs::directory_iterator(can + "/info"), fs::directory_iterator()), 2);
+}
+
+TEST_F(WorkspaceTest, TrashOfAnotherDiskAndWithoutPermission) {
+  fs::create_directories(in("disk"));
+  fs::create_directories(in("nobody"));
+  static_cast<void>(!::chown(in("nobody").c_str(), NOBODY, NOBODY));
+  ::chmod(home.path().c_str(), 0755);
+  const int status = statusOf([&] {
+    if (!ownMounts() || ::mount("disk", in("disk").c_str(), "tmpfs", 0, "mode=755") != 0) return 77;
+    // Its own trash, where one may be made at the top of the disk.
+    application(in("disk/top.app"));
+    if (workspace.moveToTrash(in("disk/top.app"))) return 1;
+    const std::string can = in("disk/.Trash-" + std::to_string(::geteuid()));
+    if (!fs::exists(can + "/files/top.app/Contents/Linux/Dormel")) return 2;
+    if (contents(can + "/info/top.app.trashinfo").find("\nPath=top.app\n") == std::string::npos) return 3;
+    // Else the home folder's.
+    fs::create_directories(in("disk/mine"));
+    return statusAsOrdinaryUser(in("disk/mine"), [&] {
+      application(in("disk/mine/own.app"));
+      const auto wanted = listing(in("disk/mine/own.app"));
+      const Variable ownData("XDG_DATA_HOME", in("nobody"));
+      if (::geteuid() != NOBODY) return 0;  // everything is ours here
+      if (workspace.moveToTrash(in("disk/mine/own.app"))) return 4;
+      if (fs::exists(in("disk/mine/own.app")) || listing(in("nobody/Trash/files/own.app")) != wanted) return 5;
+      return 0;
+    });
+  });
+  if (status == 77) GTEST_SKIP() << "no mounts of one's own here";
+  EXPECT_EQ(status, 0);
+}
+
+TEST_F(WorkspaceTest, WhatAnOrdinaryUserMayDo) {
+  // Not ours to change: files of the administrator, or of nobody here.
+  const std::string theirs = in("theirs");
+  application(theirs + "/Dormel.app");
+  fs::create_directories(in("sticky"));
+  ::chmod(in("sticky").c_str(), 01777);
+  put(in("sticky/file"), "x");
+  if (::geteuid() != 0) ::chmod(theirs.c_str(), 0555);
+  const bool separate = ::geteuid() == 0;
+  ::chmod(home.path().c_str(), 0755);
+  fs::create_directories(in("mine"));
+  EXPECT_EQ(statusAsOrdinaryUser(in("mine"),
+                                 [&] {
+                                   application(in("mine/Dormel.app"));
+                                   put(in("sticky/own"), "x");
+                                   const struct {
+                                     std::string path;
+                                     bool writable, deletable;
+                                   } cases[] = {{in("mine"), true, !separate},
+                                                {in("mine/Dormel.app"), true, true},
+                                                {in("mine/Dormel.app/Contents/Linux/Dormel"), true, true},
+                                                {theirs, false, !separate},
+                                                {theirs + "/Dormel.app", !separate, false},
+                                                {in("sticky/file"), !separate, !separate},
+                                                {in("sticky/own"), true, true},
+                                                {in("missing"), false, false}};
+                                   int line = 1;
+                                   for (const auto& example : cases) {
+                                     if (workspace.isWritable(example.path) != example.writable) return line;
+                                     if (workspace.isDeletable(example.path) != example.deletable) return 100 + line;
+                                     ++line;
+                                   }
+                                   // A folder inside that we may not empty is enough.
+                                   ::chmod(in("mine/Dormel.app/Contents/Linux").c_str(), 0500);
+                                   if (workspace.isDeletable(in("mine/Dormel.app"))) return 200;
+                                   if (!workspace.moveToTrash(theirs + "/Dormel.app")) return 201;
+                                   return fs::exists(theirs + "/Dormel.app") ? 0 : 202;
+                                 }),
+            0);
+}
+
+TEST_F(WorkspaceTest, FindsTheMountOfAPath) {
+  const std::string table =
+      "21 1 8:1 / / rw,relatime shared:1 - ext4 /dev/sda1 rw\n"
+      "30 21 8:2 / /media/u/My\\040Disk ro,nosuid shared:5 master:2 - iso9660 /dev/sr0 ro\n"
+      "31 21 7:3 / /opt/image ro - squashfs /dev/loop3 ro\n"
+      "32 21 7:4 / /home/u/image ro - squashfs /dev/loop4 ro\n"
+      "33 21 0:44 / /home/u/image/in rw - tmpfs none rw\n"
+      "34 21 8:3 / /home rw - ext4 /dev/sda3 rw\n"
+      "35 34 0:45 / /home rw - nfs server:/home rw\n"
+      "not a line of the table\n";
+  const struct {
+    const char* path;
+    const char* point;
+    const char* type;
+    bool image;
+  } cases[] = {{"/", "/", "ext4", false},
+               {"/media/u/My Disk/Dormel.app", "/media/u/My Disk", "iso9660", true},
+               {"/media/u/My Disks/Dormel.app", "/", "ext4", false},
+               {"/opt/image/Dormel.app", "/opt/image", "squashfs", false},
+               {"/home/u/image", "/home/u/image", "squashfs", true},
+               {"/home/u/image/in/x", "/home/u/image/in", "tmpfs", false},
+               {"/home/v", "/home", "nfs", false}};
+  for (const auto& example : cases) {
+    SCOPED_TRACE(example.path);
+    const auto mount = freedesktop::mountOf(table, example.path);
+    ASSERT_TRUE(mount);
+    EXPECT_EQ(mount->point, example.point);
+    EXPECT_EQ(mount->type, example.type);
+    EXPECT_EQ(freedesktop::isImage(*mount), example.image);
+  }
+}
+
+TEST_F(WorkspaceTest, KnowsAReadOnlyImage) {
+  application(in("image/Dormel.app"));
+  const int status = statusOf([&] {
+    if (!ownMounts() || ::mount(in("image").c_str(), "/mnt", nullptr, MS_BIND, nullptr) != 0) return 77;
+    if (workspace.isOnReadOnlyImage("/mnt/Dormel.app")) return 1;
+    if (::mount(nullptr, "/mnt", nullptr, MS_BIND | MS_REMOUNT | MS_RDONLY, nullptr) != 0) return 77;
+    if (!workspace.isOnReadOnlyImage("/mnt/Dormel.app")) return 2;
+    if (workspace.isOnReadOnlyImage(in("image/Dormel.app"))) return 3;
+    if (workspace.isWritable("/mnt/Dormel.app") || workspace.isDeletable("/mnt/Dormel.app")) return 4;
+    const bool copied = !workspace.copy("/mnt/Dormel.app", in("Dormel.app"));
+    return copied && listing(in("Dormel.app")) == listing(in("image/Dormel.app")) ? 0 : 5;
+  });
+  if (status == 77) GTEST_SKIP() << "no mounts of one's own here";
+  EXPECT_EQ(status, 0);
+}
+
+TEST_F(WorkspaceTest, StandardizesAndFindsApplicationsFolders) {
+  fs::create_directories(in("real/Dormel.app"));
+  fs::create_directory_symlink(in("real"), in("link"));
+  const std::string here = workspace.standardized(home.path());
+  EXPECT_EQ(workspace.standardized(in("link/../link/./Dormel.app/")), here + "/real/Dormel.app");
+  EXPECT_EQ(workspace.standardized(in("link/not/yet/..")), here + "/real/not");
+  const auto folders = workspace.applicationsDirectories();
+  EXPECT_NE(std::find(folders.begin(), folders.end(), in("Applications")), folders.end());
+  EXPECT_NE(std::find(folders.begin(), folders.end(), "/Applications"), folders.end());
+  if (fs::exists("/Applications")) {
+    EXPECT_EQ(workspace.localApplicationsDirectory(), "/Applications");
+    return;
+  }
+  EXPECT_EQ(workspace.localApplicationsDirectory(), in("Applications"));
+  EXPECT_TRUE(fs::is_directory(in("Applications")));
+  fs::remove(in("Applications"));
+  put(in("Applications"), "a file in the way");
+  EXPECT_EQ(workspace.localApplicationsDirectory(), std::nullopt);
+}
+
+TEST_F(WorkspaceTest, ListsTheApplicationsThatRun) {
+  const std::string bundle = in("Night's.app");
+  fs::create_directories(bundle + "/Contents/Linux");
+  fs::create_directories(in("Other.app/Contents/Helpers"));
+  fs::copy_file("/bin/sleep", bundle + "/Contents/Linux/Program");
+  fs::copy_file("/bin/sleep", in("Other.app/Contents/Helpers/tool"));
+  std::vector<pid_t> started;
+  for (const std::string& path : {bundle + "/Contents/Linux/Program", in("Other.app/Contents/Helpers/tool")}) {
+    const pid_t child = ::fork();
+    if (child == 0) {
+      ::execl(path.c_str(), "sleep", "60", nullptr);
+      ::_exit(127);
+    }
+    started.push_back(child);
+  }
+  const auto runs = [&](const std::string& path) {
+    const auto bundles = workspace.runningBundles();
+    return std::find(bundles.begin(), bundles.end(), path) != bundles.end();
+  };
+  for (int i = 0; i < 1000 && !runs(bundle); ++i) std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  EXPECT_TRUE(runs(bundle));
+  EXPECT_FALSE(runs(in("Other.app"))) << "a tool of a bundle is not the application";
+  fs::remove(bundle + "/Contents/Linux/Program");
+  EXPECT_TRUE(runs(bundle)) << "replaced while it runs";
+  for (const pid_t child : started) {
+    ::kill(child, SIGKILL);
+    ::waitpid(child, nullptr, 0);
+  }
+  EXPECT_FALSE(runs(bundle));
+}
+
+TEST_F(WorkspaceTest, OpensThings) {
+  const std::string heard = in("heard");
+  const Variable path("PATH", in("bin") + ":/usr/bin:/bin");
+  const Variable desktop("XDG_CURRENT_DESKTOP", "ubuntu:GNOME");
+  program(in("Night's.app/Contents/Linux/Program"), heard);
+  put(in("Night's.app/Contents/Info.plist"),
+      "<plist version=\"1.0\"><dict><key>CFBundleExecutable</key><string>Program</string></dict></plist>");
+  EXPECT_TRUE(workspace.open(in("Night's.app")));
+  EXPECT_EQ(awaited(heard), "\n");
+  fs::create_directories(in("Broken.app/Contents"));
+  EXPECT_FALSE(workspace.open(in("Broken.app")));
+  EXPECT_EQ(output.errors.size(), 1U);
+
+  for (const char* name : {"xdg-open", "gnome-control-center", "systemsettings", "xfce4-settings-manager"}) {
+    program(in("bin/") + name, heard);
+  }
+  EXPECT_TRUE(workspace.open("https://example.com/?a=b&c='d'"));
+  EXPECT_EQ(awaited(heard), "https://example.com/?a=b&c='d'\n");
+
+  // What is installed decides among the programs of one desktop; where nothing is, one line says so.
+  const std::string address = "x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility";
+  const struct {
+    const char* desktop;
+    const char* accessibility;  // the arguments, or null for none
+    const char* autostart;
+  } cases[] = {{"ubuntu:GNOME", "universal-access\n", "applications\n"},
+               {"KDE", "kcm_access\n", "kcm_autostart\n"},
+               {"XFCE", "\n", nullptr},
+               {"Budgie:GNOME", "universal-access\n", "applications\n"},
+               {"i3", nullptr, nullptr},
+               {"", nullptr, nullptr}};
+  freedesktop::AutostartLoginItems loginItems(children, output);
+  for (const auto& example : cases) {
+    SCOPED_TRACE(example.desktop);
+    const Variable current("XDG_CURRENT_DESKTOP", example.desktop);
+    output.errors.clear();
+    EXPECT_EQ(workspace.open(address), example.accessibility != nullptr);
+    if (example.accessibility != nullptr) {
+      EXPECT_EQ(awaited(heard), example.accessibility);
+    }
+    loginItems.openSettings();
+    if (example.autostart != nullptr) {
+      EXPECT_EQ(awaited(heard), example.autostart);
+    }
+    EXPECT_EQ(output.errors.size(),
+              (example.accessibility == nullptr ? 1U : 0U) + (example.autostart == nullptr ? 1U : 0U));
+  }
+}
+
+TEST_F(WorkspaceTest, AsksTheAdministrator) {
+  const std::string heard = in("heard");
+  const std::string command = "rm -rf '/Applications/Night'\\''s Dormel.app' && true";
+  const struct {
+    const char* ending;
+    int code;
+    const char* message;  // how it begins, or null for none
+  } cases[] = {{"exit 0", 0, nullptr},
+               {"exit 126", 126, "The administrator's password"},
+               {"exit 127", 127, "The administrator's rights"},
+               {"echo 'cp: cannot create: No space left on device' >&2; exit 1", 1, "cp: cannot create"},
+               {"exit 3", 3, nullptr}};
+  const Variable path("PATH", in("bin") + ":/usr/bin:/bin");
+  for (const auto& example : cases) {
+    SCOPED_TRACE(example.ending);
+    program(in("bin/pkexec"), heard, example.ending);
+    const auto error = workspace.runAsAdministrator(command);
+    EXPECT_EQ(awaited(heard), "/bin/sh\n-c\n" + command + "\n");
+    EXPECT_EQ(error ? error->code : 0, example.code);
+    if (!error) continue;
+    EXPECT_EQ(error->message.has_value(), example.message != nullptr);
+    if (example.message != nullptr) {
+      EXPECT_TRUE(error->message->starts_with(example.message)) << *error->message;
+    }
+  }
+  const Variable nothing("PATH", in("empty"));
+  const auto missing = workspace.runAsAdministrator(command);
+  ASSERT_TRUE(missing);
+  EXPECT_TRUE(missing->message.has_value());
+}
+
+TEST_F(WorkspaceTest, ReadsTheLoginSwitch) {
+  const freedesktop::AutostartLoginItems loginItems(children, output);
+  const std::string job = in("Library/LaunchAgents/com.example.job.plist");
+  EXPECT_EQ(loginItems.status(job), LoginItemStatus::notFound);
+  put(job, "");
+  EXPECT_EQ(loginItems.status(job), LoginItemStatus::notRegistered);
+  const struct {
+    const char* lines;
+    LoginItemStatus status;
+  } cases[] = {{"X-GNOME-Autostart-enabled=true\n", LoginItemStatus::enabled},
+               {"Hidden=false\n", LoginItemStatus::enabled},
+               {"Hidden=true\n", LoginItemStatus::requiresApproval},
+               {"X-GNOME-Autostart-enabled=false\n", LoginItemStatus::requiresApproval},
+               {"X-GNOME-Autostart-enabled=true\nX-MATE-Autostart-enabled=false\n", LoginItemStatus::requiresApproval}};
+  for (const auto& example : cases) {
+    put(in(".config/autostart/com.example.job.desktop"), std::string("[Desktop Entry]\nName=Job\n") + example.lines);
+    EXPECT_EQ(loginItems.status(job), example.status) << example.lines;
+  }
+}
+
+TEST_F(WorkspaceTest, IsListedWhereItStandsAndForgottenWithoutATrace) {
+  // Folders that were here before stay, empty ones too; so does one that somebody else uses by then.
+  fs::create_directories(in(".config/autostart"));
+  fs::create_directories(in(".local/share"));
+  put(in(".config/other"), "x");
+  auto before = listing(home.path());
+  const std::string entry = in(std::string(".local/share/applications/") + BUNDLE_IDENTIFIER + ".desktop");
+  for (const char* name : {"Applications/Dormel.app", "Other 100%/Night's $Dormel.app"}) {
+    const std::string bundle = in(name);
+    fs::create_directories(fs::path(bundle).parent_path());
+    application(bundle);
+    put(bundle + "/Contents/Resources/dormel.svg", "<svg/>");
+    workspace.registerApplication(bundle);
+    const auto written = listing(home.path());
+    workspace.registerApplication(bundle);
+    EXPECT_EQ(listing(home.path()), written) << "nothing to do the second time";
+    const std::string program = fs::path(bundle).stem().string();
+    EXPECT_NE(contents(entry).find(bundle + "/Contents/Linux/" + program), std::string::npos) << contents(entry);
+    fs::remove_all(fs::path(bundle).parent_path());
+  }
+  EXPECT_NE(contents(entry).find("\nExec=\"" +
+                                 in("Other 100%%/Night's \\\\$Dormel.app/Contents/Linux/Night's \\\\$Dormel") + "\"\n"),
+            std::string::npos);
+  EXPECT_EQ(contents(in(std::string(".local/share/icons/hicolor/scalable/apps/") + BUNDLE_IDENTIFIER + ".svg")),
+            "<svg/>");
+
+  freedesktop::replaceTextFile(in("Library/Logs/Dormel/dormel.log"), "x");
+  fs::remove_all(in("Library/Logs/Dormel"));
+  put(in("Library/theirs"), "x");
+  before["Library"] = listing(home.path())["Library"];
+  before["Library/theirs"] = listing(home.path())["Library/theirs"];
+  put(in(std::string(".config/autostart/") + BUNDLE_IDENTIFIER + ".desktop"), "[Desktop Entry]\nHidden=true\n");
+  put(in(std::string(".") + BUNDLE_IDENTIFIER + "_0.session"), "");
+  put(in(std::string(".") + BUNDLE_IDENTIFIER + "_0.window"), "");
+  workspace.forgetApplication();
+  EXPECT_EQ(listing(home.path()), before);
+}
+
+}  // namespace
+}  // namespace dormel

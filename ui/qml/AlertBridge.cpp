@@ -1,0 +1,33 @@
+#include "ui/qml/AlertBridge.h"
+
+#include <utility>
+
+namespace dormel {
+
+AlertBridge::AlertBridge(std::shared_ptr<AlertView> view) : view_(std::move(view)) {}
+
+QString AlertBridge::message() const { return QString::fromStdString(view_->alert().message); }
+
+QString AlertBridge::informativeText() const { return QString::fromStdString(view_->alert().informativeText); }
+
+QStringList AlertBridge::buttons() const {
+  QStringList titles;
+  for (const std::string& title : view_->alert().buttons) titles << QString::fromStdString(title);
+  return titles;
+}
+
+bool AlertBridge::serious() const { return view_->alert().style != AlertStyle::informational; }
+
+QStringList AlertBridge::plainLines() const {
+  return QStringList{message()} + informativeText().split(QLatin1Char('\n')) + buttons();
+}
+
+void AlertBridge::answer(int button) { view_->answer(static_cast<std::size_t>(button)); }
+
+bool AlertBridge::cancel() {
+  const auto button = view_->cancelButton();
+  if (button) view_->answer(*button);
+  return button.has_value();
+}
+
+}  // namespace dormel

@@ -1,0 +1,41 @@
+// The colours that everything is made of: one near-black and white at few opacities, and a dot of colour for a state.
+#pragma once
+
+#include <QtQml/qqmlregistration.h>
+#include <QColor>
+#include <QObject>
+
+namespace dormel {
+
+class Tone : public QObject {
+  Q_OBJECT
+  QML_ELEMENT
+  QML_SINGLETON
+  Q_PROPERTY(QColor background READ background CONSTANT)
+  Q_PROPERTY(QColor raised READ raised CONSTANT)
+  Q_PROPERTY(QColor text READ text CONSTANT)
+  Q_PROPERTY(QColor secondary READ secondary CONSTANT)
+  Q_PROPERTY(QColor faint READ faint CONSTANT)
+  Q_PROPERTY(QColor fill READ fill CONSTANT)
+  Q_PROPERTY(QColor hairline READ hairline CONSTANT)
+  Q_PROPERTY(QColor green READ green CONSTANT)
+  Q_PROPERTY(QColor warm READ warm CONSTANT)
+
+ public:
+  [[nodiscard]] static QColor white(double opacity) { return QColor::fromRgbF(1, 1, 1, static_cast<float>(opacity)); }
+
+  [[nodiscard]] static QColor background() { return {10, 10, 11}; }
+  /// What stands in front of the background: an alert.
+  [[nodiscard]] static QColor raised() { return {22, 22, 24}; }
+  [[nodiscard]] static QColor text() { return white(0.95); }
+  [[nodiscard]] static QColor secondary() { return white(0.6); }
+  [[nodiscard]] static QColor faint() { return white(0.35); }
+  [[nodiscard]] static QColor fill() { return white(0.08); }
+  [[nodiscard]] static QColor hairline() { return white(0.08); }
+  /// All is well.
+  [[nodiscard]] static QColor green() { return {84, 199, 132}; }
+  /// Somebody should look.
+  [[nodiscard]] static QColor warm() { return {240, 178, 92}; }
+};
+
+}  // namespace dormel
