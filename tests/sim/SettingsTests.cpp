@@ -18,8 +18,9 @@ TEST(Settings, TheCardsSwitchFlipsWhileItIsShown) {
   machine.advance(5);
   EXPECT_FALSE(card->toggleOn()) << "nobody sees it yet";
   card->onAppear();
+  machine.advance(0.7);
   card->onAppear();
-  machine.advance(1.399);
+  machine.advance(0.699);
   EXPECT_EQ(positions, "");
   machine.advance(0.001);
   EXPECT_EQ(positions, "1");

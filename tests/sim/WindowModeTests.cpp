@@ -372,6 +372,7 @@ TEST(WindowMode, EscapeEndsATestRunWhereverItArrives) {
     EXPECT_EQ(machine.windows.visible().empty(), row.ends) << row.name;
     EXPECT_EQ(appTrail().back() == "═══ TEST CANCELLED ═══", row.ends) << row.name;
     EXPECT_EQ(machine.keyboard.foreignKeys().empty(), row.ends) << row.name;
+    EXPECT_FALSE(machine.keyboard.isTaken()) << row.name;
   }
 }
 
@@ -410,7 +411,7 @@ TEST(ScheduledRun, IsQuitOnlyWhenNothingIsLocked) {
       continue;
     }
     EXPECT_EQ(machine.exitStatus(), 0) << row.name;
-    EXPECT_TRUE(machine.windows.visible().empty()) << row.name;
+    EXPECT_EQ(program.effects(), (Lines{"window 1 out", "presentation 0", "exit 0"})) << row.name;
   }
 }
 
