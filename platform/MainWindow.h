@@ -74,8 +74,8 @@ struct Menu {
 class MainMenu {
  public:
   virtual ~MainMenu() = default;
-  /// Installs the menu bar; `windows` is the index of the menu that lists windows. Commands that belong to the
-  /// application (about, quit) come to `onCommand`; the others are carried out by the platform.
+  /// Installs the menu bar; `windows` is the index of the menu that lists windows. Quitting comes to `onCommand`; the
+  /// other commands are carried out by the platform, which has an about panel of its own.
   virtual void install(const std::vector<Menu>& menus, std::size_t windows,
                        std::function<void(MenuCommand)> onCommand) = 0;
 };

@@ -1,15 +1,8 @@
 #include "platform/linux/LinuxPlatform.h"
 
-#include <QEvent>
 #include <QGuiApplication>
-#include <QQuickWindow>
-#include <QSessionManager>
-#include <clocale>
 #include <csignal>
-#include <cstdlib>
-#include <string>
 #include <utility>
-#include <vector>
 
 #include "platform/Identifiers.h"
 #include "platform/linux/DesktopApplication.h"
@@ -32,50 +25,11 @@
 #include "platform/linux/qt/QtMainMenu.h"
 #include "platform/linux/qt/QtMainWindows.h"
 #include "platform/linux/qt/QtRunLoop.h"
+#include "platform/linux/qt/Toolkit.h"
 #include "platform/linux/x11/X11Platform.h"
 
 namespace dormel {
 namespace {
-
-/// The arguments are ours, not the toolkit's: it gets its own.
-struct ToolkitArguments {
-  explicit ToolkitArguments(LaunchKind kind) {
-    // As the window manager knows us: the name of the desktop entry.
-    add("Dormel");
-    add("-name");
-    add(BUNDLE_IDENTIFIER);
-    if (kind == LaunchKind::background) {
-      // Panels are put on screen by x11/; Qt only draws, and never talks to the display.
-      add("-platform");
-      add("offscreen");
-    }
-    for (std::string& text : texts_) pointers_.push_back(text.data());
-    count_ = static_cast<int>(pointers_.size());
-    pointers_.push_back(nullptr);
-  }
-
-  int& count() { return count_; }
-  char** values() { return pointers_.data(); }
-
- private:
-  void add(const char* text) { texts_.emplace_back(text); }
-
-  std::vector<std::string> texts_;
-  std::vector<char*> pointers_;
-  int count_ = 0;
-};
-
-std::unique_ptr<QGuiApplication> makeApplication(ToolkitArguments& arguments) {
-  // The software scene graph needs no graphics driver, so none can take the lock down.
-  QQuickWindow::setSceneGraphBackend(QStringLiteral("software"));
-  QGuiApplication::setApplicationName(QStringLiteral("Dormel"));
-  QGuiApplication::setDesktopFileName(QLatin1String(BUNDLE_IDENTIFIER));
-  QGuiApplication::setQuitOnLastWindowClosed(false);
-  auto application = std::make_unique<QGuiApplication>(arguments.count(), arguments.values());
-  // Qt adopts the user's locale for the whole process; the figures in our logs keep their decimal point.
-  std::setlocale(LC_NUMERIC, "C");
-  return application;
-}
 
 /// The permission as x11/ sees it, and the way back when there was no display at first.
 class DesktopAccessibility final : public Accessibility {
@@ -99,29 +53,12 @@ class DesktopAccessibility final : public Accessibility {
   const bool isStartedAgain_;
 };
 
-/// Turns the toolkit's own idea of quitting (the session manager's last word) into a quit request.
-class QuitRequests final : public QObject {
- public:
-  explicit QuitRequests(Task onQuit) : onQuit_(std::move(onQuit)) {}
-
- protected:
-  bool eventFilter(QObject* watched, QEvent* event) override {
-    if (event->type() != QEvent::Quit || watched != QCoreApplication::instance()) return false;
-    onQuit_();
-    return true;
-  }
-
- private:
-  Task onQuit_;
-};
-
 }  // namespace
 
 struct LinuxPlatform::Parts {
   Parts(LaunchKind kind, QmlSceneRegistry scenes)
       : kind(kind),
-        arguments(kind),
-        qt(kind == LaunchKind::command ? nullptr : makeApplication(arguments)),
+        toolkit(kind == LaunchKind::command ? nullptr : std::make_unique<Toolkit>(kind == LaunchKind::windows)),
         icon(kind == LaunchKind::windows ? scenes.icon() : QIcon()),
         files(freedesktop::noteCreatedFolder),
         process(queues, freedesktop::seatFiles(),
@@ -139,7 +76,6 @@ struct LinuxPlatform::Parts {
         alerts(windows),
         mainWindows(windows),
         mainMenu(windows, otherApplications()),
-        quitRequests([this] { application.terminate(); }),
         services{clock,
                  calendar,
                  loop,
@@ -177,22 +113,6 @@ struct LinuxPlatform::Parts {
           [this](bool sleeping) { notices.post(sleeping ? Notice::willSleep : Notice::didWake); },
           [this](const char* line) { output.printError(line); });
     });
-    if (kind == LaunchKind::windows) joinDesktop();
-  }
-
-  void joinDesktop() {
-    QGuiApplication::setWindowIcon(icon);
-    qt->installEventFilter(&quitRequests);
-    // The scheduler is what starts us: a session that is restored must not open the window.
-    QObject::connect(
-        qt.get(), &QGuiApplication::saveStateRequest, qt.get(),
-        [](QSessionManager& manager) { manager.setRestartHint(QSessionManager::RestartNever); }, Qt::DirectConnection);
-    QObject::connect(
-        qt.get(), &QGuiApplication::commitDataRequest, qt.get(),
-        [this](QSessionManager& manager) {
-          if (!application.mayTerminate()) manager.cancel();
-        },
-        Qt::DirectConnection);
   }
 
   WindowHelp windowHelp() {
@@ -213,8 +133,7 @@ struct LinuxPlatform::Parts {
   }
 
   const LaunchKind kind;
-  ToolkitArguments arguments;
-  std::unique_ptr<QGuiApplication> qt;
+  std::unique_ptr<Toolkit> toolkit;
   QIcon icon;
   qt::QtRunLoop loop;
   posix::PosixClock clock;
@@ -240,7 +159,6 @@ struct LinuxPlatform::Parts {
   QtAlerts alerts;
   QtMainWindows mainWindows;
   QtMainMenu mainMenu;
-  QuitRequests quitRequests;
   Platform services;
 };
 
@@ -249,10 +167,7 @@ LinuxPlatform::LinuxPlatform(LaunchKind kind, QmlSceneRegistry scenes)
 
 LinuxPlatform::~LinuxPlatform() = default;
 
-bool LinuxPlatform::hasDesktop() {
-  const char* wayland = std::getenv("WAYLAND_DISPLAY");
-  return (wayland != nullptr && *wayland != '\0') || x11::Connection::open() != nullptr;
-}
+bool LinuxPlatform::hasDesktop() { return Toolkit::reachesWayland() || x11::Connection::open() != nullptr; }
 
 Platform& LinuxPlatform::services() { return parts_->services; }
 
@@ -263,12 +178,9 @@ void LinuxPlatform::run(ApplicationDelegate& delegate) {
     parts_->process.onSignal(signal, [this] { parts_->application.terminate(); });
   }
   if (parts_->kind == LaunchKind::windows) {
-    QObject::connect(parts_->qt.get(), &QGuiApplication::applicationStateChanged, parts_->qt.get(),
-                     [this, &delegate](Qt::ApplicationState state) {
-                       if (state != Qt::ApplicationActive) return;
-                       // In a turn of its own: what comes of it may be the end of the window that has the focus.
-                       parts_->loop.async([&delegate] { delegate.didBecomeActive(); });
-                     });
+    parts_->toolkit->join(parts_->icon, {[this] { parts_->application.terminate(); },
+                                         [this] { return parts_->application.mayTerminate(); },
+                                         [&delegate] { delegate.didBecomeActive(); }});
   }
   parts_->loop.async([&delegate] { delegate.didFinishLaunching(); });
   QGuiApplication::exec();

@@ -99,8 +99,11 @@ Item {
 
             Text {
                 width: parent.width
-                text: "The test run plays the whole night in 40 seconds, the demo a single hold. Esc ends either at any moment."
+                text: root.view.canRunDemo
+                      ? "The test run plays the whole night in 40 seconds, the demo a single hold. Esc ends either at any moment."
+                      : "The test run plays the whole night in 40 seconds; Esc ends it at any moment. The demo needs Accessibility."
                 wrapMode: Text.Wrap
+                lineHeight: 1.15
                 font: Typeface.at(13, Font.Normal)
                 color: Tone.secondary
             }
@@ -119,13 +122,6 @@ Item {
                     enabled: root.view.canRunDemo
                     onClicked: root.view.demo()
                 }
-            }
-            Text {
-                width: parent.width
-                visible: !root.view.canRunDemo
-                text: "The demo needs Accessibility."
-                font: Typeface.at(12, Font.Normal)
-                color: Tone.faint
             }
         }
     }

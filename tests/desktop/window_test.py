@@ -4,6 +4,7 @@ import time
 import unittest
 
 from case import ESCAPE, RETURN, TAB, DesktopCase, evdev_of_label, until
+from desk.menu_bar import MenuBar
 
 LEFT_CTRL, Q, W, M = 29, 16, 17, 50
 
@@ -11,16 +12,17 @@ LEFT_CTRL, Q, W, M = 29, 16, 17, 50
 CLOSE = (438, 22)
 MINIMIZE = (406, 22)
 HEADER = (60, 80)
+TEST_RUN = (130, 551)
 
 
 class WindowTest(DesktopCase):
-    def open(self, **options):
+    def open(self, surroundings=lambda desk: None, **options):
         desk = self.desk(windows="openbox", **options)
         hour = time.localtime().tm_hour
         desk.home.change_settings(onboardingComplete=True, blockStartHour=(hour + 6) % 24,
                                   blockEndHour=(hour + 9) % 24, debugLoggingEnabled=True)
         begun = self.clock()
-        process = self.start(desk)
+        process = self.start(desk, environment=surroundings(desk))
         window = self.window_of(desk, process)
         self.saw(f"window after {1000 * (self.clock() - begun):.0f} ms")
         until("it has the focus", lambda: desk.clients.active() == window.id, 5)
@@ -68,6 +70,39 @@ class WindowTest(DesktopCase):
                 self.chord(desk, *keys)
                 self.assertEqual(process.wait(5), 0)
 
+    def test_its_menu_is_in_the_desktops_menu_bar(self):
+        bars = []
+
+        def bar(desk):
+            bars.append(MenuBar(desk))
+            self.addCleanup(bars[0].close)
+            return bars[0].environment()
+
+        desk, process, window = self.open(surroundings=bar)
+        menus = bars[0].titles(window.id)
+        self.saw(f"{menus}")
+        self.assertEqual(list(menus), ["Dormel", "Edit", "Window"])
+        self.assertEqual(menus["Dormel"], ["About Dormel", "-", "Hide Dormel", "Hide Others", "Show All", "-",
+                                           "Quit Dormel"])
+        self.assertEqual([item for item in menus["Edit"] if item != "-" and not item.startswith("(")], [],
+                         "nothing here can be edited")
+        self.assertEqual(menus["Window"], ["Close", "Minimize", "Dormel"])
+
+        bars[0].choose(window.id, "Hide Others")
+        until("the document is out of sight", lambda: not desk.clients.is_shown(desk.witness.window.id), 3)
+        self.assertFalse(self.window_of(desk, process).minimized)
+        bars[0].choose(window.id, "Show All")
+        until("the document is back", lambda: desk.clients.is_shown(desk.witness.window.id), 3)
+
+        bars[0].choose(window.id, "About Dormel")
+        about = self.window_of(desk, process, "About Dormel")
+        self.assertEqual(about.belongs_to, window.id)
+        desk.keyboard.tap(ESCAPE)
+        until("the panel is gone", lambda: len(desk.clients.of(process.pid)) == 1, 3)
+
+        bars[0].choose(window.id, "Quit Dormel")
+        self.assertEqual(process.wait(5), 0)
+
     def test_an_alert_is_answered_by_the_keyboard(self):
         desk, process, window = self.open()
         self.press_button(desk, 3)  # Test run, Demo, Uninstall
@@ -86,7 +121,7 @@ class WindowTest(DesktopCase):
 
     def test_a_test_run_is_left_at_any_moment(self):
         desk, process, window = self.open()
-        desk.mouse.click(*window.at(130, 527))
+        desk.mouse.click(*window.at(*TEST_RUN))
         until("every screen is covered", lambda: desk.eyes.covered(process.pid), 5)
         desk.home.wait_for_line("debug.log", "═══ TEST START", 3)
         self.assertFalse(desk.keys_reach_the_document(), "the keyboard is taken")

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <QAccessible>
 #include <QGuiApplication>
 #include <functional>
 #include <optional>
@@ -60,6 +61,24 @@ TEST(AlertTest, ShowsTheRingOnlyToTheKeyboard) {
   EXPECT_EQ(OpenWindows::ringed(), QStringList{QStringLiteral("Cancel")});
   windows.key(Qt::Key_Backtab);
   EXPECT_EQ(OpenWindows::ringed(), QStringList{QStringLiteral("Save")});
+}
+
+TEST(AlertTest, AssistiveToolsCanReadAndPressIt) {
+  OpenWindows windows;
+  QtAlerts alerts(windows.group);
+  std::vector<int> answers;
+  const auto shown = alerts.show(THREE, [&](int button) { answers.push_back(button); });
+  windows.settle();
+  QAccessibleInterface* button = QAccessible::queryAccessibleInterface(
+      OpenWindows::itemWithText(QStringLiteral("Which?"), QStringLiteral("Discard")));
+  ASSERT_NE(button, nullptr);
+  EXPECT_EQ(button->role(), QAccessible::Button);
+  EXPECT_EQ(button->text(QAccessible::Name), QStringLiteral("Discard"));
+  EXPECT_TRUE(button->state().focusable);
+  ASSERT_NE(button->actionInterface(), nullptr);
+  button->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+  windows.settle();
+  EXPECT_EQ(answers, std::vector{2});
 }
 
 TEST(AlertTest, TheDesktopsCloseCancelsOrDoesNothing) {

@@ -67,6 +67,10 @@ class Clients:
         self._root.change_property(self._display.intern_atom("DORMEL_DESK"), Xatom.CARDINAL, 32, [1])
         self._display.sync()
 
+    def is_shown(self, number):
+        """Whether the window is on the screen, not minimised."""
+        return self._display.create_resource_object("window", number).get_attributes().map_state == X.IsViewable
+
     def active(self):
         """The window that has the focus, as the window manager says; 0 for none."""
         return next(iter(self._values(self._root, "_NET_ACTIVE_WINDOW")), 0)

@@ -14,7 +14,9 @@ FocusScope {
     Accessible.name: "About Dormel"
     Accessible.description: "Dormel " + view.versionText
 
-    Ground {}
+    Ground {
+        color: Tone.raised
+    }
 
     Column {
         id: column

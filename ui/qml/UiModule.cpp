@@ -29,7 +29,7 @@ void registerUiScenes(QmlSceneRegistry& registry) {
                                       [](const std::shared_ptr<View>& view) -> std::unique_ptr<ViewBridge> {
                                         return std::make_unique<AboutBridge>(std::static_pointer_cast<AboutView>(view));
                                       },
-                                      Tone::background()});
+                                      Tone::raised()});
   registry.setWindowFrame(QUrl(QStringLiteral("qrc:/qt/qml/Dormel/Ui/WindowFrame.qml")));
   registry.setIcon(AppTile::icon);
 }
