@@ -93,10 +93,11 @@ void runOneShotCommand() {
   }
 }
 
-bool opensWindow() {
-  return !has("--scheduled") &&
-         std::none_of(std::begin(COMMANDS), std::end(COMMANDS), [](const Command& c) { return has(c.argument); });
+bool isOneShotCommand() {
+  return std::any_of(std::begin(COMMANDS), std::end(COMMANDS), [](const Command& c) { return has(c.argument); });
 }
+
+bool opensWindow() { return !has("--scheduled") && !isOneShotCommand(); }
 
 std::shared_ptr<AppDelegate> startApplication() {
   platform().process.onTerminationSignal([] {

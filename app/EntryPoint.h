@@ -16,8 +16,10 @@ namespace EntryPoint {
 /// order, at any position) and exits with its status; returns when there is none.
 void runOneShotCommand();
 
-/// Whether these arguments ask for the opened program: neither a scheduled run nor one of the commands above. Needs no
-/// platform.
+/// Whether these arguments hold one of the commands above. Needs no platform.
+[[nodiscard]] bool isOneShotCommand();
+
+/// Whether they ask for the opened program: neither a scheduled run nor a command. Needs no platform.
 [[nodiscard]] bool opensWindow();
 
 /// From now on a termination signal ends the process with status 1, so that the scheduler starts it again. Then

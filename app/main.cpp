@@ -14,7 +14,9 @@
 int main(int argc, char** argv) {
   using namespace dormel;
   cliArgs.assign(argv, argv + argc);
-  const LaunchKind kind = EntryPoint::opensWindow() ? LaunchKind::windows : LaunchKind::background;
+  const LaunchKind kind = EntryPoint::isOneShotCommand() ? LaunchKind::command
+                          : EntryPoint::opensWindow()    ? LaunchKind::windows
+                                                         : LaunchKind::background;
   if (kind == LaunchKind::windows && !LinuxPlatform::hasDesktop()) {
     std::fputs("Dormel: there is no display to open a window on; see --help\n", stderr);
     return 1;

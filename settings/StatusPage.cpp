@@ -12,12 +12,6 @@ namespace {
 
 constexpr Seconds REFRESH_INTERVAL = 2.0;
 
-bool askTrusted() { return platform().accessibility.isProcessTrusted(); }
-
-bool askLockedIn() {
-  return Config::onboardingComplete() && Config::blockingEnabled() && Config::isBlockingNow(platform().clock.now());
-}
-
 }  // namespace
 
 std::string hourLabel(int hour) {
@@ -29,19 +23,24 @@ std::shared_ptr<StatusPage> StatusPage::create(Actions actions) {
   return std::shared_ptr<StatusPage>(new StatusPage(std::move(actions)));
 }
 
-StatusPage::StatusPage(Actions actions)
-    : actions_(std::move(actions)), trusted_(this, askTrusted()), lockedIn_(this, askLockedIn()) {}
+StatusPage::StatusPage(Actions actions) : actions_(std::move(actions)) {}
+
+StatusPage::Facts StatusPage::look() {
+  const bool complete = Config::onboardingComplete();
+  const bool enabled = Config::blockingEnabled();
+  return {platform().accessibility.isProcessTrusted(),
+          complete && enabled && Config::isBlockingNow(platform().clock.now()),
+          complete,
+          enabled,
+          Config::startHour(),
+          Config::endHour()};
+}
 
 void StatusPage::onAppear() {
   if (refreshTimer_) return;
   refreshTimer_ = Timer::repeating(REFRESH_INTERVAL, [weak = weak_from_this()] {
-    if (const auto self = weak.lock()) self->refresh();
+    if (const auto self = weak.lock()) self->seen_ = look();
   });
-}
-
-void StatusPage::refresh() {
-  trusted_ = askTrusted();
-  lockedIn_ = askLockedIn();
 }
 
 bool StatusPage::isArmed() const { return Config::onboardingComplete() && Config::blockingEnabled(); }
@@ -61,7 +60,7 @@ std::string StatusPage::scheduleText() const {
 }
 
 std::string StatusPage::permissionText() const {
-  return trusted_ ? "Granted. Dormel can lock the screen." : "Required. Dormel can't lock the screen.";
+  return seen_->trusted ? "Granted. Dormel can lock the screen." : "Required. Dormel can't lock the screen.";
 }
 
 std::string StatusPage::versionText() const {

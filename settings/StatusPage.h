@@ -37,14 +37,14 @@ class StatusPage : public View, public Observable, public std::enable_shared_fro
   [[nodiscard]] std::string statusText() const;
   /// "Locks 10:00 PM, unlocks 6:00 AM."
   [[nodiscard]] std::string scheduleText() const;
-  [[nodiscard]] bool isTrusted() const { return trusted_; }
+  [[nodiscard]] bool isTrusted() const { return seen_->trusted; }
   [[nodiscard]] std::string permissionText() const;
   /// "1.0 (build 15)"
   [[nodiscard]] std::string versionText() const;
   /// Switched on, and the blocking hours are running: nothing that loosens the lock is offered.
-  [[nodiscard]] bool isLockedIn() const { return lockedIn_; }
+  [[nodiscard]] bool isLockedIn() const { return seen_->lockedIn; }
   /// The demo needs the permission; the test run goes without.
-  [[nodiscard]] bool canRunDemo() const { return trusted_; }
+  [[nodiscard]] bool canRunDemo() const { return seen_->trusted; }
 
   void testRun() const { actions_.testRun(); }
   void demo() const { actions_.demo(); }
@@ -52,12 +52,18 @@ class StatusPage : public View, public Observable, public std::enable_shared_fro
   void openAccessibilitySettings() const { actions_.openAccessibilitySettings(); }
 
  private:
+  /// Everything that makes the page look different.
+  struct Facts {
+    bool trusted, lockedIn, complete, enabled;
+    int startHour, endHour;
+    friend bool operator==(const Facts&, const Facts&) = default;
+  };
+
   explicit StatusPage(Actions actions);
-  void refresh();
+  [[nodiscard]] static Facts look();
 
   Actions actions_;
-  Published<bool> trusted_;
-  Published<bool> lockedIn_;
+  Published<Facts> seen_{this, look()};  // its observers hear of each change once
   Timer refreshTimer_;
 };
 

@@ -25,6 +25,7 @@
 #include "platform/linux/posix/PosixProcess.h"
 #include "platform/linux/posix/PosixQueues.h"
 #include "platform/linux/posix/PropertyListDefaults.h"
+#include "platform/linux/posix/StandardDescriptors.h"
 #include "platform/linux/qt/QmlCanvasFactory.h"
 #include "platform/linux/qt/QmlStage.h"
 #include "platform/linux/qt/QtAlerts.h"
@@ -120,7 +121,7 @@ struct LinuxPlatform::Parts {
   Parts(LaunchKind kind, QmlSceneRegistry scenes)
       : kind(kind),
         arguments(kind),
-        qt(makeApplication(arguments)),
+        qt(kind == LaunchKind::command ? nullptr : makeApplication(arguments)),
         icon(kind == LaunchKind::windows ? scenes.icon() : QIcon()),
         files(freedesktop::noteCreatedFolder),
         process(queues, freedesktop::seatFiles(),
@@ -244,7 +245,7 @@ struct LinuxPlatform::Parts {
 };
 
 LinuxPlatform::LinuxPlatform(LaunchKind kind, QmlSceneRegistry scenes)
-    : parts_(std::make_unique<Parts>(kind, std::move(scenes))) {}
+    : parts_((posix::holdStandardDescriptors(), std::make_unique<Parts>(kind, std::move(scenes)))) {}
 
 LinuxPlatform::~LinuxPlatform() = default;
 

@@ -11,6 +11,7 @@ namespace dormel {
 
 /// What a process will show.
 enum class LaunchKind {
+  command,     ///< nothing: it prints and exits without an event loop, and the toolkit stays out of it
   background,  ///< panels or nothing: the toolkit only draws, and works without a display
   windows,     ///< ordinary windows and alerts, on the desktop's own Qt platform
 };

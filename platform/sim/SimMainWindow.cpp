@@ -10,7 +10,7 @@ class SimMainWindows::Handle : public MainWindow {
   Handle(SimMainWindows& windows, std::shared_ptr<State> state) : windows_(windows), state_(std::move(state)) {}
   Handle(const Handle&) = delete;
   Handle& operator=(const Handle&) = delete;
-  ~Handle() override { close(); }
+  ~Handle() override { windows_.takeOff(state_, "closed"); }
 
   void bringToFront() override { windows_.bringToFront(state_); }
   void close() override { windows_.takeOff(state_, "closed"); }

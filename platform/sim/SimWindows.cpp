@@ -180,7 +180,8 @@ bool SimWindowServer::deliverKey(const KeyEvent& event) {
       if ((*monitor)(event)) return true;
     }
   }
-  if (window == nullptr) return true;  // an ordinary window, which does nothing with keys
+  // An ordinary window does nothing with keys, and one that a monitor closed hears of nothing.
+  if (window == nullptr || keyWindow_ != window) return true;
   if (const auto handler = window->keyHandler_) handler(event);
   return true;
 }

@@ -21,7 +21,7 @@ Item {
     Column {
         id: header
         anchors.horizontalCenter: parent.horizontalCenter
-        y: 48
+        y: 44
         spacing: 14
 
         // It draws itself when the window opens.
@@ -52,7 +52,7 @@ Item {
 
     Column {
         x: root.margin
-        y: 148
+        y: 140
         width: parent.width - 2 * root.margin
         spacing: 20
 
@@ -99,7 +99,7 @@ Item {
 
             Text {
                 width: parent.width
-                text: "See what the night looks like. Esc ends it at any moment."
+                text: "The test run plays the whole night in 40 seconds, the demo a single hold. Esc ends either at any moment."
                 wrapMode: Text.Wrap
                 font: Typeface.at(13, Font.Normal)
                 color: Tone.secondary

@@ -44,7 +44,8 @@ class ScreensTest(DesktopCase):
             for what, act in steps:
                 self.change(desk, process, what, act)
         self.saw(f"the main monitor meanwhile: {sampler}")
-        self.assertEqual(sampler.exposures, 0)
+        # A single look may fall into the server's own rebuilding of its frame buffer; a gap of ours would last.
+        self.assertLess(sampler.longest, 0.1)
         desk.home.wait_for_line("debug.log", "  holding ", 2, len(desk.home.log("debug.log")))
         self.assertFalse([line for line in desk.home.log("debug.log")[mark:] if "⏸" in line or "⟳" in line])
         self.saw("and the hold went on")

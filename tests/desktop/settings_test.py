@@ -7,6 +7,7 @@ import time
 import unittest
 
 from case import DesktopCase, until
+from desk import processes
 
 
 class SettingsTest(DesktopCase):
@@ -64,6 +65,56 @@ class SettingsTest(DesktopCase):
         until("the lock", lambda: desk.eyes.covered(process.pid), 10)
         self.assertFalse(desk.keys_reach_the_document())
         self.assert_stays(process, 1)
+
+    def test_the_scheduler_locks_without_a_log(self):
+        for manager in (True, False):
+            with self.subTest("user manager" if manager else "built-in supervisor"):
+                desk = self.desk(manager=manager)
+                self.assertIsNone(desk.manager_missing)
+                os.makedirs(os.path.join(desk.home.path, "Library"))
+                with open(os.path.join(desk.home.path, "Library", "Logs"), "w", encoding="ascii"):
+                    pass
+                desk.home.hours_around_now()
+                desk.bundle.setup()
+                for word in ("locked", "killed and locked again"):
+                    pid = desk.bundle.wait_for_scheduled()
+                    until(word, lambda pid=pid: desk.eyes.covered(pid), 10)
+                    desk.bundle.kill(pid)
+                    until("it is gone", lambda pid=pid: not processes.alive(pid), 5)
+                desk.close()
+
+    def test_a_full_disk(self):
+        """Nothing more can be written: the lock comes all the same, and what is saved stays as it is."""
+        desk = self.desk()
+        desk.home.hours_around_now(onboardingComplete=False)
+        # A small disk of its own for everything that the program writes, filled to the last byte.
+        script = """set -e
+            settings=$(cat "$1")
+            mount -t tmpfs -o size=64k none "$HOME/Library"
+            mkdir -p "$HOME/Library/Preferences" "$HOME/Library/Logs/Dormel" "$HOME/Library/LaunchAgents"
+            echo "$settings" > "$1"
+            sed s/false/true/ "$1" > "$HOME/Library/Preferences/ready"
+            touch "$HOME/Library/Logs/Dormel/dormel.log"
+            head -c 1M /dev/zero > "$HOME/Library/rest" 2> /dev/null || true
+            "$0" --setup || echo "status $?"
+            echo "$settings" | cmp - "$1" && echo "settings are as they were"
+            mv "$HOME/Library/Preferences/ready" "$1"
+            exec "$0" --scheduled"""
+        command = ["unshare", "--mount", *([] if os.getuid() == 0 else ["--map-root-user"])]
+        if subprocess.run([*command, "true"], capture_output=True, check=False).returncode != 0:
+            self.skipTest("this system makes no mount namespaces")
+        process = subprocess.Popen([*command, "/bin/sh", "-c", script, desk.bundle.program, desk.home.settings_path],
+                                   env=desk.environment(), stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                                   stderr=subprocess.STDOUT, text=True)
+        try:
+            until("the lock", lambda: desk.eyes.covered(process.pid), 15)
+            self.assertFalse(desk.keys_reach_the_document())
+            self.assert_stays(process, 1)
+        finally:
+            process.kill()
+            said = process.communicate()[0]
+        self.saw(" / ".join(said.splitlines()))
+        self.assertIn("Setup FAILED — agent not installed.\nstatus 1\nsettings are as they were\n", said)
 
     def test_damaged_night_records(self):
         desk = self.desk()

@@ -107,6 +107,7 @@ TEST_F(DegradedTest, ANightFromTheCardToTheMorning) {
                  "window 3 fades to 1 in 2.5 s ease-out"};
   for (std::string& line : expected) line.insert(0, "23:15:03.000 ");
   EXPECT_EQ(machine.journal.lines(), expected);
+  EXPECT_EQ(night.session().permissionWindow(), nullptr);
   EXPECT_EQ(machine.timeline.repeatingTimers(), timersOfALock());
   EXPECT_NEAR(night.unlock(), 30, 0.11);
   machine.advanceTo("2026-11-17 06:00:10");

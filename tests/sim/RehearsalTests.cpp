@@ -220,6 +220,16 @@ TEST_F(RehearsalTest, ADemoIsOneHold) {
   expectOver(PASSED);
 }
 
+TEST_F(RehearsalTest, ADemoWritesNothing) {
+  EXPECT_TRUE(startDemo());
+  hold(5.1);
+  machine.advance(10);
+  EXPECT_EQ(ends, 1);
+  EXPECT_TRUE(DebugLog::shared().lines().empty()) << "it switches no log on";
+  EXPECT_FALSE(machine.files.exists("/home/user/Library"));
+  EXPECT_EQ(machine.journal.text().find("default "), std::string::npos);
+}
+
 TEST_F(RehearsalTest, ADemoLeftAloneFadesAwayByItself) {
   DebugLog::shared().setEnabled(true);
   EXPECT_TRUE(startDemo());

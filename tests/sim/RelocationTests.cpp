@@ -191,7 +191,7 @@ TEST(Relocation, TheJobNamesTheCopyThatStaysSoThatTheVeryNextRunLocks) {
   program.machine.mainWindows.closeFront();
   program.machine.advanceTo("2026-11-16 22:00:03");
   ASSERT_TRUE(program.machine.timeline.processRuns());
-  EXPECT_EQ(program.machine.bundle.path(), to);
+  ASSERT_EQ(program.machine.bundle.path(), to);
   EXPECT_EQ(program.delegate().screenManager()->state(), SessionState::blocked);
   EXPECT_EQ(program.machine.windows.cover(), 1);
 }

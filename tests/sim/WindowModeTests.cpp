@@ -337,6 +337,45 @@ TEST(WindowMode, TheRehearsalsOfThePage) {
   EXPECT_FALSE(page->canRunDemo());
 }
 
+TEST(WindowMode, EscapeEndsATestRunWhereverItArrives) {
+  const struct {
+    const char* name;
+    Seconds at;  // after the first hold; the pill comes at 3.7
+    bool otherInFront;
+    bool ends;
+  } rows[] = {
+      {"by the tap that is being let go", 4, false, true},
+      {"by the main window, beside the pill", 7, false, true},
+      {"by the new tap", 12, true, true},
+      {"in another application, beside the pill", 7, true, false},
+  };
+  for (const auto& row : rows) {
+    Program program;
+    SimMachine& machine = program.machine;
+    program.arm();
+    program.open();
+    program.delegate().testNow();
+    ScreenManager& session = *program.delegate().screenManager();
+    machine.advance(3);
+    machine.journal.clear();
+    machine.screens.plug("DP-2", {1920, 0, 1280, 1024});
+    machine.sleep(1);
+    EXPECT_EQ(effects(program), (Lines{"screen DP-2 plugged", "sleeps", "wakes"})) << "nobody watches them now";
+    pressAll(machine, *session.bypassController());
+    machine.advance(5.05);
+    releaseAll(machine);
+    machine.advance(row.at);
+    if (row.otherInFront) machine.windows.stealFocus();
+    machine.keyboard.press(53);
+    machine.settle();
+    EXPECT_EQ(session.state() == SessionState::idle, row.ends) << row.name;
+    EXPECT_EQ(machine.windows.visible().empty(), row.ends) << row.name;
+    EXPECT_EQ(appTrail().back() == "═══ TEST CANCELLED ═══", row.ends) << row.name;
+    EXPECT_EQ(machine.keyboard.foreignKeys().empty(), row.ends) << row.name;
+    EXPECT_FALSE(machine.keyboard.isTaken()) << row.name;
+  }
+}
+
 TEST(ScheduledRun, IsQuitOnlyWhenNothingIsLocked) {
   const struct {
     const char* name;
@@ -372,7 +411,7 @@ TEST(ScheduledRun, IsQuitOnlyWhenNothingIsLocked) {
       continue;
     }
     EXPECT_EQ(machine.exitStatus(), 0) << row.name;
-    EXPECT_TRUE(machine.windows.visible().empty()) << row.name;
+    EXPECT_EQ(program.effects(), (Lines{"window 1 out", "presentation 0", "exit 0"})) << row.name;
   }
 }
 

@@ -91,6 +91,13 @@ void Child::kill() {
   waitpid(std::exchange(pid_, -1), nullptr, 0);
 }
 
+bool Child::endsWhenAsked() {
+  ::kill(pid_, SIGTERM);
+  const bool hasEnded = until([this] { return waitpid(pid_, nullptr, WNOHANG) == pid_; }, 5000);
+  if (hasEnded) pid_ = -1;
+  return hasEnded;
+}
+
 std::unique_ptr<XServer> XServer::xorg(const std::vector<std::string>& arguments) {
   std::string folder = "/tmp/dormel-x11-XXXXXX";
   if (mkdtemp(folder.data()) == nullptr) throw std::runtime_error("no folder for the server");

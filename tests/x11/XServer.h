@@ -28,6 +28,8 @@ class Child {
   Child(Child&& other) noexcept;
   ~Child() { kill(); }
   void kill();
+  /// Asks it to end; false when it has not within five seconds.
+  [[nodiscard]] bool endsWhenAsked();
 
  private:
   pid_t pid_;
@@ -44,6 +46,8 @@ class XServer {
   [[nodiscard]] const std::string& display() const { return display_; }
   /// Ends the server as a crash would.
   void crash();
+  /// Asks the server to end; false when it does not.
+  [[nodiscard]] bool endsWhenAsked() { return process_.endsWhenAsked(); }
 
   // Monitors, by `xrandr`. Names are those of outputs; geometry as "800x600+0+0".
   void plug(const std::string& output, int width, int height, int x, int y);

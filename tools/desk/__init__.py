@@ -10,13 +10,15 @@ from .bundle import Bundle
 from .clients import Clients
 from .desk import Desk
 from .eyes import Eyes, Picture, Sampler
-from .home import Home
+from .home import IDENTIFIER, Home
 from .keyboard import ESCAPE, RETURN, SPACE, TAB, Keyboard, evdev_of_label
+from .login_manager import LoginManager
 from .mouse import Mouse
 from .neighbours import Neighbour
 from .server import Server
 from .wait import NotSeen, until
 from .watcher import Watcher
 
-__all__ = ["Bundle", "Clients", "Desk", "ESCAPE", "Eyes", "Home", "Keyboard", "Mouse", "Neighbour", "NotSeen", "Picture",
-           "RETURN", "SPACE", "Sampler", "Server", "TAB", "Watcher", "evdev_of_label", "until"]
+__all__ = ["Bundle", "Clients", "Desk", "ESCAPE", "Eyes", "Home", "IDENTIFIER", "Keyboard", "LoginManager", "Mouse",
+           "Neighbour", "NotSeen", "Picture", "RETURN", "SPACE", "Sampler", "Server", "TAB", "Watcher", "evdev_of_label",
+           "until"]

@@ -35,7 +35,10 @@ class Clients:
         self._root = self._display.screen().root
 
     def close(self):
-        self._display.close()
+        try:
+            self._display.close()
+        except Exception:  # the server went first
+            pass
 
     def _values(self, window, name):
         found = window.get_full_property(self._display.intern_atom(name), X.AnyPropertyType)

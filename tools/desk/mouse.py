@@ -37,4 +37,7 @@ class Mouse:
         self.release()
 
     def close(self):
-        self._display.close()
+        try:
+            self._display.close()
+        except Exception:  # the server went first
+            pass

@@ -7,7 +7,7 @@ FocusScope {
 
     required property AlertBridge view
 
-    implicitWidth: 440
+    implicitWidth: 412
     implicitHeight: column.height + 24 + 20
 
     Accessible.role: Accessible.AlertMessage

@@ -13,7 +13,8 @@ std::optional<std::string> findProgram(const std::string& name) {
   const char* path = std::getenv("PATH");
   std::istringstream folders(path == nullptr ? "/usr/local/bin:/usr/bin:/bin" : path);
   for (std::string folder; std::getline(folders, folder, ':');) {
-    const std::string candidate = folder + "/" + name;
+    std::string candidate = folder;
+    candidate.append("/").append(name);
     std::error_code ignored;
     if (folder.starts_with('/') && ::access(candidate.c_str(), X_OK) == 0 &&
         std::filesystem::is_regular_file(candidate, ignored)) {

@@ -28,7 +28,10 @@ DesktopWindow::DesktopWindow(std::shared_ptr<WindowGroup> group, const std::shar
   connect(this, &QWindow::screenChanged, this, [this] { tellShowing(); });
 }
 
-DesktopWindow::~DesktopWindow() = default;
+DesktopWindow::~DesktopWindow() {
+  // The window beneath goes off the screen only after what stands in it is gone.
+  disconnect(this, nullptr, this, nullptr);
+}
 
 void DesktopWindow::tellShowing() {
   if (!scene_.bridge) return;

@@ -37,7 +37,7 @@ Connection::~Connection() {
 }
 
 void Connection::startPumping() {
-  if (notifier_ != nullptr) return;
+  if (notifier_ != nullptr || QAbstractEventDispatcher::instance() == nullptr) return;
   pumpContext_ = std::make_unique<QObject>();
   notifier_ = new QSocketNotifier(xcb_get_file_descriptor(xcb_), QSocketNotifier::Read);
   QObject::connect(notifier_, &QSocketNotifier::activated, pumpContext_.get(), [this] { readSocket(); });

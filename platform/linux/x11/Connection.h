@@ -40,7 +40,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
   [[nodiscard]] bool isAlive() const { return xcb_connection_has_error(xcb_) == 0; }
 
   /// Delivers events on the thread's Qt event loop from now on. Requests still buffered are sent whenever the
-  /// loop is about to wait. Without pumping, events queue up.
+  /// loop is about to wait. Without pumping, events queue up; so they do in a thread without an event loop.
   void startPumping();
   void stopPumping();
 

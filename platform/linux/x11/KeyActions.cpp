@@ -107,18 +107,32 @@ void KeyActions::store(const Keymap& keymap) {
                   values.data());
 }
 
-void KeyActions::disarm() {
-  if (!features_.xkb) return;
-  const auto all = devices();
-  for (const std::uint16_t device : all) {
+bool KeyActions::watch(const std::vector<Keymap>& keymaps) {
+  bool isNews = false;
+  for (const Keymap& keymap : keymaps) {
+    // Of devices with keys alone: the server never gets rid of an interest in a keymap on a device that has none, and
+    // hangs when that device goes.
+    if (std::find(watched_.begin(), watched_.end(), keymap.device) != watched_.end()) continue;
     constexpr std::uint16_t WATCHED = XCB_XKB_EVENT_TYPE_NEW_KEYBOARD_NOTIFY | XCB_XKB_EVENT_TYPE_MAP_NOTIFY;
     xcb_xkb_select_events_details_t details{};
     details.affectNewKeyboard = XCB_XKB_NKN_DETAIL_KEYCODES;
     details.newKeyboardDetails = XCB_XKB_NKN_DETAIL_KEYCODES;
-    xcb_xkb_select_events_aux(*connection_, device, WATCHED, 0, 0, EVERY_MAP_PART, EVERY_MAP_PART, &details);
+    xcb_xkb_select_events_aux(*connection_, keymap.device, WATCHED, 0, 0, EVERY_MAP_PART, EVERY_MAP_PART, &details);
+    watched_.push_back(keymap.device);
+    isNews = true;
   }
+  return isNews;
+}
+
+void KeyActions::disarm() {
+  if (!features_.xkb) return;
+  const auto all = devices();
+  // A device that went away may come back under its number, with nobody watching it.
+  std::erase_if(watched_, [&](std::uint16_t d) { return std::find(all.begin(), all.end(), d) == all.end(); });
+  auto found = keymaps(all);
+  if (watch(found)) found = keymaps(all);  // no change falls between looking and watching
   std::vector<Keymap> changed;
-  for (Keymap& keymap : keymaps(all)) {
+  for (Keymap& keymap : found) {
     bool isChanged = false;
     keymap.forEach([&](std::uint32_t keycode, std::uint32_t index, xcb_xkb_action_t& action) {
       if (!isWayOut(action)) return;

@@ -40,6 +40,8 @@ class KeyActions {
   struct Keymap;
   [[nodiscard]] std::vector<std::uint16_t> devices();
   [[nodiscard]] std::vector<Keymap> keymaps(const std::vector<std::uint16_t>& devices);
+  /// True when any of them was not watched before.
+  [[nodiscard]] bool watch(const std::vector<Keymap>& keymaps);
   void store(const Keymap& keymap);
   void remember();
   void recall();
@@ -48,6 +50,7 @@ class KeyActions {
   ServerFeatures features_;
   xcb_atom_t property_ = XCB_ATOM_NONE;
   std::vector<Taken> taken_;
+  std::vector<std::uint16_t> watched_;
 };
 
 }  // namespace dormel::x11
