@@ -61,6 +61,13 @@ class DesktopCase(unittest.TestCase):
         desk.home.wait_for_line("debug.log", "▶ all keys held", 3, mark)
         return codes
 
+    @staticmethod
+    def in_front(desk, process, title):
+        """A window of the process, once it has the focus."""
+        return until(f"{title!r} has the focus",
+                     lambda: next((c for c in desk.clients.of(process.pid)
+                                   if c.title == title and desk.clients.active() == c.id), None), 10)
+
     def assert_stays(self, process, seconds):
         """The process does not end within the time."""
         try:

@@ -320,9 +320,25 @@ class JobModel:
         job.write()
         self.bootstrap(job)
         job.wait_for_run(2)
-        job.program.unlink()
+        aside = job.program.rename(job.program.with_name("aside"))
+        self.expect(113, "print", job.target)
         os.kill(job.runs()[1][1], signal.SIGKILL)
-        wait_for("giving up", lambda: self.printed(job)["state"] in ("dead", "waiting"))
+        time.sleep(2)  # for a restart that must not come
+        self.assertEqual(len(job.runs()), 2)
+        aside.rename(job.program)
+        self.assertNotIn("pid", self.printed(job))  # it gave up
+        self.expect(0, "bootout", job.target)
+        self.bootstrap(job)
+        job.wait_for_run(3)
+        # Moved to another place, and armed again from there.
+        moved = job.program.rename(job.program.with_name("moved"))
+        self.expect(113, "print", job.target)
+        job.content["ProgramArguments"][0] = str(moved)
+        job.write()
+        self.expect(0, "bootout", job.target)
+        self.bootstrap(job)
+        os.kill(job.wait_for_run(4)[1], signal.SIGKILL)
+        job.wait_for_run(5)
 
     def test_armed_by_a_copy_that_vanishes(self):
         job = self.job()

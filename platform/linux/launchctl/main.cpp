@@ -20,6 +20,7 @@
 // the job off. permit answers 1 for no, exec the usual 126 or 127 when the program cannot be started.
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <charconv>
@@ -95,8 +96,9 @@ class Schedulers {
   /// What there is to tell about a job that is loaded whole: known to a scheduler, and armed for later logins.
   std::optional<JobReport> find(const std::string& label) {
     if (freedesktop::AutostartEntry(label).state() != freedesktop::AutostartEntry::Switch::on) return {};
-    if (auto report = systemd_.find(label)) return report;
-    return supervisor_.find(label);
+    auto report = systemd_.find(label);
+    if (!report) report = supervisor_.find(label);
+    return report && canStart(*report) ? report : std::nullopt;
   }
 
   std::optional<JobError> load(const Job& job) {
@@ -117,6 +119,16 @@ class Schedulers {
   }
 
  private:
+  /// A job whose program was moved away is not loaded in any sense that helps its user.
+  static bool canStart(const JobReport& report) {
+    const auto path =
+        std::find_if(report.begin(), report.end(), [](const auto& entry) { return entry.first == "path"; });
+    if (path == report.end()) return false;
+    const auto read = readJob(path->second);
+    const Job* job = std::get_if<Job>(&read);
+    return job != nullptr && ::access(job->program().c_str(), X_OK) == 0;
+  }
+
   std::string launcher_;
   systemd::SystemdScheduler systemd_{launcher_};
   supervisor::SupervisorScheduler supervisor_{launcher_};

@@ -1,0 +1,202 @@
+"""A copy in the wrong place: it offers to move itself, moves, and comes back from the new place, where the job finds it."""
+
+import os
+import shutil
+import signal
+import subprocess
+import time
+import unittest
+
+from case import ESCAPE, RETURN, DesktopCase, until
+from desk import processes
+
+NOBODY = 65534
+
+
+class RelocationTest(DesktopCase):
+    def downloaded(self, name="Dormel.app", **options):
+        """A desk whose Applications folder is empty; the program lies in the downloads."""
+        desk = self.desk(windows="openbox", **options)
+        self.source = os.path.join(desk.home.path, "Downloads", name)
+        os.makedirs(os.path.dirname(self.source))
+        os.rename(desk.bundle.path, self.source)
+        self.installed = os.path.join(desk.home.applications, name)
+        return desk
+
+    def open(self, desk, command=None, environment=None):
+        """Opens the downloaded copy; answers its process and the alert it shows."""
+        process = subprocess.Popen(command or [os.path.join(self.source, "Contents", "Linux", "Dormel")],
+                                   env={**desk.environment(), **(environment or {})}, stdin=subprocess.DEVNULL,
+                                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, cwd=os.path.dirname(self.source))
+        self.addCleanup(lambda: (process.kill(), process.wait()))
+        return process, self.in_front(desk, process, "Move Dormel to Applications")
+
+    def runs(self, desk, bundle):
+        """The processes of a bundle's program, with their arguments."""
+        program = os.path.join(bundle, "Contents", "Linux", "Dormel")
+        return {pid: command[1:] for pid, command in processes.of_home(desk.home.path).items()
+                if command[0] == program and processes.alive(pid)}
+
+    def opened(self, desk):
+        """The process of the opened program in its new place, once its window is there."""
+        def window():
+            return next((pid for pid, arguments in self.runs(desk, self.installed).items()
+                         if not arguments and any(c.title == "Dormel" for c in desk.clients.of(pid))), None)
+        return until("the new copy's window", window, 15)
+
+    def moves_and_locks(self, **options):
+        desk = self.downloaded(**options)
+        desk.home.hours_around_now(onboardingComplete=True)
+        process, _ = self.open(desk)
+        begun = self.clock()
+        desk.keyboard.tap(RETURN)
+        until("the old process has ended", lambda: not processes.alive(process.pid), 15)
+        copied = self.clock()
+        # Not yet reaped it still counts as running, and so the new copy has to wait for it.
+        self.assert_never(lambda: [a for a in self.runs(desk, self.installed).values() if not a], 0.5)
+        self.assertEqual(process.wait(), 0)
+        reaped = self.clock()
+        self.opened(desk)
+        self.saw(f"moved in {copied - begun:.2f} s, its window {self.clock() - reaped:.2f} s after the old one had gone")
+
+        # Its user throws the old copy away: the job must not need it.
+        shutil.rmtree(os.path.dirname(self.source))
+        desk.bundle.program = os.path.join(self.installed, "Contents", "Linux", "Dormel")
+        pid = desk.bundle.wait_for_scheduled()
+        until("the lock, from the new place", lambda: desk.eyes.covered(pid), 10)
+        os.kill(pid, signal.SIGKILL)
+        begun = self.clock()
+        pid = desk.bundle.wait_for_scheduled(other_than=pid)
+        until("the next scheduled run locks", lambda: desk.eyes.covered(pid), 10)
+        self.saw(f"killed, and locked again after {self.clock() - begun:.1f} s")
+        entry = os.path.join(desk.home.path, ".local/share/applications", desk.home.identifier + ".desktop")
+        with open(entry, encoding="utf-8") as file:
+            self.assertIn(f'\nExec="{desk.bundle.program}"\n', file.read())
+
+    def assert_never(self, seen, seconds):
+        deadline = self.clock() + seconds
+        while self.clock() < deadline:
+            self.assertFalse(seen())
+            time.sleep(0.02)
+
+    def test_moves_and_the_next_run_locks(self):
+        self.moves_and_locks()
+
+    def test_moves_and_the_next_run_locks_under_a_user_manager(self):
+        self.moves_and_locks(manager=True)
+
+    def test_stays_where_it_is_when_its_user_says_so(self):
+        desk = self.downloaded()
+        process, _ = self.open(desk)
+        desk.keyboard.tap(ESCAPE)
+        self.assertEqual(process.wait(5), 0)
+        self.assertEqual(os.listdir(desk.home.applications), [])
+        self.assertFalse(os.path.exists(os.path.join(desk.home.path, "Library")))
+
+    def test_an_older_copy_goes_to_the_trash_unless_it_runs(self):
+        desk = self.downloaded("Night's Dormel.app")
+        shutil.copytree(self.source, self.installed, symlinks=True)
+        with open(os.path.join(self.installed, "older"), "w", encoding="ascii"):
+            pass
+        process, _ = self.open(desk)
+        desk.keyboard.tap(RETURN)
+        self.assertEqual(process.wait(15), 0)
+        running = self.opened(desk)
+        trash = os.path.join(desk.home.path, ".local/share/Trash")
+        self.assertTrue(os.path.exists(os.path.join(trash, "files", "Night's Dormel.app", "older")))
+        with open(os.path.join(trash, "info", "Night's Dormel.app.trashinfo"), encoding="ascii") as file:
+            self.assertIn("Applications/Night%27s%20Dormel.app\n", file.read())
+        self.assertFalse(os.path.exists(os.path.join(self.installed, "older")))
+
+        # Once more: now it runs there, and that one comes to the front.
+        process, _ = self.open(desk)
+        desk.keyboard.tap(RETURN)
+        self.assertEqual(process.wait(15), 0)
+        window = desk.clients.of(running)[0]
+        until("the running one is in front", lambda: desk.clients.active() == window.id, 5)
+        until("there is only one", lambda: list(self.runs(desk, self.installed)) == [running], 5)
+        self.assertEqual(os.listdir(os.path.join(trash, "files")), ["Night's Dormel.app"])
+
+    def test_from_a_read_only_image(self):
+        desk = self.downloaded()
+        process, alert = self.open(desk)
+        desk.keyboard.tap(ESCAPE)
+        process.wait(5)
+        image = os.path.dirname(self.source)
+        mount = 'mount --bind "$0" /mnt && mount -o remount,bind,ro /mnt && cd / && exec /mnt/Dormel.app/Contents/Linux/Dormel'
+        if subprocess.run(["unshare", "-m", "sh", "-c", mount.replace("exec ", ": "), image], check=False,
+                          stderr=subprocess.DEVNULL).returncode:
+            self.skipTest("no mounts of one's own here")
+        desk.home.hours_around_now(onboardingComplete=True)
+        process, image_alert = self.open(desk, ["unshare", "-m", "sh", "-c", mount, image])
+        self.assertGreater(image_alert.height, alert.height + 20, "the longer text, about ejecting it")
+        self.assertIn(process.pid, self.holders(desk, "/mnt/"))
+        desk.keyboard.tap(RETURN)
+        self.assertEqual(process.wait(15), 0)
+        self.opened(desk)
+        desk.bundle.wait_for_scheduled()
+        self.assertEqual(self.holders(desk, "/mnt/"), {}, "the image can be ejected")
+
+    @staticmethod
+    def holders(desk, folder):
+        """The processes that hold on to something in a folder, and to what: programs, libraries, open files, where
+        they are."""
+        found = {}
+        for pid in processes.of_home(desk.home.path):
+            try:
+                with open(f"/proc/{pid}/maps", encoding="utf-8") as maps:
+                    names = {line.split(maxsplit=5)[-1].strip() for line in maps}
+                links = [f"/proc/{pid}/cwd"] + [f"/proc/{pid}/fd/{fd}" for fd in os.listdir(f"/proc/{pid}/fd")]
+                names |= {os.readlink(link) for link in links}
+            except OSError:
+                continue  # it ended meanwhile
+            held = sorted(name for name in names if name.startswith(folder))
+            if held:
+                found[pid] = held
+        return found
+
+    def test_with_the_administrators_help(self):
+        desk = self.downloaded("It's late.app")
+        os.chmod(desk.home.applications, 0o555)
+        tools = os.path.join(desk.home.path, "bin")
+        os.makedirs(tools)
+        # Stands in for the desktop's dialogue, and for the rights: it may write where its caller may not.
+        pkexec = os.path.join(tools, "pkexec")
+        asked = os.path.join(desk.home.path, "asked")
+        with open(pkexec, "w", encoding="utf-8") as file:
+            file.write(f"#!/bin/sh\nprintf '%s\\n' \"$@\" >> '{asked}'\n[ -e '{asked}.refuse' ] && exit 126\n"
+                       f"chmod u+w '{desk.home.applications}'\n\"$@\"\nstatus=$?\nchmod u-w '{desk.home.applications}'\n"
+                       "exit $status\n")
+        os.chmod(pkexec, 0o755)
+        with open(asked + ".refuse", "w", encoding="ascii"):
+            pass
+        command = [os.path.join(self.source, "Contents", "Linux", "Dormel")]
+        if os.geteuid() == 0:  # permissions bind everybody but root
+            os.chmod(desk.folder, 0o755)
+            for folder, folders, files in os.walk(desk.folder):
+                for name in [".", *folders, *files]:
+                    os.chown(os.path.join(folder, name), NOBODY, NOBODY, follow_symlinks=False)
+            command = ["setpriv", f"--reuid={NOBODY}", f"--regid={NOBODY}", "--clear-groups", *command]
+        environment = {"PATH": tools + ":/usr/bin:/bin"}
+        self.addCleanup(os.chmod, desk.home.applications, 0o755)
+
+        process, _ = self.open(desk, command, environment)
+        desk.keyboard.tap(RETURN)
+        self.in_front(desk, process, "Installation Error")
+        desk.keyboard.tap(RETURN)
+        self.assertEqual(process.wait(5), 1)
+        self.assertEqual(os.listdir(desk.home.applications), [])
+
+        os.unlink(asked + ".refuse")
+        process, _ = self.open(desk, command, environment)
+        desk.keyboard.tap(RETURN)
+        self.assertEqual(process.wait(15), 0)
+        self.opened(desk)
+        quoted = [path.replace("'", "'\\''") for path in (self.installed, self.source)]
+        copy = f"rm -rf '{quoted[0]}' && cp -pR '{quoted[1]}' '{quoted[0]}'"
+        with open(asked, encoding="utf-8") as file:
+            self.assertEqual(file.read().splitlines(), ["/bin/sh", "-c", copy] * 2)
+
+
+if __name__ == "__main__":
+    unittest.main()
