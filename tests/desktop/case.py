@@ -68,6 +68,14 @@ class DesktopCase(unittest.TestCase):
                      lambda: next((c for c in desk.clients.of(process.pid)
                                    if c.title == title and desk.clients.active() == c.id), None), 10)
 
+    def assert_brief(self, what, limit, look):
+        """The longest exposure that look() answers is shorter than the limit, in one of three tries: a busy machine
+        delays now and then, a fault delays each time."""
+        seen = []
+        while len(seen) < 3 and (not seen or seen[-1] >= limit):
+            seen.append(look())
+        self.assertLess(seen[-1], limit, f"{what}: {seen}")
+
     def assert_stays(self, process, seconds):
         """The process does not end within the time."""
         try:

@@ -16,6 +16,18 @@ class EndsTest(DesktopCase):
         self.saw(f"exit status {status}, {1000 * (self.clock() - died):.0f} ms after the X server died")
         self.assertNotEqual(status, 0)
 
+    def test_the_server_can_end_after_a_lock(self):
+        desk = self.desk()
+        process = self.lock(desk)
+        process.kill()
+        process.wait()
+        asked = self.clock()
+        desk.server.stop()
+        self.saw(f"the X server ended {1000 * (self.clock() - asked):.0f} ms after it was asked to")
+        self.assertLess(self.clock() - asked, 5)
+        with open(desk.server.log, encoding="utf-8") as log:
+            self.assertNotIn("Internal Error", log.read())
+
     def test_a_termination_signal_asks_for_a_new_start(self):
         desk = self.desk()
         process = self.lock(desk)
@@ -54,18 +66,6 @@ class EndsTest(DesktopCase):
                 self.assertEqual((done.returncode, done.stdout.split("\n")[-2]), (0, line))
                 self.assertFalse(desk.watcher.since(mark, "map", "grab"), "nothing shows before a check fails")
                 desk.home.change_settings(blockingEnabled=None)
-
-    def test_commands(self):
-        desk = self.desk()
-        table = ((["--version"], 0, "Dormel 1.0"), (["--help"], 0, "--scheduled"),
-                 (["--check-ax"], 0, "AX: TRUSTED"))
-        for arguments, status, text in table:
-            with self.subTest(arguments):
-                done = desk.bundle.run(*arguments, within=10)
-                self.assertEqual(done.returncode, status)
-                self.assertIn(text, done.stdout)
-        with open(desk.home.log_path("ax-probe.txt"), encoding="utf-8") as probe:
-            self.assertEqual(probe.read(), f"TRUSTED {desk.bundle.path}\n")
 
     def test_no_display(self):
         desk = self.desk()

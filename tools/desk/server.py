@@ -198,6 +198,7 @@ class Server:
         self._process.wait()
 
     def stop(self):
+        """Asks it to end, as a session does that is over; one that does not is killed after ten seconds."""
         if not self.alive():
             return
         self._process.terminate()

@@ -130,6 +130,30 @@ class Watcher:
                 return event.at
         return None
 
+    def gaps(self, monitor, since, standing):
+        """The moments after the mark from which on no window of a client covered the monitor, as the server tells it.
+
+        standing: the client's windows that were on the screen at the mark, as eyes.TopWindow.
+        """
+        client = ~0x1FFFFF
+        clients = {window.id & client for window in standing}
+        shapes = {window.id: window.rectangle for window in standing}
+        mapped, gaps, was_covered = set(shapes), [], True
+        for event in self.since(since):
+            if event.window & client not in clients:
+                continue
+            if event.rectangle:
+                shapes[event.window] = event.rectangle
+            if event.kind == "map":
+                mapped.add(event.window)
+            elif event.kind in ("unmap", "destroy"):
+                mapped.discard(event.window)
+            covered = any(window in shapes and monitor.contains(*shapes[window]) for window in mapped)
+            if was_covered and not covered:
+                gaps.append(event.at)
+            was_covered = covered
+        return gaps
+
     def close(self):
         self._closing = True
         self._thread.join(2)

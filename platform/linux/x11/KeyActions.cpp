@@ -20,6 +20,13 @@ constexpr std::uint8_t SERVER_PRIVATE = 0x86;  // "ungrab", "close grabs", "next
 
 constexpr std::uint16_t EVERY_MAP_PART = 0xff;
 
+bool hasKeys(const xcb_input_xi_device_info_t* device) {
+  for (auto it = xcb_input_xi_device_info_classes_iterator(device); it.rem > 0; xcb_input_device_class_next(&it)) {
+    if (it.data->type == XCB_INPUT_DEVICE_CLASS_TYPE_KEY) return true;
+  }
+  return false;
+}
+
 bool isWayOut(const xcb_xkb_action_t& action) {
   return action.type == TERMINATE || action.type == SWITCH_SCREEN || action.type == SERVER_PRIVATE;
 }
@@ -59,9 +66,11 @@ std::vector<std::uint16_t> KeyActions::devices() {
       *connection_, xcb_input_xi_query_device(*connection_, XCB_INPUT_DEVICE_ALL), nullptr));
   if (!reply) return devices;
   // Each keyboard carries out the actions of its own keymap, and the master those of a copy. Pointers may have keys.
+  // Those without are left alone: a server never forgets who asked such a device for keyboard events, and when it is
+  // to end it goes round in circles over that.
   for (auto it = xcb_input_xi_query_device_infos_iterator(reply.get()); it.rem > 0;
        xcb_input_xi_device_info_next(&it)) {
-    devices.push_back(it.data->deviceid);
+    if (hasKeys(it.data)) devices.push_back(it.data->deviceid);
   }
   return devices;
 }
