@@ -28,6 +28,7 @@ void debugLine(const std::string& message) { DebugLog::shared().append(message);
 template <typename Table>
 std::vector<KeyPool> modifierPool(const Table& table) {
   std::vector<KeyPool> pool;
+  pool.reserve(table.size());
   for (const ModifierRow& row : table) pool.push_back({row.label, row.keyCode, true});
   return pool;
 }
