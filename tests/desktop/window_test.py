@@ -26,6 +26,8 @@ class WindowTest(DesktopCase):
         window = self.window_of(desk, process)
         self.saw(f"window after {1000 * (self.clock() - begun):.0f} ms")
         until("it has the focus", lambda: desk.clients.active() == window.id, 5)
+        # Arming the scheduler comes right after showing the window; only then it listens.
+        desk.home.wait_for_line("dormel.log", "Self-heal: LaunchAgent not loaded — re-armed.", 15)
         return desk, process, window
 
     @staticmethod

@@ -22,14 +22,19 @@ class MenuBar(dbus.service.Object):
         path = os.path.join(desk.home.runtime, "menu-bus")
         self.address = f"unix:path={path}"
         desk.helper(["dbus-daemon", "--session", "--nofork", "--nopidfile", f"--address={self.address}"])
-        until("the bus is there", lambda: os.path.exists(path), 5)
         DBusGMainLoop(set_as_default=True)
-        self._bus = dbus.bus.BusConnection(self.address)
+        self._bus = until("the bus is there", self._connect, 5)
         self._owned = dbus.service.BusName(REGISTRAR, self._bus)
         self._registered = {}
         super().__init__(self._bus, "/com/canonical/AppMenu/Registrar")
         self._loop = GLib.MainLoop()
         threading.Thread(target=self._loop.run, daemon=True).start()
+
+    def _connect(self):
+        try:
+            return dbus.bus.BusConnection(self.address)
+        except dbus.exceptions.DBusException:
+            return None
 
     def environment(self):
         """What a program needs to find it."""
@@ -56,7 +61,8 @@ class MenuBar(dbus.service.Object):
         menu = self._menu(window)
         _, (_, _, menus) = menu.GetLayout(0, -1, dbus.Array([], signature="s"))
         item = next(number for _, _, items in menus for number, item, _ in items if item.get("label") == title)
-        menu.Event(item, "clicked", dbus.String("", variant_level=1), dbus.UInt32(0))
+        # Nobody waits for an answer: the application may be gone before it comes.
+        menu.Event(item, "clicked", dbus.String("", variant_level=1), dbus.UInt32(0), ignore_reply=True)
 
     def close(self):
         self._loop.quit()
