@@ -8,6 +8,7 @@
 
 #include <cstdio>
 #include <exception>
+#include <fstream>
 #include <string>
 
 namespace dormel {
@@ -43,8 +44,16 @@ int statusAsOrdinaryUser(const std::string& folder, Body body) {
 
 /// Gives this process a view of the mounts that it can change without anybody noticing; false where it may not.
 inline bool ownMounts() {
-  return ::unshare(::geteuid() == 0 ? CLONE_NEWNS : CLONE_NEWNS | CLONE_NEWUSER) == 0 &&
-         ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
+  const std::string user = std::to_string(::geteuid()) + " " + std::to_string(::geteuid()) + " 1";
+  const std::string group = std::to_string(::getegid()) + " " + std::to_string(::getegid()) + " 1";
+  const bool isRoot = ::geteuid() == 0;
+  if (::unshare(isRoot ? CLONE_NEWNS : CLONE_NEWNS | CLONE_NEWUSER) != 0) return false;
+  if (!isRoot) {  // who else would own the files that are made?
+    std::ofstream("/proc/self/setgroups") << "deny";
+    std::ofstream("/proc/self/uid_map") << user;
+    std::ofstream("/proc/self/gid_map") << group;
+  }
+  return ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
 }
 
 }  // namespace dormel
