@@ -111,6 +111,9 @@ TEST_F(WorkspaceTest, CopiesWholeOrNotAtAll) {
     EXPECT_EQ(listing(to), wanted);
     fs::remove_all(to);
   }
+  fs::create_directories(in("Applications/empty.app"));
+  EXPECT_TRUE(workspace.copy(from, in("Applications/empty.app"))) << "an empty folder is something, too";
+  EXPECT_TRUE(fs::remove(in("Applications/empty.app"))) << "it is empty still";
   put(from + "/Contents/Resources/large", std::string(20'000, 'x'));
   rlimit limit{};
   ::getrlimit(RLIMIT_FSIZE, &limit);
@@ -186,34 +189,35 @@ TEST_F(WorkspaceTest, WhatAnOrdinaryUserMayDo) {
   const bool separate = ::geteuid() == 0;
   ::chmod(home.path().c_str(), 0755);
   fs::create_directories(in("mine"));
-  EXPECT_EQ(statusAsOrdinaryUser(in("mine"),
-                                 [&] {
-                                   application(in("mine/Dormel.app"));
-                                   put(in("sticky/own"), "x");
-                                   const struct {
-                                     std::string path;
-                                     bool writable, deletable;
-                                   } cases[] = {{in("mine"), true, !separate},
-                                                {in("mine/Dormel.app"), true, true},
-                                                {in("mine/Dormel.app/Contents/Linux/Dormel"), true, true},
-                                                {theirs, false, false},
-                                                {theirs + "/Dormel.app", !separate, false},
-                                                {in("sticky/file"), !separate, !separate},
-                                                {in("sticky/own"), true, true},
-                                                {in("missing"), false, false}};
-                                   int line = 1;
-                                   for (const auto& example : cases) {
-                                     if (workspace.isWritable(example.path) != example.writable) return line;
-                                     if (workspace.isDeletable(example.path) != example.deletable) return 100 + line;
-                                     ++line;
-                                   }
-                                   // A folder inside that we may not empty is enough.
-                                   ::chmod(in("mine/Dormel.app/Contents/Linux").c_str(), 0500);
-                                   if (workspace.isDeletable(in("mine/Dormel.app"))) return 200;
-                                   if (!workspace.moveToTrash(theirs + "/Dormel.app")) return 201;
-                                   return fs::exists(theirs + "/Dormel.app") ? 0 : 202;
-                                 }),
-            0);
+  const int status = statusAsOrdinaryUser(in("mine"), [&] {
+    application(in("mine/Dormel.app"));
+    put(in("sticky/own"), "x");
+    const struct {
+      std::string path;
+      bool writable, deletable;
+    } cases[] = {{in("mine"), true, !separate},
+                 {in("mine/Dormel.app"), true, true},
+                 {in("mine/Dormel.app/Contents/Linux/Dormel"), true, true},
+                 {theirs, false, false},
+                 {theirs + "/Dormel.app", !separate, false},
+                 {in("sticky/file"), !separate, !separate},
+                 {in("sticky/own"), true, true},
+                 {in("missing"), false, false}};
+    int line = 1;
+    for (const auto& example : cases) {
+      if (workspace.isWritable(example.path) != example.writable) return line;
+      if (workspace.isDeletable(example.path) != example.deletable) return 100 + line;
+      ++line;
+    }
+    // A folder inside that we may not empty is enough.
+    ::chmod(in("mine/Dormel.app/Contents/Linux").c_str(), 0500);
+    if (workspace.isDeletable(in("mine/Dormel.app"))) return 200;
+    const Variable ownData("XDG_DATA_HOME", in("mine/data"));
+    if (!workspace.moveToTrash(theirs + "/Dormel.app")) return 201;
+    if (!fs::exists(theirs + "/Dormel.app")) return 202;
+    return fs::is_empty(in("mine/data/Trash/info")) ? 0 : 203;
+  });
+  EXPECT_EQ(status, 0) << "a line of the table, 100 more for its last column, or a step after it";
 }
 
 TEST_F(WorkspaceTest, FindsTheMountOfAPath) {
@@ -288,10 +292,13 @@ TEST_F(WorkspaceTest, ListsTheApplicationsThatRun) {
   const std::string bundle = in("Night's.app");
   fs::create_directories(bundle + "/Contents/Linux");
   fs::create_directories(in("Other.app/Contents/Helpers"));
+  fs::create_directories(in("Third.app/Contents/Linux/tools"));
   fs::copy_file("/bin/sleep", bundle + "/Contents/Linux/Program");
   fs::copy_file("/bin/sleep", in("Other.app/Contents/Helpers/tool"));
+  fs::copy_file("/bin/sleep", in("Third.app/Contents/Linux/tools/tool"));
   std::vector<pid_t> started;
-  for (const std::string& path : {bundle + "/Contents/Linux/Program", in("Other.app/Contents/Helpers/tool")}) {
+  for (const std::string& path : {in("Other.app/Contents/Helpers/tool"), in("Third.app/Contents/Linux/tools/tool"),
+                                  bundle + "/Contents/Linux/Program"}) {
     const pid_t child = ::fork();
     if (child == 0) {
       ::execl(path.c_str(), "sleep", "60", nullptr);
@@ -306,6 +313,8 @@ TEST_F(WorkspaceTest, ListsTheApplicationsThatRun) {
   for (int i = 0; i < 1000 && !runs(bundle); ++i) std::this_thread::sleep_for(std::chrono::milliseconds(5));
   EXPECT_TRUE(runs(bundle));
   EXPECT_FALSE(runs(in("Other.app"))) << "a tool of a bundle is not the application";
+  EXPECT_FALSE(runs(in("Third.app")));
+  EXPECT_FALSE(runs(in("Third.app/Contents/Linux")));
   fs::remove(bundle + "/Contents/Linux/Program");
   EXPECT_TRUE(runs(bundle)) << "replaced while it runs";
   for (const pid_t child : started) {
