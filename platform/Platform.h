@@ -32,6 +32,7 @@ class RunLoop;
 class Screens;
 class SecureRandom;
 class StandardOutput;
+class Updater;
 class WindowServer;
 class Workspace;
 
@@ -61,6 +62,7 @@ struct Platform {
   MainMenu& mainMenu;
   Workspace& workspace;
   LoginItems& loginItems;
+  Updater& updater;
 };
 
 /// The set in force. Calling it with none installed is a programming error and ends the program.

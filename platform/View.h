@@ -9,6 +9,9 @@ enum class ViewKind {
   graceCountdown,
   accessibilityCard,
   statusPage,
+  settings,
+  assistantGuide,
+  onboarding,
   alert,       ///< the platform's own: logic names an alert by its texts (Alerts.h)
   aboutPanel,  ///< the platform's own, behind the menu's command
 };

@@ -6,6 +6,7 @@
 
 #include "platform/Identifiers.h"
 #include "platform/linux/DesktopApplication.h"
+#include "platform/linux/NoUpdater.h"
 #include "platform/linux/freedesktop/AutostartLoginItems.h"
 #include "platform/linux/freedesktop/CreatedFolders.h"
 #include "platform/linux/freedesktop/DesktopWorkspace.h"
@@ -100,7 +101,8 @@ struct LinuxPlatform::Parts {
                  mainWindows,
                  mainMenu,
                  workspace,
-                 loginItems} {
+                 loginItems,
+                 updater} {
     process.beforeExit([this] { x11.lastWill(); });
     x11.setOnScreensChanged([this] { notices.post(Notice::screenParametersChanged); });
     x11.setOnServerLost([this] {
@@ -159,6 +161,7 @@ struct LinuxPlatform::Parts {
   QtAlerts alerts;
   QtMainWindows mainWindows;
   QtMainMenu mainMenu;
+  NoUpdater updater;
   Platform services;
 };
 

@@ -36,6 +36,7 @@ SimMachine::SimMachine(const Options& options)
       mainMenu(timeline, journal, mainWindows),
       workspace(journal, files),
       loginItems(journal),
+      updater(journal),
       scheduler(
           timeline, calendar, files, process,
           [this](const std::string& executable, const std::vector<std::string>& arguments, const std::string& logPath) {
@@ -66,9 +67,9 @@ SimMachine::~SimMachine() {
 }
 
 Platform SimMachine::services() {
-  return {clock,   calendar,      runLoop,  queues,      defaults, files,     process,   childProcesses, output,
-          random,  accessibility, keyboard, keyboard,    keyboard, layout,    screens,   windows,        application,
-          notices, bundle,        alerts,   mainWindows, mainMenu, workspace, loginItems};
+  return {clock,   calendar,      runLoop,  queues,      defaults, files,     process,    childProcesses, output,
+          random,  accessibility, keyboard, keyboard,    keyboard, layout,    screens,    windows,        application,
+          notices, bundle,        alerts,   mainWindows, mainMenu, workspace, loginItems, updater};
 }
 
 void SimMachine::setWallClock(const std::string& localMoment) {

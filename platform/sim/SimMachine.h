@@ -31,6 +31,7 @@
 #include "platform/sim/SimScreens.h"
 #include "platform/sim/SimTime.h"
 #include "platform/sim/SimTimeline.h"
+#include "platform/sim/SimUpdater.h"
 #include "platform/sim/SimWindows.h"
 #include "platform/sim/SimWorkspace.h"
 
@@ -117,6 +118,7 @@ class SimMachine {
   SimWorkspace workspace;
   SimLoginItems loginItems;
   SimBundle bundle;
+  SimUpdater updater;
   SimScheduler scheduler;
 
  private:

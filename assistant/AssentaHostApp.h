@@ -1,0 +1,18 @@
+// The application that is to be granted a permission.
+#pragma once
+
+#include <string>
+
+namespace dormel {
+
+class Bundle;
+
+struct AssentaHostApp {
+  std::string displayName;  ///< as the guide names it
+  std::string bundleURL;    ///< file address of the bundle; what a drag carries
+
+  /// As `bundle` describes itself: its display name, else its name, else its folder's name without the extension.
+  [[nodiscard]] static AssentaHostApp current(const Bundle& bundle);
+};
+
+}  // namespace dormel
