@@ -24,20 +24,6 @@ class CommandsTest(DesktopCase):
         with open(desk.home.log_path("ax-probe.txt"), encoding="utf-8") as probe:
             self.assertEqual(probe.read(), f"TRUSTED {desk.bundle.path}\n")
 
-    def test_an_unknown_argument_is_named_once(self):
-        desk = self.desk()
-        mark = desk.watcher.mark()
-        process = desk.bundle.start("--nonsense", "--shed", output=subprocess.PIPE)
-        try:
-            said = process.communicate(timeout=2)[0]
-        except subprocess.TimeoutExpired:  # a window is open
-            process.kill()
-            said = process.communicate()[0]
-        for argument in ("--nonsense", "--shed"):
-            lines = [line for line in said.split("\n") if argument in line]
-            self.assertEqual(lines, [f"Dormel: unknown argument {argument}; see --help"])
-        self.assertFalse(desk.watcher.since(mark, "grab"), "it does not lock")
-
     def arm_and_disarm(self, **options):
         desk = self.desk(**options)
         self.assertIsNone(desk.manager_missing)

@@ -3,7 +3,6 @@
 import os
 import plistlib
 import subprocess
-import time
 import unittest
 
 from case import DesktopCase, until
@@ -40,16 +39,6 @@ class SettingsTest(DesktopCase):
     def _content(path):
         with open(path, "rb") as file:
             return file.read()
-
-    def test_values_of_the_wrong_type_count_as_absent(self):
-        desk = self.desk()
-        desk.home.change_settings(onboardingComplete=True, blockStartHour="22", blockEndHour=True,
-                                  blockingEnabled="no", debugLoggingEnabled=1.5)
-        # A time zone in which it is noon now, so that the default hours (0 to 6) are not on.
-        noon = f"NOON{time.gmtime().tm_hour - 12:+d}"
-        done = desk.bundle.run("--scheduled", within=10, environment={"TZ": noon})
-        self.assertEqual(done.returncode, 0)
-        self.assertIn("Outside blocking hours (0:00–6:00). Exiting.", done.stdout)
 
     def test_records_and_logs_that_cannot_be_written(self):
         desk = self.desk()
@@ -115,17 +104,6 @@ class SettingsTest(DesktopCase):
             said = process.communicate()[0]
         self.saw(" / ".join(said.splitlines()))
         self.assertIn("Setup FAILED — agent not installed.\nstatus 1\nsettings are as they were\n", said)
-
-    def test_damaged_night_records(self):
-        desk = self.desk()
-        folder = os.path.join(desk.home.path, "Library", "Application Support",
-                              os.path.basename(desk.home.settings_path).removesuffix(".plist"))
-        os.makedirs(folder)
-        with open(os.path.join(folder, "nights.json"), "wb") as file:
-            file.write(b"[{\"date\": 7, \x00")
-        process = self.lock(desk)
-        self.assertIsNone(process.poll())
-
 
 if __name__ == "__main__":
     unittest.main()

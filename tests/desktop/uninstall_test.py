@@ -1,7 +1,6 @@
 """What is left when the program is gone: nothing that it wrote, and everything that was there before."""
 
 import os
-import shutil
 import stat
 import subprocess
 import time
@@ -131,22 +130,6 @@ class UninstallTest(DesktopCase):
                               stdin=subprocess.DEVNULL, capture_output=True, text=True, timeout=60)
         self.assertEqual(done.returncode, 0, done.stdout + done.stderr)
         self.compare(before, self.snapshot(desk))
-
-    def test_switched_off_by_the_user_it_leaves_nothing_either(self):
-        desk = self.desk_by_day()
-        shutil.rmtree(os.path.join(desk.home.path, ".config"), ignore_errors=True)
-        home = set(listing(desk.home.path)) - set(listing(desk.home.applications))
-        desk.bundle.setup()
-        entry = os.path.join(desk.home.path, ".config", "autostart", desk.home.identifier + ".desktop")
-        with open(entry, "a", encoding="utf-8") as file:
-            file.write("Hidden=true\n")
-        process = self.start_quietly(desk)
-        self.in_front(desk, process, "Dormel is switched off")
-        desk.keyboard.tap(TAB, RETURN)  # Not Now
-        self.uninstall(desk, process)
-        left = set(listing(desk.home.path)) - home
-        self.assertEqual({path for path in left if "/.cache" not in path}, set())
-
 
 if __name__ == "__main__":
     unittest.main()

@@ -141,21 +141,6 @@ TEST_F(BlockerOverlayTest, APictureGrownInStepsIsAsOneDrawnWhole) {
   EXPECT_LE(worst, 2);
 }
 
-TEST_F(BlockerOverlayTest, AnnouncesNewKeys) {
-  appear();
-  drawn.picture();
-  const QString before = label(2) + label(3) + label(4);
-  night.machine.keyboard.press(keyCode::space);
-  night.pass(0.6);
-  drawn.picture();
-  EXPECT_TRUE(seenLines().contains(QStringLiteral("Keys reshuffled")));
-  ASSERT_NE(before, label(2) + label(3) + label(4));
-  for (std::size_t key = 0; key < BYPASS_KEY_COUNT; ++key) EXPECT_FALSE(boxOf(label(key)).isEmpty()) << key;
-  night.pass(2);
-  drawn.picture();
-  EXPECT_TRUE(seenLines().contains(QStringLiteral("Good night. Time to sleep.")));
-}
-
 TEST_F(BlockerOverlayTest, ConfirmsTheUnlockInTheChallengesPlace) {
   appear();
   night.holdKeys();
@@ -182,19 +167,6 @@ TEST_F(BlockerOverlayTest, DrawsNothingWhileNothingChanges) {
   EXPECT_EQ(seenLines().at(1), QStringLiteral("23:06"));
   EXPECT_LT(drawn.lastChange().width, 200);
   EXPECT_LT(drawn.lastChange().height, 80);
-}
-
-TEST_F(BlockerOverlayTest, DrawsNothingWhileOffScreen) {
-  appear();
-  drawn.picture();
-  drawn.canvas().setShowing(false);
-  night.holdKeys();
-  night.pass(2.6);  // nothing keeps running but what a tick of the clock sets off
-  EXPECT_FALSE(drawn.canvas().isFramePending());
-  EXPECT_FALSE(night.isAnimating());
-  drawn.canvas().setShowing(true);
-  night.pass(0.1);
-  EXPECT_EQ(cap(0), QColor(Qt::white));
 }
 
 TEST_F(BlockerOverlayTest, FitsEveryScaleAndSmallScreens) {

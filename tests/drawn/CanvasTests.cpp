@@ -66,14 +66,6 @@ TEST(FallbackTest, ASceneThatCannotBeLoadedLeavesTheKeysReadable) {
   EXPECT_GT(drawn.frames(), before);  // the held key is marked
 }
 
-TEST(FallbackTest, AViewWithoutASceneIsAnEmptyPicture) {
-  DrawnNight night;
-  QmlCanvasFactory empty{QmlSceneRegistry()};
-  DrawnView drawn(empty, night.view(), 1, Size{100, 50});
-  EXPECT_EQ(brightPixels(drawn.picture()), 0);
-  EXPECT_EQ(night.machine.output.errors().size(), 1U);
-}
-
 TEST(PointerTest, ReachesWhatTakesItAndLeavesTheRestToTheWindow) {
   DrawnNight night;
   QTemporaryFile source(QDir::tempPath() + QStringLiteral("/XXXXXX.qml"));

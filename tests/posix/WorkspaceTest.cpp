@@ -11,7 +11,6 @@
 #include "platform/Identifiers.h"
 #include "platform/linux/freedesktop/AutostartLoginItems.h"
 #include "platform/linux/freedesktop/DesktopWorkspace.h"
-#include "platform/linux/freedesktop/MountTable.h"
 #include "platform/linux/freedesktop/TextFile.h"
 #include "platform/linux/posix/PosixChildProcesses.h"
 #include "tests/posix/Child.h"
@@ -220,54 +219,6 @@ TEST_F(WorkspaceTest, WhatAnOrdinaryUserMayDo) {
   EXPECT_EQ(status, 0) << "a line of the table, 100 more for its last column, or a step after it";
 }
 
-TEST_F(WorkspaceTest, FindsTheMountOfAPath) {
-  const std::string table =
-      "21 1 8:1 / / rw,relatime shared:1 - ext4 /dev/sda1 rw\n"
-      "30 21 8:2 / /media/u/My\\040Disk ro,nosuid shared:5 master:2 - iso9660 /dev/sr0 ro\n"
-      "31 21 7:3 / /opt/image ro - squashfs /dev/loop3 ro\n"
-      "32 21 7:4 / /home/u/image ro - squashfs /dev/loop4 ro\n"
-      "33 21 0:44 / /home/u/image/in rw - tmpfs none rw\n"
-      "34 21 8:3 / /home rw - ext4 /dev/sda3 rw\n"
-      "35 34 0:45 / /home rw - nfs server:/home rw\n"
-      "not a line of the table\n";
-  const struct {
-    const char* path;
-    const char* point;
-    const char* type;
-    bool image;
-  } cases[] = {{"/", "/", "ext4", false},
-               {"/media/u/My Disk/Dormel.app", "/media/u/My Disk", "iso9660", true},
-               {"/media/u/My Disks/Dormel.app", "/", "ext4", false},
-               {"/opt/image/Dormel.app", "/opt/image", "squashfs", false},
-               {"/home/u/image", "/home/u/image", "squashfs", true},
-               {"/home/u/image/in/x", "/home/u/image/in", "tmpfs", false},
-               {"/home/v", "/home", "nfs", false}};
-  for (const auto& example : cases) {
-    SCOPED_TRACE(example.path);
-    const auto mount = freedesktop::mountOf(table, example.path);
-    ASSERT_TRUE(mount);
-    EXPECT_EQ(mount->point, example.point);
-    EXPECT_EQ(mount->type, example.type);
-    EXPECT_EQ(freedesktop::isImage(*mount), example.image);
-  }
-}
-
-TEST_F(WorkspaceTest, KnowsAReadOnlyImage) {
-  application(in("image/Dormel.app"));
-  const int status = statusOf([&] {
-    if (!ownMounts() || ::mount(in("image").c_str(), "/mnt", nullptr, MS_BIND, nullptr) != 0) return 77;
-    if (workspace.isOnReadOnlyImage("/mnt/Dormel.app")) return 1;
-    if (::mount(nullptr, "/mnt", nullptr, MS_BIND | MS_REMOUNT | MS_RDONLY, nullptr) != 0) return 77;
-    if (!workspace.isOnReadOnlyImage("/mnt/Dormel.app")) return 2;
-    if (workspace.isOnReadOnlyImage(in("image/Dormel.app"))) return 3;
-    if (workspace.isWritable("/mnt/Dormel.app") || workspace.isDeletable("/mnt/Dormel.app")) return 4;
-    const bool copied = !workspace.copy("/mnt/Dormel.app", in("Dormel.app"));
-    return copied && listing(in("Dormel.app")) == listing(in("image/Dormel.app")) ? 0 : 5;
-  });
-  if (status == 77) GTEST_SKIP() << "no mounts of one's own here";
-  EXPECT_EQ(status, 0);
-}
-
 TEST_F(WorkspaceTest, StandardizesAndFindsApplicationsFolders) {
   fs::create_directories(in("real/Dormel.app"));
   fs::create_directory_symlink(in("real"), in("link"));
@@ -286,42 +237,6 @@ TEST_F(WorkspaceTest, StandardizesAndFindsApplicationsFolders) {
   fs::remove(in("Applications"));
   put(in("Applications"), "a file in the way");
   EXPECT_EQ(workspace.localApplicationsDirectory(), std::nullopt);
-}
-
-TEST_F(WorkspaceTest, ListsTheApplicationsThatRun) {
-  const std::string bundle = in("Night's.app");
-  fs::create_directories(bundle + "/Contents/Linux");
-  fs::create_directories(in("Other.app/Contents/Helpers"));
-  fs::create_directories(in("Third.app/Contents/Linux/tools"));
-  fs::copy_file("/bin/sleep", bundle + "/Contents/Linux/Program");
-  fs::copy_file("/bin/sleep", in("Other.app/Contents/Helpers/tool"));
-  fs::copy_file("/bin/sleep", in("Third.app/Contents/Linux/tools/tool"));
-  std::vector<pid_t> started;
-  for (const std::string& path : {in("Other.app/Contents/Helpers/tool"), in("Third.app/Contents/Linux/tools/tool"),
-                                  bundle + "/Contents/Linux/Program"}) {
-    const pid_t child = ::fork();
-    if (child == 0) {
-      ::execl(path.c_str(), "sleep", "60", nullptr);
-      ::_exit(127);
-    }
-    started.push_back(child);
-  }
-  const auto runs = [&](const std::string& path) {
-    const auto bundles = workspace.runningBundles();
-    return std::find(bundles.begin(), bundles.end(), path) != bundles.end();
-  };
-  for (int i = 0; i < 1000 && !runs(bundle); ++i) std::this_thread::sleep_for(std::chrono::milliseconds(5));
-  EXPECT_TRUE(runs(bundle));
-  EXPECT_FALSE(runs(in("Other.app"))) << "a tool of a bundle is not the application";
-  EXPECT_FALSE(runs(in("Third.app")));
-  EXPECT_FALSE(runs(in("Third.app/Contents/Linux")));
-  fs::remove(bundle + "/Contents/Linux/Program");
-  EXPECT_TRUE(runs(bundle)) << "replaced while it runs";
-  for (const pid_t child : started) {
-    ::kill(child, SIGKILL);
-    ::waitpid(child, nullptr, 0);
-  }
-  EXPECT_FALSE(runs(bundle));
 }
 
 TEST_F(WorkspaceTest, OpensThings) {
@@ -402,26 +317,6 @@ TEST_F(WorkspaceTest, AsksTheAdministrator) {
   const auto missing = workspace.runAsAdministrator(command);
   ASSERT_TRUE(missing);
   EXPECT_TRUE(missing->message.has_value());
-}
-
-TEST_F(WorkspaceTest, ReadsTheLoginSwitch) {
-  const freedesktop::AutostartLoginItems loginItems(children, output);
-  const std::string job = in("Library/LaunchAgents/com.example.job.plist");
-  EXPECT_EQ(loginItems.status(job), LoginItemStatus::notFound);
-  put(job, "");
-  EXPECT_EQ(loginItems.status(job), LoginItemStatus::notRegistered);
-  const struct {
-    const char* lines;
-    LoginItemStatus status;
-  } cases[] = {{"X-GNOME-Autostart-enabled=true\n", LoginItemStatus::enabled},
-               {"Hidden=false\n", LoginItemStatus::enabled},
-               {"Hidden=true\n", LoginItemStatus::requiresApproval},
-               {"X-GNOME-Autostart-enabled=false\n", LoginItemStatus::requiresApproval},
-               {"X-GNOME-Autostart-enabled=true\nX-MATE-Autostart-enabled=false\n", LoginItemStatus::requiresApproval}};
-  for (const auto& example : cases) {
-    put(in(".config/autostart/com.example.job.desktop"), std::string("[Desktop Entry]\nName=Job\n") + example.lines);
-    EXPECT_EQ(loginItems.status(job), example.status) << example.lines;
-  }
 }
 
 TEST_F(WorkspaceTest, IsListedWhereItStandsAndForgottenWithoutATrace) {

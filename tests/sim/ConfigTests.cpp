@@ -119,16 +119,5 @@ TEST(Config, NightHourLabels) {
   for (const auto& row : rows) EXPECT_EQ(nightHourLabel(row.hour), row.label);
 }
 
-TEST(Config, LogFolder) {
-  SimMachine machine;
-  EXPECT_TRUE(Config::ensureLogDirectory());
-  EXPECT_TRUE(Config::ensureLogDirectory()) << "an existing folder counts as success";
-  EXPECT_TRUE(machine.files.exists("/home/user/Library/Logs/Dormel"));
-
-  SimMachine readOnly;
-  readOnly.files.chmod("/home/user", 0500);
-  EXPECT_FALSE(Config::ensureLogDirectory());
-}
-
 }  // namespace
 }  // namespace dormel

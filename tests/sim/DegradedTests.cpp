@@ -114,17 +114,6 @@ TEST_F(DegradedTest, ANightFromTheCardToTheMorning) {
   EXPECT_EQ(machine.exitStatus(), 0);
 }
 
-TEST_F(DegradedTest, TheTrailTellsBoth) {
-  machine.defaults.putBoolean(defaultsKey::debugLoggingEnabled, true);
-  night.begin("2026-11-16 22:00:00");
-  machine.accessibility.setTrusted(true);
-  machine.advance(3);
-  Lines trail(DebugLog::shared().lines().begin(), DebugLog::shared().lines().end());
-  std::erase_if(trail, [](const std::string& line) { return line.find("⟳") != std::string::npos; });
-  EXPECT_EQ(trail, (Lines{"22:00:00.000  ═══ DEGRADED · dormel hour reached with no Accessibility · not blocking ═══",
-                          "22:00:03.000  ═══ DEGRADED → BLOCKING · Accessibility granted mid-night ═══"}));
-}
-
 TEST_F(DegradedTest, EndsWithTheHours) {
   night.begin("2026-11-16 22:00:08");
   machine.advanceTo("2026-11-17 05:59:59");
@@ -148,27 +137,6 @@ TEST_F(DegradedTest, APermissionThatComesTooLateLocksNothing) {
             "06:00:02.000 out: [a11y] Accessibility granted, but the blocking hours have ended. Exiting.\n"
             "06:00:02.000 window 1 out\n"
             "06:00:02.000 exit 0\n");
-}
-
-TEST_F(DegradedTest, EnteredTwiceItIsTheSame) {
-  night.begin("2026-11-16 22:00:00");
-  machine.advance(1);
-  machine.journal.clear();
-  machine.run([&] { night.session().activate(false); });
-  machine.settle();
-  EXPECT_TRUE(machine.journal.lines().empty()) << machine.journal.text();
-  EXPECT_EQ(machine.timeline.repeatingTimers(), 3);
-}
-
-TEST_F(DegradedTest, WithoutAScreenItStillWatches) {
-  machine.screens.pull("DP-1");
-  machine.screens.pull("DP-2");
-  night.begin("2026-11-16 22:00:00");
-  EXPECT_TRUE(machine.windows.visible().empty());
-  machine.screens.plug("DP-1", {0, 0, 1920, 1080});
-  machine.accessibility.setTrusted(true);
-  machine.advance(6);
-  EXPECT_EQ(machine.windows.cover(), 1);
 }
 
 TEST_F(DegradedTest, APermissionThatFlickersLeavesOneOfEverything) {

@@ -100,22 +100,6 @@ TEST_F(GraceTest, AWholeNight) {
                 "06:00:00.000 exit 0\n");
 }
 
-TEST_F(GraceTest, TheFirstHoldIsShortAndEveryLaterOneLong) {
-  for (const double duration : {30.0, 60.0, 60.0}) {
-    const auto keys = night.controller().requiredKeys();
-    EXPECT_EQ(night.controller().holdDuration(), duration);
-    EXPECT_NEAR(night.unlock(), duration, 0.11);
-    machine.advance(310);
-    EXPECT_EQ(night.session().state(), SessionState::blocked);
-    EXPECT_NE(night.controller().requiredKeys(), keys) << "a fresh set";
-  }
-  EXPECT_EQ(night.session().unlockCount(), 3);
-  EXPECT_EQ(machine.files.content(Config::unlockLogPath()),
-            "2026-11-16 22:01:30 — unlocked (#1, held 30s)\n"
-            "2026-11-16 22:07:41 — unlocked (#2, held 60s)\n"
-            "2026-11-16 22:13:52 — unlocked (#3, held 60s)\n");
-}
-
 TEST_F(GraceTest, LiftsTheLockStepByStep) {
   completeHold();
   const struct {
@@ -227,20 +211,6 @@ TEST_F(GraceTest, NothingPendingOutlivesItsSession) {
     EXPECT_FALSE(m.keyboard.isTaken()) << at;
     EXPECT_FALSE(m.exitStatus()) << at << ": the watchdog outlived its session";
   }
-}
-
-TEST_F(GraceTest, ScreensThatChangeInGraceChangeNothing) {
-  night.unlock();
-  machine.advance(10);
-  machine.journal.clear();
-  machine.screens.plug("DP-3", {3200, 0, 800, 600});
-  machine.screens.pull("DP-2");
-  machine.settle();
-  EXPECT_EQ(machine.journal.lines().size(), 2U);
-  EXPECT_EQ(machine.windows.visible().size(), 1U);
-  machine.advance(300);
-  EXPECT_EQ(machine.windows.cover(), 1) << "the next lock covers what is there then";
-  EXPECT_EQ(machine.windows.visible().size(), 2U);
 }
 
 TEST_F(GraceTest, WithoutAScreenThereIsNoPillAndTheCountdownRuns) {

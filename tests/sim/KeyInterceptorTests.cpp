@@ -72,31 +72,5 @@ TEST_F(KeyInterceptorTest, ALostTapComesBackWithinFiveSeconds) {
   EXPECT_FALSE(machine.keyboard.isTaken()) << "a stopped interceptor takes the keyboard back";
 }
 
-TEST_F(KeyInterceptorTest, TheEscapeActionRunsOnceInALaterTurn) {
-  const int escape = 53;
-  int escapes = 0;
-  ASSERT_TRUE(interceptor->start());
-  tap(escape);
-  interceptor->setOnEscape([&] {
-    ++escapes;
-    interceptor->stop();  // what its owner does
-  });
-  machine.keyboard.press(escape);
-  machine.runLoop.async([&] { EXPECT_EQ(escapes, 0) << "inside the tap's callback, where the tap cannot be removed"; });
-  machine.settle();
-  machine.keyboard.release(escape);
-  machine.settle();
-  EXPECT_EQ(escapes, 1);
-}
-
-TEST_F(KeyInterceptorTest, AnEventInFlightFindsNobodyHome) {
-  ASSERT_TRUE(interceptor->start());
-  machine.keyboard.press(0);
-  interceptor.reset();
-  machine.settle();
-  EXPECT_TRUE(controller->pressedKeys().empty());
-  EXPECT_FALSE(machine.keyboard.isTaken());
-}
-
 }  // namespace
 }  // namespace dormel

@@ -104,18 +104,6 @@ TEST_F(OverlayTest, ClockInBothForms) {
   }
 }
 
-TEST_F(OverlayTest, ItsObserversHearOfEveryChangeAndOfEverySecond) {
-  int heard = 0;
-  const Observation observation = view->observe([&] { ++heard; });
-  machine.advance(10);
-  EXPECT_EQ(heard, 10) << "the clock";
-  session->confirm = true;
-  session->confirm = true;
-  EXPECT_EQ(heard, 11);
-  session->controller->handleKeyDown(session->controller->requiredKeys()[2].keyCode);
-  EXPECT_EQ(heard, 12);
-}
-
 TEST_F(OverlayTest, AppearsHalfwayThroughTheFadeInOrAtOnce) {
   view->onAppear();
   EXPECT_EQ(view->appearDuration(), 2.5);
@@ -130,14 +118,6 @@ TEST_F(OverlayTest, AppearsHalfwayThroughTheFadeInOrAtOnce) {
   rebuilt->onAppear();
   EXPECT_TRUE(rebuilt->appeared());
   EXPECT_EQ(rebuilt->appearDuration(), 0);
-}
-
-TEST_F(OverlayTest, RelockLineOnlyInGrace) {
-  session->confirm = true;
-  EXPECT_EQ(view->relockText(), "");
-  session->phase = SessionState::grace;
-  session->secondsRemaining = 245;
-  EXPECT_EQ(view->relockText(), "Relocking in 4:05");
 }
 
 TEST_F(OverlayTest, GracePill) {

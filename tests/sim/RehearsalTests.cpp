@@ -158,23 +158,6 @@ TEST_F(RehearsalTest, EveryStepHasNinetySeconds) {
   expectOver(CANCELLED);
 }
 
-TEST_F(RehearsalTest, TwoEndsInOneTurnAreOne) {
-  startTest();
-  machine.advance(89.999);
-  machine.stallMain(1);
-  machine.keyboard.press(ESCAPE);
-  machine.advance(1);
-  expectOver(CANCELLED);
-}
-
-TEST_F(RehearsalTest, ItsCallerHearsOfTheEndInALaterTurn) {
-  startTest();
-  machine.windows.deliverKey({EventType::keyDown, ESCAPE, 0});
-  EXPECT_EQ(session->state(), SessionState::idle);
-  EXPECT_EQ(ends, 0);
-  expectOver(CANCELLED);
-}
-
 TEST_F(RehearsalTest, AnOldLoweringDoesNotEndTheNextRun) {
   for (const Seconds at : {1.0, 2.0, 3.0}) {
     EXPECT_TRUE(startDemo());

@@ -158,15 +158,6 @@ TEST(Relocation, EveryWayItGoes) {
   }
 }
 
-TEST(Relocation, QuittingTheOfferLeavesEverything) {
-  Program program("/home/user/Downloads/Dormel.app");
-  program.open();
-  program.machine.advance(0.4);
-  program.machine.journal.clear();
-  program.answer("Quit");
-  EXPECT_EQ(program.effects(), (Lines{"alert answered: Quit", "exit 0"}));
-}
-
 TEST(Relocation, TheJobNamesTheCopyThatStaysSoThatTheVeryNextRunLocks) {
   Program program("/Volumes/Dormel/Night's Dormel.app");
   const std::string to = "/Applications/Night's Dormel.app";

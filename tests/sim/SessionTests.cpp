@@ -243,16 +243,6 @@ TEST(Session, ARebuildPutsTheNewWindowsUpBeforeTheOldOnesGo) {
             "22:00:05.000 window 2 out\n");
 }
 
-TEST(Session, AHoldGoesOnWhileAScreenIsPlugged) {
-  Night night;
-  night.begin("2026-11-16 22:00:00");
-  pressAll(night.machine, night.controller());
-  night.machine.advance(20);
-  night.machine.screens.plug("DP-3", {3200, 0, 800, 600});
-  night.machine.advance(10.1);
-  EXPECT_EQ(night.session().state(), SessionState::grace);
-}
-
 TEST(Session, PermissionThatComesAndGoesUnderTheLock) {
   Night night;
   night.begin("2026-11-16 22:00:00");
@@ -280,36 +270,6 @@ TEST(Session, WithoutATapTheWindowsTakeTheKeys) {
                    "Warning: KeyInterceptor failed to start. Keyboard events will only be captured via window."}));
   EXPECT_NEAR(night.unlock(), 30, 0.11);
   EXPECT_TRUE(night.machine.keyboard.foreignKeys().empty());
-}
-
-TEST(Session, AKeyboardThatAnotherProgramHoldsDoesNotKeepTheUserIn) {
-  Night night;
-  night.machine.keyboard.setGrabDenied(true);
-  night.begin("2026-11-16 22:00:00");
-  EXPECT_NEAR(night.unlock(), 30, 0.11);
-}
-
-TEST(Session, DeactivateTwiceIsTheSameTwice) {
-  Night night;
-  night.begin("2026-11-16 22:00:00");
-  const int epoch = night.session().overlayEpoch();
-  for (int i = 1; i <= 2; ++i) {
-    night.session().deactivate();
-    EXPECT_EQ(night.session().state(), SessionState::idle);
-    EXPECT_EQ(night.session().overlayEpoch(), epoch + i);
-    EXPECT_TRUE(night.session().windows().empty());
-    EXPECT_FALSE(night.machine.keyboard.isTaken());
-    EXPECT_EQ(night.machine.application.presentationOptions(), 0U);
-  }
-  night.machine.journal.clear();
-  night.machine.screens.plug("DP-3", {3200, 0, 800, 600});
-  night.machine.accessibility.setTrusted(false);
-  night.machine.advance(3600);
-  night.machine.sleep(12 * 3600);
-  night.machine.advance(60);
-  EXPECT_EQ(night.machine.journal.lines(),
-            (Lines{"22:00:00.000 screen DP-3 plugged", "23:00:00.000 sleeps", "11:00:00.000 wakes"}))
-      << "something still watches";
 }
 
 TEST(Session, ComesBackWhenItIsEndedBeforeItsTime) {

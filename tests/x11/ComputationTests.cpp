@@ -25,19 +25,6 @@ TEST(KeyTracker, AKeyOnTwoKeyboardsIsOneKeyAndADepartedKeyboardLetsGo) {
   EXPECT_TRUE(keys.press(7, A));
 }
 
-TEST(TimingCurves, AreTheMediaCurves) {
-  // Midway values of the cubic Béziers, worked out by hand from their definition.
-  EXPECT_NEAR(eased(TimingCurve::linear, 0.3), 0.3, 1e-9);
-  EXPECT_NEAR(eased(TimingCurve::easeInOut, 0.5), 0.5, 1e-6);
-  EXPECT_NEAR(eased(TimingCurve::easeOut, 0.25) + eased(TimingCurve::easeIn, 0.75), 1, 1e-6) << "mirror images";
-  EXPECT_NEAR(eased(TimingCurve::easeIn, 0.5), 0.3154, 1e-3);
-  for (const auto curve : {TimingCurve::easeIn, TimingCurve::easeOut, TimingCurve::easeInOut}) {
-    EXPECT_EQ(eased(curve, -1), 0);
-    EXPECT_EQ(eased(curve, 2), 1);
-    for (double t = 0; t < 1; t += 0.01) EXPECT_LE(eased(curve, t), eased(curve, t + 0.01));
-  }
-}
-
 TEST(AlphaRegion, OutlinesWhatIsMoreOpaqueThanNot) {
   constexpr std::uint32_t X = 0x80123456;
   constexpr std::uint32_t o = 0x7fffffff;

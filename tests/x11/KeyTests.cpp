@@ -89,30 +89,6 @@ TEST(EventTap, SwallowsEveryKeyWhileEnabledAndNoneOtherwise) {
   EXPECT_EQ(witness.keysSeen(), 4) << "given back";
 }
 
-TEST(EventTap, GoesOnHearingUnderAnotherProgramsGrabAndTakesOverWhenItEnds) {
-  const auto server = XServer::withTwoMonitors();
-  Witness menu(*server);
-  ASSERT_TRUE(menu.grabKeyboard());
-  Tapped tapped(*server);
-  tapped.tap->enable(true);
-  EXPECT_FALSE(tapped.tap->isEnabled());
-  EXPECT_TRUE(until([&] {
-    const auto focus =
-        owned(xcb_get_input_focus_reply(menu.connection(), xcb_get_input_focus(menu.connection()), nullptr));
-    return focus->focus == XCB_INPUT_FOCUS_POINTER_ROOT;
-  })) << "menus close when they lose it";
-  server->press(KEY_A);
-  server->release(KEY_A);
-  EXPECT_TRUE(tapped.tells("v0 ^0 "));
-
-  menu.ungrabKeyboard();
-  EXPECT_TRUE(until([&] { return tapped.tap->isEnabled(); }, 300));
-  const int before = menu.keysSeen();
-  server->press(KEY_A);
-  server->release(KEY_A);
-  EXPECT_EQ(menu.keysSeen(), before);
-}
-
 TEST(EventTap, TakesALostGrabBackAtOnce) {
   const auto server = XServer::withTwoMonitors();
   ASSERT_TRUE(server->run({"setxkbmap", "-option", "grab:break_actions"}));
@@ -170,15 +146,6 @@ TEST(EventTap, DoesNotCountKeysThatWereDownBefore) {
   server->release(KEY_A);
   server->press(KEY_A);
   EXPECT_TRUE(tapped.tells("~60:20006 ^0 v0 "));
-}
-
-TEST(EventTap, GivesTheKeyboardBackWhenDestroyed) {
-  const auto server = XServer::withTwoMonitors();
-  Witness witness(*server);
-  Tapped tapped(*server);
-  tapped.tap->enable(true);
-  tapped.tap.reset();
-  EXPECT_TRUE(witness.grabKeyboard());
 }
 
 TEST(HardwareKeys, KnowsWhatIsDownUnderAnyGrab) {

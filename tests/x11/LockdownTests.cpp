@@ -112,15 +112,6 @@ TEST_F(LockdownTest, TheNextStartRepairsWhatACrashLeftAndNobodyDisturbsALivingLo
   EXPECT_EQ(keyActions(), before);
 }
 
-TEST_F(LockdownTest, LeavesAServerThatEndsWhenItIsAskedTo) {
-  {
-    Desk desk(*server);
-    desk.x11.setLockdown(true);
-    EXPECT_EQ(waysOut(keyActions()), 0);
-  }
-  EXPECT_TRUE(server->endsWhenAsked()) << "an interest of ours that it cannot get rid of?";
-}
-
 TEST_F(LockdownTest, TheLastWillNeedsNoMainThread) {
   Desk desk(*server);
   desk.x11.setLockdown(true);

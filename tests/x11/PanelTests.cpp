@@ -48,45 +48,6 @@ TEST_F(PanelTest, CoversInBlackBeforeAnythingIsDrawnThenShowsItsContent) {
   EXPECT_TRUE(until([&] { return isBare(); }));
 }
 
-TEST_F(PanelTest, RepaintsWhatWasExposed) {
-  Desk desk(*server);
-  const auto windows = desk.blockers();
-  desk.cover(windows, 1);
-  ASSERT_TRUE(until([&] { return server->pixel(400, 300) == CONTENT; }));
-  {
-    Witness rival(*server, 0xff0000, 380, 280, 40, 40);  // above for a moment
-    EXPECT_TRUE(until([&] { return server->pixel(400, 300) == CONTENT; }));
-  }
-  EXPECT_TRUE(until([&] { return server->pixel(382, 300) == CONTENT && server->pixel(370, 270) == 0; }));
-}
-
-TEST_F(PanelTest, StaysAboveARivalThatRaisesItselfAllTheTime) {
-  Desk desk(*server);
-  const auto windows = desk.blockers();
-  desk.cover(windows, 1);
-  Witness rival(*server, 0xff0000);
-  QTimer raising;
-  QObject::connect(&raising, &QTimer::timeout, [&] { rival.raise(); });
-  raising.start(100);
-  // The rival is seen for less than a frame each time; a quarter of a second after each raise it never is.
-  int seen = 0;
-  for (int i = 0; i < 20; ++i) {
-    spin(55);
-    if (!isCovered()) ++seen;
-  }
-  EXPECT_LE(seen, 1);
-  raising.stop();
-  EXPECT_TRUE(until([&] { return isCovered(); }, 200));
-
-  // With nothing in the way, the server hears nothing from us.
-  const auto observer = server->client();
-  const std::uint32_t mask = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
-  xcb_change_window_attributes(*observer, observer->root(), XCB_CW_EVENT_MASK, &mask);
-  observer->sync();
-  spin(300);
-  EXPECT_EQ(owned(xcb_poll_for_event(*observer)), nullptr);
-}
-
 TEST_F(PanelTest, ComesBackWhenAnotherProgramTakesItDown) {
   Desk desk(*server);
   const auto windows = desk.blockers();
@@ -188,22 +149,6 @@ TEST_F(PanelTest, ACompositorThatComesOrGoesNeverUncovers) {
   picom.reset();
   EXPECT_TRUE(until([&] { return !isComposited(*server); }));
   EXPECT_TRUE(until([&] { return isCovered(); })) << "what was below is not known any more: black";
-}
-
-TEST_F(PanelTest, SetAlphaEndsAnAnimationAndCompletionsComeOnceAllTheSame) {
-  Desk desk(*server);
-  auto windows = desk.blockers();
-  desk.cover(windows, 0);
-  desk.fade(windows, 1, 0.2);
-  desk.fade({}, 1, 0.1);
-  EXPECT_EQ(desk.completions, 0) << "never inside the call";
-  spin(60);
-  windows[0]->setAlpha(0.25);
-  windows.pop_back();
-  EXPECT_TRUE(until([&] { return desk.completions == 2; }));
-  spin(100);
-  EXPECT_EQ(desk.completions, 2);
-  EXPECT_EQ(windows[0]->alpha(), 0.25);
 }
 
 TEST_F(PanelTest, AKeyPanelHearsTheKeysAndGivesTheFocusBack) {

@@ -26,26 +26,6 @@ TEST(Screens, AreInPointsFromTheBottomLeftWithTheMainOneFirst) {
   EXPECT_EQ(desk.x11.screens().main()->name, "DUMMY1");
 }
 
-TEST(Screens, AreTheSameThroughEveryVersionOfTheExtension) {
-  const auto server = XServer::withTwoMonitors();
-  server->plug("DUMMY2", 640, 480, 800, 0);  // mirrors DUMMY1
-  server->plug("DUMMY3", 320, 200, 0, 0);    // shows a part of DUMMY0
-  const auto connection = server->client();
-  const auto newest = queryMonitors(*connection, 5);
-  ASSERT_EQ(newest.size(), 2U);
-  EXPECT_EQ(newest[0].area, (PixelRect{0, 0, 800, 600}));
-  EXPECT_EQ(newest[1].area, (PixelRect{800, 0, 640, 480}));
-  EXPECT_TRUE(newest[0].isPrimary);
-  for (const int version : {2, 3, 4}) {
-    const auto older = queryMonitors(*connection, version);
-    ASSERT_EQ(older.size(), 2U) << version;
-    for (int i : {0, 1}) {
-      EXPECT_EQ(older[i].area, newest[i].area);
-      EXPECT_EQ(older[i].name, newest[i].name);
-    }
-  }
-}
-
 TEST(Screens, ChangesAreToldAtOnceAndEmptyMomentsAreNot) {
   const auto server = XServer::withTwoMonitors();
   Desk desk(*server);
