@@ -2,7 +2,7 @@
 // only.
 #pragma once
 
-#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,7 +18,7 @@ class HowItWorksBeat : public OnboardingScreen {
   static constexpr double STAGE_WIDTH = 560;
   static constexpr double STAGE_HEIGHT = 250;
 
-  HowItWorksBeat(std::shared_ptr<const OnboardingModel> model, OnbAction go);
+  HowItWorksBeat(const OnboardingModel& model, OnbAction go);
 
   OnbText kicker{*this, 0.2, "How Dormel works"};
   OnbPill button;  ///< held back until the scene is over
@@ -49,14 +49,13 @@ class HowItWorksBeat : public OnboardingScreen {
   void onAppear() override;
 
  private:
-  void doStep(std::size_t step);
+  void doStep(std::size_t index);
 
   std::string clock_;
   std::string caption_;
   Published<int> phase_{this, 0};
   Published<int> heldCount_{this, 0};
-  Published<bool> ringStarted_{this, false};
-  Seconds ringSince_ = 0;
+  Published<std::optional<Seconds>> ringSince_{this, std::nullopt};
 };
 
 }  // namespace dormel

@@ -1,7 +1,6 @@
 // What the answers come to: the sleep that is lost in a week, counted up, or praise. Main thread only.
 #pragma once
 
-#include <memory>
 #include <string>
 
 #include "onboarding/OnbPill.h"
@@ -13,7 +12,7 @@ namespace dormel {
 
 class MirrorBeat : public OnboardingScreen {
  public:
-  MirrorBeat(std::shared_ptr<const OnboardingModel> model, OnbAction go);
+  MirrorBeat(const OnboardingModel& model, OnbAction go);
 
   /// Praise; otherwise the sleep that is lost. Decided when the screen is built. One variant's elements are not to be
   /// drawn while the other is shown.
@@ -27,7 +26,7 @@ class MirrorBeat : public OnboardingScreen {
   OnbReveal figure{*this, 1.4};                       ///< `shown`, bold at 124 points, letters 3 closer
   OnbText unit{*this, 1.4, "hours of sleep a week"};  ///< bold at 30 points
   OnbText mirrorLine;
-  /// Counts up from 0 to what is lost; not less than 2.
+  /// Counts up from 0 to what is lost.
   [[nodiscard]] int shown() const { return shown_; }
   /// What it counts up to: the width to keep free.
   [[nodiscard]] int target() const { return target_; }

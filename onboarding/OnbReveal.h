@@ -27,6 +27,7 @@ class OnbReveal {
   friend class OnboardingScreen;
   void begin();  // the screen is shown
   void end();    // and has gone: what has not come in never will
+  void comeIn();
 
   Seconds delay_;
   bool released_;

@@ -57,9 +57,14 @@ class OnboardingView : public View, public Observable, public std::enable_shared
 
  private:
   OnboardingView(Hooks hooks, std::shared_ptr<OnboardingModel> model, OnboardingBeat beat, bool preview);
+  [[nodiscard]] static std::shared_ptr<OnboardingView> make(Hooks hooks, std::shared_ptr<OnboardingModel> model,
+                                                            OnboardingBeat beat, bool preview);
   [[nodiscard]] std::shared_ptr<OnboardingScreen> makeScreen(OnboardingBeat beat);
   /// An action of a screen's that leads to a beat.
   [[nodiscard]] OnbAction going(OnboardingBeat target);
+  /// The same, after the answer it hands over was kept.
+  template <typename Answer>
+  [[nodiscard]] std::function<void(Answer)> answering(void (*keep)(OnboardingModel&, Answer), OnboardingBeat target);
 
   Hooks hooks_;
   std::shared_ptr<OnboardingModel> model_;
