@@ -85,8 +85,12 @@ void AppDelegate::startWindowMode() {
   installMainMenu();
   platform().application.activateIgnoringOthers();
   screenManager_ = ScreenManager::create(permissionCard);
+  if (!Config::onboardingComplete()) {
+    showOnboarding();
+    return;
+  }
   showSettings();
-  if (Config::onboardingComplete()) selfHeal();
+  selfHeal();
 }
 
 void AppDelegate::installMainMenu() {
@@ -161,6 +165,30 @@ void AppDelegate::finishOnboarding() {
 void AppDelegate::showSettings() {
   // Until the settings have a view of their own, a plain page shows the program's state and the rehearsals.
   present(platform().mainWindows.make({SETTINGS_SIZE, "Dormel"}, StatusPage::create(pageActions()),
+                                      [] { platform().application.terminate(); }));
+}
+
+void AppDelegate::showOnboarding() {
+  presentOnboarding(OnboardingView::create(onboardingHooks([](AppDelegate& self) { self.finishOnboarding(); })));
+}
+
+void AppDelegate::showOnboardingPreview() {
+  presentOnboarding(OnboardingView::createPreview(onboardingHooks([](AppDelegate& self) { self.showSettings(); })));
+}
+
+OnboardingView::Hooks AppDelegate::onboardingHooks(void (*finish)(AppDelegate&)) {
+  const auto weak = weak_from_this();
+  return {[weak](std::function<void()> onEnd) {
+            const auto self = weak.lock();
+            return self && self->runDemo(std::move(onEnd));
+          },
+          [weak, finish] {
+            if (const auto self = weak.lock()) finish(*self);
+          }};
+}
+
+void AppDelegate::presentOnboarding(std::shared_ptr<OnboardingView> view) {
+  present(platform().mainWindows.make({OnboardingView::SIZE, "Dormel"}, std::move(view),
                                       [] { platform().application.terminate(); }));
 }
 

@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "engine/ScreenManager.h"
+#include "onboarding/OnboardingView.h"
 #include "platform/Alerts.h"
 #include "platform/MainWindow.h"
 #include "platform/Windows.h"
@@ -34,6 +35,10 @@ class AppDelegate : public ApplicationDelegate, public std::enable_shared_from_t
   void handleReopen();
 
   void showSettings();
+  /// The first run, from where it was left.
+  void showOnboarding();
+  /// The first run from its beginning, for a look: it changes nothing, and its end leads to the settings.
+  void showOnboardingPreview();
   /// Marks the onboarding as done, arms the scheduler and shows the settings.
   void finishOnboarding();
   /// Asks the user to switch the login item on again; one alert at a time.
@@ -60,6 +65,8 @@ class AppDelegate : public ApplicationDelegate, public std::enable_shared_from_t
   void selfHeal();
   void recoveryAnswered(int button);
   void present(std::unique_ptr<MainWindow> window);
+  void presentOnboarding(std::shared_ptr<OnboardingView> view);
+  [[nodiscard]] OnboardingView::Hooks onboardingHooks(void (*finish)(AppDelegate&));
   [[nodiscard]] StatusPage::Actions pageActions();
   void ask(const Alert& alert, void (AppDelegate::*onAnswer)(int));
   void uninstallAnswered(int button);

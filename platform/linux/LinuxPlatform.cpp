@@ -26,11 +26,14 @@
 #include "platform/linux/qt/QtMainMenu.h"
 #include "platform/linux/qt/QtMainWindows.h"
 #include "platform/linux/qt/QtRunLoop.h"
+#include "platform/linux/qt/SceneGraph.h"
 #include "platform/linux/qt/Toolkit.h"
 #include "platform/linux/x11/X11Platform.h"
 
 namespace dormel {
 namespace {
+
+MakeSceneRenderer sceneRenderer() { return SceneGraph::isSoftware() ? makeSoftwareRenderer : makeDriverRenderer; }
 
 /// The permission as x11/ sees it, and the way back when there was no display at first.
 class DesktopAccessibility final : public Accessibility {
@@ -66,7 +69,7 @@ struct LinuxPlatform::Parts {
                 [this](int fd, std::function<bool()> action) { loop.watchReadable(fd, std::move(action)); }),
         children(bundle.tools()),
         defaults(files, output, BUNDLE_IDENTIFIER),
-        stage(std::make_shared<QmlStage>(std::move(scenes))),
+        stage(std::make_shared<QmlStage>(std::move(scenes), sceneRenderer())),
         canvases(stage),
         x11(canvases, clock),
         accessibility(x11, process, output, kind),

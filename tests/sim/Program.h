@@ -41,6 +41,7 @@ class Program {
     machine.journal.clear();
     machine.windows.setFirstShown([](View& view) {
       if (view.kind() == ViewKind::blockerOverlay) static_cast<BlockerOverlayView&>(view).onAppear();
+      if (view.kind() == ViewKind::onboarding) static_cast<OnboardingView&>(view).onAppear();
       if (view.kind() == ViewKind::statusPage) static_cast<StatusPage&>(view).onAppear();
     });
     // What main does.

@@ -22,8 +22,8 @@ class Picture {
 
   virtual void setShowing(bool showing) = 0;
 
-  /// Brings the target up to date.
-  virtual void draw() = 0;
+  /// Brings the target up to date. False when that cannot be done and will not work later either.
+  [[nodiscard]] virtual bool draw() = 0;
 
   /// As Canvas::pointer.
   virtual bool pointer(PointerAction action, double x, double y) = 0;

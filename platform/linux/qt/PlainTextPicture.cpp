@@ -47,10 +47,10 @@ void PlainTextPicture::setShowing(bool showing) {
   if (bridge_) bridge_->setShowing(showing);
 }
 
-void PlainTextPicture::draw() {
-  if (image_ == nullptr) return;
+bool PlainTextPicture::draw() {
+  if (image_ == nullptr) return true;
   image_->fill(background_);
-  if (!bridge_) return;
+  if (!bridge_) return true;
   const QStringList lines = bridge_->plainLines();
   QPainter painter(image_);
   painter.setFont(font());
@@ -64,6 +64,7 @@ void PlainTextPicture::draw() {
     painter.drawText(box, Qt::AlignCenter, line);
     top += LINE_HEIGHT;
   }
+  return true;
 }
 
 bool PlainTextPicture::pointer(PointerAction /*action*/, double /*x*/, double /*y*/) { return false; }

@@ -17,7 +17,7 @@ class PlainTextPicture : public Picture {
   [[nodiscard]] Size fittingSize() const override;
   void setTarget(QImage& image, const Size& size) override;
   void setShowing(bool showing) override;
-  void draw() override;
+  bool draw() override;
   bool pointer(PointerAction action, double x, double y) override;
 
  private:

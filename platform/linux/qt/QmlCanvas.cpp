@@ -76,7 +76,13 @@ void QmlCanvas::drawFrame() {
   Picture& now = picture();
   if (std::exchange(retarget_, false)) now.setTarget(image_, size_);
   sinceFrame_.start();
-  now.draw();
+  if (!now.draw()) {
+    // Somebody may be sitting in front of it, and has to know which keys to hold.
+    picture_ = stage_->makeTextPicture(view_, [this] { requestFrame(); });
+    picture_->setShowing(showing_);
+    picture_->setTarget(image_, size_);
+    if (!picture_->draw()) return;
+  }
   report();
 }
 

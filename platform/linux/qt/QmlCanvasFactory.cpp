@@ -1,6 +1,5 @@
 #include "platform/linux/qt/QmlCanvasFactory.h"
 
-#include <QQuickWindow>
 #include <utility>
 
 #include "platform/linux/qt/QmlCanvas.h"
@@ -11,10 +10,7 @@ namespace dormel {
 QmlCanvasFactory::QmlCanvasFactory(QmlSceneRegistry registry)
     : QmlCanvasFactory(std::make_shared<QmlStage>(std::move(registry))) {}
 
-QmlCanvasFactory::QmlCanvasFactory(std::shared_ptr<QmlStage> stage) : stage_(std::move(stage)) {
-  const QString software = QStringLiteral("software");
-  if (QQuickWindow::sceneGraphBackend() != software) QQuickWindow::setSceneGraphBackend(software);
-}
+QmlCanvasFactory::QmlCanvasFactory(std::shared_ptr<QmlStage> stage) : stage_(std::move(stage)) {}
 
 QmlCanvasFactory::~QmlCanvasFactory() = default;
 

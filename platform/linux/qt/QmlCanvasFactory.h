@@ -1,7 +1,6 @@
-// Draws views with QML, in software, into memory: no window, no display, no graphics driver. Main thread only.
+// Draws views with QML into memory: no window, no display. Main thread only.
 //
-// Needs a QGuiApplication (the "offscreen" platform will do) and makes the software scene graph the process's own,
-// so it must be constructed before anything else has shown a Qt Quick scene.
+// Needs a QGuiApplication (the "offscreen" platform will do).
 #pragma once
 
 #include <memory>
@@ -16,6 +15,7 @@ class QmlStage;
 
 class QmlCanvasFactory : public CanvasFactory {
  public:
+  /// In software, with a stage of its own.
   explicit QmlCanvasFactory(QmlSceneRegistry registry);
   /// Shares the stage with windows of the toolkit's own.
   explicit QmlCanvasFactory(std::shared_ptr<QmlStage> stage);

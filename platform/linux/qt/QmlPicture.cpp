@@ -2,7 +2,6 @@
 
 #include <QCoreApplication>
 #include <QMouseEvent>
-#include <QQuickRenderTarget>
 #include <cmath>
 #include <utility>
 
@@ -24,15 +23,14 @@ QEvent::Type typeOf(PointerAction action) {
 
 }  // namespace
 
-QmlPicture::QmlPicture(std::unique_ptr<ViewBridge> bridge, std::unique_ptr<QQuickItem> root, const QColor& background,
+QmlPicture::QmlPicture(LoadedScene scene, std::unique_ptr<SceneRenderer> renderer,
                        const std::function<void()>& onChange)
-    : bridge_(std::move(bridge)), root_(std::move(root)) {
-  // The window takes the control when it is made and must outlive it. The control is not initialised: that is for
-  // graphics drivers, and would load one.
+    : bridge_(std::move(scene.bridge)), renderer_(std::move(renderer)), root_(std::move(scene.root)) {
+  // The window takes the control when it is made and must outlive it.
   auto control = std::make_unique<QQuickRenderControl>();
   window_ = std::make_unique<QQuickWindow>(control.get());
   control_ = std::move(control);
-  window_->setColor(background);
+  window_->setColor(scene.background);
   root_->setParentItem(window_->contentItem());
   QObject::connect(control_.get(), &QQuickRenderControl::renderRequested, window_.get(), onChange);
   QObject::connect(control_.get(), &QQuickRenderControl::sceneChanged, window_.get(), onChange);
@@ -49,17 +47,7 @@ void QmlPicture::setTarget(QImage& image, const Size& size) {
   window_->setGeometry(0, 0, static_cast<int>(std::ceil(size.width)), static_cast<int>(std::ceil(size.height)));
   bridge_->setPixelRatio(image.devicePixelRatio());
   root_->setSize({size.width, size.height});
-  QQuickRenderTarget target = QQuickRenderTarget::fromPaintDevice(&image);
-  target.setDevicePixelRatio(image.devicePixelRatio());
-  window_->setRenderTarget(target);
-}
-
-void QmlPicture::draw() {
-  control_->polishItems();
-  control_->beginFrame();
-  control_->sync();
-  control_->render();
-  control_->endFrame();
+  renderer_->setTarget(*window_, image);
 }
 
 bool QmlPicture::pointer(PointerAction action, double x, double y) {

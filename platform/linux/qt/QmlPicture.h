@@ -1,22 +1,21 @@
-// A view's QML scene, rendered by the software scene graph without a window on any display. Main thread only.
+// A view's QML scene, rendered without a window on any display. Main thread only.
 #pragma once
 
-#include <QQuickItem>
 #include <QQuickRenderControl>
 #include <QQuickWindow>
 #include <functional>
 #include <memory>
 
+#include "platform/linux/qt/LoadedScene.h"
 #include "platform/linux/qt/Picture.h"
-#include "platform/linux/qt/ViewBridge.h"
+#include "platform/linux/qt/SceneRenderer.h"
 
 namespace dormel {
 
 class QmlPicture : public Picture {
  public:
   /// `root` is a scene's root item that reads `bridge`. `onChange` is called whenever there is something to draw.
-  QmlPicture(std::unique_ptr<ViewBridge> bridge, std::unique_ptr<QQuickItem> root, const QColor& background,
-             const std::function<void()>& onChange);
+  QmlPicture(LoadedScene scene, std::unique_ptr<SceneRenderer> renderer, const std::function<void()>& onChange);
   QmlPicture(const QmlPicture&) = delete;
   QmlPicture& operator=(const QmlPicture&) = delete;
   ~QmlPicture() override;
@@ -24,12 +23,13 @@ class QmlPicture : public Picture {
   [[nodiscard]] Size fittingSize() const override;
   void setTarget(QImage& image, const Size& size) override;
   void setShowing(bool showing) override { bridge_->setShowing(showing); }
-  void draw() override;
+  bool draw() override { return renderer_->render(*control_); }
   bool pointer(PointerAction action, double x, double y) override;
 
  private:
-  // Destroyed from the last to the first: the items, then what renders them, the window, and last what they read.
+  // Destroyed from the last to the first: the items, then what renders them, the window, and last what they need.
   std::unique_ptr<ViewBridge> bridge_;
+  std::unique_ptr<SceneRenderer> renderer_;
   std::unique_ptr<QQuickWindow> window_;
   std::unique_ptr<QQuickRenderControl> control_;
   std::unique_ptr<QQuickItem> root_;

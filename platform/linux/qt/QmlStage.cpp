@@ -8,6 +8,7 @@
 #include "platform/Process.h"
 #include "platform/linux/qt/PlainTextPicture.h"
 #include "platform/linux/qt/QmlPicture.h"
+#include "platform/linux/qt/SceneGraph.h"
 
 namespace dormel {
 namespace {
@@ -18,7 +19,12 @@ void complain(const QString& reason) {
 
 }  // namespace
 
-QmlStage::QmlStage(QmlSceneRegistry registry) : registry_(std::move(registry)) {}
+QmlStage::QmlStage(QmlSceneRegistry registry) : QmlStage(std::move(registry), makeSoftwareRenderer) {
+  SceneGraph::useSoftware();
+}
+
+QmlStage::QmlStage(QmlSceneRegistry registry, MakeSceneRenderer makeRenderer)
+    : registry_(std::move(registry)), makeRenderer_(std::move(makeRenderer)) {}
 
 QQmlEngine& QmlStage::engine() {
   if (!engine_) {
@@ -58,7 +64,15 @@ std::unique_ptr<Picture> QmlStage::makePicture(const std::shared_ptr<View>& view
                                                const std::function<void()>& onChange) {
   LoadedScene scene = load(view);
   if (!scene.root) return std::make_unique<PlainTextPicture>(std::move(scene.bridge), scene.background, onChange);
-  return std::make_unique<QmlPicture>(std::move(scene.bridge), std::move(scene.root), scene.background, onChange);
+  return std::make_unique<QmlPicture>(std::move(scene), makeRenderer_(), onChange);
+}
+
+std::unique_ptr<Picture> QmlStage::makeTextPicture(const std::shared_ptr<View>& view,
+                                                   const std::function<void()>& onChange) {
+  complain(QStringLiteral("the graphics driver does not answer"));
+  const QmlScene* scene = registry_.find(view->kind());
+  return scene == nullptr ? std::make_unique<PlainTextPicture>(nullptr, Qt::transparent, onChange)
+                          : std::make_unique<PlainTextPicture>(scene->makeBridge(view), scene->background, onChange);
 }
 
 std::unique_ptr<QQuickItem> QmlStage::makeWindowFrame(bool minimizable) {

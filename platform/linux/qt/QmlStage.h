@@ -1,27 +1,23 @@
 // The QML engine that all canvases and windows share, and the scenes they may load. Main thread only.
 #pragma once
 
-#include <QColor>
 #include <QQmlEngine>
-#include <QQuickItem>
 #include <functional>
 #include <memory>
 
+#include "platform/linux/qt/LoadedScene.h"
 #include "platform/linux/qt/Picture.h"
 #include "platform/linux/qt/QmlSceneRegistry.h"
+#include "platform/linux/qt/SceneRenderer.h"
 
 namespace dormel {
 
-/// A view's scene, loaded. The root reads the bridge and must go first.
-struct LoadedScene {
-  std::unique_ptr<ViewBridge> bridge;  ///< null when nobody registered a scene for the view
-  std::unique_ptr<QQuickItem> root;    ///< null when the scene cannot be had
-  QColor background = Qt::transparent;
-};
-
 class QmlStage {
  public:
+  /// Draws in software, and makes that the process's choice.
   explicit QmlStage(QmlSceneRegistry registry);
+  /// `makeRenderer` fits what the process has chosen.
+  QmlStage(QmlSceneRegistry registry, MakeSceneRenderer makeRenderer);
 
   /// The scene of `view`. One that is missing or cannot be loaded is reported in one line on standard error.
   [[nodiscard]] LoadedScene load(const std::shared_ptr<View>& view);
@@ -31,6 +27,11 @@ class QmlStage {
   [[nodiscard]] std::unique_ptr<Picture> makePicture(const std::shared_ptr<View>& view,
                                                      const std::function<void()>& onChange);
 
+  /// The same with the view's plain text, for a picture that can no longer be drawn; says so in one line on standard
+  /// error.
+  [[nodiscard]] std::unique_ptr<Picture> makeTextPicture(const std::shared_ptr<View>& view,
+                                                         const std::function<void()>& onChange);
+
   /// What a window wears, see QmlSceneRegistry::setWindowFrame; null when there is none.
   [[nodiscard]] std::unique_ptr<QQuickItem> makeWindowFrame(bool minimizable);
 
@@ -39,6 +40,7 @@ class QmlStage {
   std::unique_ptr<QQuickItem> create(const QUrl& source, const QVariantMap& properties);
 
   QmlSceneRegistry registry_;
+  MakeSceneRenderer makeRenderer_;
   std::unique_ptr<QQmlEngine> engine_;  // made for the first scene
 };
 

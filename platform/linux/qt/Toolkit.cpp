@@ -3,12 +3,12 @@
 #include <QDir>
 #include <QEvent>
 #include <QLibraryInfo>
-#include <QQuickWindow>
 #include <QSessionManager>
 #include <clocale>
 #include <utility>
 
 #include "platform/Identifiers.h"
+#include "platform/linux/qt/SceneGraph.h"
 
 namespace dormel {
 namespace {
@@ -39,12 +39,15 @@ Toolkit::Toolkit(bool showsWindows) : arguments_(argumentsFor(showsWindows)) {
   for (std::string& argument : arguments_) argumentPointers_.push_back(argument.data());
   argumentCount_ = static_cast<int>(argumentPointers_.size());
   argumentPointers_.push_back(nullptr);
-  // The software scene graph needs no graphics driver, so none can take the lock down.
-  QQuickWindow::setSceneGraphBackend(QStringLiteral("software"));
   QGuiApplication::setApplicationName(QStringLiteral("Dormel"));
   QGuiApplication::setDesktopFileName(QLatin1String(BUNDLE_IDENTIFIER));
   QGuiApplication::setQuitOnLastWindowClosed(false);
   application_ = std::make_unique<QGuiApplication>(argumentCount_, argumentPointers_.data());
+  if (showsWindows) {
+    SceneGraph::chooseForWindows();
+  } else {
+    SceneGraph::useSoftware();  // no graphics driver can take the lock down
+  }
   // Qt adopts the user's locale for the whole process; the figures in our logs keep their decimal point.
   std::setlocale(LC_NUMERIC, "C");
 }

@@ -1,0 +1,40 @@
+// The permission to take the keyboard: looks for it every second while it is shown, leads the user to it, and lets go
+// on only with it. Main thread only.
+#pragma once
+
+#include <string>
+
+#include "onboarding/OnbPill.h"
+#include "onboarding/OnbText.h"
+#include "onboarding/OnboardingScreen.h"
+
+namespace dormel {
+
+class AccessibilityBeat : public OnboardingScreen {
+ public:
+  static constexpr double ROW_WIDTH = 400;
+
+  explicit AccessibilityBeat(OnbAction go);
+
+  OnbText headline{*this, 0.3, "Let's test Dormel."};
+  OnbText sub{*this, 1.2, "It needs one permission to hold the lock."};
+  OnbText row{*this, 2.2, "Accessibility"};  ///< an icon, the name, and the "Grant" button or a check mark
+  OnbPill button;
+
+  [[nodiscard]] bool granted() const { return granted_; }
+  [[nodiscard]] static std::string grantTitle() { return "Grant"; }
+  /// The row's button: opens the desktop's settings, with a guide.
+  void grant() const;
+
+ protected:
+  void onAppear() override;
+  void onDisappear() override;
+
+ private:
+  void look();
+
+  Published<bool> granted_;
+  Timer poll_;
+};
+
+}  // namespace dormel

@@ -1,0 +1,19 @@
+// What the demo has shown. Main thread only.
+#pragma once
+
+#include "onboarding/OnbPill.h"
+#include "onboarding/OnbText.h"
+#include "onboarding/OnboardingScreen.h"
+
+namespace dormel {
+
+class DebriefBeat : public OnboardingScreen {
+ public:
+  explicit DebriefBeat(OnbAction go);
+
+  OnbText headline{*this, 0.3, "Well done!"};
+  OnbText sub{*this, 1.6, "Dormel locks your Mac at your selected time, every night."};
+  OnbPill button;
+};
+
+}  // namespace dormel

@@ -1,0 +1,28 @@
+#include "onboarding/DemoBeat.h"
+
+#include <utility>
+
+#include "core/Constants.h"
+
+namespace dormel {
+
+DemoBeat::DemoBeat(Actions actions)
+    : OnboardingScreen(OnboardingBeat::demo),
+      sub(*this, 1.4,
+          "Your screen will lock.\nTo snooze, hold the keys for " +
+              std::to_string(static_cast<int>(TEST_HOLD_DURATION)) + " seconds."),
+      button(*this, 2.6, {"Test Dormel"}, [this] { start(); }),
+      actions_(std::move(actions)) {}
+
+void DemoBeat::start() {
+  if (started_) return;
+  if (!actions_.runDemo || !actions_.runDemo([] {})) {
+    actions_.backToPermission();
+    return;
+  }
+  started_ = true;
+  // The next screen is in place under the lock when the demo ends.
+  at(elapsed() + DEBRIEF_DELAY, [this] { actions_.goDebrief(); });
+}
+
+}  // namespace dormel

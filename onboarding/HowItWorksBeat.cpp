@@ -1,0 +1,72 @@
+#include "onboarding/HowItWorksBeat.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "onboarding/OnbMotion.h"
+
+namespace dormel {
+namespace {
+
+constexpr Seconds RING_START = 10.8;
+
+/// What changes when, in seconds from the start of the scene; -1 where nothing does.
+struct Step {
+  Seconds time;
+  int phase = -1;
+  int heldCount = -1;
+  bool isEnd = false;
+};
+constexpr std::array STEPS{Step{1.2, 1},     Step{5.3, 2},     Step{5.9, -1, 1},        Step{6.1, -1, 2},
+                           Step{6.3, -1, 3}, Step{6.5, -1, 4}, Step{6.7, -1, 5},        Step{10.3, 3},
+                           Step{RING_START}, Step{15.3, 4},    Step{17.3, -1, -1, true}};
+
+}  // namespace
+
+HowItWorksBeat::HowItWorksBeat(const OnboardingModel& model, OnbAction go)
+    : OnboardingScreen(OnboardingBeat::howItWorks),
+      button(*this, 0, {.title = "Continue", .quiet = true, .released = false}, std::move(go)) {
+  const int want = model.want->value_or(24);
+  const int figure = dayHour(want) % 12;
+  clock_ = std::to_string(figure == 0 ? 12 : figure) + ":00";
+  caption_ = "At " + spokenHour(want) + ", your screen locks.";
+}
+
+void HowItWorksBeat::onAppear() {
+  at(STEPS.front().time, [this] { doStep(0); });
+}
+
+void HowItWorksBeat::doStep(std::size_t index) {
+  const Step& step = STEPS.at(index);
+  if (step.phase >= 0) phase_ = step.phase;
+  if (step.heldCount >= 0) heldCount_ = step.heldCount;
+  if (step.time == RING_START) ringSince_ = elapsed();
+  if (step.isEnd) button.reveal().release();
+  if (index + 1 < STEPS.size()) at(STEPS.at(index + 1).time, [this, index] { doStep(index + 1); });
+}
+
+double HowItWorksBeat::ringProgress() const {
+  return *ringSince_ ? std::clamp((elapsed() - **ringSince_) / onbMotion::RING_DURATION, 0.0, 1.0) : 0;
+}
+
+bool HowItWorksBeat::ringFills() const { return *ringSince_ && ringProgress() < 1; }
+
+std::vector<OnbSpan> HowItWorksBeat::snoozeLine() {
+  return {{"To snooze it: hold "}, {"5 keys", true}, {" for "}, {"30 seconds", true}};
+}
+
+const std::vector<std::string>& HowItWorksBeat::keycaps() {
+  static const std::vector<std::string> labels{"⇧", "⌘", "D", "O", "R"};
+  return labels;
+}
+
+std::vector<OnbSpan> HowItWorksBeat::graceLine() {
+  return {{"A snooze lasts "}, {"5 minutes", true}, {". Then it locks again."}};
+}
+
+std::string HowItWorksBeat::closingLine() { return "It gets you to sleep."; }
+
+std::string HowItWorksBeat::closingSubline() { return "Automatically gone by the morning."; }
+
+}  // namespace dormel

@@ -1,0 +1,85 @@
+#include "onboarding/OnbWheel.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <utility>
+
+#include "onboarding/OnboardingScreen.h"
+#include "platform/Platform.h"
+
+namespace dormel {
+namespace {
+
+constexpr KeyCode DOWN_ARROW = 125;
+constexpr KeyCode UP_ARROW = 126;
+constexpr double LEAST_DELTA = 2.0;
+constexpr Seconds LEAST_INTERVAL = 0.12;
+
+}  // namespace
+
+OnbWheel::OnbWheel(OnboardingScreen& screen, Seconds delay, std::vector<Option> options, int selection)
+    : options_(std::move(options)),
+      selection_(&screen, selection),
+      reveal_(screen, delay),
+      lastStep_(-std::numeric_limits<Seconds>::infinity()) {
+  screen.wheels_.push_back(this);
+}
+
+void OnbWheel::begin() {
+  isShown_ = true;
+  keyMonitor_ = platform().windows.addLocalKeyDownMonitor([this](const KeyEvent& key) { return keyDown(key.keyCode); });
+}
+
+void OnbWheel::end() {
+  isShown_ = false;
+  keyMonitor_.reset();
+}
+
+std::vector<int> OnbWheel::values() const {
+  std::vector<int> values;
+  for (const Option& option : options_) values.push_back(option.value);
+  return values;
+}
+
+int OnbWheel::position() const {
+  const auto found = std::find_if(options_.begin(), options_.end(),
+                                  [this](const Option& option) { return option.value == selection_; });
+  return found == options_.end() ? 0 : static_cast<int>(found - options_.begin());
+}
+
+std::vector<OnbWheel::Row> OnbWheel::rows() const {
+  std::vector<Row> rows;
+  for (const Option& option : options_) {
+    const int distance = static_cast<int>(rows.size()) - position();
+    rows.push_back({option.label, option.value, option.value == selection_, std::abs(distance) == 1});
+  }
+  return rows;
+}
+
+void OnbWheel::step(int by) {
+  if (!turns() || options_.empty()) return;
+  const int last = static_cast<int>(options_.size()) - 1;
+  selection_ = options_[static_cast<std::size_t>(std::clamp(position() + by, 0, last))].value;
+}
+
+void OnbWheel::select(int value) {
+  const std::vector<int> all = values();
+  if (turns() && std::find(all.begin(), all.end(), value) != all.end()) selection_ = value;
+}
+
+void OnbWheel::scroll(double delta) {
+  if (!turns() || !(std::abs(delta) > LEAST_DELTA)) return;
+  const Seconds now = platform().clock.uptime();
+  if (!(now - lastStep_ > LEAST_INTERVAL)) return;
+  lastStep_ = now;
+  step(delta < 0 ? 1 : -1);
+}
+
+bool OnbWheel::keyDown(KeyCode keyCode) {
+  if (!turns() || (keyCode != DOWN_ARROW && keyCode != UP_ARROW)) return false;
+  step(keyCode == DOWN_ARROW ? 1 : -1);
+  return true;
+}
+
+}  // namespace dormel

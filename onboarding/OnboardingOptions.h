@@ -1,0 +1,28 @@
+// The answers that the questions offer, and the hours that the wheels offer.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "onboarding/OnbWheel.h"
+
+namespace dormel::onboardingOptions {
+
+/// 11 PM to "4 AM or later".
+[[nodiscard]] std::vector<OnbWheel::Option> latest();
+/// 10 PM to 1 AM.
+[[nodiscard]] std::vector<OnbWheel::Option> want();
+/// 10 PM to 2 AM.
+[[nodiscard]] std::vector<OnbWheel::Option> lock();
+inline constexpr int FIRST_LOCK = 22;
+inline constexpr int LAST_LOCK = 26;
+
+struct Nights {
+  std::string label;
+  double value;
+};
+[[nodiscard]] std::vector<Nights> nights();
+
+[[nodiscard]] std::vector<std::string> keeps();
+
+}  // namespace dormel::onboardingOptions

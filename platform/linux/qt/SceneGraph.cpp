@@ -1,0 +1,72 @@
+#include "platform/linux/qt/SceneGraph.h"
+
+#include <QDir>
+#include <QFile>
+#include <QOffscreenSurface>
+#include <QOpenGLContext>
+#include <QOpenGLFunctions>
+#include <QQuickWindow>
+#include <algorithm>
+#include <array>
+
+namespace dormel::SceneGraph {
+namespace {
+
+bool software = false;
+
+/// A driver has something to drive. Asking one that has not would load megabytes of a compiler only to hear so.
+bool hasGraphicsDevice() {
+  constexpr std::array DEVICES{"/dev/nvidiactl", "/dev/mali0", "/dev/kgsl-3d0", "/dev/dxg"};
+  return !QDir(QStringLiteral("/dev/dri")).entryList({QStringLiteral("renderD*")}, QDir::System).isEmpty() ||
+         std::any_of(DEVICES.begin(), DEVICES.end(),
+                     [](const char* path) { return QFile::exists(QLatin1String(path)); });
+}
+
+/// The name of what would draw; empty when nothing would.
+QByteArray rendererName() {
+  QOpenGLContext context;
+  if (!context.create()) return {};
+  QOffscreenSurface surface;
+  surface.setFormat(context.format());
+  surface.create();
+  if (!surface.isValid() || !context.makeCurrent(&surface)) return {};
+  const auto* name = reinterpret_cast<const char*>(context.functions()->glGetString(GL_RENDERER));
+  QByteArray copy(name);
+  context.doneCurrent();
+  return copy;
+}
+
+bool isSoftwareRenderer(const QByteArray& name) {
+  constexpr std::array NAMES{"llvmpipe", "softpipe", "swrast", "software rasterizer", "swiftshader"};
+  const QByteArray lower = name.toLower();
+  return std::any_of(NAMES.begin(), NAMES.end(), [&](const char* known) { return lower.contains(known); });
+}
+
+bool hasDriver() {
+  if (qgetenv("QT_QUICK_BACKEND") == "software") return false;
+  if (qEnvironmentVariable("QSG_RHI_BACKEND") == QLatin1String("opengl")) return !rendererName().isEmpty();
+  if (!hasGraphicsDevice()) return false;
+  const QByteArray name = rendererName();
+  return !name.isEmpty() && !isSoftwareRenderer(name);
+}
+
+}  // namespace
+
+void useSoftware() {
+  software = true;
+  const QString backend = QStringLiteral("software");
+  if (QQuickWindow::sceneGraphBackend() != backend) QQuickWindow::setSceneGraphBackend(backend);
+}
+
+void chooseForWindows() {
+  if (!hasDriver()) {
+    useSoftware();
+    return;
+  }
+  // The one interface that pictures without a window are read back through, too (DriverRenderer).
+  QQuickWindow::setGraphicsApi(QSGRendererInterface::OpenGL);
+}
+
+bool isSoftware() { return software; }
+
+}  // namespace dormel::SceneGraph

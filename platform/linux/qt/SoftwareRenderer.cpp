@@ -1,0 +1,31 @@
+#include <QQuickRenderTarget>
+
+#include "platform/linux/qt/SceneRenderer.h"
+
+namespace dormel {
+namespace {
+
+/// The control is never initialised: that is for graphics drivers, and would load one.
+class SoftwareRenderer : public SceneRenderer {
+ public:
+  void setTarget(QQuickWindow& window, QImage& image) override {
+    QQuickRenderTarget target = QQuickRenderTarget::fromPaintDevice(&image);
+    target.setDevicePixelRatio(image.devicePixelRatio());
+    window.setRenderTarget(target);
+  }
+
+  bool render(QQuickRenderControl& control) override {
+    control.polishItems();
+    control.beginFrame();
+    control.sync();
+    control.render();
+    control.endFrame();
+    return true;
+  }
+};
+
+}  // namespace
+
+std::unique_ptr<SceneRenderer> makeSoftwareRenderer() { return std::make_unique<SoftwareRenderer>(); }
+
+}  // namespace dormel

@@ -1,0 +1,437 @@
+// Each screen of the first run by itself, in virtual time: when its elements come in, what its presses do and when they
+// count, and what its timed scenes show.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <sstream>
+
+#include "assistant/AssentaAssistant.h"
+#include "onboarding/AccessibilityBeat.h"
+#include "onboarding/BrandBeat.h"
+#include "onboarding/DebriefBeat.h"
+#include "onboarding/DemoBeat.h"
+#include "onboarding/FinaleBeat.h"
+#include "onboarding/HowItWorksBeat.h"
+#include "onboarding/KeepsBeat.h"
+#include "onboarding/MirrorBeat.h"
+#include "onboarding/OnbMotion.h"
+#include "onboarding/OnboardingOptions.h"
+#include "onboarding/PromiseBeat.h"
+#include "onboarding/QuestionBeat.h"
+#include "onboarding/ScheduleBeat.h"
+#include "onboarding/ScienceBeat.h"
+#include "onboarding/WheelQuestionBeat.h"
+#include "platform/sim/SimMachine.h"
+
+namespace dormel {
+namespace {
+
+struct Answers {
+  std::optional<int> late, want;
+  std::optional<double> nights;
+  std::vector<std::string> keeps{};
+};
+
+std::shared_ptr<OnboardingModel> modelOf(const Answers& answers) {
+  auto model = std::make_shared<OnboardingModel>();
+  model->late = answers.late;
+  model->want = answers.want;
+  model->nightsFactor = answers.nights;
+  model->keeps = answers.keeps;
+  return model;
+}
+
+TEST(OnboardingScreens, ElementsComeInAtTheirTimesAndButtonsCountFromThenOn) {
+  int presses = 0;
+  const auto go = [&presses] { ++presses; };
+  const auto with = [&presses](const auto&) { ++presses; };
+  const auto model = modelOf({26, 23, 4.0});
+  struct Made {
+    std::shared_ptr<OnboardingScreen> screen;
+    OnbPill* button;
+  };
+  const auto made = [](auto screen) { return Made{screen, &screen->button}; };
+  const struct {
+    const char* name;
+    std::function<Made()> make;
+    const char* times;  // of all elements
+    const char* title;
+    Seconds button;
+    bool quiet = false;
+  } rows[] = {
+      {"brand", [&] { return made(std::make_shared<BrandBeat>(go)); }, "0.2 2.4 4.2", "Begin", 4.2},
+      {"promise", [&] { return made(std::make_shared<PromiseBeat>(go)); }, "0.3 1.5 3", "Continue", 3},
+      {"wheel question",
+       [&] {
+         return made(
+             std::make_shared<WheelQuestionBeat>(OnboardingBeat::q1Latest, "?", onboardingOptions::latest(), 25, with));
+       },
+       "0.3 1.2 2", "Continue", 2},
+      {"mirror", [&] { return made(std::make_shared<MirrorBeat>(*model, go)); }, "0.3 1.4 1.4 1.6 3 3.4 5",
+       "I want to sleep better", 5},
+      {"mirror, ahead",
+       [&] {
+         return made(std::make_shared<MirrorBeat>(*modelOf({23, 23, 2.0}), go));
+       },
+       "0.3 1.4 1.4 1.6 3 3.4 4.4", "Keep me on track", 4.4},
+      {"how it works", [&] { return made(std::make_shared<HowItWorksBeat>(*model, go)); }, "0.2 17.3", "Continue", 17.3,
+       true},
+      {"accessibility", [&] { return made(std::make_shared<AccessibilityBeat>(go)); }, "0.3 1.2 2.2 3", "Continue", 3},
+      {"demo",
+       [&] {
+         return made(std::make_shared<DemoBeat>(DemoBeat::Actions{{}, {}, go}));
+       },
+       "0.3 1.4 2.6", "Test Dormel", 2.6},
+      {"debrief", [&] { return made(std::make_shared<DebriefBeat>(go)); }, "0.3 1.6 3", "Understood", 3},
+      {"science", [&] { return made(std::make_shared<ScienceBeat>(go)); }, "0.3 1.2 2.4 3.8 5.2 6.4", "Continue", 6.4,
+       true},
+      {"schedule", [&] { return made(std::make_shared<ScheduleBeat>(model, true, go)); }, "0.3 1.2 2 2.8",
+       "Set my dormel", 2},
+      {"finale", [&] { return made(std::make_shared<FinaleBeat>(*model, go)); }, "0.3 1.5 2.7 3.9 5.4", "Sleep Well",
+       5.4},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.name);
+    SimMachine machine;
+    presses = 0;
+    const Made made = row.make();
+    machine.advance(30);
+    made.screen->appear();
+    std::ostringstream times;
+    std::size_t before = 0;
+    for (int i = 0; i <= 200; ++i) {
+      std::size_t now = 0;
+      for (const OnbReveal* reveal : made.screen->reveals()) now += reveal->on() ? 1 : 0;
+      for (; before < now; ++before) times << (times.tellp() == 0 ? "" : " ") << i / 10.0;
+      made.button->press();
+      EXPECT_EQ(presses > 0, i / 10.0 >= row.button) << i;
+      machine.advance(0.1);
+    }
+    EXPECT_EQ(times.str(), row.times);
+    EXPECT_EQ(made.button->title(), row.title);
+    EXPECT_EQ(made.button->quiet(), row.quiet);
+    made.screen->disappear();
+    const int last = presses;
+    made.button->press();
+    EXPECT_EQ(presses, last) << "it has gone";
+    EXPECT_EQ(machine.timeline.repeatingTimers(), 0);
+  }
+}
+
+TEST(OnboardingScreens, AScreenThatHasGoneStandsStill) {
+  SimMachine machine;
+  PromiseBeat screen([] {});
+  screen.appear();
+  machine.advance(1);
+  int changes = 0;
+  const Observation observation = screen.observe([&] { ++changes; });
+  screen.disappear();
+  machine.advance(60);
+  EXPECT_EQ(changes, 0);
+  EXPECT_EQ(screen.elapsed(), 1);
+  EXPECT_TRUE(screen.headline.reveal.on());
+  EXPECT_FALSE(screen.sub.reveal.on());
+}
+
+TEST(OnboardingScreens, TheMarkDrawsItselfOnItsCurve) {
+  SimMachine machine;
+  BrandBeat screen([] {});
+  screen.appear();
+  double before = -1;
+  for (int i = 0; i <= 40; ++i) {
+    const double trim = screen.mark.trim();
+    const double time = i / 10.0;
+    EXPECT_EQ(trim > 0, time > 0.9) << time;
+    EXPECT_EQ(trim < 1, time < 3.3) << time;
+    EXPECT_GE(trim, before) << time;
+    before = trim;
+    machine.advance(0.1);
+  }
+  // Where the parameter is a half, time and way are (3 p1 + 3 p2 + 1) / 8 of their ends.
+  EXPECT_NEAR(onbMotion::MARK_CURVE.at(3.1 / 8), 0.5, 1e-9);
+  EXPECT_NEAR(onbMotion::REVEAL_CURVE.at(2.5 / 8), 6.1 / 8, 1e-9);
+  EXPECT_NEAR(onbMotion::EVAPORATE_CURVE.at(4.9 / 8), 0.5, 1e-9);
+}
+
+TEST(OnboardingScreens, HeadlinesMarkEmphasisWithAsterisks) {
+  const struct {
+    const char* text;
+    std::vector<OnbSpan> spans;
+  } rows[] = {
+      {"When do you *want* to be asleep?", {{"When do you "}, {"want", true}, {" to be asleep?"}}},
+      {"*All* of *it*", {{"All", true}, {" of "}, {"it", true}}},
+      {"5 * 3", {{"5 * 3"}}},
+      {"a ** b", {{"a ** b"}}},
+      {"*a* *", {{"a", true}, {" *"}}},
+      {"", {}},
+  };
+  for (const auto& row : rows) EXPECT_EQ(headlineSpans(row.text), row.spans) << row.text;
+  EXPECT_EQ(plainText(headlineSpans("When do you *want* it?")), "When do you want it?");
+}
+
+TEST(OnboardingScreens, TheWheelTurnsByRowsScrollingAndArrows) {
+  constexpr KeyCode DOWN = 125;
+  constexpr KeyCode UP = 126;
+  struct Act {
+    enum { scroll, key, row, wait } kind;
+    double value;
+  };
+  using enum decltype(Act::kind);
+  const struct {
+    const char* name;
+    int initial;
+    std::vector<Act> acts;
+    int selection;
+  } rows[] = {
+      {"down stops at the last", 27, {{key, DOWN}, {key, DOWN}, {key, DOWN}}, 28},
+      {"up stops at the first", 24, {{key, UP}, {key, UP}}, 23},
+      {"no such option: as the first", 99, {{key, DOWN}}, 24},
+      {"no such option, up", 99, {{key, UP}}, 23},
+      {"other keys", 25, {{key, 123}, {key, 124}, {key, 36}}, 25},
+      {"a row", 25, {{row, 27}}, 27},
+      {"no row", 25, {{row, 99}}, 25},
+      {"a notch towards the user", 25, {{scroll, -15}}, 26},
+      {"a notch away", 25, {{scroll, 15}}, 24},
+      {"small deltas never", 25, {{scroll, 2}, {wait, 1}, {scroll, -2}, {wait, 1}, {scroll, 1.9}}, 25},
+      {"two within 0.1 s are one", 25, {{scroll, -9}, {wait, 0.1}, {scroll, -9}}, 26},
+      {"two after 0.13 s are two", 25, {{scroll, -9}, {wait, 0.13}, {scroll, -9}}, 27},
+      {"a small one does not delay", 25, {{scroll, 1}, {wait, 0.05}, {scroll, -9}}, 26},
+      {"keys are not slowed", 23, {{key, DOWN}, {key, DOWN}, {key, DOWN}}, 26},
+      {"not a number", 25, {{scroll, std::nan("")}}, 25},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.name);
+    SimMachine machine;
+    machine.windows.giveFocusToOrdinaryWindow();
+    WheelQuestionBeat screen(OnboardingBeat::q1Latest, "?", onboardingOptions::latest(), row.initial, [](int) {});
+    const auto press = [&](KeyCode key) { return machine.windows.deliverKey({EventType::keyDown, key, 0}); };
+    const auto act = [&] {
+      for (const Act& each : row.acts) {
+        if (each.kind == Act::scroll) screen.wheel.scroll(each.value);
+        if (each.kind == Act::key) press(static_cast<KeyCode>(each.value));
+        if (each.kind == Act::row) screen.wheel.select(static_cast<int>(each.value));
+        if (each.kind == Act::wait) machine.advance(each.value);
+      }
+    };
+    act();
+    screen.appear();
+    machine.advance(1.19);
+    screen.wheel.keyDown(DOWN);
+    EXPECT_EQ(screen.wheel.selection(), row.initial) << "it has not come in";
+    machine.advance(0.02);
+    act();
+    EXPECT_EQ(screen.wheel.selection(), row.selection);
+    EXPECT_TRUE(screen.wheel.keyDown(UP)) << "taken";
+    EXPECT_FALSE(screen.wheel.keyDown(36)) << "left to the others";
+    const int last = screen.wheel.selection();
+    screen.disappear();
+    act();
+    EXPECT_EQ(screen.wheel.selection(), last) << "it has let go";
+  }
+  SimMachine machine;
+  const WheelQuestionBeat screen(OnboardingBeat::q3Want, "?", onboardingOptions::want(), 23, [](int) {});
+  EXPECT_EQ(screen.wheel.rows(), (std::vector<OnbWheel::Row>{{"10 PM", 22, false, true},
+                                                             {"11 PM", 23, true, false},
+                                                             {"Midnight", 24, false, true},
+                                                             {"1 AM", 25, false, false}}));
+}
+
+TEST(OnboardingScreens, TheFirstPickCountsAndIsSeenForAMoment) {
+  for (const bool leftMeanwhile : {false, true}) {
+    SimMachine machine;
+    std::vector<double> picked;
+    QuestionBeat screen(OnboardingBeat::q2Nights, "?", onboardingOptions::nights(),
+                        [&](double value) { picked.push_back(value); });
+    screen.appear();
+    machine.advance(1.1);
+    screen.pick(0);
+    machine.advance(0.2);
+    EXPECT_FALSE(screen.isSelected(0)) << "it has not come in";
+    screen.pick(9);
+    screen.pick(1);
+    machine.advance(0.44);
+    screen.pick(2);
+    EXPECT_TRUE(screen.isSelected(1) && !screen.isSelected(2));
+    EXPECT_TRUE(picked.empty());
+    if (leftMeanwhile) screen.disappear();
+    machine.advance(2);
+    EXPECT_EQ(picked, leftMeanwhile ? std::vector<double>{} : std::vector{4.0});
+  }
+}
+
+TEST(OnboardingScreens, PicksAreToggledAndKeepTheirOrder) {
+  SimMachine machine;
+  std::vector<std::string> given{"none"};
+  KeepsBeat screen([&](const std::vector<std::string>& picks) { given = picks; });
+  screen.appear();
+  machine.advance(10);
+  enum { scrolling, chatting, movies, work, games, everything };
+  const struct {
+    int press;
+    std::vector<std::string> picks;
+  } rows[] = {{work, {"work"}},
+              {everything, {"work", "everything"}},
+              {movies, {"work", "everything", "movies & shows"}},
+              {work, {"everything", "movies & shows"}},
+              {work, {"everything", "movies & shows", "work"}},
+              {everything, {"movies & shows", "work"}},
+              {movies, {"work"}},
+              {work, {}},
+              {77, {}}};
+  for (const auto& row : rows) {
+    screen.toggle(static_cast<std::size_t>(row.press));
+    EXPECT_EQ(screen.picks(), row.picks);
+    EXPECT_EQ(screen.button.enabled(), !row.picks.empty());
+  }
+  screen.button.press();
+  EXPECT_EQ(given, std::vector<std::string>{"none"});
+  screen.toggle(games);
+  screen.button.press();
+  EXPECT_EQ(given, std::vector<std::string>{"games"});
+}
+
+TEST(OnboardingScreens, TheMirrorCountsUpToWhatIsLost) {
+  const struct {
+    Answers answers;
+    int target;
+  } rows[] = {{{}, 10}, {{25, 24, 2.0}, 2}, {{26, 23, 4.0}, 12}, {{28, 22, 7.0}, 42}, {{26, 23, {}}, 10}};
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.target);
+    SimMachine machine;
+    MirrorBeat screen(*modelOf(row.answers), [] {});
+    ASSERT_FALSE(screen.isAhead());
+    screen.appear();
+    machine.advance(2.3);
+    EXPECT_EQ(screen.shown(), 0);
+    for (int frame = 1; frame <= 60; ++frame) {
+      machine.advance(0.033);
+      const double share = std::min(1.0, 0.033 * frame / 1.8);
+      EXPECT_EQ(screen.shown(), std::lround(row.target * (1 - std::pow(1 - share, 3)))) << frame;
+    }
+    EXPECT_EQ(screen.shown(), row.target);
+  }
+  SimMachine machine;
+  MirrorBeat left(*modelOf({}), [] {});
+  left.appear();
+  machine.advance(2.9);
+  const int shown = left.shown();
+  EXPECT_GT(shown, 0);
+  EXPECT_LT(shown, 10);
+  left.disappear();
+  machine.advance(10);
+  EXPECT_EQ(left.shown(), shown);
+
+  MirrorBeat ahead(*modelOf({24, 25, 2.0}), [] {});
+  EXPECT_TRUE(ahead.isAhead());
+  EXPECT_EQ(ahead.habit.text, "You get to bed by midnight, and you want to be asleep by 1 AM.");
+}
+
+/// "phase, held keys, ring in tenths, may go on" at a moment of the scene.
+std::string sceneOf(const HowItWorksBeat& screen) {
+  std::ostringstream text;
+  text << screen.phase() << ' ' << screen.heldCount() << ' ' << std::lround(screen.ringProgress() * 10) << ' '
+       << (screen.canContinue() ? "go" : "wait");
+  return text.str();
+}
+
+TEST(OnboardingScreens, ANightIsPlayedInSeventeenSeconds) {
+  const struct {
+    Seconds time;
+    const char* scene;
+  } rows[] = {{1.19, "0 0 0 wait"},   {1.21, "1 0 0 wait"},  {5.29, "1 0 0 wait"},   {5.31, "2 0 0 wait"},
+              {5.91, "2 1 0 wait"},   {6.11, "2 2 0 wait"},  {6.31, "2 3 0 wait"},   {6.51, "2 4 0 wait"},
+              {6.71, "2 5 0 wait"},   {10.29, "2 5 0 wait"}, {10.31, "3 5 0 wait"},  {10.79, "3 5 0 wait"},
+              {12.3, "3 5 5 wait"},   {13.8, "3 5 10 wait"}, {15.29, "3 5 10 wait"}, {15.31, "4 5 10 wait"},
+              {17.29, "4 5 10 wait"}, {17.31, "4 5 10 go"},  {60, "4 5 10 go"}};
+  const auto play = [](SimMachine& machine, HowItWorksBeat& screen, Seconds until) {
+    machine.advance(until - screen.elapsed());
+  };
+  SimMachine machine;
+  HowItWorksBeat screen(*modelOf({}), [] {});
+  screen.appear();
+  for (const auto& row : rows) {
+    play(machine, screen, row.time);
+    EXPECT_EQ(sceneOf(screen), row.scene) << row.time;
+    EXPECT_EQ(screen.ringFills(), row.time > 10.8 && row.time < 13.8) << row.time;
+  }
+
+  HowItWorksBeat left(*modelOf({}), [] {});
+  left.appear();
+  machine.advance(6);
+  left.disappear();
+  machine.advance(60);
+  EXPECT_EQ(sceneOf(left), "2 1 0 wait");
+
+  HowItWorksBeat late(*modelOf({}), [] {});
+  late.appear();
+  machine.stallMain(10.5);
+  machine.advance(10.6);
+  EXPECT_EQ(sceneOf(late), "3 5 0 wait") << "what was missed is made up for";
+
+  const struct {
+    std::optional<int> want;
+    const char* clock;
+    const char* caption;
+  } wants[] = {{{}, "12:00", "At midnight, your screen locks."},
+               {24, "12:00", "At midnight, your screen locks."},
+               {25, "1:00", "At 1 AM, your screen locks."},
+               {22, "10:00", "At 10 PM, your screen locks."}};
+  for (const auto& want : wants) {
+    const HowItWorksBeat scene(*modelOf({{}, want.want, {}}), [] {});
+    EXPECT_EQ(scene.clock() + scene.caption(), std::string(want.clock) + want.caption);
+  }
+}
+
+TEST(OnboardingScreens, ThePermissionIsNoticedWithinASecond) {
+  SimMachine machine;
+  machine.accessibility.setTrusted(false);
+  int gone = 0;
+  AccessibilityBeat screen([&] { ++gone; });
+  screen.grant();
+  screen.appear();
+  machine.advance(2.1);
+  screen.grant();
+  EXPECT_FALSE(AssentaAssistant::shared().activePanel()) << "the button has not come in";
+  machine.advance(1.5);
+  screen.button.press();
+  screen.grant();
+  EXPECT_EQ(AssentaAssistant::shared().activePanel(), AssentaPanel::accessibility);
+  machine.journal.clear();
+  machine.accessibility.setTrusted(true);
+  machine.advance(0.3);
+  EXPECT_FALSE(screen.granted());
+  EXPECT_EQ(gone, 0);
+  machine.advance(0.2);
+  EXPECT_TRUE(screen.granted());
+  EXPECT_FALSE(AssentaAssistant::shared().activePanel());
+  EXPECT_EQ(machine.journal.lines().size(), 1U) << "activated, once";
+  screen.grant();
+  machine.advance(5);
+  EXPECT_EQ(machine.journal.lines().size(), 1U);
+  machine.accessibility.setTrusted(false);
+  machine.advance(1);
+  EXPECT_FALSE(screen.button.canPress()) << "taken back";
+  screen.grant();
+  EXPECT_TRUE(AssentaAssistant::shared().activePanel());
+  screen.disappear();
+  EXPECT_FALSE(AssentaAssistant::shared().activePanel()) << "left";
+  machine.accessibility.setTrusted(true);
+  machine.advance(5);
+  EXPECT_FALSE(screen.granted());
+}
+
+TEST(OnboardingScreens, TheWordmarksOpenTheirPapers) {
+  SimMachine machine;
+  ScienceBeat screen([] {});
+  screen.appear();
+  machine.advance(1);
+  screen.open(0);
+  machine.advance(1);
+  EXPECT_TRUE(machine.journal.lines().empty());
+  for (std::size_t i = 0; i < 5; ++i) screen.open(i);
+  ASSERT_EQ(machine.journal.lines().size(), 4U);
+  for (const std::string& line : machine.journal.lines()) EXPECT_NE(line.find("open https://doi.org/10."), line.npos);
+}
+
+}  // namespace
+}  // namespace dormel
