@@ -1,5 +1,5 @@
 """An update on the real program: fetched by the run that locks, left alone within the hours, in place after the next
-opening, and gone with an uninstall."""
+opening."""
 
 import http.server
 import os
@@ -100,11 +100,3 @@ class UpdateTest(DesktopCase):
         self.saw(f"and open again after {self.clock() - begun:.2f} s")
         self.assertEqual(os.listdir(desk.home.applications), ["Dormel.app"])
         self.assertIn("9.9 (99)", desk.bundle.run("--version").stdout)
-
-    def test_without_the_switch_nothing_is_asked(self):
-        desk = self.offered()
-        desk.home.change_settings(SUEnableAutomaticChecks=False, onboardingComplete=True, blockingEnabled=False)
-        process = self.start(desk)
-        self.opened(desk)
-        self.assert_stays(process, 13)
-        self.assertFalse(os.path.exists(self.store) or "SULastCheckTime" in desk.home.settings())

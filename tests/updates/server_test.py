@@ -171,6 +171,12 @@ class UpdateHelperTest(unittest.TestCase):
         self.server.asked.clear()
         self.assertEqual(self.check(), ["ready 1.1"])
         self.assertNotIn("/archive", self.server.asked)
+        # Its maker takes it back, and offers it again.
+        feed, self.server.answers["/here"] = self.server.answers["/here"], b'{"format": 1, "updates": []}'
+        self.assertEqual(self.check(), ["current"])
+        self.assert_untouched()
+        self.server.answers["/here"] = feed
+        self.assertEqual(self.check()[-1], "ready 1.1")
         # One that is newer still takes its place.
         self.offer("newer", "1.2", "16")
         self.assertEqual(self.check(), ["fetching 1.2", "ready 1.2"])

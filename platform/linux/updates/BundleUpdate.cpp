@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <system_error>
 #include <utility>
@@ -62,10 +63,14 @@ Verdict BundleUpdate::check(bool fetch) {
     return {Kind::unreadable};
   }
   const Offer* offer = newest(*offers);
-  if (offer == nullptr || offer->build <= facts_.build) return {Kind::current};
-  if (const auto waits = store_.staged(); waits && waits->build >= offer->build) {
-    return {Kind::ready, waits->version.text()};
+  if (const auto waits = store_.staged(); waits && (offer == nullptr || waits->build >= offer->build)) {
+    const bool stands =
+        std::any_of(offers->begin(), offers->end(), [&](const Offer& other) { return other.build == waits->build; });
+    if (stands) return {Kind::ready, waits->version.text()};
+    const FolderLock lock(applications_);
+    store_.clear();  // its maker took it back
   }
+  if (offer == nullptr || offer->build <= facts_.build) return {Kind::current};
   if (!isOurs()) return {Kind::administrator, offer->version.text()};
   if (!fetch) return {Kind::available, offer->version.text()};
   return fetchAndKeep(*offer, transfer);

@@ -37,7 +37,8 @@ class BundleUpdate {
   BundleUpdate(BundleFacts facts, Patience patience, Tell tell, Complain complain);
 
   /// Reads the feed; with `fetch`, fetches what is newer, verifies it and keeps it. What waits already is not fetched
-  /// again. Whatever goes wrong, the bundle and what was kept before stay as they were.
+  /// again, and thrown away when its maker took it back. Whatever goes wrong, the bundle and what was kept before stay
+  /// as they were.
   [[nodiscard]] Verdict check(bool fetch);
 
   /// Verifies once more what waits and puts it in the bundle's place. What waits and cannot be used is thrown away.
