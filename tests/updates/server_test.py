@@ -5,6 +5,7 @@ import json
 import os
 import plistlib
 import shutil
+import ssl
 import stat
 import subprocess
 import tempfile
@@ -268,6 +269,23 @@ class UpdateHelperTest(unittest.TestCase):
         self.offer()
         self.assertEqual(self.run_helper("check", "--fetch", prefix=prefix), ["administrator 1.1"])
         self.assert_untouched()
+
+    def test_a_certificate_that_nobody_vouches_for(self):
+        self.offer()
+        certificate = os.path.join(self.work, "certificate.pem")
+        subprocess.run(["openssl", "req", "-x509", "-newkey", "rsa:2048", "-nodes", "-subj", "/CN=localhost", "-addext",
+                        "subjectAltName=DNS:localhost", "-keyout", certificate + ".key", "-out", certificate],
+                       check=True, capture_output=True)
+        context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
+        context.load_cert_chain(certificate, certificate + ".key")
+        self.server.socket = context.wrap_socket(self.server.socket, server_side=True)
+        self.server.handle_error = lambda *_: None
+        make_bundle(self.bundle + "/x", "1.0", "14", self.public,
+                    self.server.url.replace("http://127.0.0.1", "https://localhost") + "/feed.json")
+        shutil.copy(self.bundle + "/x/Contents/Info.plist", self.bundle + "/Contents/Info.plist")
+        self.assertEqual(self.check(), ["unreachable"])
+        self.assertIn("certificate", self.complaint)
+        self.assertEqual(self.server.asked, [])
 
     def test_without_a_key_nothing_is_asked(self):
         self.offer()
