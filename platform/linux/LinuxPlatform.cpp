@@ -34,7 +34,7 @@
 namespace dormel {
 namespace {
 
-constexpr std::int64_t UPDATE_INTERVAL = 6 * 3600;  // where the bundle names none
+constexpr std::int64_t UPDATE_INTERVAL = 21'600;  // where the bundle names none
 
 /// The permission as x11/ sees it, and the way back when there was no display at first.
 class DesktopAccessibility final : public Accessibility {

@@ -154,7 +154,7 @@ class Unpacking {
       if (errno == EEXIST) refuse("a name that comes twice", name.string());
       failOnDisk(path, errno);
     }
-    std::array<char, 64 * 1024> part{};
+    std::array<char, 65'536> part{};
     for (;;) {
       const la_ssize_t got = archive_read_data(reader_.get(), part.data(), part.size());
       if (got == 0) return;

@@ -112,7 +112,7 @@ Verdict BundleUpdate::install() {
   const FolderLock lock(applications_);
   const auto offer = store_.staged();
   // One that is not newer was put in place before, and what was left of it is swept away.
-  const Verdict verdict = offer && offer->build > facts_.build ? putInPlace(*offer) : Verdict{Kind::nothing};
+  Verdict verdict = offer && offer->build > facts_.build ? putInPlace(*offer) : Verdict{Kind::nothing};
   if (verdict.kind == Kind::administrator || verdict.kind == Kind::notKept) {
     std::error_code ignored;
     fs::remove_all(store_.folder() + "/new", ignored);  // the update itself may be luckier another time

@@ -72,15 +72,15 @@ Fetched Transfer::fetch(const std::string& address, std::size_t largest, long se
     curl_easy_getinfo(handle.get(), CURLINFO_REDIRECT_URL, &next);
     if (body.overflowed) return {Fetched::Kind::tooLarge, {}, at + ": too large"};
     if (result != CURLE_OK) {
-      return {
-          Fetched::Kind::failed, {}, at + ": " + (complaint[0] != 0 ? complaint.data() : curl_easy_strerror(result))};
+      const char* reason = complaint[0] != 0 ? complaint.data() : curl_easy_strerror(result);
+      return {Fetched::Kind::failed, {}, (at + ": ").append(reason)};
     }
     if (next == nullptr) {
       if (status != 200) return {Fetched::Kind::failed, {}, at + ": HTTP status " + std::to_string(status)};
       return {Fetched::Kind::whole, std::move(body.bytes)};
     }
     const std::string target = next;  // the library's text goes with the next transfer
-    if (!isAllowedRedirect(at, target)) return {Fetched::Kind::failed, {}, at + ": sends us to " + target};
+    if (!isAllowedRedirect(at, target)) return {Fetched::Kind::failed, {}, (at + ": sends us to ").append(target)};
     at = target;
   }
   return {Fetched::Kind::failed, {}, address + ": too many redirects"};

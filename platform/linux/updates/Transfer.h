@@ -8,9 +8,9 @@ namespace dormel::updates {
 
 /// How long an answer may take, in seconds.
 struct Patience {
-  long idle = 30;           ///< without a byte, to connect included; noticed five seconds later
-  long document = 2 * 60;  ///< for a list of updates in all
-  long archive = 60 * 60;  ///< for an archive in all
+  long idle = 30;       ///< without a byte, to connect included; noticed five seconds later
+  long document = 120;  ///< for a list of updates in all
+  long archive = 3600;  ///< for an archive in all
 };
 
 struct Fetched {

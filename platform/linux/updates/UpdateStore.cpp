@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
 
 constexpr const char* ARCHIVE = "archive";
 constexpr const char* OFFER = "update.json";
-constexpr std::uintmax_t LARGEST_OFFER = 16 * 1024;
+constexpr std::uintmax_t LARGEST_OFFER = 16'384;
 
 /// A regular file of a size that suits; nothing otherwise.
 template <typename Suits>
@@ -35,7 +35,7 @@ std::optional<std::string> readFile(const std::string& path, Suits suits) {
 
 }  // namespace
 
-UpdateStore::UpdateStore(std::string bundle) {
+UpdateStore::UpdateStore(const std::string& bundle) {
   const std::size_t name = bundle.rfind('/') + 1;
   folder_ = bundle.substr(0, name) + "." + bundle.substr(name) + ".update";
 }

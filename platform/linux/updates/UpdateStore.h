@@ -16,7 +16,7 @@ namespace dormel::updates {
 class UpdateStore {
  public:
   /// For the bundle at this path. Touches nothing.
-  explicit UpdateStore(std::string bundle);
+  explicit UpdateStore(const std::string& bundle);
 
   [[nodiscard]] const std::string& folder() const { return folder_; }
   /// Whether anything is there, a rest of something included.
