@@ -15,6 +15,7 @@
 #include "platform/Files.h"
 #include "platform/Platform.h"
 #include "platform/Process.h"
+#include "platform/Updater.h"
 #include "platform/Workspace.h"
 #include "settings/AccessibilityCardView.h"
 
@@ -80,6 +81,7 @@ void AppDelegate::startWindowMode() {
       })) {
     platform().process.exit(0);  // the running one comes to the front instead
   }
+  if (putUpdateInPlace()) return;
   if (AppInstaller::isInApplicationsFolder()) platform().workspace.registerApplication(platform().bundle.path());
   platform().application.setActivationPolicy(ActivationPolicy::regular);
   installMainMenu();
@@ -91,6 +93,15 @@ void AppDelegate::startWindowMode() {
   }
   showSettings();
   selfHeal();
+}
+
+bool AppDelegate::putUpdateInPlace() {
+  // Never while the lock may be on: whoever opens the window then is not to be given another program to wait for.
+  if (Config::blockingEnabled() && Config::isBlockingNow(platform().clock.now())) return false;
+  if (!platform().updater.installStagedUpdate()) return false;
+  trace("update put in place — opening it");
+  AppInstaller::relaunch(platform().bundle.path());
+  return true;
 }
 
 void AppDelegate::installMainMenu() {

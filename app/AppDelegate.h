@@ -61,6 +61,7 @@ class AppDelegate : public ApplicationDelegate, public std::enable_shared_from_t
   AppDelegate() = default;
   void startScheduledBlock();
   void startWindowMode();
+  bool putUpdateInPlace();
   void installMainMenu();
   void selfHeal();
   void recoveryAnswered(int button);

@@ -11,6 +11,7 @@
 #include "platform/Files.h"
 #include "platform/Platform.h"
 #include "platform/Process.h"
+#include "platform/Updater.h"
 #include "platform/Workspace.h"
 
 namespace dormel {
@@ -45,6 +46,7 @@ void AppDelegate::uninstallAnswered(int button) {
   DebugLog::shared().setEnabled(false);
   awaitingLoginItemsFix_ = false;
   recoveryAlert_.reset();
+  platform().updater.forget();
   AgentManager::uninstall();
   platform().defaults.removeDomain();
   platform().defaults.synchronize();

@@ -69,16 +69,6 @@ void stripQuarantine(const std::string& path) {
   platform().childProcesses.run("/usr/bin/xattr", {"-d", "-r", "com.apple.quarantine", path});
 }
 
-void relaunch(const std::string& path) {
-  // Where the platform brings the tool along, the new copy's: the old one may be gone with its disk by then.
-  const std::string open = platform().childProcesses.toolPath("/usr/bin/open");
-  const std::string tool = open == inCopy(path, open) ? open : shellQuoted(inCopy(path, open));
-  const std::string text = "(while /bin/kill -0 " + std::to_string(platform().process.processId()) +
-                           " >/dev/null 2>&1; do /bin/sleep 0.1; done; " + tool + " " + shellQuoted(path) + ") &";
-  platform().childProcesses.start("/bin/sh", {"-c", text});
-  exitWith(0);
-}
-
 /// Replaces what stands at `destination` by the running bundle; what went wrong, if anything.
 std::optional<std::string> copyBundle(const std::string& folder, const std::string& destination) {
   Files& files = platform().files;
@@ -134,6 +124,16 @@ void offerToMove() {
 }
 
 }  // namespace
+
+void relaunch(const std::string& path) {
+  // Where the platform brings the tool along, the new copy's: the old one may be gone with its disk by then.
+  const std::string open = platform().childProcesses.toolPath("/usr/bin/open");
+  const std::string tool = open == inCopy(path, open) ? open : shellQuoted(inCopy(path, open));
+  const std::string text = "(while /bin/kill -0 " + std::to_string(platform().process.processId()) +
+                           " >/dev/null 2>&1; do /bin/sleep 0.1; done; " + tool + " " + shellQuoted(path) + ") &";
+  platform().childProcesses.start("/bin/sh", {"-c", text});
+  exitWith(0);
+}
 
 bool moveToApplicationsFolderIfNeeded(bool isScheduled) {
   if (isInApplicationsFolder()) return true;

@@ -17,6 +17,9 @@ namespace dormel::AppInstaller {
 /// Whether the bundle runs from a read-only disk image.
 [[nodiscard]] bool isRunningFromDMG();
 
+/// Ends the process, and has the bundle at `path` opened once it is gone.
+void relaunch(const std::string& path);
+
 /// `text` as one word of the shell, whatever it holds.
 [[nodiscard]] std::string shellQuoted(const std::string& text);
 

@@ -29,6 +29,14 @@ class Updater {
   /// Looks now, because the user asked: what comes of it, good or bad, is told in `status`.
   virtual void checkForUpdates() = 0;
 
+  /// Puts an update that was fetched earlier in the place of the running bundle. True: what stands at the bundle's path
+  /// now is the new one, and the caller starts it and ends. False: there was none, or it could not be (see `status`).
+  /// Costs nothing without one; else blocks for about a second.
+  virtual bool installStagedUpdate() = 0;
+
+  /// Gives up what is under way, looks no more, and removes what was fetched: the program is being uninstalled.
+  virtual void forget() = 0;
+
   /// One line for people about the last check or download ("Dormel 1.1 is ready and will be installed when you open
   /// Dormel again."); empty when there is nothing to say.
   [[nodiscard]] virtual std::string status() const = 0;

@@ -14,9 +14,9 @@ namespace {
 using Node = std::unique_ptr<void, decltype(&plist_free)>;
 using CText = std::unique_ptr<char, void (*)(void*)>;
 
-bool isUtf8(const std::string& text) {
+bool isUtf8(std::string_view text) {
   return u8_check(reinterpret_cast<const uint8_t*>(text.data()), text.size()) == nullptr &&
-         text.find('\0') == std::string::npos;
+         text.find('\0') == std::string_view::npos;
 }
 
 /// A node that holds `value`; empty when a text in it cannot be written.
@@ -76,6 +76,8 @@ std::optional<PropertyListValue> fromNode(plist_t node, int depth) {
       char* text = nullptr;
       plist_get_string_val(node, &text);
       const CText owned(text, std::free);
+      // The library takes any bytes for text, and a character reference may stand for what is none.
+      if (text != nullptr && !isUtf8(text)) return {};
       return PropertyListValue{std::string(text == nullptr ? "" : text)};
     }
     case PLIST_ARRAY: {
@@ -96,6 +98,7 @@ std::optional<PropertyListValue> fromNode(plist_t node, int depth) {
         plist_dict_next_item(node, iterator.get(), &key, &item);
         if (item == nullptr) break;
         const CText owned(key, std::free);
+        if (!isUtf8(key)) continue;
         if (auto value = fromNode(item, depth + 1)) entries.insert_or_assign(key, std::move(*value));
       }
       return PropertyListValue{std::move(entries)};
@@ -119,7 +122,7 @@ std::optional<std::string> writeXmlPropertyList(const PropertyListValue& root) {
 }
 
 std::optional<PropertyListValue> readXmlPropertyList(std::string_view xml) {
-  if (xml.empty() || xml.size() > std::numeric_limits<std::uint32_t>::max()) return {};
+  if (xml.empty() || xml.size() > std::numeric_limits<std::uint32_t>::max() || !isUtf8(xml)) return {};
   plist_t raw = nullptr;
   plist_from_xml(std::string(xml).c_str(), static_cast<std::uint32_t>(xml.size()), &raw);
   const Node node(raw, &plist_free);

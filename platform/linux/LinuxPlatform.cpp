@@ -1,12 +1,12 @@
 #include "platform/linux/LinuxPlatform.h"
 
 #include <QGuiApplication>
+#include <charconv>
 #include <csignal>
 #include <utility>
 
 #include "platform/Identifiers.h"
 #include "platform/linux/DesktopApplication.h"
-#include "platform/linux/NoUpdater.h"
 #include "platform/linux/freedesktop/AutostartLoginItems.h"
 #include "platform/linux/freedesktop/CreatedFolders.h"
 #include "platform/linux/freedesktop/DesktopWorkspace.h"
@@ -28,12 +28,16 @@
 #include "platform/linux/qt/QtRunLoop.h"
 #include "platform/linux/qt/SceneGraph.h"
 #include "platform/linux/qt/Toolkit.h"
+#include "platform/linux/updates/BundleUpdater.h"
+#include "platform/linux/updates/HelperProcess.h"
 #include "platform/linux/x11/X11Platform.h"
 
 namespace dormel {
 namespace {
 
 MakeSceneRenderer sceneRenderer() { return SceneGraph::isSoftware() ? makeSoftwareRenderer : makeDriverRenderer; }
+
+constexpr std::int64_t UPDATE_INTERVAL = 21'600;  // where the bundle names none
 
 /// The permission as x11/ sees it, and the way back when there was no display at first.
 class DesktopAccessibility final : public Accessibility {
@@ -80,6 +84,8 @@ struct LinuxPlatform::Parts {
         alerts(windows),
         mainWindows(windows),
         mainMenu(windows, otherApplications()),
+        updateHelper(bundle.helper("update"), bundle.path()),
+        updater(clock, loop, defaults, updateHelper, updateOptions()),
         services{clock,
                  calendar,
                  loop,
@@ -132,6 +138,17 @@ struct LinuxPlatform::Parts {
     return help;
   }
 
+  /// Nowhere to look without a feed and a key in the bundle, and nobody who looks in a process without an event loop.
+  [[nodiscard]] updates::BundleUpdater::Options updateOptions() const {
+    updates::BundleUpdater::Options options;
+    options.enabled = kind != LaunchKind::command && bundle.info("SUFeedURL") && bundle.info("SUPublicEDKey");
+    const std::string interval = bundle.info("SUScheduledCheckInterval").value_or("");
+    options.interval = UPDATE_INTERVAL;
+    std::from_chars(interval.data(), interval.data() + interval.size(), options.interval);
+    options.version = bundle.info("CFBundleShortVersionString").value_or(DORMEL_VERSION);
+    return options;
+  }
+
   OtherApplications otherApplications() {
     if (QGuiApplication::platformName() != QLatin1String("xcb") || !x11.managedWindows().canHideOthers()) return {};
     return {[this] { x11.managedWindows().hideOthers(); }, [this] { x11.managedWindows().showOthers(); }};
@@ -164,7 +181,8 @@ struct LinuxPlatform::Parts {
   QtAlerts alerts;
   QtMainWindows mainWindows;
   QtMainMenu mainMenu;
-  NoUpdater updater;
+  updates::HelperProcess updateHelper;
+  updates::BundleUpdater updater;
   Platform services;
 };
 

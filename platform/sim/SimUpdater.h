@@ -34,6 +34,11 @@ class SimUpdater : public Updater {
     return std::make_unique<Observer>(std::move(observer));
   }
   void checkForUpdates() override { journal_.note("check for updates"); }
+  bool installStagedUpdate() override {
+    if (staged_) journal_.note("update put in place");
+    return std::exchange(staged_, false);
+  }
+  void forget() override { journal_.note("updates forgotten"); }
   [[nodiscard]] std::string status() const override { return status_; }
 
   // The world's side.
@@ -41,6 +46,8 @@ class SimUpdater : public Updater {
     canCheck_ = can;
     notify();
   }
+  /// An update waits to be put in place.
+  void setStaged(bool staged) { staged_ = staged; }
   void setStatus(std::string status) {
     status_ = std::move(status);
     notify();
@@ -71,6 +78,7 @@ class SimUpdater : public Updater {
   bool checks_ = true;
   bool downloads_ = true;
   bool canCheck_ = true;
+  bool staged_ = false;
   std::string status_;
   std::vector<std::weak_ptr<Task>> observers_;
 };

@@ -84,6 +84,7 @@ class UninstallTest(DesktopCase):
 
         os.kill(first, 15)
         until("the window is closed", lambda: not processes.alive(first), 5)
+        os.makedirs(os.path.join(desk.home.applications, ".Dormel.app.update", "new"))  # an update half fetched
         process = self.start_quietly(desk)
         self.in_front(desk, process, "Dormel")
         written = len(self.snapshot(desk)) - len(before)

@@ -28,6 +28,7 @@ class UninstallTest : public testing::Test {
   static Lines removal(const std::string& bundle) {
     return {"alert answered: Uninstall",
             "default debugLoggingEnabled = false",
+            "updates forgotten",
             BOOTOUT + " = 0",
             "remove ~/Library/LaunchAgents/" + std::string(BUNDLE_IDENTIFIER) + ".plist",
             "defaults removed",

@@ -23,18 +23,17 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <charconv>
 #include <cstdio>
 #include <cstring>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <utility>
 #include <variant>
 #include <vector>
 
 #include "platform/linux/freedesktop/AppBundle.h"
 #include "platform/linux/freedesktop/AutostartEntry.h"
+#include "platform/linux/jobs/HelperCommand.h"
 #include "platform/linux/jobs/Job.h"
 #include "platform/linux/jobs/JobLaunch.h"
 #include "platform/linux/jobs/Scheduler.h"
@@ -78,14 +77,6 @@ int usage() {
                "<domain> is %s\n",
                ownDomain().c_str());
   return status::usage;
-}
-
-/// The label in "<domain>/<label>".
-std::optional<std::string> labelIn(const std::string& target) {
-  const std::string domain = ownDomain() + "/";
-  if (!target.starts_with(domain)) return {};
-  std::string label = target.substr(domain.size());
-  return isJobLabel(label) ? std::optional(std::move(label)) : std::nullopt;
 }
 
 class Schedulers {
@@ -180,34 +171,35 @@ int permit(const std::string& label, const std::string& propertyList, const std:
   return 1;
 }
 
-int execute(const Arguments& arguments) {
+int execute(const HelperCommand& command) {
   Job job;
-  const auto path = [](const std::string& text) { return text == "-" ? std::string() : text; };
-  job.standardOutput = path(arguments[1]);
-  job.standardError = path(arguments[2]);
-  job.arguments.assign(arguments.begin() + 3, arguments.end());
+  job.standardOutput = command.standardOutput;
+  job.standardError = command.standardError;
+  job.arguments = command.job;
   const int error = becomeJob(job);
   std::fprintf(stderr, "%s: %s\n", job.program().c_str(), std::strerror(error));
   return error == ENOENT ? 127 : 126;
 }
 
 int run(const Arguments& arguments) {
-  const std::string verb = arguments.empty() ? std::string() : arguments[0];
-  const auto takes = [&](std::string_view name, std::size_t count) {
-    return verb == name && arguments.size() == count;
-  };
-  if (takes("bootstrap", 3) && arguments[1] == ownDomain()) return bootstrap(arguments[2]);
-  if (takes("login", 3) && arguments[1] == ownDomain()) return login(arguments[2]);
-  if (takes("bootout", 2) || takes("print", 2)) {
-    if (const auto label = labelIn(arguments[1])) return verb == "print" ? print(*label) : bootout(*label);
-  }
-  if (takes("permit", 4)) return permit(arguments[1], arguments[2], arguments[3]);
-  if (verb == "exec" && arguments.size() >= 4) return execute(arguments);
-  if (takes("supervise", 3)) {
-    int ready = -1;
-    const std::string& text = arguments[2];
-    const auto parsed = std::from_chars(text.data(), text.data() + text.size(), ready);
-    if (parsed.ec == std::errc() && ready > 2) return supervisor::supervise(arguments[1], ready);
+  using Verb = HelperCommand::Verb;
+  const auto command = parseHelperCommand(arguments, ownDomain());
+  if (!command) return usage();
+  switch (command->verb) {
+    case Verb::bootstrap:
+      return bootstrap(command->propertyList);
+    case Verb::login:
+      return login(command->propertyList);
+    case Verb::bootout:
+      return bootout(command->label);
+    case Verb::print:
+      return print(command->label);
+    case Verb::permit:
+      return permit(command->label, command->propertyList, command->program);
+    case Verb::exec:
+      return execute(*command);
+    case Verb::supervise:
+      return supervisor::supervise(command->propertyList, command->descriptor);
   }
   return usage();
 }

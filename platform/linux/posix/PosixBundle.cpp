@@ -36,7 +36,9 @@ std::optional<std::string> PosixBundle::info(const std::string& key) const {
   const auto entry = info_.find(key);
   if (entry == info_.end()) return {};
   const auto* text = entry->second.as<std::string>();
-  return text == nullptr ? std::nullopt : std::optional(*text);
+  if (text != nullptr) return *text;
+  const auto* number = entry->second.as<std::int64_t>();
+  return number == nullptr ? std::nullopt : std::optional(std::to_string(*number));
 }
 
 std::string PosixBundle::helper(const std::string& name) const {

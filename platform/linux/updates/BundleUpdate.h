@@ -1,0 +1,63 @@
+// The work of the update helper: looking for an update, verifying and keeping it, putting it in place.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "platform/linux/updates/Signature.h"
+#include "platform/linux/updates/Transfer.h"
+#include "platform/linux/updates/UpdateStore.h"
+#include "platform/linux/updates/Verdict.h"
+
+namespace dormel {
+class Bundle;
+}
+
+namespace dormel::updates {
+
+/// What a bundle says about its updates.
+struct BundleFacts {
+  std::string path;
+  std::string identifier;
+  BundleVersion build;
+  std::string feed;
+  PublicKey key;
+
+  /// Nothing when the bundle names no feed, or no key to trust, or has no version to compare with.
+  [[nodiscard]] static std::optional<BundleFacts> of(const Bundle& bundle);
+};
+
+class BundleUpdate {
+ public:
+  using Tell = std::function<void(const Verdict&)>;
+  using Complain = std::function<void(const std::string&)>;
+
+  /// `tell` hears of what takes time, `complain` what an operator wants to know about a failure.
+  BundleUpdate(BundleFacts facts, Patience patience, Tell tell, Complain complain);
+
+  /// Reads the feed; with `fetch`, fetches what is newer, verifies it and keeps it. What waits already is not fetched
+  /// again, and thrown away when its maker took it back. Whatever goes wrong, the bundle and what was kept before stay
+  /// as they were.
+  [[nodiscard]] Verdict check(bool fetch);
+
+  /// Verifies once more what waits and puts it in the bundle's place. What waits and cannot be used is thrown away.
+  [[nodiscard]] Verdict install();
+
+ private:
+  [[nodiscard]] Verdict fetchAndKeep(const Offer& offer, const Transfer& transfer);
+  [[nodiscard]] Verdict putInPlace(const Offer& offer);
+  /// The announced bundle, unpacked into a folder of the store; otherwise the verdict.
+  [[nodiscard]] std::optional<std::string> unpack(const Offer& offer, const std::string& archive,
+                                                  const std::string& folder, Verdict& verdict) const;
+  [[nodiscard]] bool isOurs() const;
+
+  const BundleFacts facts_;
+  const Patience patience_;
+  const UpdateStore store_;
+  const std::string applications_;
+  const Tell tell_;
+  const Complain complain_;
+};
+
+}  // namespace dormel::updates

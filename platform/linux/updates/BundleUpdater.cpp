@@ -1,0 +1,144 @@
+#include "platform/linux/updates/BundleUpdater.h"
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+#include "platform/Defaults.h"
+#include "platform/Time.h"
+#include "platform/linux/updates/UpdateHelper.h"
+
+namespace dormel::updates {
+namespace {
+
+constexpr std::int64_t SHORTEST_INTERVAL = 60;
+constexpr std::int64_t NAP = 3600;
+
+struct Observer final : Registration {
+  explicit Observer(std::shared_ptr<Task> kept) : handler(std::move(kept)) {}
+  std::shared_ptr<Task> handler;
+};
+
+}  // namespace
+
+BundleUpdater::BundleUpdater(Clock& clock, RunLoop& loop, DefaultsStore& defaults, UpdateHelper& helper,
+                             Options options)
+    : clock_(clock),
+      loop_(loop),
+      defaults_(defaults),
+      helper_(helper),
+      options_(std::move(options)),
+      self_(std::make_shared<BundleUpdater*>(this)) {
+  if (!options_.enabled) return;
+  options_.interval = std::max(options_.interval, SHORTEST_INTERVAL);
+  if (auto version = helper_.waiting()) say({Verdict::Kind::ready, std::move(*version)});
+  lookLater(options_.firstLook);
+}
+
+bool BundleUpdater::automaticallyChecksForUpdates() const {
+  return defaults_.boolean(updateKey::checks).value_or(true);
+}
+
+void BundleUpdater::setAutomaticallyChecksForUpdates(bool on) { defaults_.set(updateKey::checks, {on}); }
+
+bool BundleUpdater::automaticallyDownloadsUpdates() const {
+  return defaults_.boolean(updateKey::downloads).value_or(true);
+}
+
+void BundleUpdater::setAutomaticallyDownloadsUpdates(bool on) { defaults_.set(updateKey::downloads, {on}); }
+
+bool BundleUpdater::canCheckForUpdates() const { return options_.enabled && !looking_; }
+
+std::unique_ptr<Registration> BundleUpdater::observe(Task handler) {
+  auto observer = std::make_shared<Task>(std::move(handler));
+  std::erase_if(observers_, [](const auto& gone) { return gone.expired(); });
+  observers_.push_back(observer);
+  return std::make_unique<Observer>(std::move(observer));
+}
+
+void BundleUpdater::checkForUpdates() {
+  if (canCheckForUpdates()) look(true);
+}
+
+bool BundleUpdater::installStagedUpdate() {
+  if (!options_.enabled || looking_) return false;
+  const Verdict verdict = helper_.install();
+  if (verdict.kind != Verdict::Kind::nothing) say(verdict);
+  return verdict.kind == Verdict::Kind::installed;
+}
+
+void BundleUpdater::forget() {
+  options_.enabled = false;
+  looking_ = false;
+  helper_.cancel();
+  helper_.clear();
+  status_.clear();
+  notify();
+}
+
+void BundleUpdater::lookLater(Seconds delay) {
+  loop_.asyncAfter(delay, [weak = std::weak_ptr(self_)] {
+    if (const auto self = weak.lock()) (*self)->lookIfDue();
+  });
+}
+
+void BundleUpdater::lookIfDue() {
+  if (!options_.enabled) return;
+  // Asked afresh: another process of ours may have looked, or the user switched it off there.
+  if (untilDue() <= 0 && !looking_ && automaticallyChecksForUpdates()) look(automaticallyDownloadsUpdates());
+  const std::int64_t rest = untilDue();
+  lookLater(static_cast<Seconds>(rest > 0 ? std::min(rest, NAP) : NAP));
+}
+
+void BundleUpdater::look(bool fetch) {
+  looking_ = true;
+  heard_ = {};
+  status_ = "Looking for updates…";
+  // Noted before anything can go wrong: a server, or a program, that fails is not asked again at once.
+  defaults_.set(updateKey::lastCheck, {now()});
+  const auto weakly = [weak = std::weak_ptr(self_)](auto operation) {
+    return [weak, operation](const auto&... arguments) {
+      if (const auto self = weak.lock()) ((*self)->*operation)(arguments...);
+    };
+  };
+  helper_.check(fetch, weakly(&BundleUpdater::heard), weakly(&BundleUpdater::ended));
+  notify();
+}
+
+void BundleUpdater::heard(const Verdict& verdict) {
+  heard_ = verdict;
+  if (verdict.kind == Verdict::Kind::fetching) say(verdict);
+}
+
+void BundleUpdater::ended() {
+  looking_ = false;
+  // A helper that fell silent in the middle of a download: the verdict that it owes is that one.
+  if (heard_.kind == Verdict::Kind::fetching) heard_.kind = Verdict::Kind::notFetched;
+  say(heard_);
+}
+
+void BundleUpdater::say(const Verdict& verdict) {
+  status_ = sentence(verdict, options_.version);
+  notify();
+}
+
+void BundleUpdater::notify() const {
+  const auto observers = observers_;
+  for (const auto& observer : observers) {
+    if (const auto handler = observer.lock()) (*handler)();
+  }
+}
+
+std::int64_t BundleUpdater::now() const {
+  return std::chrono::duration_cast<std::chrono::seconds>(clock_.now().time_since_epoch()).count();
+}
+
+std::int64_t BundleUpdater::untilDue() const {
+  const auto last = defaults_.integer(updateKey::lastCheck);
+  const std::int64_t time = now();
+  // A last look in the future: the clock was wrong then, or is now.
+  if (!last || *last > time || *last < 0) return 0;
+  return std::max<std::int64_t>(0, options_.interval - (time - *last));
+}
+
+}  // namespace dormel::updates

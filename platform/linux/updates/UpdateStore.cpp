@@ -1,0 +1,90 @@
+#include "platform/linux/updates/UpdateStore.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <fstream>
+#include <system_error>
+
+#include "platform/linux/posix/PosixFiles.h"
+
+namespace dormel::updates {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* ARCHIVE = "archive";
+constexpr const char* OFFER = "update.json";
+constexpr std::uintmax_t LARGEST_OFFER = 16'384;
+
+/// A regular file of a size that suits; nothing otherwise.
+template <typename Suits>
+std::optional<std::string> readFile(const std::string& path, Suits suits) {
+  std::error_code error;
+  if (!fs::is_regular_file(fs::symlink_status(path, error))) return {};
+  const std::uintmax_t size = fs::file_size(path, error);
+  if (error || !suits(size)) return {};
+  std::string bytes(size, '\0');
+  std::ifstream file(path, std::ios::binary);
+  if (!file.read(bytes.data(), static_cast<std::streamsize>(size))) return {};
+  return bytes;
+}
+
+}  // namespace
+
+UpdateStore::UpdateStore(const std::string& bundle) {
+  const std::size_t name = bundle.rfind('/') + 1;
+  folder_ = bundle.substr(0, name) + "." + bundle.substr(name) + ".update";
+}
+
+bool UpdateStore::exists() const {
+  std::error_code ignored;
+  return fs::exists(fs::symlink_status(folder_, ignored));
+}
+
+std::optional<Offer> UpdateStore::staged() const {
+  const auto text = readFile(in(OFFER), [](std::uintmax_t size) { return size <= LARGEST_OFFER; });
+  return text ? parseOffer(*text) : std::nullopt;
+}
+
+std::optional<std::string> UpdateStore::archive(const Offer& offer) const {
+  return readFile(in(ARCHIVE), [&](std::uintmax_t size) { return size == offer.length; });
+}
+
+FileResult UpdateStore::keep(const Offer& offer, std::string_view archive) const {
+  if (::mkdir(folder_.c_str(), 0700) != 0 && errno != EEXIST) return FileError{std::generic_category().message(errno)};
+  // In this order a description never stands beside an archive that it does not belong to.
+  std::error_code ignored;
+  fs::remove(in(OFFER), ignored);
+  posix::PosixFiles files;
+  FileResult failure = files.writeAtomically(in(ARCHIVE), archive);
+  if (!failure) failure = files.writeAtomically(in(OFFER), write(offer));
+  if (failure) clear();
+  return failure;
+}
+
+std::optional<std::string> UpdateStore::makeFolder(const std::string& name) const {
+  const std::string path = folder_ + "/" + name;
+  std::error_code error;
+  fs::remove_all(path, error);
+  fs::create_directory(folder_, error);
+  if (error || !fs::create_directory(path, error)) return {};
+  return path;
+}
+
+void UpdateStore::clear() const {
+  std::error_code ignored;
+  fs::remove(in(OFFER), ignored);
+  fs::remove_all(folder_, ignored);
+}
+
+FolderLock::FolderLock(const std::string& folder)
+    : folder_(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+  while (folder_.valid() && ::flock(folder_.get(), LOCK_EX) != 0 && errno == EINTR) {
+  }
+}
+
+}  // namespace dormel::updates

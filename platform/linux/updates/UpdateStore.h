@@ -1,0 +1,51 @@
+// Where a verified update waits: a hidden folder beside the bundle, ".<bundle's name>.update", so that it lies on the
+// same disk and putting it in place is one rename. It holds the archive as it came, because only that can be verified
+// once more, and what is known of it. Several processes may use it, each under a FolderLock. Any thread.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "platform/Files.h"
+#include "platform/linux/posix/FileDescriptor.h"
+#include "platform/linux/updates/Feed.h"
+
+namespace dormel::updates {
+
+class UpdateStore {
+ public:
+  /// For the bundle at this path. Touches nothing.
+  explicit UpdateStore(const std::string& bundle);
+
+  [[nodiscard]] const std::string& folder() const { return folder_; }
+  /// Whether anything is there, a rest of something included.
+  [[nodiscard]] bool exists() const;
+  /// The update that waits; nothing when none does, or none that can be made out.
+  [[nodiscard]] std::optional<Offer> staged() const;
+  /// Its archive, if it has the length that it should have.
+  [[nodiscard]] std::optional<std::string> archive(const Offer& offer) const;
+
+  /// Keeps an update in place of what waited before; half of one is never kept.
+  FileResult keep(const Offer& offer, std::string_view archive) const;
+  /// An empty folder in the store, replacing an earlier one of that name; nothing when the disk refuses.
+  [[nodiscard]] std::optional<std::string> makeFolder(const std::string& name) const;
+  /// Removes all of it, what waits first.
+  void clear() const;
+
+ private:
+  [[nodiscard]] std::string in(const char* name) const { return folder_ + "/" + name; }
+
+  std::string folder_;
+};
+
+/// Holds the folder that a bundle stands in against other processes of ours, while it lives. Waits for it.
+class FolderLock {
+ public:
+  explicit FolderLock(const std::string& folder);
+
+ private:
+  posix::FileDescriptor folder_;
+};
+
+}  // namespace dormel::updates
