@@ -3,6 +3,7 @@
 // missing one.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <sstream>
 #include <string>
@@ -27,6 +28,7 @@ class SimJournal {
   /// Adds the line that the parts make, put one after the other.
   template <typename... Parts>
   void note(const Parts&... parts) {
+    ++effects_;
     if (!enabled()) return;
     std::ostringstream line;
     line << stamp_() << ' ';
@@ -43,9 +45,13 @@ class SimJournal {
   }
   void clear() { lines_.clear(); }
 
+  /// How many effects there ever were, kept or not: who watches the machine looks again when it has grown.
+  [[nodiscard]] std::uint64_t effects() const { return effects_; }
+
  private:
   std::function<std::string()> stamp_;
   std::vector<std::string> lines_;
+  std::uint64_t effects_ = 0;
   bool enabled_ = true;
   bool muted_ = false;
 };

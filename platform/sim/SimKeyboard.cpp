@@ -132,6 +132,14 @@ bool SimKeyboard::isTaken() const {
   });
 }
 
+bool SimKeyboard::isHeard() const {
+  const bool byTap = std::any_of(taps_.begin(), taps_.end(), [](const auto& weak) {
+    const auto tap = weak.lock();
+    return tap && tap->sourced;
+  });
+  return byTap || (timeline_.processRuns() && windows_.hasFocus());
+}
+
 EventFlags SimKeyboard::flags() const {
   EventFlags word = 0;
   for (const Modifier& modifier : MODIFIERS) {

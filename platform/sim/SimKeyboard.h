@@ -53,6 +53,8 @@ class SimKeyboard : public EventTaps, public HardwareKeys, public InputIdle {
 
   /// Whether some tap has the keyboard.
   [[nodiscard]] bool isTaken() const;
+  /// Whether somebody hears a key that goes down or up now: a tap, or a window of ours that has the focus.
+  [[nodiscard]] bool isHeard() const;
   /// The keys that other applications got, in order.
   [[nodiscard]] const std::vector<KeyCode>& foreignKeys() const { return foreignKeys_; }
   [[nodiscard]] EventFlags flags() const;

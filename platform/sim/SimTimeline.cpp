@@ -77,6 +77,7 @@ bool SimTimeline::runNextUpTo(Micros limit) {
   uptime_ = std::max(uptime_, first.time);
   const bool offMain = queue == &background_ || queue == &serial_;
   dispatch(offMain ? Place::background : Place::main, [&] { queue->runNext(uptime_, sequence_); });
+  if (afterEvent_) afterEvent_();
   return true;
 }
 

@@ -71,6 +71,9 @@ class SimTimeline {
     ended_ = std::move(ended);
   }
 
+  /// `after` runs after every event, whoever it belonged to; null for nobody.
+  void setAfterEvent(std::function<void()> after) { afterEvent_ = std::move(after); }
+
   /// Drops all events of all kinds.
   void clear();
 
@@ -98,6 +101,7 @@ class SimTimeline {
   bool serialHang_ = false;
   std::function<void(bool)> leaving_;
   std::function<void(int)> ended_;
+  std::function<void()> afterEvent_;
 };
 
 }  // namespace dormel

@@ -1,0 +1,100 @@
+// What must hold on every night, whatever happens: the rules that the watch looks after.
+//
+// Where the challenge's own algorithm allows an exception, the rule says so; "working time" leaves out what the main
+// thread was stuck.
+#pragma once
+
+#include <array>
+#include <cstddef>
+
+namespace dormel::nights {
+
+enum class Rule {
+  lock,
+  cover,
+  black,
+  options,
+  tap,
+  keys,
+  free,
+  challenge,
+  earned,
+  letOut,
+  grace,
+  hours,
+  status,
+  restart,
+  unlockLog,
+  records,
+  epochs,
+  timers,
+  nothing,
+  rehearsal,
+  sound,
+};
+
+struct RuleText {
+  const char* name;
+  const char* meaning;
+};
+
+inline constexpr std::array<RuleText, 21> RULES{{
+    {"lock",
+     "a scheduled run inside the hours, set up, switched on and permitted, locks at once; without the permission it "
+     "shows its card and locks within 3 s of getting it; any other ends with status 0, and nothing was seen of it"},
+    {"cover",
+     "while locked, every screen has exactly one blocker on it, black, above everything, as large as the screen, and "
+     "there is no other; a screen that comes or changes has it within 0.1 s of working time"},
+    {"black",
+     "a blocker is opaque 2.5 s of working time after the lock began; until it is lifted no screen that stays as it is "
+     "gets any less black, not even inside one step"},
+    {"options",
+     "the presentation options are the lockdown set exactly from the lock's beginning until its overlay has gone, and "
+     "are never touched by a night without the permission or by a rehearsal"},
+    {"tap",
+     "a lock that got its tap has the keyboard, and has it back within 5 s of working time when it was lost; a lock "
+     "that got none when it began says so and tries again when the permission returns, or at the next lock"},
+    {"keys", "nobody else receives a key while the keyboard is taken"},
+    {"free", "the keyboard is free 2 s after the overlay has gone, and whenever nothing is locked"},
+    {"challenge",
+     "five keys are asked for: a left and a right modifier of different kinds, two different letters of the left hand, "
+     "one of the right; other keys after every grace"},
+    {"earned",
+     "a grace begins only after the five keys on the screen were down together, by the hardware, for 30 s (60 from "
+     "the second time on) without a break. Not noticed are: a key that is down again within 0.05 s of working time; "
+     "the going up of a modifier of which the program was not told, or not told the side"},
+    {"let-out",
+     "five keys that went down after the challenge appeared, of which the program was told, and that stay down for the "
+     "required time, are answered by a grace 0.2 s of working time later at most"},
+    {"grace",
+     "a grace lasts 300 s and not a tenth longer, in working time without sleep; its overlay is there for 2.5 s and "
+     "has "
+     "gone after 3.7 s; from then on the pill is all there is. A stuck main thread does not count ticks: the grace is "
+     "longer by that"},
+    {"hours", "outside the hours the process has ended after 10 s, and the screens are free, whatever is stuck"},
+    {"status",
+     "status 0 exactly for planned ends (nothing to lock, the hours over, quit while nothing is locked), 1 after the "
+     "termination signal, and no end that nobody asked for"},
+    {"restart", "a scheduled run that ended in any other way runs again after a second"},
+    {"unlock-log",
+     "every unlock adds its line, with its number, its hold and its moment, in order; nothing else ever changes in "
+     "that "
+     "file. A full or unwritable disk, or a kill before the line was written, may cost that line and no other"},
+    {"records",
+     "a lock that began at a used computer adds the record of its night if the night has none; records older than 90 "
+     "days go then, younger ones stay, and nothing else ever changes. A full, unwritable or hanging disk may cost the "
+     "new record only; records that cannot be read or decoded are replaced"},
+    {"epochs", "the generation of the overlay only grows, and does so with every lock and every unlock"},
+    {"timers",
+     "no timer survives its owner: as many repeat as the present state needs, and not one more, 0.25 s after anything"},
+    {"nothing", "without a process there is no window, and the keyboard is free"},
+    {"rehearsal",
+     "a rehearsal ends by itself 90 s after its last step, and at once at Escape; it leaves no window, no tap, no "
+     "timer, "
+     "no record, no line in the unlock log"},
+    {"sound", "no exception leaves the program, and it ends only in an orderly way or by a signal"},
+}};
+
+[[nodiscard]] inline const RuleText& textOf(Rule rule) { return RULES.at(static_cast<std::size_t>(rule)); }
+
+}  // namespace dormel::nights
