@@ -11,7 +11,7 @@ OnbBeat {
     pill: pill
 
     FrameAnimation {
-        running: root.visible && root.beat.trim < 1
+        running: root.enabled && root.beat.trim < 1
         onTriggered: root.beat.advance()
     }
 

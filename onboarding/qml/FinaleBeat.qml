@@ -60,5 +60,8 @@ OnbBeat {
         textFormat: Text.PlainText
         font: Typeface.at(16, Font.Normal)
         color: Qt.rgba(1, 1, 1, 0.5)
+
+        Accessible.role: Accessible.StaticText
+        Accessible.name: text
     }
 }

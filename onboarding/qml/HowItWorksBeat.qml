@@ -12,7 +12,7 @@ OnbBeat {
     pill: pill
 
     FrameAnimation {
-        running: root.visible && root.beat.ringFills
+        running: root.enabled && root.beat.ringFills
         onTriggered: root.beat.advance()
     }
 
@@ -41,6 +41,9 @@ OnbBeat {
                 text: root.beat.clock
                 font: Typeface.at(128, Font.ExtraLight)
                 color: "white"
+
+                Accessible.role: Accessible.StaticText
+                Accessible.name: text
             }
             Item {
                 width: 1
@@ -113,6 +116,9 @@ OnbBeat {
                 textFormat: Text.PlainText
                 font: Typeface.spaced(26, Font.DemiBold, -0.4)
                 color: Tone.text
+
+                Accessible.role: Accessible.StaticText
+                Accessible.name: text
             }
             Item {
                 width: 1
@@ -124,6 +130,9 @@ OnbBeat {
                 textFormat: Text.PlainText
                 font: Typeface.at(17, Font.Normal)
                 color: Qt.rgba(1, 1, 1, 0.5)
+
+                Accessible.role: Accessible.StaticText
+                Accessible.name: text
             }
         }
     }

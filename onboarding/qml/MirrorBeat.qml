@@ -33,6 +33,9 @@ OnbBeat {
             text: root.beat.figure
             font: Typeface.spaced(124, Font.Bold, -3)
             color: "white"
+
+            Accessible.role: Accessible.StaticText
+            Accessible.name: text
         }
     }
     OnbReveal {

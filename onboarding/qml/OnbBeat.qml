@@ -7,6 +7,10 @@ FocusScope {
     property string name
     property OnbPill pill: null
     default property alias content: stack.content
+    // What lies behind the stack, all over the screen.
+    property alias backdrop: backdrop.data
+
+    focus: true
 
     Accessible.role: Accessible.Pane
     Accessible.name: name
@@ -21,6 +25,10 @@ FocusScope {
         return true;
     }
 
+    Item {
+        id: backdrop
+        anchors.fill: parent
+    }
     OnbBeatStack {
         id: stack
     }

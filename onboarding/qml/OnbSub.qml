@@ -10,4 +10,7 @@ Text {
     lineHeight: 1.3
     font: Typeface.at(17, Font.Normal)
     color: Tone.secondary
+
+    Accessible.role: Accessible.StaticText
+    Accessible.name: text
 }

@@ -6,4 +6,7 @@ Text {
     textFormat: Text.PlainText
     font: Typeface.at(13, Font.Normal)
     color: Tone.faint
+
+    Accessible.role: Accessible.StaticText
+    Accessible.name: text
 }

@@ -11,9 +11,9 @@ OnbBeat {
     pill: pill
 
     // The whole screen turns the wheel, for as long as it is the current one.
-    WheelHandler {
-        target: null
-        acceptedDevices: PointerDevice.Mouse | PointerDevice.TouchPad
+    backdrop: MouseArea {
+        anchors.fill: parent
+        acceptedButtons: Qt.NoButton
         onWheel: event => root.beat.scroll(Qt.point(event.pixelDelta.x, event.pixelDelta.y),
                                            Qt.point(event.angleDelta.x, event.angleDelta.y),
                                            event.device.type === PointerDevice.Mouse)
