@@ -5,6 +5,7 @@
 
 #include "app/CommandLine.h"
 #include "app/EntryPoint.h"
+#include "onboarding/qml/OnboardingScenes.h"
 #include "overlay/qml/OverlayScenes.h"
 #include "platform/Platform.h"
 #include "platform/linux/LinuxPlatform.h"
@@ -25,6 +26,7 @@ int main(int argc, char** argv) {
   registerUiScenes(scenes);
   registerOverlayScenes(scenes);
   registerSettingsScenes(scenes);
+  registerOnboardingScenes(scenes);
   LinuxPlatform desktop(kind, std::move(scenes));
   const PlatformScope inForce(desktop.services());
   EntryPoint::runOneShotCommand();

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "core/Config.h"
+#include "onboarding/qml/OnboardingScenes.h"
 #include "overlay/qml/OverlayScenes.h"
 #include "settings/qml/SettingsScenes.h"
 #include "ui/qml/UiModule.h"
@@ -19,6 +20,7 @@ QmlSceneRegistry allScenes() {
   registerUiScenes(registry);
   registerOverlayScenes(registry);
   registerSettingsScenes(registry);
+  registerOnboardingScenes(registry);
   return registry;
 }
 

@@ -12,7 +12,9 @@ namespace {
 void collect(const QQuickItem& item, double opacity, std::vector<SeenItem>& found) {
   opacity *= item.opacity();
   if (!item.isVisible() || opacity < 0.004) return;
-  const SeenItem seen{QString::fromLatin1(item.metaObject()->className()), item.property("text").toString(),
+  // Components that are a text are texts.
+  const char* kind = item.inherits("QQuickText") ? "QQuickText" : item.metaObject()->className();
+  const SeenItem seen{QString::fromLatin1(kind), item.property("text").toString(),
                       item.mapRectToScene(QRectF(0, 0, item.width(), item.height())), opacity};
   if (seen.kind != QStringLiteral("QQuickText") || !seen.text.isEmpty()) found.push_back(seen);
   for (const QQuickItem* child : item.childItems()) collect(*child, opacity, found);

@@ -10,7 +10,7 @@ EVDEV = {
     "J": 36, "K": 37, "N": 49, "M": 50,
     "L.Shift": 42, "R.Shift": 54, "L.Ctrl": 29, "L.Option": 56, "R.Option": 100, "L.Cmd": 125, "R.Cmd": 126,
 }
-SPACE, ESCAPE, TAB, RETURN, F9 = 57, 1, 15, 28, 67
+SPACE, ESCAPE, TAB, RETURN, F9, UP, DOWN, RIGHT = 57, 1, 15, 28, 67, 103, 108, 106
 LEFT_CTRL = EVDEV["L.Ctrl"]
 
 

@@ -55,13 +55,13 @@ QString Mark::svgPath() {
   return svg;
 }
 
-void Mark::paintMark(QPainter& painter, const QRectF& box, const QColor& color, double drawn) {
+void Mark::paintMark(QPainter& painter, const QRectF& box, const QColor& color, double drawn, double stroke) {
   if (drawn <= 0) return;
   const double scale = std::min(box.width(), box.height()) / BOX;
-  QPen pen(color, STROKE, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
+  QPen pen(color, stroke, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
   if (drawn < 1) {
     // Dashes are measured in widths of the pen: one as long as what is drawn, then nothing.
-    const double length = path().length() / STROKE;
+    const double length = path().length() / stroke;
     pen.setDashPattern({drawn * length, 2 * length});
   }
   painter.save();
@@ -93,7 +93,14 @@ void Mark::setDrawn(double drawn) {
   update();
 }
 
-void Mark::paint(QPainter* painter) { paintMark(*painter, QRectF(0, 0, width(), height()), color_, drawn_); }
+void Mark::setStroke(double stroke) {
+  if (stroke == stroke_) return;
+  stroke_ = stroke;
+  emit strokeChanged();
+  update();
+}
+
+void Mark::paint(QPainter* painter) { paintMark(*painter, QRectF(0, 0, width(), height()), color_, drawn_, stroke_); }
 
 AppTile::AppTile(QQuickItem* parent) : QQuickPaintedItem(parent) { setAntialiasing(true); }
 

@@ -16,6 +16,8 @@ class Mark : public QQuickPaintedItem {
   Q_PROPERTY(QColor color READ color WRITE setColor NOTIFY colorChanged)
   /// How much of the stroke is drawn, 0 to 1.
   Q_PROPERTY(double drawn READ drawn WRITE setDrawn NOTIFY drawnChanged)
+  /// The width of the stroke in a box of 24 by 24.
+  Q_PROPERTY(double stroke READ stroke WRITE setStroke NOTIFY strokeChanged)
 
  public:
   explicit Mark(QQuickItem* parent = nullptr);
@@ -27,22 +29,27 @@ class Mark : public QQuickPaintedItem {
   static constexpr double STROKE = 1.6;  ///< in that box
 
   /// Paints the first `drawn` of the stroke into `box`.
-  static void paintMark(QPainter& painter, const QRectF& box, const QColor& color, double drawn = 1);
+  static void paintMark(QPainter& painter, const QRectF& box, const QColor& color, double drawn = 1,
+                        double stroke = STROKE);
 
   [[nodiscard]] QColor color() const { return color_; }
   void setColor(const QColor& color);
   [[nodiscard]] double drawn() const { return drawn_; }
   void setDrawn(double drawn);
+  [[nodiscard]] double stroke() const { return stroke_; }
+  void setStroke(double stroke);
 
   void paint(QPainter* painter) override;
 
  signals:
   void colorChanged();
   void drawnChanged();
+  void strokeChanged();
 
  private:
   QColor color_ = Qt::white;
   double drawn_ = 1;
+  double stroke_ = STROKE;
 };
 
 /// The mark on its dark tile, as the program's icon shows it. Corners are a quarter of the width.

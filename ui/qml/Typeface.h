@@ -18,7 +18,7 @@ class Typeface : public QObject {
   static void load();
 
   /// The font of `size` points in one of the weights that the bundle carries: QFont::Light, Medium and DemiBold, and
-  /// from 24 points on ExtraLight in place of Light.
+  /// from 24 points on ExtraLight in place of Light, and Bold.
   Q_INVOKABLE [[nodiscard]] QFont at(double size, int weight) const;
 
   /// The same with `spacing` points added after each letter.

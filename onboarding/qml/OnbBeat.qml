@@ -1,0 +1,35 @@
+// A screen: a stack, and a button that Return presses from anywhere on it.
+import QtQuick
+
+FocusScope {
+    id: root
+
+    property string name
+    property OnbPill pill: null
+    default property alias content: stack.content
+    // What lies behind the stack, all over the screen.
+    property alias backdrop: backdrop.data
+
+    focus: true
+
+    Accessible.role: Accessible.Pane
+    Accessible.name: name
+
+    Keys.onReturnPressed: event => event.accepted = press()
+    Keys.onEnterPressed: event => event.accepted = press()
+
+    function press(): bool {
+        if (pill === null)
+            return false;
+        pill.click();
+        return true;
+    }
+
+    Item {
+        id: backdrop
+        anchors.fill: parent
+    }
+    OnbBeatStack {
+        id: stack
+    }
+}

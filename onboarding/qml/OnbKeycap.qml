@@ -1,0 +1,33 @@
+// A key of the scripted scene. It lights up while it counts as held.
+import QtQuick
+import Dormel.Ui
+
+Rectangle {
+    id: root
+
+    required property string label
+    property bool held: false
+
+    implicitWidth: 58
+    implicitHeight: 58
+    radius: 16
+    color: held ? "white" : Tone.fill
+    border.width: held ? 0 : 1
+    border.color: Tone.hairline
+
+    Behavior on color {
+        ColorAnimation {
+            duration: 200
+            easing.type: Easing.BezierSpline
+            easing.bezierCurve: Motion.easeOut
+        }
+    }
+
+    Text {
+        anchors.centerIn: parent
+        text: root.label
+        textFormat: Text.PlainText
+        font: Typeface.at(20, Font.DemiBold)
+        color: root.held ? "black" : Qt.rgba(1, 1, 1, 0.7)
+    }
+}

@@ -1,0 +1,12 @@
+// A small heading above a scene.
+import QtQuick
+import Dormel.Ui
+
+Text {
+    textFormat: Text.PlainText
+    font: Typeface.spaced(11, Font.DemiBold, 0.6)
+    color: Tone.secondary
+
+    Accessible.role: Accessible.Heading
+    Accessible.name: text
+}

@@ -1,0 +1,45 @@
+// Something that comes up out of the dark once it is on. Until then what it holds can be neither pressed nor reached;
+// its room is kept for it.
+import QtQuick
+import Dormel.Ui
+
+Item {
+    id: root
+
+    property bool on: true
+    // The space between it and what stands above it in a stack.
+    property real above: 0
+    default property alias content: holder.data
+
+    // How far it has come, 0 to 1.
+    property real progress: on ? 1 : 0
+
+    anchors.horizontalCenter: parent ? parent.horizontalCenter : undefined
+    implicitWidth: holder.width
+    implicitHeight: above + holder.height
+
+    Behavior on progress {
+        NumberAnimation {
+            duration: 1100
+            easing.type: Easing.BezierSpline
+            easing.bezierCurve: Motion.reveal
+        }
+    }
+
+    OnbDrift {
+        y: root.above
+        width: holder.width
+        height: holder.height
+        enabled: root.on
+        visible: root.progress > 0
+        opacity: root.progress
+        offset: 14 * (1 - root.progress)
+        blurRadius: 4 * (1 - root.progress)
+
+        Item {
+            id: holder
+            width: childrenRect.width
+            height: childrenRect.height
+        }
+    }
+}

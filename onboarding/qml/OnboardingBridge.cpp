@@ -1,0 +1,22 @@
+#include "onboarding/qml/OnboardingBridge.h"
+
+#include <utility>
+
+namespace dormel {
+
+OnboardingBridge::OnboardingBridge(std::shared_ptr<OnboardingView> view) : view_(std::move(view)) {
+  beats_.enter(view_->screen());
+  observation_ = view_->observe([this] {
+    beats_.enter(view_->screen());
+    emit changed();
+  });
+}
+
+QStringList OnboardingBridge::plainLines() const {
+  const BeatBridge& beat = *beats_.current();
+  QStringList lines{QStringLiteral("Dormel"), beat.headline().text, beat.sub().text, beat.button().title};
+  lines.removeAll(QString());
+  return lines;
+}
+
+}  // namespace dormel

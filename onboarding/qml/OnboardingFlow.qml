@@ -1,0 +1,62 @@
+// The first run: the current screen, over it the one that is leaving, and the way back.
+import QtQuick
+import Dormel.Onboarding
+import Dormel.Ui
+
+FocusScope {
+    id: root
+
+    required property OnboardingBridge view
+
+    implicitWidth: view.areaWidth
+    implicitHeight: view.areaHeight
+
+    Accessible.role: Accessible.Pane
+    Accessible.name: "Dormel"
+
+    focus: true
+
+    Ground {}
+
+    Repeater {
+        model: root.view.beats
+
+        OnbEvaporate {
+            id: leaf
+
+            required property var model
+
+            width: root.width
+            height: root.height
+            gone: model.gone
+            onEvaporated: root.view.evaporated(leaf.model.beat)
+
+            Loader {
+                anchors.fill: parent
+                // Keys that no control takes go to the screen.
+                focus: !leaf.gone
+                Component.onCompleted: setSource(leaf.model.scene, {
+                    "beat": leaf.model.beat
+                })
+                onLoaded: forceActiveFocus(Qt.OtherFocusReason)
+            }
+        }
+    }
+
+    OnbBackButton {
+        x: 28
+        y: root.height - height - 28
+        enabled: root.view.canGoBack
+        visible: opacity > 0
+        opacity: root.view.canGoBack ? 1 : 0
+        onClicked: root.view.goBack()
+
+        Behavior on opacity {
+            NumberAnimation {
+                duration: 850
+                easing.type: Easing.BezierSpline
+                easing.bezierCurve: Motion.easeInOut
+            }
+        }
+    }
+}

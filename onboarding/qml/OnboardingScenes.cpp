@@ -1,0 +1,29 @@
+#include "onboarding/qml/OnboardingScenes.h"
+
+#include <memory>
+
+#include "onboarding/qml/OnboardingBridge.h"
+#include "ui/qml/Tone.h"
+#include "ui/qml/UiModule.h"
+
+// Generated beside this file. Naming it keeps the registration in a statically linked program.
+void qml_register_types_Dormel_Onboarding();
+
+namespace dormel {
+
+void loadOnboardingModule() {
+  [[maybe_unused]] static void (*volatile const keep)() = &qml_register_types_Dormel_Onboarding;
+}
+
+void registerOnboardingScenes(QmlSceneRegistry& registry) {
+  loadOnboardingModule();
+  registry.prepareWith(loadUiModule);
+  registry.add(ViewKind::onboarding,
+               {QUrl(QStringLiteral("qrc:/qt/qml/Dormel/Onboarding/OnboardingFlow.qml")),
+                [](const std::shared_ptr<View>& view) -> std::unique_ptr<ViewBridge> {
+                  return std::make_unique<OnboardingBridge>(std::static_pointer_cast<OnboardingView>(view));
+                },
+                Tone::background()});
+}
+
+}  // namespace dormel

@@ -1,0 +1,115 @@
+"""What a screen reader is told: the controls of our windows by name, role, state and place, over the accessibility bus.
+
+Needs python3-dbus and at-spi2-core. Works on the session bus of the desk's user manager, or on a bus of its own.
+"""
+
+import os
+from dataclasses import dataclass
+
+import dbus
+
+from .wait import No, until
+
+ACCESSIBLE = "org.a11y.atspi.Accessible"
+COMPONENT = "org.a11y.atspi.Component"
+ACTION = "org.a11y.atspi.Action"
+REGISTRY = ("org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root")
+PROPERTIES = "org.freedesktop.DBus.Properties"
+SCREEN = dbus.UInt32(0)
+
+# Bits of a state set that are asked for here.
+STATES = {"checked": 4, "enabled": 8, "focusable": 11, "focused": 12, "selected": 23, "sensitive": 24, "showing": 25}
+
+
+@dataclass(frozen=True)
+class Element:
+    address: tuple
+    role: str
+    name: str
+    states: frozenset
+    x: int
+    y: int
+    width: int
+    height: int
+
+    @property
+    def centre(self):
+        return self.x + self.width // 2, self.y + self.height // 2
+
+    @property
+    def usable(self):
+        return {"enabled", "showing"} <= self.states
+
+
+class ScreenReader:
+    def __init__(self, desk):
+        if desk.manager is not None:
+            self._session = desk.environment()["DBUS_SESSION_BUS_ADDRESS"]
+        else:
+            self._session = f"unix:path={os.path.join(desk.home.runtime, 'reader-bus')}"
+            desk.helper(["dbus-daemon", "--session", "--nofork", "--nopidfile", f"--address={self._session}"])
+        session = until("the session bus is there", self._connect, 5)
+        door = session.get_object("org.a11y.Bus", "/org/a11y/bus")
+        # Programs only speak to assistive tools while somebody says that there are any.
+        door.Set("org.a11y.Status", "IsEnabled", True, dbus_interface=PROPERTIES)
+        self._bus = dbus.bus.BusConnection(str(door.GetAddress(dbus_interface="org.a11y.Bus")))
+        self._kept = session
+
+    def _connect(self):
+        try:
+            return dbus.bus.BusConnection(self._session)
+        except dbus.exceptions.DBusException:
+            return None
+
+    def environment(self):
+        """What a program needs to be heard."""
+        return {"DBUS_SESSION_BUS_ADDRESS": self._session}
+
+    def _ask(self, address, interface, method, *arguments):
+        return self._bus.get_object(*address, introspect=False).get_dbus_method(method, interface)(*arguments)
+
+    def _describe(self, address):
+        name = str(self._ask(address, PROPERTIES, "Get", ACCESSIBLE, "Name"))
+        role = str(self._ask(address, ACCESSIBLE, "GetRoleName"))
+        low, high = self._ask(address, ACCESSIBLE, "GetState")
+        bits = int(low) | int(high) << 32
+        states = frozenset(state for state, bit in STATES.items() if bits >> bit & 1)
+        place = (0, 0, 0, 0)
+        if role != "application":
+            place = tuple(map(int, self._ask(address, COMPONENT, "GetExtents", SCREEN)))
+        return Element(address, role, name, states, *place)
+
+    def elements(self):
+        """Everything that all programs show, from the outside in."""
+        waiting = [REGISTRY]
+        found = []
+        while waiting:
+            address = waiting.pop(0)
+            try:
+                if address != REGISTRY:
+                    found.append(self._describe(address))
+                waiting += [(str(child[0]), str(child[1])) for child in self._ask(address, ACCESSIBLE, "GetChildren")]
+            except dbus.exceptions.DBusException:
+                pass  # gone meanwhile
+        return found
+
+    def find(self, name, role=None):
+        """The element of that name that can be used now, or why there is none."""
+        named = [e for e in self.elements() if e.name == name and role in (None, e.role)]
+        return next((e for e in named if e.usable), None) or No(f"{name!r} is {[sorted(e.states) for e in named]}")
+
+    def wait_for(self, name, within, role=None):
+        return until(f"{name!r} can be used", lambda: self.find(name, role), within, every=0.1)
+
+    def focused(self):
+        """The innermost element that has the keyboard, once there is one."""
+        return until("something has the focus",
+                     lambda: [e for e in self.elements() if "focused" in e.states], 3, every=0.02)[-1]
+
+    def press(self, element):
+        """As a screen reader's user presses it."""
+        self._ask(element.address, ACTION, "DoAction", dbus.Int32(0))
+
+    def close(self):
+        self._bus.close()
+        self._kept.close()

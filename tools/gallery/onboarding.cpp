@@ -1,0 +1,135 @@
+// Draws the first run to PNG files: onboarding_gallery [folder]. Its components in all their states, and all its
+// screens, early and settled, at both scales. Needs no display.
+#include <QDir>
+#include <QGuiApplication>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <cstdio>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "onboarding/OnboardingView.h"
+#include "onboarding/qml/OnboardingScenes.h"
+#include "platform/linux/qt/AboutView.h"
+#include "tests/drawn/DrawnMachine.h"
+#include "ui/qml/UiModule.h"
+
+using namespace dormel;
+
+namespace {
+
+struct Moment {
+  const char* name;
+  OnboardingBeat beat;
+  Seconds after;  ///< the screen was entered
+  std::function<void(DrawnMachine&)> given = {};
+};
+
+void unanswered(DrawnMachine& desk) {
+  for (const char* key : {defaultsKey::onboardingLate, defaultsKey::onboardingWant})
+    desk.store(key, {std::int64_t{-1}});
+}
+
+void earlyToBed(DrawnMachine& desk) {
+  desk.store(defaultsKey::onboardingLate, {std::int64_t{23}});
+  desk.store(defaultsKey::onboardingWant, {std::int64_t{24}});
+}
+
+void untrusted(DrawnMachine& desk) { desk.machine.accessibility.setTrusted(false); }
+
+std::vector<Moment> moments() {
+  using enum OnboardingBeat;
+  return {
+      {"01-brand-drawing", brand, 2.1},
+      {"01-brand", brand, 6},
+      {"02-promise-early", promise, 0.6},
+      {"02-promise", promise, 5},
+      {"03-latest-early", q1Latest, 1.4},
+      {"03-latest", q1Latest, 4, unanswered},
+      {"04-nights-early", q2Nights, 1.35},
+      {"04-nights", q2Nights, 4},
+      {"05-want-early", q3Want, 1.4},
+      {"05-want", q3Want, 4},
+      {"06-keeps-early", q4Keeps, 1.7},
+      {"06-keeps", q4Keeps, 4},
+      {"07-mirror-counting", mirror, 2.6},
+      {"07-mirror", mirror, 7},
+      {"07-mirror-ahead", mirror, 7, earlyToBed},
+      {"08-how-lock", howItWorks, 3},
+      {"08-how-between", howItWorks, 5.5},
+      {"08-how-keys", howItWorks, 6.6},
+      {"08-how-snooze", howItWorks, 13},
+      {"08-how-morning", howItWorks, 19},
+      {"09-permission-early", accessibility, 1.4},
+      {"09-permission", accessibility, 5, untrusted},
+      {"09-permission-granted", accessibility, 5},
+      {"10-demo-early", demo, 1.6},
+      {"10-demo", demo, 5},
+      {"11-debrief-early", debrief, 0.5},
+      {"11-debrief", debrief, 5},
+      {"12-science-early", science, 4.0},
+      {"12-science", science, 9},
+      {"13-schedule-early", schedule, 1.4},
+      {"13-schedule", schedule, 5},
+      {"14-finale-early", finale, 2.9},
+      {"14-finale", finale, 8},
+  };
+}
+
+bool save(const QDir& folder, const QString& name, const QImage& picture) {
+  const QString file = folder.filePath(name + QStringLiteral(".png"));
+  const bool saved = picture.save(file);
+  std::printf("%s%s\n", saved ? "" : "cannot write ", qPrintable(file));
+  return saved;
+}
+
+QString named(const char* name, int scale) {
+  return QStringLiteral("first-run-%1-%2x").arg(QLatin1String(name)).arg(scale);
+}
+
+bool draw(const QDir& folder, const Moment& moment, int scale) {
+  DrawnMachine desk;
+  desk.store(defaultsKey::onboardingLate, {std::int64_t{26}});
+  desk.store(defaultsKey::onboardingNights, {4.0});
+  desk.store(defaultsKey::onboardingWant, {std::int64_t{23}});
+  desk.store(defaultsKey::onboardingKeeps, {PropertyListArray{{std::string("scrolling")}}});
+  if (moment.given) moment.given(desk);
+  const auto view = OnboardingView::create({[](const auto&) { return true; }, [] {}});
+  DrawnView drawn(desk.factory, view, scale);
+  drawn.picture();
+  desk.pass(0.1);
+  view->advance(moment.beat);
+  desk.pass(moment.beat == OnboardingBeat::brand ? moment.after - 0.1 : moment.after);
+  return save(folder, named(moment.name, scale), drawn.picture());
+}
+
+bool drawComponents(const QDir& folder, int scale) {
+  DrawnMachine desk;
+  QmlSceneRegistry registry;
+  registerUiScenes(registry);
+  loadOnboardingModule();
+  registry.add(ViewKind::aboutPanel,
+               {QUrl::fromLocalFile(QStringLiteral(DORMEL_SOURCE "/tools/gallery/Components.qml")),
+                [](const auto&) { return std::make_unique<ViewBridge>(); }});
+  QmlCanvasFactory factory(std::make_shared<QmlStage>(std::move(registry)));
+  DrawnView drawn(factory, std::make_shared<AboutView>(), scale);
+  drawn.picture();
+  desk.pass(2);
+  return save(folder, named("components", scale), drawn.picture());
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+  QGuiApplication application(argc, argv);
+  const QDir folder(argc > 1 ? QString::fromLocal8Bit(argv[1]) : QStringLiteral("gallery"));
+  bool saved = folder.mkpath(QStringLiteral("."));
+  for (const int scale : {1, 2}) {
+    saved = drawComponents(folder, scale) && saved;
+    for (const Moment& moment : moments()) saved = draw(folder, moment, scale) && saved;
+  }
+  return saved ? 0 : 1;
+}

@@ -1,0 +1,74 @@
+#include "ui/qml/Glyph.h"
+
+#include <QPainter>
+#include <QPainterPath>
+#include <QPen>
+
+namespace dormel {
+namespace {
+
+/// In a box of 24 by 24.
+QPainterPath pathOf(Glyph::Shape shape) {
+  QPainterPath path;
+  switch (shape) {
+    case Glyph::ChevronLeft:
+      path.moveTo(16, 3);
+      path.lineTo(7, 12);
+      path.lineTo(16, 21);
+      break;
+    case Glyph::Check:
+      path.moveTo(4, 12.5);
+      path.lineTo(9.5, 18);
+      path.lineTo(20, 6.5);
+      break;
+    case Glyph::Person:  // arms wide, in a circle
+      path.addEllipse(QRectF(1, 1, 22, 22));
+      path.addEllipse(QRectF(10.7, 4.9, 2.6, 2.6));
+      path.moveTo(6, 9.6);
+      path.quadTo(12, 11.4, 18, 9.6);
+      path.moveTo(12, 10.5);
+      path.lineTo(12, 14);
+      path.moveTo(8.9, 19);
+      path.lineTo(12, 13.6);
+      path.lineTo(15.1, 19);
+      break;
+  }
+  return path;
+}
+
+}  // namespace
+
+Glyph::Glyph(QQuickItem* parent) : QQuickPaintedItem(parent) {
+  setAntialiasing(true);
+  setImplicitSize(24, 24);
+}
+
+void Glyph::setShape(Shape shape) {
+  if (shape == shape_) return;
+  shape_ = shape;
+  emit shapeChanged();
+  update();
+}
+
+void Glyph::setColor(const QColor& color) {
+  if (color == color_) return;
+  color_ = color;
+  emit colorChanged();
+  update();
+}
+
+void Glyph::setLineWidth(double width) {
+  if (width == lineWidth_) return;
+  lineWidth_ = width;
+  emit lineWidthChanged();
+  update();
+}
+
+void Glyph::paint(QPainter* painter) {
+  const double scale = width() / 24;
+  if (scale <= 0) return;
+  painter->scale(scale, scale);
+  painter->strokePath(pathOf(shape_), QPen(color_, lineWidth_ / scale, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+}
+
+}  // namespace dormel
