@@ -5,6 +5,7 @@
 
 #include "app/CommandLine.h"
 #include "app/EntryPoint.h"
+#include "assistant/qml/AssistantScenes.h"
 #include "overlay/qml/OverlayScenes.h"
 #include "platform/Platform.h"
 #include "platform/linux/LinuxPlatform.h"
@@ -24,6 +25,7 @@ int main(int argc, char** argv) {
   QmlSceneRegistry scenes;
   registerUiScenes(scenes);
   registerOverlayScenes(scenes);
+  registerAssistantScenes(scenes);
   registerSettingsScenes(scenes);
   LinuxPlatform desktop(kind, std::move(scenes));
   const PlatformScope inForce(desktop.services());

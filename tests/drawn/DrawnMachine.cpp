@@ -4,6 +4,7 @@
 #include <cmath>
 #include <utility>
 
+#include "assistant/qml/AssistantScenes.h"
 #include "core/Config.h"
 #include "overlay/qml/OverlayScenes.h"
 #include "settings/qml/SettingsScenes.h"
@@ -18,6 +19,7 @@ QmlSceneRegistry allScenes() {
   QmlSceneRegistry registry;
   registerUiScenes(registry);
   registerOverlayScenes(registry);
+  registerAssistantScenes(registry);
   registerSettingsScenes(registry);
   return registry;
 }
