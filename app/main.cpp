@@ -5,6 +5,7 @@
 
 #include "app/CommandLine.h"
 #include "app/EntryPoint.h"
+#include "assistant/qml/AssistantScenes.h"
 #include "onboarding/qml/OnboardingScenes.h"
 #include "overlay/qml/OverlayScenes.h"
 #include "platform/Platform.h"
@@ -25,6 +26,7 @@ int main(int argc, char** argv) {
   QmlSceneRegistry scenes;
   registerUiScenes(scenes);
   registerOverlayScenes(scenes);
+  registerAssistantScenes(scenes);
   registerSettingsScenes(scenes);
   registerOnboardingScenes(scenes);
   LinuxPlatform desktop(kind, std::move(scenes));

@@ -1,6 +1,8 @@
 #include "assistant/AssentaHostApp.h"
 
+#include "platform/Platform.h"
 #include "platform/Windows.h"
+#include "platform/Workspace.h"
 
 namespace dormel {
 namespace {
@@ -37,6 +39,7 @@ AssentaHostApp AssentaHostApp::current(const Bundle& bundle) {
   app.displayName =
       bundle.info("CFBundleDisplayName").value_or(bundle.info("CFBundleName").value_or(nameOfFolder(bundle.path())));
   app.bundleURL = "file://" + escaped(bundle.path());
+  app.icon = platform().workspace.iconForFile(bundle.path());
   return app;
 }
 

@@ -13,6 +13,7 @@ namespace {
 Platform* inForce = nullptr;
 std::uint64_t generation = 0;
 std::uint64_t lastGeneration = 0;
+PlatformScope* currentScope = nullptr;
 
 }  // namespace
 
@@ -25,9 +26,18 @@ Platform& platform() {
 std::uint64_t platformGeneration() { return generation; }
 
 PlatformScope::PlatformScope(Platform& services)
-    : previous_(std::exchange(inForce, &services)), previousGeneration_(std::exchange(generation, ++lastGeneration)) {}
+    : previous_(std::exchange(inForce, &services)),
+      previousGeneration_(std::exchange(generation, ++lastGeneration)),
+      previousScope_(std::exchange(currentScope, this)) {}
+
+void atPlatformEnd(std::function<void()> task) {
+  assert(currentScope != nullptr);
+  if (currentScope != nullptr) currentScope->endings_.push_back(std::move(task));
+}
 
 PlatformScope::~PlatformScope() {
+  for (const auto& ending : std::exchange(endings_, {})) ending();
+  currentScope = previousScope_;
   inForce = previous_;
   generation = previousGeneration_;
 }

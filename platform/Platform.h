@@ -6,6 +6,8 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <vector>
 
 namespace dormel {
 
@@ -17,6 +19,7 @@ class Calendar;
 class ChildProcesses;
 class Clock;
 class DefaultsStore;
+class Dragging;
 class EventTaps;
 class Files;
 class HardwareKeys;
@@ -29,10 +32,12 @@ class Notices;
 class Process;
 class Queues;
 class RunLoop;
+class RunningApplications;
 class Screens;
 class SecureRandom;
 class StandardOutput;
 class Updater;
+class WindowList;
 class WindowServer;
 class Workspace;
 
@@ -63,6 +68,9 @@ struct Platform {
   Workspace& workspace;
   LoginItems& loginItems;
   Updater& updater;
+  RunningApplications& runningApplications;
+  WindowList& windowList;
+  Dragging& dragging;
 };
 
 /// The set in force. Calling it with none installed is a programming error and ends the program.
@@ -71,6 +79,9 @@ struct Platform {
 /// Tells the set in force from every other one of this program's life, one at the same address included: what is made
 /// once per set (a shared log) learns from it that it belongs to another. Any thread.
 [[nodiscard]] std::uint64_t platformGeneration();
+
+/// Has `task` run when the set in force is about to go: what is made once per set goes with it. Main thread only.
+void atPlatformEnd(std::function<void()> task);
 
 /// Puts `services` in force while it lives, then what was in force before.
 class PlatformScope {
@@ -81,8 +92,12 @@ class PlatformScope {
   ~PlatformScope();
 
  private:
+  friend void atPlatformEnd(std::function<void()> task);
+
   Platform* previous_;
   std::uint64_t previousGeneration_;
+  PlatformScope* previousScope_;
+  std::vector<std::function<void()>> endings_;
 };
 
 }  // namespace dormel

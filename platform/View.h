@@ -11,6 +11,7 @@ enum class ViewKind {
   statusPage,
   settings,
   assistantGuide,
+  assistantDragRow,
   onboarding,
   alert,       ///< the platform's own: logic names an alert by its texts (Alerts.h)
   aboutPanel,  ///< the platform's own, behind the menu's command

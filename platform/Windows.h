@@ -21,6 +21,9 @@ struct Screen {
   std::string name;   ///< the connector's, for people ("DP-1"); two screens may share one
   Rect frame;         ///< all of it
   Rect visibleFrame;  ///< without the desktop's bars and docks
+  /// All of it as the window list measures: from the top left corner of the primary display, y downwards. Nothing when
+  /// the window server knows it under no number.
+  std::optional<Rect> displayBounds{};
 };
 
 class Screens {
@@ -34,6 +37,7 @@ class Screens {
 
 enum class WindowLevel {
   floating,     ///< above ordinary windows
+  status,       ///< above the floating ones
   screenSaver,  ///< above everything, whatever maps later
 };
 
@@ -114,6 +118,10 @@ class WindowServer {
   /// swallows the event. Null when none can be installed.
   [[nodiscard]] virtual std::unique_ptr<Registration> addLocalKeyDownMonitor(
       std::function<bool(const KeyEvent&)> monitor) = 0;
+
+  /// Calls `onFrame` from the main loop once for each frame of the display while it lives; it may be destroyed inside
+  /// its own call.
+  [[nodiscard]] virtual std::unique_ptr<Registration> makeDisplayLink(Task onFrame) = 0;
 };
 
 /// Raw values of the application's presentation options; they add up.
@@ -127,8 +135,9 @@ enum PresentationOption : std::uint32_t {
 };
 
 enum class ActivationPolicy {
-  regular,    ///< a window in the task switcher, a menu
-  accessory,  ///< neither
+  regular,     ///< a window in the task switcher, a menu
+  accessory,   ///< neither
+  prohibited,  ///< no windows at all
 };
 
 /// What the application object asks its delegate.

@@ -40,6 +40,8 @@ class Workspace {
 
   /// The bundles of the applications that this user is running now, this process left out.
   [[nodiscard]] virtual std::vector<std::string> runningBundles() const = 0;
+  /// The file of the picture that file managers show for the file or bundle; empty when they choose it themselves.
+  [[nodiscard]] virtual std::string iconForFile(const std::string& path) const = 0;
   /// Opens an application bundle, a file or an address the way the desktop does; false when it cannot.
   virtual bool open(const std::string& pathOrAddress) = 0;
 

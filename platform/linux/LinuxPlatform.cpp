@@ -6,12 +6,14 @@
 #include <utility>
 
 #include "platform/Identifiers.h"
+#include "platform/RunningApplications.h"
 #include "platform/linux/DesktopApplication.h"
 #include "platform/linux/freedesktop/AutostartLoginItems.h"
 #include "platform/linux/freedesktop/CreatedFolders.h"
 #include "platform/linux/freedesktop/DesktopWorkspace.h"
 #include "platform/linux/freedesktop/Logind.h"
 #include "platform/linux/freedesktop/SeatFiles.h"
+#include "platform/linux/freedesktop/SettingsPages.h"
 #include "platform/linux/posix/PosixBundle.h"
 #include "platform/linux/posix/PosixChildProcesses.h"
 #include "platform/linux/posix/PosixClock.h"
@@ -111,7 +113,14 @@ struct LinuxPlatform::Parts {
                  mainMenu,
                  workspace,
                  loginItems,
-                 updater} {
+                 updater,
+                 x11.runningApplications(),
+                 x11.windowList(),
+                 x11.dragging()} {
+    x11.setApplicationNaming([](const std::string& instance, const std::string& className) {
+      const bool isSettings = freedesktop::isSettingsProgram(instance) || freedesktop::isSettingsProgram(className);
+      return isSettings ? SYSTEM_SETTINGS : className;
+    });
     process.beforeExit([this] { x11.lastWill(); });
     x11.setOnScreensChanged([this] { notices.post(Notice::screenParametersChanged); });
     x11.setOnServerLost([this] {

@@ -37,6 +37,8 @@ SimMachine::SimMachine(const Options& options)
       workspace(journal, files),
       loginItems(journal),
       updater(journal),
+      others(timeline),
+      dragging(timeline, journal),
       scheduler(
           timeline, calendar, files, process,
           [this](const std::string& executable, const std::vector<std::string>& arguments, const std::string& logPath) {
@@ -67,9 +69,10 @@ SimMachine::~SimMachine() {
 }
 
 Platform SimMachine::services() {
-  return {clock,   calendar,      runLoop,  queues,      defaults, files,     process,    childProcesses, output,
-          random,  accessibility, keyboard, keyboard,    keyboard, layout,    screens,    windows,        application,
-          notices, bundle,        alerts,   mainWindows, mainMenu, workspace, loginItems, updater};
+  return {clock,      calendar,    runLoop,       queues,   defaults, files,       process,  childProcesses,
+          output,     random,      accessibility, keyboard, keyboard, keyboard,    layout,   screens,
+          windows,    application, notices,       bundle,   alerts,   mainWindows, mainMenu, workspace,
+          loginItems, updater,     others,        others,   dragging};
 }
 
 void SimMachine::setWallClock(const std::string& localMoment) {
@@ -127,6 +130,7 @@ void SimMachine::processEnded(int status) {
   alerts.processEnded();
   mainWindows.processEnded();
   mainMenu.processEnded();
+  dragging.processEnded();
   process.processEnded();
   defaults.processEnded();
   output.redirect({});

@@ -20,10 +20,12 @@
 #include "platform/sim/SimAlerts.h"
 #include "platform/sim/SimDefaults.h"
 #include "platform/sim/SimDesktop.h"
+#include "platform/sim/SimDragging.h"
 #include "platform/sim/SimFiles.h"
 #include "platform/sim/SimJournal.h"
 #include "platform/sim/SimKeyboard.h"
 #include "platform/sim/SimMainWindow.h"
+#include "platform/sim/SimOtherApplications.h"
 #include "platform/sim/SimProcess.h"
 #include "platform/sim/SimQueues.h"
 #include "platform/sim/SimRandom.h"
@@ -119,6 +121,8 @@ class SimMachine {
   SimLoginItems loginItems;
   SimBundle bundle;
   SimUpdater updater;
+  SimOtherApplications others;
+  SimDragging dragging;
   SimScheduler scheduler;
 
  private:

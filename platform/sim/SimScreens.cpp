@@ -9,7 +9,7 @@ namespace {
 constexpr double BAR = 24;
 
 Screen withBar(const std::string& name, const Rect& frame) {
-  return {name, frame, {frame.x, frame.y, frame.width, frame.height - BAR}};
+  return {name, frame, {frame.x, frame.y, frame.width, frame.height - BAR}, {}};
 }
 
 }  // namespace
@@ -44,6 +44,15 @@ void SimNotices::post(Notice notice) {
       if (told.notice == notice && still) (*told.handler)();
     }
   });
+}
+
+std::vector<Screen> SimScreens::all() const {
+  std::vector<Screen> screens = screens_;
+  for (Screen& screen : screens) {
+    screen.displayBounds = {screen.frame.x - screens_.front().frame.x,
+                            screens_.front().frame.top() - screen.frame.top(), screen.frame.width, screen.frame.height};
+  }
+  return screens;
 }
 
 void SimScreens::plug(const std::string& name, const Rect& frame) {

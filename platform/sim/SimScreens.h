@@ -34,9 +34,9 @@ class SimScreens : public Screens {
  public:
   SimScreens(SimJournal& journal, SimNotices& notices) : journal_(journal), notices_(notices) {}
 
-  [[nodiscard]] std::vector<Screen> all() const override { return screens_; }
+  [[nodiscard]] std::vector<Screen> all() const override;
   [[nodiscard]] std::optional<Screen> main() const override {
-    return screens_.empty() ? std::nullopt : std::optional(screens_.front());
+    return screens_.empty() ? std::nullopt : std::optional(all().front());
   }
 
   // The world's side. Each change is noticed.

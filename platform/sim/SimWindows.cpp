@@ -7,6 +7,8 @@
 namespace dormel {
 namespace {
 
+constexpr Seconds FRAME = 1.0 / 60;
+
 using KeyMonitors = std::vector<std::shared_ptr<std::function<bool(const KeyEvent&)>>>;
 
 double eased(TimingCurve curve, double t) {
@@ -33,6 +35,18 @@ const char* nameOf(TimingCurve curve) {
       return "ease-out";
     case TimingCurve::easeInOut:
       return "ease-in-out";
+  }
+  return "";
+}
+
+const char* nameOf(WindowLevel level) {
+  switch (level) {
+    case WindowLevel::floating:
+      return "floating";
+    case WindowLevel::status:
+      return "above the floating ones";
+    case WindowLevel::screenSaver:
+      return "above everything";
   }
   return "";
 }
@@ -96,8 +110,7 @@ std::shared_ptr<Window> SimWindowServer::makeWindow(const WindowStyle& style, co
   auto window = std::make_shared<SimWindow>(*this, ++lastNumber_, style, contentRect);
   std::erase_if(windows_, [](const auto& weak) { return weak.expired(); });
   windows_.push_back(window);
-  journal_.note("window ", window->number_, " made, ",
-                style.level == WindowLevel::screenSaver ? "above everything, " : "floating, ", shown(contentRect));
+  journal_.note("window ", window->number_, " made, ", nameOf(style.level), ", ", shown(contentRect));
   return window;
 }
 
@@ -133,10 +146,26 @@ std::unique_ptr<Registration> SimWindowServer::addLocalKeyDownMonitor(std::funct
   return std::make_unique<Monitor>(monitors_, monitors_->back());
 }
 
+std::unique_ptr<Registration> SimWindowServer::makeDisplayLink(Task onFrame) {
+  class Link : public Registration {
+   public:
+    Link(SimTimeline& timeline, Task onFrame)
+        : timeline_(timeline), id_(timeline.addMain(FRAME, FRAME, std::move(onFrame))) {}
+    Link(const Link&) = delete;
+    Link& operator=(const Link&) = delete;
+    ~Link() override { timeline_.cancelMain(id_); }
+
+   private:
+    SimTimeline& timeline_;
+    std::uint64_t id_;
+  };
+  return std::make_unique<Link>(timeline_, std::move(onFrame));
+}
+
 std::vector<SimWindow*> SimWindowServer::visible() const {
   std::vector<SimWindow*> stacked = order_;
-  std::stable_partition(stacked.begin(), stacked.end(),
-                        [](const SimWindow* window) { return window->style_.level == WindowLevel::floating; });
+  std::stable_sort(stacked.begin(), stacked.end(),
+                   [](const SimWindow* a, const SimWindow* b) { return a->style_.level < b->style_.level; });
   return stacked;
 }
 

@@ -71,6 +71,8 @@ class SimWindowServer : public WindowServer {
                     TimingCurve curve, Task completion) override;
   [[nodiscard]] std::unique_ptr<Registration> addLocalKeyDownMonitor(
       std::function<bool(const KeyEvent&)> monitor) override;
+  /// Sixty frames a second.
+  [[nodiscard]] std::unique_ptr<Registration> makeDisplayLink(Task onFrame) override;
 
   /// The visible windows, backmost first; those of higher levels above the others.
   [[nodiscard]] std::vector<SimWindow*> visible() const;

@@ -26,6 +26,7 @@ class SimWorkspace : public Workspace {
   FileResult moveToTrash(const std::string& path) override { return files_.moveToTrash(path); }
   FileResult copy(const std::string& from, const std::string& to) override { return files_.copy(from, to); }
   [[nodiscard]] std::vector<std::string> runningBundles() const override { return running_; }
+  [[nodiscard]] std::string iconForFile(const std::string& path) const override { return path + "/icon.png"; }
   bool open(const std::string& pathOrAddress) override;
   void registerApplication(const std::string& bundle) override;
   void forgetApplication() override;

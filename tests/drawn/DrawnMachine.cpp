@@ -4,6 +4,7 @@
 #include <cmath>
 #include <utility>
 
+#include "assistant/qml/AssistantScenes.h"
 #include "core/Config.h"
 #include "onboarding/qml/OnboardingScenes.h"
 #include "overlay/qml/OverlayScenes.h"
@@ -19,6 +20,7 @@ QmlSceneRegistry allScenes() {
   QmlSceneRegistry registry;
   registerUiScenes(registry);
   registerOverlayScenes(registry);
+  registerAssistantScenes(registry);
   registerSettingsScenes(registry);
   registerOnboardingScenes(registry);
   return registry;

@@ -29,6 +29,9 @@ TEST(Server, WithoutADisplayThereAreNoScreensAndNoTrustAndWindowsThatNobodySees)
   x11.windows().animateAlpha({window}, 0, 0.05, TimingCurve::linear, [&] { isDone = true; });
   EXPECT_TRUE(until([&] { return isDone; }));
   EXPECT_EQ(window->alpha(), 0);
+  EXPECT_FALSE(x11.runningApplications().frontmost());
+  EXPECT_FALSE(x11.windowList().onScreen());
+  EXPECT_FALSE(x11.dragging().begin({}, {}));
 }
 
 TEST(Server, WithoutRandRTheRootIsTheScreen) {

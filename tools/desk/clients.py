@@ -44,10 +44,14 @@ class Clients:
         found = window.get_full_property(self._display.intern_atom(name), X.AnyPropertyType)
         return list(found.value) if found else []
 
+    def all(self):
+        """In the order in which they came."""
+        found = map(self._describe, self._values(self._root, "_NET_CLIENT_LIST"))
+        return [client for client in found if client is not None]
+
     def of(self, pid):
-        """Those of one process, in the order in which they came."""
-        return [client for client in map(self._describe, self._values(self._root, "_NET_CLIENT_LIST"))
-                if client is not None and client.pid == pid]
+        """Those of one process."""
+        return [client for client in self.all() if client.pid == pid]
 
     def _describe(self, number):
         window = self._display.create_resource_object("window", number)

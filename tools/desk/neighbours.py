@@ -4,10 +4,13 @@
     raiser        a bright window that puts itself on top every 100 ms
     notification  a bright override-redirect bubble in the corner of the main monitor, shown on "show"
     fullscreen    a bright window over the whole main monitor that asks for the fullscreen state, shown on "show"
+    receiver      a window that takes dropped files, by the common protocol; "take", "refuse", "move" (it would take them
+                  away) and "fail" (it takes them and cannot use them) say how; "heard" answers what it has got since
 
 They obey lines on standard input, answer each with a line, and end when it closes.
 """
 
+import json
 import os
 import select
 import subprocess
@@ -16,6 +19,7 @@ import time
 
 from Xlib import X, Xatom
 from Xlib import display as xdisplay
+from Xlib.protocol import event as xevent
 
 BRIGHT = 0xFF7A1A  # nothing of the program has this colour
 
@@ -118,7 +122,61 @@ def _shown_later(display, fullscreen):
         _say(line.strip())
 
 
+def _receiver(display):
+    screen = display.screen()
+    window = screen.root.create_window(1400, 700, 420, 300, 0, screen.root_depth, X.InputOutput, X.CopyFromParent,
+                                       background_pixel=BRIGHT, event_mask=X.StructureNotifyMask)
+    atom = display.intern_atom
+    window.set_wm_normal_hints(flags=1, x=1400, y=700)
+    window.change_property(atom("XdndAware"), Xatom.ATOM, 32, [5])
+    window.map()
+    while display.next_event().type != X.MapNotify:
+        pass
+    place = window.translate_coords(screen.root, 0, 0)
+    _say(f"{210 - place.x} {150 - place.y}")
+    mood, heard, action = "take", [], X.NONE
+
+    def answer(source, kind, *data):
+        display.create_resource_object("window", source).send_event(
+            xevent.ClientMessage(window=source, client_type=atom(kind), data=(32, [window.id, *data])))
+
+    def on_message(event):
+        nonlocal action
+        kind, data = display.get_atom_name(event.client_type), event.data[1]
+        if kind == "XdndPosition":
+            action = atom("XdndActionMove") if mood == "move" else data[4]
+            answer(data[0], "XdndStatus", 0 if mood == "refuse" else 3, 0, 0, action)
+        elif kind == "XdndDrop":
+            window.convert_selection(atom("XdndSelection"), atom("text/uri-list"), atom("DROPPED"), data[2])
+            on_message.source = data[0]
+
+    def on_data():
+        got = window.get_full_property(atom("DROPPED"), X.AnyPropertyType)
+        heard.append([got.value.decode() if got else None, display.get_atom_name(action)])
+        answer(on_message.source, "XdndFinished", int(mood == "take"), action, 0, 0)
+
+    while True:
+        display.flush()  # which may read events, so that the socket has nothing left to tell
+        while display.pending_events():
+            event = display.next_event()
+            if event.type == X.ClientMessage:
+                on_message(event)
+            elif event.type == X.SelectionNotify:
+                on_data()
+            display.flush()
+        if sys.stdin in select.select([sys.stdin, display.fileno()], [], [])[0]:
+            word = sys.stdin.readline().strip()
+            if word == "":
+                return
+            if word == "heard":
+                _say(json.dumps(heard))
+                heard.clear()
+            else:
+                mood = word
+                _say(word)
+
+
 if __name__ == "__main__":
     connection = xdisplay.Display()
-    {"grabber": _grabber, "raiser": _raiser, "notification": lambda d: _shown_later(d, False),
+    {"grabber": _grabber, "raiser": _raiser, "receiver": _receiver, "notification": lambda d: _shown_later(d, False),
      "fullscreen": lambda d: _shown_later(d, True)}[sys.argv[1]](connection)

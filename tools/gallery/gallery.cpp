@@ -8,6 +8,8 @@
 #include <cstdio>
 #include <functional>
 
+#include "assistant/AssentaHostApp.h"
+#include "assistant/OverlayContentView.h"
 #include "core/Config.h"
 #include "platform/linux/qt/AboutView.h"
 #include "platform/linux/qt/AlertView.h"
@@ -155,6 +157,16 @@ void showWindows(Gallery& gallery) {
   gallery.showPage("alert-short", [](DrawnMachine&) {
     return alert({AlertStyle::informational, "Dormel uninstalled", "Dormel has been removed from your Mac.", {"OK"}});
   });
+  for (const AssentaPanel panel : {AssentaPanel::accessibility, AssentaPanel::screenRecording}) {
+    const std::string name = "guide-" + std::string(rawValue(panel)).substr(sizeof "Privacy_" - 1);
+    gallery.showPage(
+        name.c_str(),
+        [panel](DrawnMachine& desk) {
+          AssentaHostApp host = AssentaHostApp::current(desk.machine.bundle);
+          return std::make_shared<OverlayContentView>(host, panel, [] {});
+        },
+        1.7);
+  }
   gallery.showPage("about", [](DrawnMachine&) { return std::make_shared<AboutView>(); });
 }
 

@@ -106,6 +106,12 @@ std::vector<std::string> DesktopWorkspace::runningBundles() const {
   return bundles;
 }
 
+std::string DesktopWorkspace::iconForFile(const std::string& path) const {
+  const auto name = bundleInfo(path, "CFBundleIconFile");
+  const std::string file = path + "/Contents/Resources/" + name.value_or("");
+  return name && ::access(file.c_str(), R_OK) == 0 ? file : std::string();
+}
+
 bool DesktopWorkspace::open(const std::string& pathOrAddress) { return opener_.open(pathOrAddress); }
 
 void DesktopWorkspace::registerApplication(const std::string& bundle) {

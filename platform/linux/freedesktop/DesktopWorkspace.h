@@ -29,6 +29,8 @@ class DesktopWorkspace final : public Workspace {
   FileResult moveToTrash(const std::string& path) override;
   FileResult copy(const std::string& from, const std::string& to) override;
   [[nodiscard]] std::vector<std::string> runningBundles() const override;
+  /// A bundle's own picture; of anything else the desktop's theme decides.
+  [[nodiscard]] std::string iconForFile(const std::string& path) const override;
   bool open(const std::string& pathOrAddress) override;
   void registerApplication(const std::string& bundle) override;
   void forgetApplication() override;

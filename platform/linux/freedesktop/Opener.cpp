@@ -10,15 +10,9 @@
 namespace dormel::freedesktop {
 namespace {
 
-constexpr std::string_view SETTINGS_SCHEME = "x-apple.systempreferences:";
-
 std::string currentDesktop() {
   const char* name = std::getenv("XDG_CURRENT_DESKTOP");
   return name == nullptr ? std::string() : std::string(name);
-}
-
-SettingsPage pageAt(const std::string& address) {
-  return address.find("LoginItems") != std::string::npos ? SettingsPage::autostart : SettingsPage::accessibility;
 }
 
 }  // namespace
@@ -29,7 +23,10 @@ bool Opener::complain(const std::string& what) const {
 }
 
 bool Opener::open(const std::string& pathOrAddress) const {
-  if (pathOrAddress.starts_with(SETTINGS_SCHEME)) return openSettings(pageAt(pathOrAddress));
+  if (isSettingsAddress(pathOrAddress)) {
+    const auto page = settingsPageAt(pathOrAddress);
+    return page ? openSettings(*page) : complain("the settings: nothing is known of " + pathOrAddress);
+  }
   if (isBundle(pathOrAddress)) {
     return children_.start(bundleExecutable(pathOrAddress), {}) || complain(pathOrAddress + ": its program cannot run");
   }
@@ -45,7 +42,7 @@ bool Opener::openSettings(SettingsPage page) const {
     if (program && children_.start(*program, {command.begin() + 1, command.end()})) return true;
   }
   const std::string name = desktop.empty() ? "no desktop that we know" : desktop;
-  return complain("the settings: " + name + " has no settings program here");
+  return complain("the settings: " + name + " has no such page here");
 }
 
 }  // namespace dormel::freedesktop

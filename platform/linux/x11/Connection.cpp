@@ -99,6 +99,11 @@ Subscription Connection::subscribe(Handler handler) {
   return shared;
 }
 
+void Connection::selectOnRoot(std::uint32_t events) {
+  rootEvents_ |= events;
+  xcb_change_window_attributes(xcb_, root(), XCB_CW_EVENT_MASK, &rootEvents_);
+}
+
 void Connection::sync() {
   static_cast<void>(owned(xcb_get_input_focus_reply(xcb_, xcb_get_input_focus(xcb_), nullptr)));
 }

@@ -48,6 +48,10 @@ class Connection : public std::enable_shared_from_this<Connection> {
   /// Called once, from the run loop, when the server is gone.
   void setOnLost(Task onLost) { onLost_ = std::move(onLost); }
 
+  /// Asks for more kinds of events of the root window. A client has one set of them per window, so everybody on this
+  /// connection adds to it here.
+  void selectOnRoot(std::uint32_t events);
+
   void flush() { xcb_flush(xcb_); }
   /// Returns when the server has carried out everything sent before.
   void sync();
@@ -74,6 +78,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
   int screenNumber_;
   std::string display_;
   std::vector<std::weak_ptr<const Handler>> handlers_;
+  std::uint32_t rootEvents_ = 0;
   Task onLost_;
   bool lostReported_ = false;
   QSocketNotifier* notifier_ = nullptr;

@@ -14,6 +14,7 @@ namespace {
 
 constexpr std::uint8_t MAIN_BUTTON = 1;
 constexpr KeyTracker::Source WINDOW_KEYS = 1;
+constexpr int OUTSIDE = -10000;
 constexpr int PUT_BACK_LATER_MILLISECONDS = 100;
 
 }  // namespace
@@ -237,7 +238,7 @@ void Panel::handle(const xcb_generic_event_t& event) {
       onMotion(reinterpret_cast<const xcb_motion_notify_event_t&>(event));
       break;
     case XCB_LEAVE_NOTIFY:
-      if (!drag_) tellCanvas(PointerAction::leave, 0, 0);
+      onLeave(reinterpret_cast<const xcb_leave_notify_event_t&>(event));
       break;
     case XCB_UNMAP_NOTIFY:
       if (isVisible_) putBack();
@@ -303,6 +304,17 @@ void Panel::onMotion(const xcb_motion_notify_event_t& event) {
   area.x += event.root_x - drag_->pointerX;
   area.y += event.root_y - drag_->pointerY;
   moveTo(area);
+}
+
+void Panel::onLeave(const xcb_leave_notify_event_t& event) {
+  if (event.mode == XCB_NOTIFY_MODE_GRAB) {
+    // Somebody took the pointer, a drag out of this panel for one: the button's release will not come here, and
+    // whatever was pressed is let go without an effect.
+    drag_.reset();
+    tellCanvas(PointerAction::move, OUTSIDE, OUTSIDE);
+    tellCanvas(PointerAction::release, OUTSIDE, OUTSIDE);
+  }
+  if (!drag_) tellCanvas(PointerAction::leave, 0, 0);
 }
 
 bool Panel::tellCanvas(PointerAction action, int x, int y) {

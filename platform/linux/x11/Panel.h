@@ -56,6 +56,7 @@ class Panel final : public FadingWindow, public std::enable_shared_from_this<Pan
   void onKey(const xcb_key_press_event_t& event, bool isPress);
   void onButton(const xcb_button_press_event_t& event, bool isPress);
   void onMotion(const xcb_motion_notify_event_t& event);
+  void onLeave(const xcb_leave_notify_event_t& event);
   bool tellCanvas(PointerAction action, int x, int y);
   void moveTo(const PixelRect& area);
   /// Undoes what another program did to the visible window, as often as the budget allows.

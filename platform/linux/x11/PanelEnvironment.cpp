@@ -87,6 +87,9 @@ void PanelEnvironment::handle(const xcb_generic_event_t& event) {
     keys.seed(keysDown(*connection));
     return;
   }
+  if ((event.response_type & 0x7f) == XCB_BUTTON_PRESS) {
+    lastPress = reinterpret_cast<const xcb_button_press_event_t&>(event).time;
+  }
   panel->handle(event);
 }
 

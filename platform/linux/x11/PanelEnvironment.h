@@ -54,7 +54,8 @@ struct PanelEnvironment {
   Stacking stacking;
   PanelFocus focus;
   xcb_cursor_t blankCursor;
-  KeyTracker keys;  ///< of the key events that reach our windows
+  KeyTracker keys;                ///< of the key events that reach our windows
+  xcb_timestamp_t lastPress = 0;  ///< of a button, in one of them
   std::map<xcb_window_t, std::weak_ptr<Panel>> panels;
   std::vector<std::weak_ptr<KeyMonitor>> keyMonitors;
   Subscription subscription;

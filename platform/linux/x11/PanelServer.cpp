@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "platform/linux/x11/DisplayLink.h"
 #include "platform/linux/x11/Panel.h"
 #include "platform/linux/x11/UnseenWindow.h"
 
@@ -48,6 +49,10 @@ std::unique_ptr<Registration> PanelServer::addLocalKeyDownMonitor(std::function<
   auto shared = std::make_shared<KeyMonitor>(std::move(monitor));
   env_->keyMonitors.emplace_back(shared);
   return std::make_unique<MonitorRegistration>(std::move(shared));
+}
+
+std::unique_ptr<Registration> PanelServer::makeDisplayLink(Task onFrame) {
+  return std::make_unique<DisplayLink>(std::move(onFrame));
 }
 
 }  // namespace dormel::x11

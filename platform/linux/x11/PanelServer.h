@@ -20,10 +20,15 @@ class PanelServer : public WindowServer {
                     TimingCurve curve, Task completion) override;
   [[nodiscard]] std::unique_ptr<Registration> addLocalKeyDownMonitor(
       std::function<bool(const KeyEvent&)> monitor) override;
+  [[nodiscard]] std::unique_ptr<Registration> makeDisplayLink(Task onFrame) override;
 
   /// Shows the monitors a key-down that reached a window of this application that is no panel; true when one
   /// swallows it.
   [[nodiscard]] bool isSwallowed(const KeyEvent& event) { return env_ && env_->isSwallowed(event); }
+  /// The server's time of the last press of a button in one of our panels; 0 before there was one.
+  [[nodiscard]] xcb_timestamp_t lastPress() const { return env_ ? env_->lastPress : 0; }
+  /// Pixels to the point.
+  [[nodiscard]] double scale() const { return env_ ? env_->screens->space().scale : 1; }
   [[nodiscard]] bool isCompositing() const { return env_ && env_->compositor.isRunning(); }
 
  private:

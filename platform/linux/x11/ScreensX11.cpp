@@ -72,7 +72,14 @@ Screen ScreensX11::screen(const Monitor& monitor, const std::optional<PixelRect>
     const PixelRect common = intersection(visible, *workArea);
     if (!common.empty()) visible = common;
   }
-  return {monitor.name, desk_.space.toPoints(monitor.area), desk_.space.toPoints(visible)};
+  return {monitor.name, desk_.space.toPoints(monitor.area), desk_.space.toPoints(visible), displayBounds(monitor.area)};
+}
+
+Rect ScreensX11::displayBounds(const PixelRect& area) const {
+  if (desk().monitors.empty()) return {};
+  const PixelRect& main = desk_.monitors.front().area;
+  const double scale = desk_.space.scale;
+  return {(area.x - main.x) / scale, (area.y - main.y) / scale, area.width / scale, area.height / scale};
 }
 
 std::optional<PixelRect> ScreensX11::workArea() const {

@@ -26,6 +26,9 @@ class ScreensX11 : public Screens {
   /// How points and pixels relate at present.
   [[nodiscard]] const CoordinateSpace& space() const;
 
+  /// A rectangle of the root window in points from the main screen's top left corner, y downwards.
+  [[nodiscard]] Rect displayBounds(const PixelRect& area) const;
+
   /// Called from the run loop after the screens or the scale really changed, a few milliseconds after the server
   /// said so.
   void setOnChange(Task onChange) { onChange_ = std::move(onChange); }

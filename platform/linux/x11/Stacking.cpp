@@ -18,8 +18,7 @@ Stacking::Stacking(std::shared_ptr<Connection> connection, const Clock& clock)
       screenSaverBudget_(clock, 50, 1.0),
       floatingBudget_(clock, 4, 2.0),
       later_([this] { check(); }, LATER_MILLISECONDS) {
-  const std::uint32_t mask = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
-  xcb_change_window_attributes(*connection_, connection_->root(), XCB_CW_EVENT_MASK, &mask);
+  connection_->selectOnRoot(XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
   subscription_ = connection_->subscribe([this](const xcb_generic_event_t& event) { handle(event); });
 }
 
@@ -31,10 +30,7 @@ bool Stacking::hasScreenSaverPanels() const { return !kept_.empty() && kept_.bac
 
 void Stacking::raise(xcb_window_t window, WindowLevel level) {
   remove(window);
-  const auto above =
-      level == WindowLevel::screenSaver
-          ? kept_.end()
-          : std::find_if(kept_.begin(), kept_.end(), [](const Kept& k) { return k.level == WindowLevel::screenSaver; });
+  const auto above = std::find_if(kept_.begin(), kept_.end(), [&](const Kept& k) { return k.level > level; });
   if (above == kept_.end()) {
     const std::uint32_t mode = XCB_STACK_MODE_ABOVE;
     xcb_configure_window(*connection_, window, XCB_CONFIG_WINDOW_STACK_MODE, &mode);
@@ -98,8 +94,11 @@ Stacking::Foreign Stacking::foreignAbove() {
     const PixelRect area{geometry->x, geometry->y, geometry->width, geometry->height};
     const auto own = std::find_if(kept_.begin(), kept_.end(), [&](const Kept& k) { return k.window == q.window; });
     if (own != kept_.end()) {
-      if (own->level == WindowLevel::screenSaver) screenSaverBelow = true;
-      if (own->level == WindowLevel::floating) floatingBelow.push_back(area);
+      if (own->level == WindowLevel::screenSaver) {
+        screenSaverBelow = true;
+      } else {
+        floatingBelow.push_back(area);
+      }
       continue;
     }
     if (attributes->map_state != XCB_MAP_STATE_VIEWABLE || attributes->_class == XCB_WINDOW_CLASS_INPUT_ONLY) continue;
@@ -117,14 +116,14 @@ void Stacking::check() {
   // Floating first: raising the others then puts them on top again.
   if (foreign.aboveFloating) {
     if (floatingBudget_.spend()) {
-      raiseAll(WindowLevel::floating);
+      raiseAll(false);
     } else {
       postponed = true;
     }
   }
   if (foreign.aboveScreenSaver) {
     if (screenSaverBudget_.spend()) {
-      raiseAll(WindowLevel::screenSaver);
+      raiseAll(true);
     } else {
       postponed = true;
     }
@@ -133,12 +132,12 @@ void Stacking::check() {
   connection_->flush();
 }
 
-void Stacking::raiseAll(WindowLevel level) {
+void Stacking::raiseAll(bool screenSavers) {
   const auto screenSaver =
       std::find_if(kept_.begin(), kept_.end(), [](const Kept& k) { return k.level == WindowLevel::screenSaver; });
   for (auto own = kept_.begin(); own != kept_.end(); ++own) {
-    if (own->level != level) continue;
-    if (level == WindowLevel::floating && screenSaver != kept_.end()) {
+    if ((own->level == WindowLevel::screenSaver) != screenSavers) continue;
+    if (!screenSavers && screenSaver != kept_.end()) {
       const std::uint32_t values[] = {screenSaver->window, XCB_STACK_MODE_BELOW};
       xcb_configure_window(*connection_, own->window, XCB_CONFIG_WINDOW_SIBLING | XCB_CONFIG_WINDOW_STACK_MODE, values);
     } else {

@@ -1,7 +1,7 @@
 // Keeps our windows where they belong among the children of the root: screen-saver panels above everything that
-// ever maps or raises itself, floating ones above whatever covers them. Acts only when a foreign window really is in
-// the way, and no faster than its budget, so that it never fights another such program at full speed.
-// Main thread only.
+// ever maps or raises itself, floating and status ones above whatever covers them. Acts only when a foreign window
+// really is in the way, and no faster than its budget, so that it never fights another such program at full speed. Main
+// thread only.
 #pragma once
 
 #include <memory>
@@ -38,7 +38,8 @@ class Stacking {
   [[nodiscard]] bool isOurs(xcb_window_t window) const;
   void check();
   [[nodiscard]] Foreign foreignAbove();
-  void raiseAll(WindowLevel level);
+  /// Those, or all others in their order.
+  void raiseAll(bool screenSavers);
 
   std::shared_ptr<Connection> connection_;
   std::vector<Kept> kept_;  ///< from bottom to top, as they should be

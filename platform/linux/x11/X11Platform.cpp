@@ -25,6 +25,9 @@ X11Platform::X11Platform(CanvasFactory& canvases, const Clock& clock, const std:
       inputIdle_(connection_, features_),
       layout_(connection_, features_),
       windows_(connection_, features_, screens_, canvases, clock),
+      runningApplications_(connection_),
+      windowList_(connection_, screens_),
+      dragging_(connection_, windows_, clock),
       managedWindows_(connection_),
       lockdown_(connection_ ? std::make_unique<Lockdown>(connection_, features_) : nullptr),
       display_(display) {

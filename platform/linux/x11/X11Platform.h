@@ -4,8 +4,10 @@
 #include <atomic>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "platform/linux/x11/AccessibilityX11.h"
+#include "platform/linux/x11/DraggingX11.h"
 #include "platform/linux/x11/EventTapX11.h"
 #include "platform/linux/x11/HardwareKeysX11.h"
 #include "platform/linux/x11/IdleX11.h"
@@ -13,7 +15,9 @@
 #include "platform/linux/x11/Lockdown.h"
 #include "platform/linux/x11/ManagedWindows.h"
 #include "platform/linux/x11/PanelServer.h"
+#include "platform/linux/x11/RunningApplicationsX11.h"
 #include "platform/linux/x11/ScreensX11.h"
+#include "platform/linux/x11/WindowListX11.h"
 
 namespace dormel::x11 {
 
@@ -38,6 +42,12 @@ class X11Platform {
   [[nodiscard]] KeyboardLayout& keyboardLayout() { return layout_; }
   [[nodiscard]] Screens& screens() { return *screens_; }
   [[nodiscard]] WindowServer& windows() { return windows_; }
+  [[nodiscard]] RunningApplications& runningApplications() { return runningApplications_; }
+  [[nodiscard]] WindowList& windowList() { return windowList_; }
+  [[nodiscard]] Dragging& dragging() { return dragging_; }
+
+  /// How applications are told from each other, by the names on their windows.
+  void setApplicationNaming(ApplicationNaming naming) { runningApplications_.setNaming(std::move(naming)); }
 
   /// Whether a local monitor swallows the press of this key, by its X key code, in a window of the toolkit's own.
   [[nodiscard]] bool isKeyDownSwallowed(unsigned keycode);
@@ -61,6 +71,9 @@ class X11Platform {
   IdleX11 inputIdle_;
   LayoutX11 layout_;
   PanelServer windows_;
+  RunningApplicationsX11 runningApplications_;
+  WindowListX11 windowList_;
+  DraggingX11 dragging_;
   ManagedWindows managedWindows_;
   std::unique_ptr<Lockdown> lockdown_;
   std::atomic<bool> isLockedDown_ = false;

@@ -1,0 +1,69 @@
+// The other applications of a simulated desktop and their windows.
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/RunningApplications.h"
+#include "platform/WindowList.h"
+#include "platform/sim/SimTimeline.h"
+
+namespace dormel {
+
+class SimOtherApplications : public RunningApplications, public WindowList {
+ public:
+  explicit SimOtherApplications(SimTimeline& timeline) : timeline_(timeline) {}
+
+  [[nodiscard]] std::vector<RunningApplication> withBundleIdentifier(const std::string& identifier) const override {
+    std::vector<RunningApplication> found;
+    std::copy_if(running_.begin(), running_.end(), std::back_inserter(found),
+                 [&](const RunningApplication& one) { return one.bundleIdentifier == identifier; });
+    return found;
+  }
+  [[nodiscard]] std::optional<RunningApplication> frontmost() const override { return frontmost_; }
+  [[nodiscard]] std::unique_ptr<Registration> observeActivation(Task handler) override {
+    auto observer = std::make_shared<Task>(std::move(handler));
+    observers_.push_back(observer);
+    return std::make_unique<Observer>(std::move(observer));
+  }
+  [[nodiscard]] std::optional<std::vector<ListedWindow>> onScreen() const override { return windows_; }
+
+  // The world's side.
+  void setRunning(std::vector<RunningApplication> running) { running_ = std::move(running); }
+  /// Another application comes to the front, or none has the user's attention; observers hear of it.
+  void bringToFront(std::optional<RunningApplication> application) {
+    frontmost_ = std::move(application);
+    timeline_.addMain(0, 0, [this] {
+      const auto observers = observers_;
+      for (const auto& observer : observers) {
+        if (const auto handler = observer.lock()) (*handler)();
+      }
+    });
+  }
+  /// The frontmost first; nothing for a server that does not answer.
+  void setWindows(std::optional<std::vector<ListedWindow>> windows) { windows_ = std::move(windows); }
+  [[nodiscard]] std::size_t observers() const {
+    return static_cast<std::size_t>(
+        std::count_if(observers_.begin(), observers_.end(), [](const auto& observer) { return !observer.expired(); }));
+  }
+
+ private:
+  struct Observer : Registration {
+    explicit Observer(std::shared_ptr<Task> kept) : handler(std::move(kept)) {}
+    std::shared_ptr<Task> handler;
+  };
+
+  SimTimeline& timeline_;
+  std::vector<RunningApplication> running_;
+  std::optional<RunningApplication> frontmost_;
+  std::optional<std::vector<ListedWindow>> windows_ = std::vector<ListedWindow>();
+  std::vector<std::weak_ptr<Task>> observers_;
+};
+
+}  // namespace dormel
