@@ -2,7 +2,7 @@
 
 #include <QPainter>
 #include <QPen>
-#include <QPolygonF>
+#include <QPointF>
 #include <vector>
 
 namespace dormel {
@@ -11,10 +11,12 @@ namespace {
 constexpr double BOX = 16;
 constexpr double STROKE = 1.7;
 
-std::vector<QPolygonF> strokes(const QString& name) {
-  if (name == QLatin1String("chevron.left")) return {{{{9.75, 3.5}, {5.25, 8}, {9.75, 12.5}}}};
+using Stroke = std::vector<QPointF>;
+
+std::vector<Stroke> strokes(const QString& name) {
+  if (name == QLatin1String("chevron.left")) return {Stroke{{9.75, 3.5}, {5.25, 8}, {9.75, 12.5}}};
   if (name == QLatin1String("arrow.up")) {
-    return {{{{8, 13.5}, {8, 2.75}}}, {{{3.5, 7.25}, {8, 2.75}, {12.5, 7.25}}}};
+    return {Stroke{{8, 13.5}, {8, 2.75}}, Stroke{{3.5, 7.25}, {8, 2.75}, {12.5, 7.25}}};
   }
   return {};
 }
@@ -36,7 +38,7 @@ void GuideGlyph::setColor(const QColor& color) {
 void GuideGlyph::paint(QPainter* painter) {
   painter->scale(width() / BOX, height() / BOX);
   painter->setPen(QPen(color_, STROKE, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-  for (const QPolygonF& stroke : strokes(name_)) painter->drawPolyline(stroke);
+  for (const Stroke& stroke : strokes(name_)) painter->drawPolyline(stroke.data(), static_cast<int>(stroke.size()));
 }
 
 }  // namespace dormel
