@@ -10,8 +10,9 @@
 namespace dormel {
 
 struct ListedWindow {
-  std::int32_t ownerPid = 0;  ///< 0 when the owner does not say
-  int layer = 0;              ///< 0 for ordinary windows
+  /// Of the owner. One that does not say has a negative number, here and among the running applications.
+  std::int32_t ownerPid = 0;
+  int layer = 0;  ///< 0 for ordinary windows
   /// With what the desktop draws around it, in points from the top left corner of the primary display, y downwards;
   /// a figure that is not known is 0. Nothing when the place is not known at all.
   std::optional<Rect> bounds;

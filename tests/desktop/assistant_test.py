@@ -108,6 +108,11 @@ class AssistantTest(DesktopCase):
         self.assertLess(sorted(delays)[len(delays) // 2], 0.150 + 0.017)
         self.assertLess(max(delays), 0.3, "the worst on a busy machine")
 
+        self.window().delete_property(self.display.intern_atom("_NET_WM_PID"))
+        self.window().configure(x=500, y=250)
+        self.display.sync()
+        until("it knows a window by its connection as well", lambda: self.frame()[0] == 500 and self.docked(), 2)
+
         guide = self.guide()
         desk.mouse.click(guide.x + 250, guide.y + 30)
         self.assertEqual(self.display.get_input_focus().focus.id, self.settings.id)

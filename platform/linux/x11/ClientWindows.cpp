@@ -35,6 +35,12 @@ bool has(const Words& values, xcb_atom_t value) {
   return std::find(values.begin(), values.end(), value) != values.end();
 }
 
+/// A process, or failing that a connection to the server: every one gives its windows numbers from a range of its own.
+std::int32_t owner(Connection& c, xcb_window_t window, const Words& pid) {
+  if (!pid.empty()) return static_cast<std::int32_t>(pid.front());
+  return -static_cast<std::int32_t>(window & ~xcb_get_setup(c)->resource_id_mask);
+}
+
 /// Four lengths, in the order left, right, top, bottom; outwards is positive.
 PixelRect grown(const PixelRect& r, const Words& by, int sign) {
   if (by.size() != 4) return r;
@@ -74,7 +80,7 @@ std::vector<ClientWindow> ClientWindows::describe(const std::vector<xcb_window_t
     const std::string names = text(c, questions[i].names);
     const Words state = words(c, questions[i].state);
     const auto split = names.find('\0');
-    ClientWindow one{windows[i], pid.empty() ? 0 : static_cast<std::int32_t>(pid.front()), names.substr(0, split),
+    ClientWindow one{owner(c, windows[i], pid), names.substr(0, split),
                      split == std::string::npos ? std::string() : names.substr(split + 1),
                      has(state, stateSkipTaskbar_)};
     if (one.className.ends_with('\0')) one.className.pop_back();
@@ -103,6 +109,7 @@ std::optional<std::vector<SeenWindow>> ClientWindows::seen() const {
   const Words stack = c.property32(c.root(), clientListStacking_);
 
   struct Question {
+    xcb_window_t window;
     xcb_get_property_cookie_t pid, state, desktop, type, frame, shadow;
     xcb_get_window_attributes_cookie_t attributes;
     xcb_get_geometry_cookie_t geometry;
@@ -111,7 +118,7 @@ std::optional<std::vector<SeenWindow>> ClientWindows::seen() const {
   std::vector<Question> questions;
   questions.reserve(stack.size());
   for (auto w = stack.rbegin(); w != stack.rend(); ++w) {
-    questions.push_back({ask(c, *w, pid_), ask(c, *w, state_), ask(c, *w, desktop_), ask(c, *w, type_),
+    questions.push_back({*w, ask(c, *w, pid_), ask(c, *w, state_), ask(c, *w, desktop_), ask(c, *w, type_),
                          ask(c, *w, frameExtents_), ask(c, *w, gtkFrameExtents_), xcb_get_window_attributes(c, *w),
                          xcb_get_geometry(c, *w), xcb_translate_coordinates(c, *w, c.root(), 0, 0)});
   }
@@ -136,8 +143,7 @@ std::optional<std::vector<SeenWindow>> ClientWindows::seen() const {
     }
     const PixelRect client{place->dst_x, place->dst_y, geometry->width, geometry->height};
     const bool isOrdinary = type.empty() || has(type, typeNormal_) || has(type, typeDialog_) || has(type, typeUtility_);
-    found.push_back({pid.empty() ? 0 : static_cast<std::int32_t>(pid.front()), isOrdinary,
-                     grown(grown(client, shadow, -1), frame, 1)});
+    found.push_back({owner(c, q.window, pid), isOrdinary, grown(grown(client, shadow, -1), frame, 1)});
   }
   return found;
 }

@@ -15,8 +15,8 @@ namespace dormel::x11 {
 
 /// Who a window belongs to.
 struct ClientWindow {
-  xcb_window_t window = XCB_NONE;
-  std::int32_t pid = 0;  ///< 0 when it does not say
+  /// The process's; where it does not say, a negative number that only its own windows share.
+  std::int32_t pid = 0;
   std::string instance;  ///< the two halves of its WM_CLASS
   std::string className;
   bool skipsTaskbar = false;
@@ -24,7 +24,7 @@ struct ClientWindow {
 
 /// A window that can be seen now.
 struct SeenWindow {
-  std::int32_t pid = 0;
+  std::int32_t pid = 0;    ///< as above
   bool isOrdinary = true;  ///< no menu, bubble or the like
   PixelRect area;          ///< with the frame around it, without the shadow that it draws itself
 };

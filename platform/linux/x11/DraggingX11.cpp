@@ -13,6 +13,7 @@ namespace {
 constexpr KeyCode ESCAPE = 53;
 constexpr std::uint8_t MAIN_BUTTON = 1;
 constexpr Seconds FLIGHT = 0.3;
+constexpr int STAY_MILLISECONDS = 3 * DisplayLink::FRAME_MILLISECONDS;
 constexpr double ALPHA = 0.82;
 constexpr double ALPHA_OVER_RECEIVER = 1;
 
@@ -206,8 +207,10 @@ void DraggingX11::end(DragOperation operation) {
   QTimer::singleShot(0, &flight_, [ended, operation] {
     ended->source.reset();
     if (ended->onEnd) ended->onEnd(operation);
-    // What was dragged stands in its place again; only then the picture goes.
-    ended->picture->orderOut();
+    if (operation == DragOperation::none) {
+      // What was dragged is drawn in its place again; the picture goes when that is surely to be seen.
+      QTimer::singleShot(STAY_MILLISECONDS, [ended] { ended->picture->orderOut(); });
+    }
   });
 }
 
