@@ -1,8 +1,9 @@
-// The effect of a layer that blurs its item by as much as the item it stands in says.
+// The effect of a layer that blurs its item by as much as the item it stands in says. That is a deviation; the radius of
+// this effect is how far it reaches, which is about twice as much.
 import QtQuick
 import Qt5Compat.GraphicalEffects
 
 FastBlur {
-    radius: parent?.blurRadius ?? 0
+    radius: 2 * (parent?.blurRadius ?? 0)
     transparentBorder: true
 }

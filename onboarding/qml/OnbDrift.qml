@@ -23,7 +23,7 @@ Item {
         // Named by its address, so that where it cannot be had nothing but the blur is missing. In the software scene
         // graph an item with an effect would vanish.
         readonly property Component blur: root.drawnByGpu ? Qt.createComponent("OnbBlur.qml") : null
-        readonly property bool isBlurred: root.drawnByGpu && root.blurRadius > 0 && blur.status === Component.Ready
+        readonly property bool isBlurred: root.drawnByGpu && root.blurRadius > 0 && blur?.status === Component.Ready
 
         layer.enabled: isBlurred
         layer.effect: isBlurred ? blur : null

@@ -59,7 +59,8 @@ Pressable {
             text: root.title
             textFormat: Text.PlainText
             font: Typeface.at(15, Font.DemiBold)
-            color: root.quiet ? Qt.rgba(1, 1, 1, root.hovering ? 0.95 : 0.7) : Tone.background
+            // Dark on a capsule that has all but gone could not be read.
+            color: root.quiet ? Qt.rgba(1, 1, 1, root.hovering ? 0.95 : 0.7) : root.available ? Tone.background : "white"
         }
     }
     FocusRing {

@@ -75,6 +75,7 @@ class FirstRunTest(DesktopCase):
         until("the focus goes with the wheel", lambda: reader.focused().name == "Midnight", 2)
         keyboard.tap(UP, UP, UP)
         until("the wheel stops at its end", lambda: reader.focused().name == "10 PM", 2)
+        run.see("Continue")
         keyboard.tap(DOWN, RETURN)
         hand.go_to("Scrolling")
         keyboard.tap(RIGHT, SPACE)

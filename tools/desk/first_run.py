@@ -78,11 +78,17 @@ class FirstRun:
         self.process = None
 
     def open(self):
+        self._desk.server.use_common_keymap()
         self.process = self._bundle.start(environment=self._reader.environment(), output=subprocess.DEVNULL)
 
     def window(self):
         """The program's one window."""
         return self._reader.wait_for("Dormel", 10, role="frame")
+
+    def area(self):
+        """Where it stands: x, y, width, height."""
+        window = self.window()
+        return window.x, window.y, window.width, window.height
 
     def see(self, name, within=10):
         return self._reader.wait_for(name, within)
@@ -111,13 +117,12 @@ class FirstRun:
         self._screen("When do you want to be asleep?", "Continue", "want")
         self.hand.turn_to(want)
         self.hand.press("Continue")
-        self.see("What keeps you up?")
         self.hand.press(keeps)
-        self._screen("Pick all that apply.", "Continue", "keeps")
+        self._screen("What keeps you up?", "Continue", "keeps")
         self.hand.press("Continue")
 
     def look_in_the_mirror(self, hours="12"):
-        self._screen("hours of sleep a week", "I want to sleep better", "mirror")
+        self._screen("You're losing", "I want to sleep better", "mirror")
         until("it has counted up", lambda: self._reader.find(hours), 5)
         self.hand.press("I want to sleep better")
 

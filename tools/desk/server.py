@@ -127,6 +127,13 @@ class Server:
         finally:
             connection.close()
 
+    def use_common_keymap(self):
+        """Keys mean what they mean where a real keyboard is plugged in. Without one the server takes the keys beyond
+        the letters by the numbers of another age, by which Up is Print.
+        """
+        subprocess.run(["setxkbmap", "-rules", "evdev", "-model", "pc105", "-layout", "us"], check=True, timeout=20,
+                       env={**os.environ, **self.environment()}, capture_output=True)
+
     # Monitors. The output's name is DUMMY<index>.
 
     def plug(self, index, width, height, right_of=None, at=None):

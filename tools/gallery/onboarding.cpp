@@ -1,7 +1,9 @@
-// Draws the first run to PNG files: onboarding_gallery [folder]. Its components in all their states, and all its
-// screens, early and settled, at both scales. Needs no display.
+// Draws the first run to PNG files: onboarding_gallery [folder [pictures]]. Its components in all their states, all its
+// screens, early and settled, at both scales, and a sheet of them. The sheet goes into the second folder as well, for
+// the documentation. Needs no display.
 #include <QDir>
 #include <QGuiApplication>
+#include <QPainter>
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <cstdio>
@@ -24,6 +26,7 @@ struct Moment {
   const char* name;
   OnboardingBeat beat;
   Seconds after;  ///< the screen was entered
+  bool onSheet = false;
   std::function<void(DrawnMachine&)> given = {};
 };
 
@@ -43,38 +46,38 @@ std::vector<Moment> moments() {
   using enum OnboardingBeat;
   return {
       {"01-brand-drawing", brand, 2.1},
-      {"01-brand", brand, 6},
+      {"01-brand", brand, 6, true},
       {"02-promise-early", promise, 0.6},
-      {"02-promise", promise, 5},
+      {"02-promise", promise, 5, true},
       {"03-latest-early", q1Latest, 1.4},
-      {"03-latest", q1Latest, 4, unanswered},
+      {"03-latest", q1Latest, 4, true, unanswered},
       {"04-nights-early", q2Nights, 1.35},
-      {"04-nights", q2Nights, 4},
+      {"04-nights", q2Nights, 4, true},
       {"05-want-early", q3Want, 1.4},
-      {"05-want", q3Want, 4},
+      {"05-want", q3Want, 4, true},
       {"06-keeps-early", q4Keeps, 1.7},
-      {"06-keeps", q4Keeps, 4},
+      {"06-keeps", q4Keeps, 4, true},
       {"07-mirror-counting", mirror, 2.6},
-      {"07-mirror", mirror, 7},
-      {"07-mirror-ahead", mirror, 7, earlyToBed},
-      {"08-how-lock", howItWorks, 3},
+      {"07-mirror", mirror, 7, true},
+      {"07-mirror-ahead", mirror, 7, false, earlyToBed},
+      {"08-how-lock", howItWorks, 3, true},
       {"08-how-between", howItWorks, 5.5},
-      {"08-how-keys", howItWorks, 6.6},
-      {"08-how-snooze", howItWorks, 13},
+      {"08-how-keys", howItWorks, 6.6, true},
+      {"08-how-snooze", howItWorks, 13, true},
       {"08-how-morning", howItWorks, 19},
       {"09-permission-early", accessibility, 1.4},
-      {"09-permission", accessibility, 5, untrusted},
+      {"09-permission", accessibility, 5, true, untrusted},
       {"09-permission-granted", accessibility, 5},
       {"10-demo-early", demo, 1.6},
-      {"10-demo", demo, 5},
+      {"10-demo", demo, 5, true},
       {"11-debrief-early", debrief, 0.5},
-      {"11-debrief", debrief, 5},
+      {"11-debrief", debrief, 5, true},
       {"12-science-early", science, 4.0},
-      {"12-science", science, 9},
+      {"12-science", science, 9, true},
       {"13-schedule-early", schedule, 1.4},
-      {"13-schedule", schedule, 5},
+      {"13-schedule", schedule, 5, true},
       {"14-finale-early", finale, 2.9},
-      {"14-finale", finale, 8},
+      {"14-finale", finale, 8, true},
   };
 }
 
@@ -89,7 +92,35 @@ QString named(const char* name, int scale) {
   return QStringLiteral("first-run-%1-%2x").arg(QLatin1String(name)).arg(scale);
 }
 
-bool draw(const QDir& folder, const Moment& moment, int scale) {
+/// All on one, in rows of four.
+class Sheet {
+ public:
+  void add(const QImage& picture) {
+    QImage pixels = picture;
+    pixels.setDevicePixelRatio(1);
+    tiles_.push_back(pixels.scaled(TILE, Qt::KeepAspectRatio, Qt::SmoothTransformation));
+  }
+
+  [[nodiscard]] QImage picture() const {
+    const int rows = (static_cast<int>(tiles_.size()) + COLUMNS - 1) / COLUMNS;
+    QImage sheet(GAP + COLUMNS * (TILE.width() + GAP), GAP + rows * (TILE.height() + GAP), QImage::Format_RGB32);
+    sheet.fill(QColor(30, 30, 33));
+    QPainter painter(&sheet);
+    for (int i = 0; i < static_cast<int>(tiles_.size()); ++i) {
+      painter.drawImage(GAP + i % COLUMNS * (TILE.width() + GAP), GAP + i / COLUMNS * (TILE.height() + GAP),
+                        tiles_[static_cast<std::size_t>(i)]);
+    }
+    return sheet;
+  }
+
+ private:
+  static constexpr int COLUMNS = 4;
+  static constexpr int GAP = 12;
+  static constexpr QSize TILE{450, 310};
+  std::vector<QImage> tiles_;
+};
+
+bool draw(const QDir& folder, const Moment& moment, int scale, Sheet& sheet) {
   DrawnMachine desk;
   desk.store(defaultsKey::onboardingLate, {std::int64_t{26}});
   desk.store(defaultsKey::onboardingNights, {4.0});
@@ -102,6 +133,7 @@ bool draw(const QDir& folder, const Moment& moment, int scale) {
   desk.pass(0.1);
   view->advance(moment.beat);
   desk.pass(moment.beat == OnboardingBeat::brand ? moment.after - 0.1 : moment.after);
+  if (moment.onSheet && scale == 2) sheet.add(drawn.picture());
   return save(folder, named(moment.name, scale), drawn.picture());
 }
 
@@ -127,9 +159,13 @@ int main(int argc, char** argv) {
   QGuiApplication application(argc, argv);
   const QDir folder(argc > 1 ? QString::fromLocal8Bit(argv[1]) : QStringLiteral("gallery"));
   bool saved = folder.mkpath(QStringLiteral("."));
+  Sheet sheet;
   for (const int scale : {1, 2}) {
     saved = drawComponents(folder, scale) && saved;
-    for (const Moment& moment : moments()) saved = draw(folder, moment, scale) && saved;
+    for (const Moment& moment : moments()) saved = draw(folder, moment, scale, sheet) && saved;
   }
+  saved = save(folder, QStringLiteral("first-run"), sheet.picture()) && saved;
+  if (argc > 2)
+    saved = save(QDir(QString::fromLocal8Bit(argv[2])), QStringLiteral("first-run"), sheet.picture()) && saved;
   return saved ? 0 : 1;
 }
