@@ -129,8 +129,10 @@ class Gallery {
         night.pass(4.5);
       }
       const bool chosen = docs == Docs::yes && QLatin1String(monitor.name) == QLatin1String("1440p-125");
-      QImage screen = onMonitor(drawn.picture(), monitor, pill);
-      if (chosen) keep(name, pill ? screen.copy(screen.width() - 480, 0, 480, 160) : screen);
+      const QImage screen = onMonitor(drawn.picture(), monitor, pill);
+      const QRect corner(screen.width() - 480, 0, 480, 160);
+      const QRect middle(screen.width() / 2 - 700, screen.height() / 2 - 500, 1400, 1000);
+      if (chosen) keep(name, screen.copy(pill ? corner : middle));
       save(QStringLiteral("%1-%2").arg(QLatin1String(name), QLatin1String(monitor.name)), screen);
     }
   }
