@@ -174,8 +174,8 @@ void AppDelegate::finishOnboarding() {
 }
 
 void AppDelegate::showSettings() {
-  // Until the settings have a view of their own, a plain page shows the program's state and the rehearsals.
-  present(platform().mainWindows.make({SETTINGS_SIZE, "Dormel"}, StatusPage::create(pageActions()),
+  present(platform().mainWindows.make({SETTINGS_SIZE, "Dormel"},
+                                      SettingsView::create(platform().updater, settingsHooks()),
                                       [] { platform().application.terminate(); }));
 }
 
@@ -203,14 +203,18 @@ void AppDelegate::presentOnboarding(std::shared_ptr<OnboardingView> view) {
                                       [] { platform().application.terminate(); }));
 }
 
-StatusPage::Actions AppDelegate::pageActions() {
-  const auto weakly = [weak = weak_from_this()](auto operation) {
+SettingsView::Hooks AppDelegate::settingsHooks() {
+  const auto weakly = [weak = weak_from_this()](void (AppDelegate::*operation)()) {
     return [weak, operation] {
-      if (const auto self = weak.lock()) operation(*self);
+      if (const auto self = weak.lock()) (self.get()->*operation)();
     };
   };
-  return {weakly([](AppDelegate& self) { self.testNow(); }), weakly([](AppDelegate& self) { self.runDemo([] {}); }),
-          weakly([](AppDelegate& self) { self.confirmUninstall(); }), openAccessibilitySettings};
+  return {weakly(&AppDelegate::testNow),
+          weakly(&AppDelegate::showOnboardingPreview),
+          weakly(&AppDelegate::confirmUninstall),
+          [] { return AgentManager::install(); },
+          weakly(&AppDelegate::beginLoginItemsRecovery),
+          weakly(&AppDelegate::handleReopen)};
 }
 
 void AppDelegate::ask(const Alert& alert, void (AppDelegate::*onAnswer)(int)) {

@@ -11,7 +11,7 @@
 #include "platform/Alerts.h"
 #include "platform/MainWindow.h"
 #include "platform/Windows.h"
-#include "settings/StatusPage.h"
+#include "settings/SettingsView.h"
 
 namespace dormel {
 
@@ -68,7 +68,7 @@ class AppDelegate : public ApplicationDelegate, public std::enable_shared_from_t
   void present(std::unique_ptr<MainWindow> window);
   void presentOnboarding(std::shared_ptr<OnboardingView> view);
   [[nodiscard]] OnboardingView::Hooks onboardingHooks(void (*finish)(AppDelegate&));
-  [[nodiscard]] StatusPage::Actions pageActions();
+  [[nodiscard]] SettingsView::Hooks settingsHooks();
   void ask(const Alert& alert, void (AppDelegate::*onAnswer)(int));
   void uninstallAnswered(int button);
   void uninstallDone(int button);

@@ -81,4 +81,9 @@ std::string nightHourLabel(int hour) {
   return std::to_string(figure) + (day < 12 ? " AM" : " PM");
 }
 
+std::string hourLabel(int hour) {
+  const int figure = hour % 12 == 0 ? 12 : hour % 12;
+  return std::to_string(figure) + ":00 " + (hour < 12 ? "AM" : "PM");
+}
+
 }  // namespace dormel

@@ -58,4 +58,7 @@ bool ensureLogDirectory();
 /// Short 12-hour label: 9 PM, 12 AM. Any hour; -1 is 23 and 25 is 1.
 [[nodiscard]] std::string nightHourLabel(int hour);
 
+/// 12-hour label with minutes of an hour from 0 to 23: 9:00 PM, 12:00 AM.
+[[nodiscard]] std::string hourLabel(int hour);
+
 }  // namespace dormel

@@ -8,7 +8,6 @@ enum class ViewKind {
   blockerOverlay,
   graceCountdown,
   accessibilityCard,
-  statusPage,
   settings,
   assistantGuide,
   assistantDragRow,

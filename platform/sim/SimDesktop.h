@@ -88,6 +88,7 @@ class SimBundle : public Bundle {
 
   void setPath(std::string path) { path_ = std::move(path); }
   void setInfo(const std::string& key, std::string value) { info_[key] = std::move(value); }
+  void removeInfo(const std::string& key) { info_.erase(key); }
 
  private:
   std::string path_ = "/Applications/Dormel.app";

@@ -10,6 +10,9 @@ Item {
 
     implicitHeight: ground.y + ground.height
 
+    Accessible.role: Accessible.Grouping
+    Accessible.name: title
+
     Text {
         id: caption
         x: 4

@@ -3,7 +3,7 @@
 #include <memory>
 
 #include "settings/qml/AccessibilityCardBridge.h"
-#include "settings/qml/StatusPageBridge.h"
+#include "settings/qml/SettingsBridge.h"
 #include "ui/qml/Tone.h"
 #include "ui/qml/UiModule.h"
 
@@ -29,7 +29,7 @@ void registerSettingsScenes(QmlSceneRegistry& registry) {
   registry.prepareWith(loadUiModule);
   registry.add(ViewKind::accessibilityCard,
                scene<AccessibilityCardBridge, AccessibilityCardView>("AccessibilityCard", Qt::transparent));
-  registry.add(ViewKind::statusPage, scene<StatusPageBridge, StatusPage>("StatusPage", Tone::background()));
+  registry.add(ViewKind::settings, scene<SettingsBridge, SettingsView>("SettingsWindow", Tone::background()));
 }
 
 }  // namespace dormel

@@ -50,7 +50,6 @@ Item {
             width: parent.width
             text: root.text
             wrapMode: Text.Wrap
-            lineHeight: 1.15
             font: Typeface.at(13, Font.Normal)
             color: Tone.secondary
         }

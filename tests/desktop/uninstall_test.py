@@ -9,6 +9,7 @@ import unittest
 from case import RETURN, TAB, DesktopCase, until
 from desk import processes
 
+LEFT_SHIFT = 42
 ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 
 
@@ -100,7 +101,9 @@ class UninstallTest(DesktopCase):
     def uninstall(self, desk, process):
         """Through the opened window, by keyboard."""
         self.in_front(desk, process, "Dormel")
-        desk.keyboard.tap(TAB, TAB, TAB, RETURN)
+        desk.keyboard.press(LEFT_SHIFT, TAB)  # to the last control
+        desk.keyboard.let_go()
+        desk.keyboard.tap(RETURN)
         self.in_front(desk, process, "Uninstall Dormel?")
         desk.keyboard.tap(RETURN)
         self.in_front(desk, process, "Dormel uninstalled")

@@ -1,18 +1,18 @@
-"""The program as the user opens it: one window, operated by mouse and keyboard, and the rehearsals behind its buttons."""
+"""The program as the user opens it: one window of the desktop's, its menu and alerts, and the rehearsal behind it."""
 
 import time
 import unittest
 
 from case import ESCAPE, RETURN, TAB, DesktopCase, evdev_of_label, until
 from desk.menu_bar import MenuBar
+from desk.screen_reader import ScreenReader
 
-LEFT_CTRL, Q, W, M = 29, 16, 17, 50
+LEFT_CTRL, LEFT_SHIFT, Q, W, M = 29, 42, 16, 17, 50
 
 # Places in the window, from its top left corner.
 CLOSE = (438, 22)
 MINIMIZE = (406, 22)
 HEADER = (60, 80)
-TEST_RUN = (130, 551)
 
 
 class WindowTest(DesktopCase):
@@ -40,9 +40,16 @@ class WindowTest(DesktopCase):
         desk.keyboard.press(*keys)
         desk.keyboard.let_go()
 
-    def press_button(self, desk, tabs):
-        """Reaches a control of the window from its first one by Tab, and presses it."""
-        desk.keyboard.tap(*([TAB] * tabs), RETURN)
+    @staticmethod
+    def link(reader):
+        """What starts the rehearsal; further down than the window shows."""
+        return until("the link", lambda: next((e for e in reader.elements() if e.name == "Rehearse the lock"), None), 5)
+
+    @staticmethod
+    def press_uninstall(desk):
+        """The last control of the window: the first one from behind."""
+        WindowTest.chord(desk, LEFT_SHIFT, TAB)
+        desk.keyboard.tap(RETURN)
 
     def test_is_a_good_citizen_of_the_desktop(self):
         desk, process, window = self.open(compositor=True)
@@ -52,7 +59,12 @@ class WindowTest(DesktopCase):
         self.assertEqual((2 * window.x + 460, 2 * window.y + 660), (monitor.width, monitor.height), "centred")
 
         desk.mouse.drag(*window.at(*HEADER), *window.at(HEADER[0] - 150, HEADER[1] + 40))
-        moved = until("it follows the mouse", lambda: (w := self.window_of(desk, process)).x < window.x - 50 and w, 3)
+        places = [window]
+
+        def arrived():
+            places.append(self.window_of(desk, process))
+            return places[-1] if places[-1] == places[-2] and places[-1].x < window.x - 50 else None
+        moved = until("it follows the mouse", arrived, 3, every=0.1)
         self.saw(f"dragged by {moved.x - window.x}, {moved.y - window.y}")
 
         desk.mouse.click(*moved.at(*MINIMIZE))
@@ -64,6 +76,13 @@ class WindowTest(DesktopCase):
 
         desk.mouse.click(*moved.at(*CLOSE))
         self.assertEqual(process.wait(5), 0)
+
+    def test_grows_with_the_desktops_scale_as_far_as_there_is_room(self):
+        for scale, size in ((1.25, (575, 825)), (1.5, (690, 990)), (2, (920, 1080))):
+            with self.subTest(scale):
+                desk, _, window = self.open(scale=scale)
+                self.assertEqual((window.width, window.height), size)
+                desk.close()
 
     def test_ends_by_its_shortcuts(self):
         for keys in ((LEFT_CTRL, Q), (LEFT_CTRL, W)):
@@ -107,7 +126,7 @@ class WindowTest(DesktopCase):
 
     def test_an_alert_is_answered_by_the_keyboard(self):
         desk, process, window = self.open()
-        self.press_button(desk, 3)  # Test run, Demo, Uninstall
+        self.press_uninstall(desk)
         alert = self.window_of(desk, process, "Uninstall Dormel?")
         self.assertEqual(alert.belongs_to, window.id)
         until("the alert has the focus", lambda: desk.clients.active() == alert.id, 3)
@@ -122,8 +141,15 @@ class WindowTest(DesktopCase):
         self.assertTrue(desk.home.settings()["onboardingComplete"])
 
     def test_a_test_run_is_left_at_any_moment(self):
-        desk, process, window = self.open()
-        desk.mouse.click(*window.at(*TEST_RUN))
+        readers = []
+
+        def reader(desk):
+            readers.append(ScreenReader(desk))
+            self.addCleanup(readers[0].close)
+            return readers[0].environment()
+
+        desk, process, window = self.open(surroundings=reader)
+        readers[0].press(self.link(readers[0]))
         until("every screen is covered", lambda: desk.eyes.covered(process.pid), 5)
         desk.home.wait_for_line("debug.log", "═══ TEST START", 3)
         self.assertFalse(desk.keys_reach_the_document(), "the keyboard is taken")
@@ -133,7 +159,7 @@ class WindowTest(DesktopCase):
 
         # Through the grace period, where no tap runs: the window itself gets the key.
         mark = len(desk.home.log("debug.log"))
-        self.press_button(desk, 0)
+        readers[0].press(self.link(readers[0]))
         until("every screen is covered again", lambda: desk.eyes.covered(process.pid), 5)
         keys = until("the keys are drawn", lambda: desk.home.drawn_keys(mark), 5)
         desk.keyboard.press(*map(evdev_of_label, keys))

@@ -7,7 +7,7 @@
 #include "platform/linux/qt/QtAlerts.h"
 #include "platform/linux/qt/QtMainMenu.h"
 #include "platform/linux/qt/QtMainWindows.h"
-#include "settings/StatusPage.h"
+#include "settings/SettingsView.h"
 #include "tests/drawn/OpenWindows.h"
 
 namespace dormel {
@@ -17,7 +17,8 @@ class MainWindowTest : public testing::Test {
  protected:
   MainWindowTest() {
     menu.install(mainMenu(), WINDOWS_MENU, [this](MenuCommand command) { commands.push_back(command); });
-    window = QtMainWindows(windows.group).make({{460, 660}, "Dormel"}, StatusPage::create({}), [this] { ++closed; });
+    window = QtMainWindows(windows.group)
+                 .make({{460, 660}, "Dormel"}, SettingsView::create(windows.machine.updater, {}), [this] { ++closed; });
     window->bringToFront();
     windows.settle();
   }
@@ -101,10 +102,10 @@ TEST_F(MainWindowTest, EditingCommandsGoToTheFocusedControl) {
            TextInput { focus: true; text: "good night" } })");
   source.close();
   QmlSceneRegistry registry;
-  registry.add(ViewKind::statusPage,
+  registry.add(ViewKind::settings,
                {QUrl::fromLocalFile(source.fileName()), [](const auto&) { return std::make_unique<ViewBridge>(); }});
   DesktopWindow editor(std::make_shared<WindowGroup>(std::make_shared<QmlStage>(std::move(registry)), WindowHelp{}),
-                       StatusPage::create({}), Qt::Window);
+                       SettingsView::create(windows.machine.updater, {}), Qt::Window);
   editor.fixSize();
   editor.bringToFront();
   windows.settle();

@@ -4,6 +4,8 @@
 #include <QGuiApplication>
 #include <QKeyEvent>
 
+#include "ui/qml/Pressable.h"
+
 namespace dormel {
 namespace {
 
@@ -31,7 +33,7 @@ void OpenWindows::settle() {
 
 void OpenWindows::key(Qt::Key key, Qt::KeyboardModifiers modifiers) {
   for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
-    QKeyEvent event(type, key, modifiers);
+    QKeyEvent event(type, key, modifiers, key < Qt::Key_Escape ? QString(QChar(key)) : QString());
     if (QWindow* focused = QGuiApplication::focusWindow()) QCoreApplication::sendEvent(focused, &event);
   }
 }
@@ -40,7 +42,9 @@ QStringList OpenWindows::ringed() {
   QStringList found;
   visitWindows([&](DesktopWindow& window) {
     visit(window.contentItem(), [&](QQuickItem* item) {
-      if (item->property("focusVisible").toBool()) found << item->property("text").toString();
+      if (!item->property("focusVisible").toBool()) return;
+      const QString text = item->property("text").toString();
+      found << (text.isEmpty() ? item->property("name").toString() : text);
     });
   });
   return found;
@@ -51,7 +55,9 @@ QQuickItem* OpenWindows::itemWithText(const QString& title, const QString& text)
   visitWindows([&](DesktopWindow& window) {
     if (window.title() != title) return;
     visit(window.contentItem(), [&](QQuickItem* item) {
-      if (found == nullptr && item->property("text").toString() == text) found = item;
+      const bool is = item->property("text").toString() == text || item->property("name").toString() == text;
+      const bool isBetter = found == nullptr || (qobject_cast<Pressable*>(item) && !qobject_cast<Pressable*>(found));
+      if (is && isBetter) found = item;
     });
   });
   return found;

@@ -22,9 +22,9 @@ class OpenWindows : public DrawnMachine {
   /// A press and its release in the window that has the focus.
   void key(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
 
-  /// The texts of the buttons that wear a focus ring now, over all windows.
+  /// The texts (or names) of the controls that wear a focus ring now, over all windows.
   [[nodiscard]] static QStringList ringed();
-  /// The item with that text in the window of that title; null when there is none.
+  /// The control, or else the first item, with that text or name in the window of that title; null when there is none.
   [[nodiscard]] static QQuickItem* itemWithText(const QString& title, const QString& text);
   [[nodiscard]] static int openWindows();
 

@@ -1,11 +1,18 @@
 #include <gtest/gtest.h>
 
 #include <QFile>
+#include <QGuiApplication>
+#include <QMouseEvent>
+#include <QWheelEvent>
+#include <tuple>
 
+#include "assistant/AssentaAssistant.h"
 #include "core/Config.h"
+#include "platform/linux/qt/QtMainWindows.h"
 #include "settings/AccessibilityCardView.h"
-#include "settings/StatusPage.h"
+#include "settings/SettingsView.h"
 #include "tests/drawn/DrawnMachine.h"
+#include "tests/drawn/OpenWindows.h"
 #include "tests/drawn/SeenItems.h"
 #include "ui/qml/Mark.h"
 
@@ -87,66 +94,188 @@ TEST_F(AccessibilityCardTest, KeepsItsTitleOnOneLine) {
   EXPECT_LE(title.right(), 280.5);
 }
 
-class StatusPageTest : public testing::Test {
+/// The settings in an open window.
+class SettingsWindowTest : public testing::Test {
  protected:
-  QStringList lines() {
-    desk.pass(2.2);  // it looks every two seconds
-    drawn.picture();
-    return seenLines();
+  void open(bool withPreview = false) {
+    const auto noted = [this](const char* what) { return [this, what] { done << QLatin1String(what); }; };
+    std::function<void()> preview;
+    if (withPreview) preview = noted("introduction");
+    view = SettingsView::create(desk.machine.updater,
+                                {noted("test"), preview, noted("uninstall"), [] { return true; }, [] {}, [] {}});
+    window = QtMainWindows(desk.group).make({{460, 660}, "Dormel"}, view, [] {});
+    window->bringToFront();
+    rest();
+  }
+  void TearDown() override { window.reset(); }
+
+  /// Until everything that moves has come to rest.
+  void rest() {
+    desk.settle();
+    desk.pass(2.2);
+    desk.settle();
+  }
+  void keys(std::initializer_list<Qt::Key> pressed) {
+    for (const Qt::Key key : pressed) desk.key(key);
+    rest();
+  }
+  [[nodiscard]] QQuickItem* control(const char* text) const {
+    return OpenWindows::itemWithText(QStringLiteral("Dormel"), QString::fromUtf8(text));
+  }
+  [[nodiscard]] static QString ringed() { return OpenWindows::ringed().join(QLatin1Char(',')); }
+  [[nodiscard]] bool isListOpen() const { return control("Lock at")->property("open").toBool(); }
+  [[nodiscard]] QQuickItem* grabberOfPressAt(const QPointF& place) const {
+    DesktopWindow& shown = *desk.group->mainWindow();
+    QQuickItem* grabber = nullptr;
+    for (const QEvent::Type type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
+      const auto held = type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton;
+      QMouseEvent event(type, place, shown.mapToGlobal(place), Qt::LeftButton, held, Qt::NoModifier);
+      QCoreApplication::sendEvent(&shown, &event);
+      if (held != Qt::NoButton) grabber = shown.mouseGrabberItem();
+    }
+    return grabber;
+  }
+  void click(const char* text) {
+    const QQuickItem* item = control(text);
+    ASSERT_NE(item, nullptr) << text;
+    std::ignore = grabberOfPressAt(item->mapToScene({item->width() / 2, item->height() / 2}));
+    rest();
   }
 
-  int testRuns = 0, demos = 0, uninstalls = 0, settings = 0;
-  DrawnMachine desk;
-  DrawnView drawn{desk.factory,
-                  StatusPage::create(
-                      {[this] { ++testRuns; }, [this] { ++demos; }, [this] { ++uninstalls; }, [this] { ++settings; }}),
-                  1};
+  QStringList done;
+  OpenWindows desk;
+  std::shared_ptr<SettingsView> view;
+  std::unique_ptr<MainWindow> window;
 };
 
-TEST_F(StatusPageTest, SaysHowThingsStand) {
-  EXPECT_TRUE(lines().contains(QStringLiteral("Locks 10:00 PM, unlocks 7:00 AM.")));
-  EXPECT_TRUE(lines().contains(QStringLiteral("Enabled")));
-  EXPECT_TRUE(lines().contains(QStringLiteral("Granted. Dormel can lock the screen.")));
-
+TEST_F(SettingsWindowTest, TabPassesEveryControlOnceAndBringsItIntoView) {
   desk.machine.accessibility.setTrusted(false);
-  EXPECT_FALSE(lines().contains(QStringLiteral("Granted. Dormel can lock the screen.")));
-  click(drawn, boxOf(QStringLiteral("Open Settings")).center());
-  EXPECT_EQ(settings, 1);
-
-  desk.store(defaultsKey::blockingEnabled, {false});
-  EXPECT_TRUE(lines().contains(QStringLiteral("Disabled")));
-  desk.store(defaultsKey::onboardingComplete, {false});
-  EXPECT_TRUE(lines().contains(QStringLiteral("Not set up")));
-}
-
-TEST_F(StatusPageTest, OffersWhatCanBeDone) {
-  lines();
-  click(drawn, boxOf(QStringLiteral("Test run")).center());
-  click(drawn, boxOf(QStringLiteral("Demo")).center());
-  click(drawn, boxOf(QStringLiteral("Uninstall Dormel")).center());
-  EXPECT_EQ(std::vector({testRuns, demos, uninstalls}), std::vector({1, 1, 1}));
-
-  desk.machine.accessibility.setTrusted(false);
-  EXPECT_FALSE(lines().filter(QStringLiteral("The demo needs Accessibility.")).isEmpty());
-  click(drawn, boxOf(QStringLiteral("Demo")).center());
-  click(drawn, boxOf(QStringLiteral("Test run")).center());
-  EXPECT_EQ(std::vector({testRuns, demos}), std::vector({2, 1}));
-
-  desk.machine.setWallClock("2026-11-16 23:00:00");
-  EXPECT_FALSE(lines().contains(QStringLiteral("Uninstall Dormel")));
-  // Everything keeps its place in the window.
-  for (const SeenItem& item : seenItems()) {
-    if (item.text.isEmpty()) continue;
-    EXPECT_TRUE(QRectF(0, 0, 460, 660).contains(item.box)) << qPrintable(item.text);
+  open(true);
+  QStringList seen;
+  for (int i = 0; i < 9; ++i) {
+    keys({Qt::Key_Tab});
+    seen << ringed();
+    const QQuickItem* at = control(qPrintable(ringed()));
+    ASSERT_NE(at, nullptr);
+    const QRectF box = at->mapRectToScene({0, 0, at->width(), at->height()});
+    EXPECT_TRUE(QRectF(0, 44, 460, 616).contains(box)) << qPrintable(ringed()) << box.top();
   }
+  EXPECT_EQ(seen, QStringList({QStringLiteral("Dormel"), QStringLiteral("Lock at"), QStringLiteral("24-hour"),
+                               QStringLiteral("Open Settings"), QStringLiteral("Install updates automatically"),
+                               QStringLiteral("Check for Updates…"), QStringLiteral("Rehearse the lock"),
+                               QStringLiteral("Replay the introduction"), QStringLiteral("Uninstall Dormel")}));
+  keys({Qt::Key_Return, Qt::Key_Backtab, Qt::Key_Return, Qt::Key_Backtab, Qt::Key_Space});
+  EXPECT_EQ(done, QStringList({QStringLiteral("uninstall"), QStringLiteral("introduction"), QStringLiteral("test")}));
+  desk.machine.journal.clear();
+  keys({Qt::Key_Backtab, Qt::Key_Return, Qt::Key_Backtab, Qt::Key_Space, Qt::Key_Backtab, Qt::Key_Return});
+  EXPECT_FALSE(view->autoUpdates());
+  EXPECT_EQ(AssentaAssistant::shared().activePanel(), AssentaPanel::accessibility);
+  keys({Qt::Key_Backtab, Qt::Key_Right});
+  EXPECT_FALSE(view->use24Hour());
+  EXPECT_EQ(ringed(), QStringLiteral("12-hour"));
+  keys({Qt::Key_Backtab, Qt::Key_Backtab, Qt::Key_Space});
+  EXPECT_FALSE(view->isEnabled());
 }
 
-TEST_F(StatusPageTest, RestsOnceItsMarkIsDrawn) {
-  drawn.picture();
+TEST_F(SettingsWindowTest, TheHourIsChosenByKeyboardOrMouse) {
+  open();
+  const struct {
+    const char* name;
+    std::initializer_list<Qt::Key> pressed;
+    int hour;
+    bool open;
+  } rows[] = {
+      {"opened", {Qt::Key_Space}, 22, true},
+      {"moved, not chosen", {Qt::Key_Up, Qt::Key_Up, Qt::Key_Escape}, 22, false},
+      {"chosen", {Qt::Key_Return, Qt::Key_Up, Qt::Key_Return}, 21, false},
+      {"typed, the second ten", {Qt::Key_Down, Qt::Key_1, Qt::Key_1, Qt::Key_Space}, 23, false},
+      {"to the ends", {Qt::Key_Up, Qt::Key_End, Qt::Key_Down, Qt::Key_Return}, 2, false},
+      {"left by Tab", {Qt::Key_Space, Qt::Key_Home, Qt::Key_Tab}, 2, false},
+  };
+  keys({Qt::Key_Tab, Qt::Key_Tab});
+  for (const auto& row : rows) {
+    keys(row.pressed);
+    EXPECT_EQ(view->startHour(), row.hour) << row.name;
+    EXPECT_EQ(isListOpen(), row.open) << row.name;
+    EXPECT_EQ(ringed(), QLatin1String(row.open ? "10:00 PM" : "Lock at")) << row.name;
+  }
+  click("Lock at");
+  click("8:00 PM");
+  EXPECT_EQ(view->startHour(), 20);
+  click("Lock at");
+  click("Dormel");  // beside the list
+  EXPECT_TRUE(view->isEnabled());
+  EXPECT_FALSE(isListOpen());
+  click("12-hour");
+  EXPECT_FALSE(view->use24Hour());
+  EXPECT_EQ(ringed(), QString()) << "the mouse leaves no ring";
+}
+
+TEST_F(SettingsWindowTest, LockedInItRefusesAndLeavesNoWayOut) {
+  open();
+  keys({Qt::Key_Tab, Qt::Key_Tab, Qt::Key_Space, Qt::Key_Up});
+  EXPECT_TRUE(isListOpen());
+  desk.machine.setWallClock("2026-11-16 22:00:00");
+  rest();
+  EXPECT_FALSE(isListOpen());
+  EXPECT_FALSE(control("Lock at")->isEnabled());
+  EXPECT_FALSE(control("Uninstall Dormel")->isVisible());
+  for (const char* note :
+       {"Can't turn Dormel off during blocking hours.", "Can't change the schedule during blocking hours."}) {
+    EXPECT_TRUE(control(note)->isVisible()) << note;
+  }
+  click("Lock at");
+  EXPECT_FALSE(isListOpen());
+  const QQuickItem* lock = control("Dormel");
+  EXPECT_EQ(lock->property("shown").toDouble(), 1);
+  std::ignore = grabberOfPressAt(lock->mapToScene({lock->width() / 2, lock->height() / 2}));
   desk.pass(0.1);
-  EXPECT_TRUE(desk.isAnimating());
-  desk.pass(2);
-  EXPECT_FALSE(desk.isAnimating());
+  EXPECT_LT(lock->property("shown").toDouble(), 0.8) << "it gives";
+  rest();
+  EXPECT_EQ(lock->property("shown").toDouble(), 1) << "and springs back";
+  EXPECT_TRUE(view->isEnabled());
+}
+
+TEST_F(SettingsWindowTest, ShowsWhereThingsStand) {
+  open();
+  const auto shows = [this](const char* text) {
+    const QQuickItem* item = control(text);
+    return item != nullptr && item->isVisible();
+  };
+  EXPECT_TRUE(shows("Locks 10:00 PM, unlocks 6:00 AM."));
+  EXPECT_FALSE(shows("Open Settings"));
+  EXPECT_TRUE(shows("Dormel updates itself overnight. Nothing to click."));
+  desk.machine.accessibility.setTrusted(false);
+  desk.machine.updater.setStatus("Dormel is up to date.");
+  desk.machine.updater.setCanCheck(false);
+  view->setEnabled(false);
+  view->setAutoUpdates(false);
+  rest();
+  for (const char* text :
+       {"Disabled", "Dormel won't lock your screen.", "Required. Dormel can't lock the screen.", "Open Settings",
+        "Updates arrive only when you check by hand.", "Dormel is up to date.", "Dormel 1.0 (build 1)", "by Orvane"}) {
+    EXPECT_TRUE(shows(text)) << text;
+  }
+  EXPECT_FALSE(control("Check for Updates…")->isEnabled());
+  EXPECT_FALSE(shows("Replay the introduction"));
+  EXPECT_FALSE(desk.isAnimating()) << "it rests";
+}
+
+TEST_F(SettingsWindowTest, ScrollsByWheelAndIsDraggedByItsBackground) {
+  open();
+  EXPECT_EQ(grabberOfPressAt({10, 400}), nullptr);
+  EXPECT_NE(grabberOfPressAt(control("Lock at")->mapToScene({5, 5})), nullptr);
+  keys({Qt::Key_Escape});
+  DesktopWindow& shown = *desk.group->mainWindow();
+  const double before = control("by Orvane")->mapToScene({}).y();
+  EXPECT_GT(before, 660);
+  for (int i = 0; i < 12; ++i) {
+    QWheelEvent wheel({200, 300}, shown.mapToGlobal(QPointF(200, 300)), {0, -120}, {0, -120}, Qt::NoButton,
+                      Qt::NoModifier, Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(&shown, &wheel);
+    rest();
+  }
+  EXPECT_LT(control("by Orvane")->mapToScene({}).y(), 620);
 }
 
 TEST(MarkTest, TheIconsFileShowsTheMark) {

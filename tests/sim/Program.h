@@ -42,7 +42,7 @@ class Program {
     machine.windows.setFirstShown([](View& view) {
       if (view.kind() == ViewKind::blockerOverlay) static_cast<BlockerOverlayView&>(view).onAppear();
       if (view.kind() == ViewKind::onboarding) static_cast<OnboardingView&>(view).onAppear();
-      if (view.kind() == ViewKind::statusPage) static_cast<StatusPage&>(view).onAppear();
+      if (view.kind() == ViewKind::settings) static_cast<SettingsView&>(view).onAppear();
     });
     // What main does.
     machine.setProgram([this](const Lines& arguments) -> std::shared_ptr<void> {

@@ -1,7 +1,9 @@
 // What the windows that the user opens show, as far as logic decides it.
 #include <gtest/gtest.h>
 
+#include "assistant/AssentaAssistant.h"
 #include "settings/AccessibilityCardView.h"
+#include "settings/SettingsView.h"
 #include "tests/sim/Program.h"
 
 namespace dormel {
@@ -56,53 +58,171 @@ TEST(Settings, HourLabels) {
   for (const auto& row : rows) EXPECT_EQ(hourLabel(row.hour), row.label);
 }
 
-TEST(Settings, ThePageFollowsTheMachineWithinTwoSeconds) {
-  SimMachine machine;  // 21:00
-  const auto page = StatusPage::create({});
-  int notices = 0;
-  const Observation observation = page->observe([&] { ++notices; });
-  page->onAppear();
-  const auto shown = [&] {
-    return page->statusTitle() + " / " + page->statusText() + " / " + page->scheduleText() + " / " +
-           page->permissionText() + (page->isArmed() ? " / armed" : "") + (page->isLockedIn() ? " / locked in" : "") +
-           (page->canRunDemo() ? " / demo" : "");
+/// The settings' view by itself, on a machine that was set up for 22 to 6; what it asks of its owner is journalled.
+struct Page {
+  struct Start {
+    const char* at;
+    bool enabled = true, complete = true, arms = true;
   };
-  const std::string granted = "Granted. Dormel can lock the screen.";
-  const std::string hours = "Locks 10:00 PM, unlocks 6:00 AM.";
-  EXPECT_EQ(shown(), "Not set up / Dormel --setup arms the nightly lock. / Locks 12:00 AM, unlocks 6:00 AM. / " +
-                         granted + " / demo");
+  explicit Page(Start start) {
+    machine.setWallClock(std::string("2026-11-16 ") + start.at);
+    machine.defaults.putInteger(defaultsKey::blockStartHour, 22);
+    machine.defaults.putInteger(defaultsKey::blockEndHour, 6);
+    machine.defaults.putBoolean(defaultsKey::blockingEnabled, start.enabled);
+    machine.defaults.putBoolean(defaultsKey::onboardingComplete, start.complete);
+    machine.defaults.putBoolean(defaultsKey::debugLoggingEnabled, true);
+    machine.files.putDirectory(Config::logDirectory());
+    const auto noted = [this](const char* what) { return [this, what] { machine.journal.note(what); }; };
+    const auto arm = [this, arms = start.arms] {
+      machine.journal.note("armed for ", Config::startHour());
+      return arms;
+    };
+    view = SettingsView::create(machine.updater, {{}, {}, {}, arm, noted("not armed"), noted("in front")});
+    view->onAppear();
+    machine.journal.clear();
+  }
 
+  /// What was done since the last time this was asked, and what the debug log got.
+  [[nodiscard]] std::string effects() {
+    std::string all;
+    for (const std::string& line : machine.journal.lines()) {
+      if (!line.ends_with("debug.log")) all += line.substr(sizeof "21:00:00.000 " - 1) + "; ";
+    }
+    for (const std::string& line : Program::trail()) all += line + "; ";
+    machine.journal.clear();
+    return all;
+  }
+  [[nodiscard]] std::string shown() const {
+    return view->statusTitle() + (view->isLockedIn() ? ", locked in. " : ". ") + view->scheduleText() +
+           (view->isTrusted() ? "" : " Not trusted.");
+  }
+
+  SimMachine machine;
+  std::shared_ptr<SettingsView> view;
+};
+
+TEST(Settings, WhatTheUserChoosesIsStoredAndSaidUnlessItLoosensTheLock) {
+  const auto choose = [](int hour) { return [hour](Page& page) { page.view->setStartHour(hour); }; };
+  const auto turn = [](bool on) { return [on](Page& page) { page.view->setEnabled(on); }; };
+  const auto clock = [](Page& page) { page.view->setUse24Hour(false); };
+  const auto updates = [](Page& page) { page.view->setAutoUpdates(false); };
+  const auto justBegun = [](auto act) {
+    return [act](Page& page) {
+      page.machine.setWallClock("2026-11-16 22:00:00");  // nobody has looked yet
+      act(page);
+    };
+  };
+  const Page::Start day{"12:00:00"}, night{"23:00:00"}, offAtNight{"23:00:00", false},
+      firstRun{"12:00:00", true, false}, refused{"12:00:00", true, true, false};
+  const std::string nine = "default blockStartHour = 21; default blockEndHour = 6; ";
+  const std::string midnight = "default blockStartHour = 0; default blockEndHour = 6; armed for 0; ";
+  const std::string logged = "schedule updated → lock 9:00 PM; ";
+  const std::string by10 = "Locks 10:00 PM, unlocks 6:00 AM.", by9 = "Locks 9:00 PM, unlocks 6:00 AM.";
+  const struct {
+    const char* name;
+    Page::Start start;
+    std::function<void(Page&)> act;
+    std::string effects, shows;
+  } rows[] = {
+      {"another hour", day, choose(21), nine + "armed for 21; " + logged, "Enabled. " + by9},
+      {"the same hour", day, choose(22), "", "Enabled. " + by10},
+      {"in the first run", firstRun, choose(21), nine + logged, "Enabled. " + by9},
+      {"job refused", refused, choose(21), nine + "armed for 21; not armed; " + logged, "Enabled. " + by9},
+      {"an hour, locked in", night, choose(21), "", "Enabled, locked in. " + by10},
+      {"an hour, just locked in", day, justBegun(choose(1)), "", "Enabled, locked in. " + by10},
+      {"an hour by night, lock off", offAtNight, choose(0), midnight + "schedule updated → lock 12:00 AM; ",
+       "Disabled. Locks 12:00 AM, unlocks 6:00 AM."},
+      {"off", day, turn(false), "default blockingEnabled = false; dormel disabled by user; ", "Disabled. " + by10},
+      {"off, locked in", night, turn(false), "", "Enabled, locked in. " + by10},
+      {"off, just locked in", day, justBegun(turn(false)), "", "Enabled, locked in. " + by10},
+      {"on by night", offAtNight, turn(true), "default blockingEnabled = true; dormel enabled by user; ",
+       "Enabled, locked in. " + by10},
+      {"a clock", night, clock, "default use24HourClock = false; ", "Enabled, locked in. " + by10},
+      {"updates by hand", day, updates,
+       "automatic checks off; automatic downloads off; automatic updates off by user; ", "Enabled. " + by10},
+  };
+  for (const auto& row : rows) {
+    Page page(row.start);
+    row.act(page);
+    EXPECT_EQ(page.effects(), row.effects) << row.name;
+    EXPECT_EQ(page.shown(), row.shows) << row.name;
+  }
+}
+
+TEST(Settings, FollowsTheMachineWithinTwoSeconds) {
+  Page page({"12:00:00"});
+  AssentaAssistant& guide = AssentaAssistant::shared();
+  int notices = 0;
+  const Observation observation = page.view->observe([&] { ++notices; });
+  const auto trust = [&](bool on) { page.machine.accessibility.setTrusted(on); };
+  const std::string hours = "Locks 10:00 PM, unlocks 6:00 AM.";
   const struct {
     const char* name;
     std::function<void()> change;
-    std::string shows;
+    std::string shows, effects{};
+    int notices = 1;
   } rows[] = {
-      {"set up from a shell",
-       [&] { machine.defaults.writeFromOutside(defaultsKey::onboardingComplete, PropertyListValue{true}); },
-       "Enabled / Locks your screen on schedule. / Locks 12:00 AM, unlocks 6:00 AM. / " + granted + " / armed / demo"},
-      {"another hour",
-       [&] { machine.defaults.writeFromOutside(defaultsKey::blockStartHour, PropertyListValue{std::int64_t{22}}); },
-       "Enabled / Locks your screen on schedule. / " + hours + " / " + granted + " / armed / demo"},
-      {"the permission goes", [&] { machine.accessibility.setTrusted(false); },
-       "Enabled / Locks your screen on schedule. / " + hours + " / Required. Dormel can't lock the screen. / armed"},
-      {"the hours begin", [&] { machine.setWallClock("2026-11-16 22:00:00"); },
-       "Enabled / Locks your screen on schedule. / " + hours +
-           " / Required. Dormel can't lock the screen. / armed / locked in"},
-      {"switched off",
-       [&] { machine.defaults.writeFromOutside(defaultsKey::blockingEnabled, PropertyListValue{false}); },
-       "Disabled / Dormel won't lock your screen. / " + hours + " / Required. Dormel can't lock the screen."},
-      {"the permission comes", [&] { machine.accessibility.setTrusted(true); },
-       "Disabled / Dormel won't lock your screen. / " + hours + " / " + granted + " / demo"},
+      {"the permission goes", [&] { trust(false); }, "Enabled. " + hours + " Not trusted."},
+      {"the hours begin", [&] { page.machine.setWallClock("2026-11-16 22:00:00"); },
+       "Enabled, locked in. " + hours + " Not trusted."},
+      {"the permission comes",
+       [&] {
+         page.view->openAccessibilitySettings({});
+         EXPECT_EQ(guide.activePanel(), AssentaPanel::accessibility);
+         page.machine.journal.clear();
+         trust(true);
+       },
+       "Enabled, locked in. " + hours, "in front; "},
+      {"the hours end", [&] { page.machine.setWallClock("2026-11-17 06:00:00"); }, "Enabled. " + hours},
+      {"another process changes what this window shows",
+       [&] { page.machine.defaults.writeFromOutside(defaultsKey::blockingEnabled, PropertyListValue{false}); },
+       "Enabled. " + hours, "", 0},
   };
   for (const auto& row : rows) {
-    machine.advance(60);
+    page.machine.advance(60);
     notices = 0;
+    page.machine.journal.clear();
     row.change();
-    machine.advance(2);
-    EXPECT_EQ(shown(), row.shows) << row.name;
-    EXPECT_EQ(notices, 1) << row.name;
+    page.machine.advance(2);
+    EXPECT_EQ(page.shown(), row.shows) << row.name;
+    EXPECT_EQ(page.effects(), row.effects) << row.name;
+    EXPECT_EQ(notices, row.notices) << row.name;
   }
-  EXPECT_EQ(page->versionText(), "1.0 (build 1)");
+  EXPECT_EQ(guide.activePanel(), std::nullopt);
+  page.view.reset();
+  EXPECT_EQ(page.machine.timeline.repeatingTimers(), 0);
+}
+
+TEST(Settings, FollowsTheUpdaterWhileItIsShown) {
+  for (const auto& [checks, downloads] : {std::pair(true, true), {true, false}, {false, true}, {false, false}}) {
+    SimMachine machine;
+    machine.updater.setFlags(checks, downloads);
+    machine.updater.setCanCheck(false);
+    const auto view = SettingsView::create(machine.updater, {});
+    EXPECT_TRUE(view->autoUpdates());
+    view->onAppear();
+    EXPECT_EQ(view->autoUpdates(), checks && downloads);
+    EXPECT_FALSE(view->canCheckForUpdates());
+    machine.updater.setStatus("Looking.");
+    machine.updater.setCanCheck(true);
+    EXPECT_TRUE(view->canCheckForUpdates());
+    EXPECT_EQ(view->updateStatus(), "Looking.");
+    view->openAccessibilitySettings({});
+    view->onDisappear();
+    EXPECT_EQ(machine.updater.observers(), 0U);
+    EXPECT_EQ(AssentaAssistant::shared().activePanel(), std::nullopt);
+  }
+}
+
+TEST(Settings, NamesTheVersionAsFarAsItIsKnown) {
+  SimMachine machine;
+  const auto view = SettingsView::create(machine.updater, {});
+  EXPECT_EQ(view->versionText(), "1.0 (build 1)");
+  machine.bundle.setInfo("CFBundleShortVersionString", "2.3");
+  machine.bundle.removeInfo("CFBundleVersion");
+  EXPECT_EQ(view->versionText(), "2.3 (build ?)");
+  machine.bundle.removeInfo("CFBundleShortVersionString");
+  EXPECT_EQ(view->versionText(), "1.0 (build ?)");
 }
 
 }  // namespace

@@ -310,31 +310,45 @@ TEST(WindowMode, ASecondStartBringsTheFirstToTheFront) {
   EXPECT_EQ(first.effects(), (Lines{"main window 1 front", "application activated"}));
 }
 
-TEST(WindowMode, TheRehearsalsOfThePage) {
+TEST(WindowMode, TheSettingsReachWhatTheyOffer) {
   Program program;
   program.arm();
   program.open();
-  const auto page = std::static_pointer_cast<StatusPage>(program.machine.mainWindows.front());
-  const auto endByEscape = [&] {
+  const auto settings = std::static_pointer_cast<SettingsView>(program.machine.mainWindows.front());
+  for (const bool trusted : {true, false}) {  // without the permission the keys arrive by the rehearsal's windows
+    program.machine.accessibility.setTrusted(trusted);
+    settings->testNow();
     EXPECT_EQ(program.delegate().screenManager()->state(), SessionState::blocked);
     EXPECT_EQ(program.machine.application.presentationOptions(), 0U);
     program.machine.keyboard.press(53);
     program.machine.settle();
     program.machine.keyboard.release(53);
     EXPECT_EQ(program.delegate().screenManager()->state(), SessionState::idle);
-  };
-  page->testRun();
-  endByEscape();
-  EXPECT_TRUE(page->canRunDemo());
-  page->demo();
-  endByEscape();
-
-  program.machine.accessibility.setTrusted(false);
-  page->testRun();  // goes without; the keys arrive by its windows
-  endByEscape();
+  }
   EXPECT_FALSE(program.delegate().runDemo([] { FAIL() << "it never began"; }));
+
+  program.machine.advance(2);  // the settings have seen that the permission is gone
+  program.machine.journal.clear();
+  program.machine.accessibility.setTrusted(true);
   program.machine.advance(2);
-  EXPECT_FALSE(page->canRunDemo());
+  EXPECT_EQ(effects(program), (Lines{"main window 1 front", "application activated"}));
+
+  settings->setStartHour(21);
+  const Lines stored{"default blockStartHour = 21", "default blockEndHour = 6", WRITE, BOOTOUT + " = 0",
+                     BOOTSTRAP + " = 0"};
+  program.machine.settle();
+  EXPECT_EQ(effects(program), stored);
+  program.machine.scheduler.setBootstrapFailure(5);
+  settings->setStartHour(23);
+  EXPECT_EQ(program.machine.alerts.shown().size(), 1U);
+  program.answer("Not Now");
+  EXPECT_EQ(Config::startHour(), 23);
+  settings->uninstall();
+  EXPECT_EQ(program.machine.alerts.shown().size(), 1U);
+  program.answer("Cancel");
+  ASSERT_TRUE(settings->canPreviewOnboarding());
+  settings->previewOnboarding();
+  EXPECT_EQ(program.machine.mainWindows.front()->kind(), ViewKind::onboarding);
 }
 
 TEST(WindowMode, EscapeEndsATestRunWhereverItArrives) {

@@ -1,6 +1,6 @@
 """Keys by their place on the keyboard, pressed through XTEST: they go through grabs and show as hardware state."""
 
-from Xlib import X
+from Xlib import XK, X
 from Xlib.ext import xtest
 
 # The place of every key the challenge can ask for, as Linux numbers keys, by its label on a US keyboard.
@@ -25,6 +25,11 @@ class Keyboard:
     def __init__(self, server):
         self._display = server.open()
         self._held = []
+
+    def place_of(self, name):
+        """Where a key is that the server's keymap gives this name ("Up"): not every server numbers the keys beside the
+        letters as Linux does."""
+        return self._display.keysym_to_keycode(XK.string_to_keysym(name)) - 8
 
     @property
     def held(self):

@@ -18,7 +18,8 @@ PROPERTIES = "org.freedesktop.DBus.Properties"
 SCREEN = dbus.UInt32(0)
 
 # Bits of a state set that are asked for here.
-STATES = {"checked": 4, "enabled": 8, "focusable": 11, "focused": 12, "selected": 23, "sensitive": 24, "showing": 25}
+STATES = {"checked": 4, "enabled": 8, "expandable": 9, "expanded": 10, "focusable": 11, "focused": 12, "selected": 23,
+          "sensitive": 24, "showing": 25}
 
 
 @dataclass(frozen=True)
@@ -26,6 +27,7 @@ class Element:
     address: tuple
     role: str
     name: str
+    description: str
     states: frozenset
     x: int
     y: int
@@ -69,7 +71,8 @@ class ScreenReader:
         return self._bus.get_object(*address, introspect=False).get_dbus_method(method, interface)(*arguments)
 
     def _describe(self, address):
-        name = str(self._ask(address, PROPERTIES, "Get", ACCESSIBLE, "Name"))
+        name, description = (str(self._ask(address, PROPERTIES, "Get", ACCESSIBLE, what))
+                             for what in ("Name", "Description"))
         role = str(self._ask(address, ACCESSIBLE, "GetRoleName"))
         low, high = self._ask(address, ACCESSIBLE, "GetState")
         bits = int(low) | int(high) << 32
@@ -77,7 +80,7 @@ class ScreenReader:
         place = (0, 0, 0, 0)
         if role != "application":
             place = tuple(map(int, self._ask(address, COMPONENT, "GetExtents", SCREEN)))
-        return Element(address, role, name, states, *place)
+        return Element(address, role, name, description, states, *place)
 
     def elements(self):
         """Everything that all programs show, from the outside in."""

@@ -1,12 +1,18 @@
-// Draws the screens in their states to PNG files: gallery [folder]. Needs no display. Look at them, at both scales,
-// whenever something about the look has changed.
+// Draws the screens in their states to PNG files: gallery [folder [pictures]]. Needs no display. What the documentation
+// shows goes into the second folder as well. Look at them, at both scales, whenever something about the look has
+// changed.
 #include <QDir>
 #include <QGuiApplication>
 #include <QLinearGradient>
 #include <QPainter>
+#include <QPainterPath>
+#include <QQuickItem>
+#include <QQuickWindow>
 #include <cmath>
 #include <cstdio>
 #include <functional>
+#include <memory>
+#include <optional>
 
 #include "assistant/AssentaHostApp.h"
 #include "assistant/OverlayContentView.h"
@@ -14,7 +20,7 @@
 #include "platform/linux/qt/AboutView.h"
 #include "platform/linux/qt/AlertView.h"
 #include "settings/AccessibilityCardView.h"
-#include "settings/StatusPage.h"
+#include "settings/SettingsView.h"
 #include "tests/drawn/DrawnNight.h"
 
 using namespace dormel;
@@ -31,49 +37,85 @@ struct Monitor {
 constexpr Monitor MONITORS[] = {
     {"1080p", 1920, 1080, 1}, {"4k", 3840, 2160, 2}, {"1280x1024", 1280, 1024, 1}, {"1440p-125", 2560, 1440, 1.25}};
 
-void save(const QString& path, const QImage& picture, const Monitor& monitor, bool pill) {
+QLinearGradient wallpaper(const QSize& size) {
+  QLinearGradient colours(0, 0, size.width(), size.height());
+  colours.setColorAt(0, QColor(40, 60, 90));
+  colours.setColorAt(1, QColor(220, 180, 150));
+  return colours;
+}
+
+QImage inPixels(QImage picture) {
+  picture.setDevicePixelRatio(1);
+  return picture;
+}
+
+/// What a whole monitor shows: a blocker in its middle, or a pill in the corner of a desktop.
+QImage onMonitor(const QImage& picture, const Monitor& monitor, bool pill) {
+  const QImage pixels = inPixels(picture);
   QImage screen(monitor.width, monitor.height, QImage::Format_RGB32);
   QPainter painter(&screen);
   painter.fillRect(screen.rect(), Qt::black);
-  QImage pixels = picture;
-  pixels.setDevicePixelRatio(1);
   if (pill) {
-    QLinearGradient wallpaper(0, 0, monitor.width, monitor.height);
-    wallpaper.setColorAt(0, QColor(40, 60, 90));
-    wallpaper.setColorAt(1, QColor(220, 180, 150));
-    painter.fillRect(screen.rect(), wallpaper);
+    painter.fillRect(screen.rect(), wallpaper(screen.size()));
     const int margin = static_cast<int>(std::lround(24 * monitor.scale));
     painter.drawImage(monitor.width - pixels.width() - margin, margin, pixels);
   } else {
     painter.drawImage((monitor.width - pixels.width()) / 2, (monitor.height - pixels.height()) / 2, pixels);
   }
-  painter.end();
-  if (!screen.save(path)) std::fprintf(stderr, "cannot write %s\n", qPrintable(path));
+  return screen;
 }
 
 /// Something that stands on the desktop.
-void saveOnDesktop(const QString& path, const QImage& picture, double scale) {
+QImage onDesktop(const QImage& picture, double scale) {
   const int margin = static_cast<int>(40 * scale);
   QImage desktop(picture.width() + 2 * margin, picture.height() + 2 * margin, QImage::Format_RGB32);
   QPainter painter(&desktop);
-  QLinearGradient wallpaper(0, 0, desktop.width(), desktop.height());
-  wallpaper.setColorAt(0, QColor(40, 60, 90));
-  wallpaper.setColorAt(1, QColor(220, 180, 150));
-  painter.fillRect(desktop.rect(), wallpaper);
-  QImage pixels = picture;
-  pixels.setDevicePixelRatio(1);
-  painter.drawImage(margin, margin, pixels);
-  painter.end();
-  if (!desktop.save(path)) std::fprintf(stderr, "cannot write %s\n", qPrintable(path));
+  painter.fillRect(desktop.rect(), wallpaper(desktop.size()));
+  painter.drawImage(margin, margin, inPixels(picture));
+  return desktop;
 }
+
+/// The picture of a window with its corners cut, as a desktop that blends shows it.
+QImage withCutCorners(const QImage& picture, double scale) {
+  QImage cut(picture.size(), QImage::Format_ARGB32_Premultiplied);
+  cut.fill(Qt::transparent);
+  QPainter painter(&cut);
+  painter.setRenderHint(QPainter::Antialiasing);
+  QPainterPath shape;
+  shape.addRoundedRect(cut.rect(), 14 * scale, 14 * scale);
+  painter.setClipPath(shape);
+  painter.drawImage(0, 0, inPixels(picture));
+  painter.setPen(QPen(QColor(255, 255, 255, 20), scale));
+  const double inset = scale / 2;
+  painter.drawRoundedRect(QRectF(cut.rect()).adjusted(inset, inset, -inset, -inset), 14 * scale, 14 * scale);
+  return cut;
+}
+
+/// The root of the scene that was loaded last.
+QQuickItem& lastScene() {
+  return *static_cast<QQuickWindow*>(QGuiApplication::allWindows().constLast())
+              ->contentItem()
+              ->childItems()
+              .constFirst();
+}
+
+enum class Docs {
+  no,
+  yes,  ///< the documentation shows this one
+};
 
 class Gallery {
  public:
-  explicit Gallery(const QDir& folder) : folder_(folder) {}
+  using MakeView = std::function<std::shared_ptr<View>(DrawnMachine&)>;
+  using Touch = std::function<void(QQuickItem& root)>;
+
+  Gallery(const QDir& folder, const std::optional<QDir>& pictures) : folder_(folder), pictures_(pictures) {}
+
+  [[nodiscard]] bool isWhole() const { return whole_; }
 
   /// One picture per monitor of what `play` leads to, in a night of its own.
   void show(const char* name, const DrawnNight::Options& options, const std::function<void(DrawnNight&)>& play,
-            const std::function<void(DrawnNight&)>& then = {}) {
+            const std::function<void(DrawnNight&)>& then = {}, Docs docs = Docs::no) {
     for (const Monitor& monitor : MONITORS) {
       DrawnNight night(options);
       play(night);
@@ -86,59 +128,130 @@ class Gallery {
       } else {
         night.pass(4.5);
       }
-      const QString file =
-          folder_.filePath(QStringLiteral("%1-%2.png").arg(QLatin1String(name), QLatin1String(monitor.name)));
-      save(file, drawn.picture(), monitor, pill);
-      std::printf("%s\n", qPrintable(file));
+      const bool chosen = docs == Docs::yes && QLatin1String(monitor.name) == QLatin1String("1440p-125");
+      const QImage screen = onMonitor(drawn.picture(), monitor, pill);
+      const QRect corner(screen.width() - 480, 0, 480, 160);
+      const QRect middle(screen.width() / 2 - 700, screen.height() / 2 - 500, 1400, 1000);
+      if (chosen) keep(name, screen.copy(pill ? corner : middle));
+      save(QStringLiteral("%1-%2").arg(QLatin1String(name), QLatin1String(monitor.name)), screen);
     }
   }
 
-  /// A page, a card or an alert, once it came to rest.
-  void showPage(const char* name, const std::function<std::shared_ptr<View>(DrawnMachine&)>& make, Seconds after = 3) {
+  /// A card or an alert, once it came to rest.
+  void showPage(const char* name, const MakeView& make, Seconds after = 3, Docs docs = Docs::no) {
     for (const int scale : {1, 2}) {
       DrawnMachine machine;
       DrawnView drawn(machine.factory, make(machine), scale);
       drawn.picture();
       machine.pass(after);
-      const QString file = folder_.filePath(QStringLiteral("%1-%2x.png").arg(QLatin1String(name)).arg(scale));
-      saveOnDesktop(file, drawn.picture(), scale);
-      std::printf("%s\n", qPrintable(file));
+      const QImage picture = onDesktop(drawn.picture(), scale);
+      if (docs == Docs::yes && scale == 2) keep(name, picture);
+      save(QStringLiteral("%1-%2x").arg(QLatin1String(name)).arg(scale), picture);
+    }
+  }
+
+  /// A main window in its frame, once it came to rest; then `touch` does something to its scene, and it rests again.
+  void showWindow(const char* name, const MakeView& make, const Touch& touch = {}, Docs docs = Docs::no) {
+    for (const int scale : {1, 2}) {
+      DrawnMachine machine;
+      DrawnView drawn(machine.factory, make(machine), scale);
+      QQuickItem& root = lastScene();
+      const std::unique_ptr<QQuickItem> frame = machine.stage->makeWindowFrame(true);
+      frame->setParentItem(&root);
+      frame->setZ(1);
+      frame->setSize(root.size());
+      drawn.picture();
+      machine.pass(3);
+      if (touch) touch(root);
+      machine.pass(3);
+      const QImage window = withCutCorners(drawn.picture(), scale);
+      if (docs == Docs::yes && scale == 2) keep(name, window);
+      save(QStringLiteral("%1-%2x").arg(QLatin1String(name)).arg(scale), onDesktop(window, scale));
     }
   }
 
  private:
+  void save(const QString& name, const QImage& picture) {
+    write(folder_.filePath(name + QStringLiteral(".png")), picture);
+  }
+
+  void keep(const char* name, const QImage& picture) {
+    if (pictures_) write(pictures_->filePath(QLatin1String(name) + QStringLiteral(".png")), picture);
+  }
+
+  void write(const QString& file, const QImage& picture) {
+    if (picture.save(file, "PNG", 0)) {  // packed as tightly as it goes
+      std::printf("%s\n", qPrintable(file));
+    } else {
+      std::fprintf(stderr, "cannot write %s\n", qPrintable(file));
+      whole_ = false;
+    }
+  }
+
   QDir folder_;
+  std::optional<QDir> pictures_;
+  bool whole_ = true;
 };
 
 std::shared_ptr<View> card(DrawnMachine& /*machine*/) {
   return AccessibilityCardView::create([] {});
 }
 
-std::shared_ptr<View> page() {
-  return StatusPage::create({[] {}, [] {}, [] {}, [] {}});
-}
-
 std::shared_ptr<View> alert(const Alert& alert) {
   return std::make_shared<AlertView>(alert, [](std::size_t) {});
+}
+
+/// The settings on a machine that something was done to first.
+Gallery::MakeView settings(const std::function<void(DrawnMachine&)>& prepare = {}) {
+  return [prepare](DrawnMachine& desk) {
+    desk.store(defaultsKey::blockEndHour, {std::int64_t{6}});
+    if (prepare) prepare(desk);
+    const auto nothing = [] {};
+    return SettingsView::create(desk.machine.updater,
+                                {nothing, nothing, nothing, [] { return true; }, nothing, nothing});
+  };
+}
+
+void visit(QQuickItem& item, const std::function<void(QQuickItem&)>& see) {
+  see(item);
+  for (QQuickItem* child : item.childItems()) visit(*child, see);
+}
+
+void scrollDown(QQuickItem& root) {
+  visit(root, [](QQuickItem& item) {
+    if (!item.inherits("QQuickFlickable")) return;
+    item.setProperty("contentY", item.property("contentHeight").toDouble() - item.height());
+  });
+}
+
+void openPicker(QQuickItem& root) {
+  visit(root, [](QQuickItem& item) {
+    if (item.property("open").isValid()) item.setProperty("open", true);
+  });
+}
+
+void showSettings(Gallery& gallery) {
+  const auto locked = [](DrawnMachine& desk) { desk.machine.setWallClock("2026-11-16 23:05:00"); };
+  const auto update = [](DrawnMachine& desk) {
+    desk.machine.updater.setStatus("Dormel 1.1 is ready and will be installed when you open Dormel again.");
+  };
+  gallery.showWindow("settings-enabled", settings(), {}, Docs::yes);
+  gallery.showWindow("settings-lower-half", settings(), scrollDown, Docs::yes);
+  gallery.showWindow("settings-picker", settings(), openPicker, Docs::yes);
+  gallery.showWindow("settings-disabled",
+                     settings([](DrawnMachine& desk) { desk.store(defaultsKey::blockingEnabled, {false}); }), {},
+                     Docs::yes);
+  gallery.showWindow("settings-locked-in", settings(locked), {}, Docs::yes);
+  gallery.showWindow("settings-locked-in-lower-half", settings(locked), scrollDown);
+  gallery.showWindow("settings-not-trusted",
+                     settings([](DrawnMachine& desk) { desk.machine.accessibility.setTrusted(false); }), {}, Docs::yes);
+  gallery.showWindow("settings-update", settings(update), scrollDown, Docs::yes);
 }
 
 void showWindows(Gallery& gallery) {
   gallery.showPage("card-off", card, 1.0);
   gallery.showPage("card-turning", card, 1.58);
-  gallery.showPage("card-on", card, 2.2);
-  gallery.showPage("page-armed", [](DrawnMachine&) { return page(); });
-  gallery.showPage("page-locked-in", [](DrawnMachine& desk) {
-    desk.machine.setWallClock("2026-11-16 23:05:00");
-    return page();
-  });
-  gallery.showPage("page-untrusted", [](DrawnMachine& desk) {
-    desk.machine.accessibility.setTrusted(false);
-    return page();
-  });
-  gallery.showPage("page-fresh", [](DrawnMachine& desk) {
-    desk.store(defaultsKey::onboardingComplete, {false});
-    return page();
-  });
+  gallery.showPage("card", card, 2.2, Docs::yes);
   gallery.showPage("alert-move", [](DrawnMachine&) {
     return alert({AlertStyle::informational,
                   "Move Dormel to Applications",
@@ -175,10 +288,13 @@ void showWindows(Gallery& gallery) {
 int main(int argc, char** argv) {
   qputenv("QT_QPA_PLATFORM", "offscreen");
   QGuiApplication application(argc, argv);
-  QDir folder(argc > 1 ? QString::fromLocal8Bit(argv[1]) : QStringLiteral("gallery"));
+  const QDir folder(argc > 1 ? QString::fromLocal8Bit(argv[1]) : QStringLiteral("gallery"));
+  const std::optional<QDir> pictures = argc > 2 ? std::optional(QDir(QString::fromLocal8Bit(argv[2]))) : std::nullopt;
   if (!folder.mkpath(QStringLiteral("."))) return 1;
-  Gallery gallery(folder);
+  if (pictures && !pictures->mkpath(QStringLiteral("."))) return 1;
+  Gallery gallery(folder, pictures);
 
+  showSettings(gallery);
   showWindows(gallery);
 
   const auto nothing = [](DrawnNight&) {};
@@ -212,7 +328,7 @@ int main(int argc, char** argv) {
     night.pass(0.5);
   });
   gallery.show("hold-20", {}, nothing, holdFor(6));
-  gallery.show("hold-60", {}, nothing, holdFor(18));
+  gallery.show("blocker", {}, nothing, holdFor(18), Docs::yes);
   gallery.show("hold-90", {}, nothing, holdFor(27));
   gallery.show("rolling", {}, nothing, [](DrawnNight& night) {
     night.pass(4.5);
@@ -236,9 +352,11 @@ int main(int argc, char** argv) {
         night.skip(4);
       },
       [](DrawnNight& night) { night.pass(1); });
+  gallery.show(
+      "pill", {}, grace(254), [](DrawnNight& night) { night.pass(1); }, Docs::yes);
   for (const int left : {61, 45, 12}) {
     gallery.show(qPrintable(QStringLiteral("pill-%1").arg(left)), {}, grace(left),
                  [](DrawnNight& night) { night.pass(1); });
   }
-  return 0;
+  return gallery.isWhole() ? 0 : 1;
 }

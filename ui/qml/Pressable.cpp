@@ -1,5 +1,6 @@
 #include "ui/qml/Pressable.h"
 
+#include <QAccessible>
 #include <utility>
 
 namespace dormel {
@@ -24,6 +25,7 @@ void Pressable::setHovered(bool hovered) {
 
 void Pressable::mousePressEvent(QMouseEvent* event) {
   if (activeFocusOnTab()) forceActiveFocus(Qt::MouseFocusReason);
+  if (std::exchange(byKeyboard_, false)) emit focusVisibleChanged();
   setDown(true);
   event->accept();
 }
@@ -67,8 +69,8 @@ void Pressable::keyReleaseEvent(QKeyEvent* event) {
 }
 
 void Pressable::focusInEvent(QFocusEvent* event) {
-  // A window that comes back to the front brings its ring back.
-  if (event->reason() != Qt::ActiveWindowFocusReason) {
+  // A window that comes back to the front brings its ring back, and so does a list that closes.
+  if (event->reason() != Qt::ActiveWindowFocusReason && event->reason() != Qt::PopupFocusReason) {
     byKeyboard_ = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
   }
   emit focusVisibleChanged();
@@ -84,6 +86,12 @@ void Pressable::itemChange(ItemChange change, const ItemChangeData& value) {
   if (outOfReach) {
     setDown(false);
     setHovered(false);
+  }
+  if (change == ItemEnabledHasChanged && QAccessible::isActive()) {
+    QAccessible::State changed;
+    changed.disabled = true;
+    QAccessibleStateChangeEvent event(this, changed);
+    QAccessible::updateAccessibility(&event);
   }
   QQuickItem::itemChange(change, value);
 }

@@ -5,6 +5,7 @@
 #include "ui/qml/AboutBridge.h"
 #include "ui/qml/AlertBridge.h"
 #include "ui/qml/Mark.h"
+#include "ui/qml/PressableAccessible.h"
 #include "ui/qml/Tone.h"
 #include "ui/qml/Typeface.h"
 
@@ -15,7 +16,7 @@ namespace dormel {
 
 void loadUiModule() {
   [[maybe_unused]] static void (*volatile const keep)() = &qml_register_types_Dormel_Ui;
-  [[maybe_unused]] static const bool loaded = (Typeface::load(), true);
+  [[maybe_unused]] static const bool loaded = (Typeface::load(), installPressableAccessible(), true);
 }
 
 void registerUiScenes(QmlSceneRegistry& registry) {

@@ -11,6 +11,15 @@
 #include <utility>
 
 namespace dormel {
+namespace {
+
+/// Where a window that belongs to no other one comes up: where the user is.
+QScreen* screenOfPointer() {
+  QScreen* at = QGuiApplication::screenAt(QCursor::pos());
+  return at != nullptr ? at : QGuiApplication::primaryScreen();
+}
+
+}  // namespace
 
 DesktopWindow::DesktopWindow(std::shared_ptr<WindowGroup> group, const std::shared_ptr<View>& view,
                              Qt::WindowFlags flags)
@@ -45,7 +54,8 @@ void DesktopWindow::fixSize(std::optional<Size> size) {
     size = {scene_.root->implicitWidth(), scene_.root->implicitHeight()};
   }
   if (!size) return;
-  const QSize whole(static_cast<int>(std::ceil(size->width)), static_cast<int>(std::ceil(size->height)));
+  QSize whole(static_cast<int>(std::ceil(size->width)), static_cast<int>(std::ceil(size->height)));
+  if (const QScreen* at = screenOfPointer()) whole = whole.boundedTo(at->availableSize());
   if (scene_.root) scene_.root->setSize(whole);
   if (frame_) frame_->setSize(whole);
   resize(whole);
@@ -62,8 +72,7 @@ void DesktopWindow::wearFrame(bool minimizable) {
 }
 
 void DesktopWindow::centre(const QWindow* over) {
-  QScreen* at = QGuiApplication::screenAt(QCursor::pos());
-  if (at == nullptr) at = QGuiApplication::primaryScreen();
+  const QScreen* at = screenOfPointer();
   if (over == nullptr && at == nullptr) return;
   const QRect area = over != nullptr ? over->geometry() : at->availableGeometry();
   setPosition(area.x() + (area.width() - width()) / 2, area.y() + (area.height() - height()) / 2);

@@ -29,7 +29,7 @@ class DesktopWindow : public QQuickWindow {
   [[nodiscard]] bool hasContent() const { return scene_.root != nullptr; }
   [[nodiscard]] bool isRounded() const { return isRounded_; }
 
-  /// The size it wants to be, or a given one; it keeps it.
+  /// The size it wants to be, or a given one, as far as the screen has room for it; it keeps it.
   void fixSize(std::optional<Size> size = {});
   /// Puts on the buttons that close and (for a main window) minimise it.
   void wearFrame(bool minimizable);

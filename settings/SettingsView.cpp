@@ -1,0 +1,149 @@
+#include "settings/SettingsView.h"
+
+#include <cstdint>
+#include <utility>
+
+#include "assistant/AssentaAssistant.h"
+#include "core/Config.h"
+#include "core/DebugLog.h"
+#include "platform/Accessibility.h"
+#include "platform/Defaults.h"
+#include "platform/Platform.h"
+#include "platform/Windows.h"
+
+namespace dormel {
+namespace {
+
+constexpr Seconds REFRESH_INTERVAL = 2.0;
+constexpr int UNLOCK_HOUR = 6;  // no screen offers another one
+
+bool isTrusted() { return platform().accessibility.isProcessTrusted(); }
+
+bool isBlockingNow() { return Config::isBlockingNow(platform().clock.now()); }
+
+void trace(const std::string& line) { DebugLog::shared().append(line); }
+
+}  // namespace
+
+std::shared_ptr<SettingsView> SettingsView::create(Updater& updater, Hooks hooks) {
+  const std::shared_ptr<SettingsView> view(new SettingsView(updater, std::move(hooks)));
+  view->axTimer_ = Timer::repeating(REFRESH_INTERVAL, [weak = std::weak_ptr(view)] {
+    if (const auto self = weak.lock()) self->refresh();
+  });
+  return view;
+}
+
+SettingsView::SettingsView(Updater& updater, Hooks hooks)
+    : updater_(updater),
+      hooks_(std::move(hooks)),
+      startHour_(this, Config::startHour()),
+      axTrusted_(this, dormel::isTrusted()),
+      enabled_(this, Config::blockingEnabled()),
+      blockingNow_(this, isBlockingNow()),
+      use24Hour_(this, Config::use24HourClock()) {}
+
+void SettingsView::onAppear() {
+  if (std::exchange(appeared_, true)) return;
+  autoUpdates_ = updater_.automaticallyChecksForUpdates() && updater_.automaticallyDownloadsUpdates();
+  updates_ = updater_.observe([weak = weak_from_this()] {
+    if (const auto self = weak.lock()) self->followUpdater();
+  });
+  followUpdater();
+}
+
+void SettingsView::onDisappear() {
+  if (!std::exchange(appeared_, false)) return;
+  updates_.reset();
+  AssentaAssistant::shared().dismiss();
+}
+
+void SettingsView::followUpdater() {
+  canCheckForUpdates_ = updater_.canCheckForUpdates();
+  updateStatus_ = updater_.status();
+}
+
+void SettingsView::refresh() {
+  const bool trusted = dormel::isTrusted();
+  if (trusted && !axTrusted_) {
+    AssentaAssistant::shared().dismiss();
+    hooks_.bringToFront();
+  }
+  axTrusted_ = trusted;
+  lookAtTheHours();
+}
+
+void SettingsView::lookAtTheHours() { blockingNow_ = isBlockingNow(); }
+
+void SettingsView::setEnabled(bool enabled) {
+  lookAtTheHours();  // they may have begun since the last look
+  if (enabled == enabled_ || (!enabled && isLockedIn())) return;
+  enabled_ = enabled;
+  platform().defaults.set(defaultsKey::blockingEnabled, {enabled});
+  trace(std::string("dormel ") + (enabled ? "enabled" : "disabled") + " by user");
+}
+
+std::string SettingsView::statusTitle() const { return enabled_ ? "Enabled" : "Disabled"; }
+
+std::string SettingsView::statusText() const {
+  return enabled_ ? "Locks your screen on schedule." : "Dormel won't lock your screen.";
+}
+
+void SettingsView::setStartHour(int hour) {
+  if (hour == startHour_) return;
+  startHour_ = hour;
+  commitStartHour();
+}
+
+void SettingsView::commitStartHour() {
+  lookAtTheHours();
+  if (isLockedIn()) {
+    startHour_ = Config::startHour();
+    return;
+  }
+  const int hour = startHour_;
+  platform().defaults.set(defaultsKey::blockStartHour, {std::int64_t{hour}});
+  platform().defaults.set(defaultsKey::blockEndHour, {std::int64_t{UNLOCK_HOUR}});
+  if (Config::onboardingComplete() && !hooks_.installAgent()) hooks_.onAgentNotInstalled();
+  trace("schedule updated → lock " + hourLabel(hour));
+}
+
+std::vector<int> SettingsView::startHourOptions() const { return Config::startHourOptions(startHour_); }
+
+std::string SettingsView::scheduleText() const {
+  return "Locks " + hourLabel(startHour_) + ", unlocks " + hourLabel(UNLOCK_HOUR) + ".";
+}
+
+void SettingsView::setUse24Hour(bool on) {
+  if (on == use24Hour_) return;
+  use24Hour_ = on;
+  platform().defaults.set(defaultsKey::use24HourClock, {on});
+}
+
+std::string SettingsView::permissionText() const {
+  return axTrusted_ ? "Granted. Dormel can lock the screen." : "Required. Dormel can't lock the screen.";
+}
+
+void SettingsView::openAccessibilitySettings(const std::optional<Rect>& from) const {
+  AssentaAssistant::shared().present(AssentaPanel::accessibility, AssentaHostApp::current(platform().bundle), from);
+}
+
+void SettingsView::setAutoUpdates(bool on) {
+  if (on == autoUpdates_) return;
+  autoUpdates_ = on;
+  updater_.setAutomaticallyChecksForUpdates(on);
+  updater_.setAutomaticallyDownloadsUpdates(on);
+  trace(std::string("automatic updates ") + (on ? "on" : "off") + " by user");
+}
+
+std::string SettingsView::autoUpdatesText() const {
+  return autoUpdates_ ? "Dormel updates itself overnight. Nothing to click."
+                      : "Updates arrive only when you check by hand.";
+}
+
+std::string SettingsView::versionText() const {
+  const Bundle& bundle = platform().bundle;
+  return bundle.info("CFBundleShortVersionString").value_or("1.0") + " (build " +
+         bundle.info("CFBundleVersion").value_or("?") + ")";
+}
+
+}  // namespace dormel

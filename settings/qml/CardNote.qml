@@ -1,0 +1,20 @@
+// Why something of a card cannot be changed now.
+import QtQuick
+import Dormel.Ui
+
+Text {
+    width: parent.width
+    wrapMode: Text.Wrap
+    font: Typeface.at(12, Font.Medium)
+    color: Tone.warm
+    opacity: visible ? 0.9 : 0
+
+    Accessible.role: Accessible.StaticText
+    Accessible.name: text
+
+    Behavior on opacity {
+        NumberAnimation {
+            duration: 400
+        }
+    }
+}

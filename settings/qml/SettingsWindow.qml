@@ -1,0 +1,276 @@
+// The settings, from the state of the lock to the way to uninstall it.
+import QtQuick
+import Dormel.Settings
+import Dormel.Ui
+
+Item {
+    id: root
+
+    required property SettingsBridge view
+
+    implicitWidth: 460
+    implicitHeight: 660
+
+    Accessible.role: Accessible.Pane
+    Accessible.name: "Dormel"
+
+    Ground {}
+
+    ScrollArea {
+        id: scroll
+        anchors.fill: parent
+        focus: true
+        coveredAbove: 44
+        contentHeight: page.height
+
+        Column {
+            id: page
+            x: 24
+            width: scroll.width - 2 * x
+            topPadding: 40
+            bottomPadding: 20
+            spacing: 22
+
+            Column {
+                anchors.horizontalCenter: parent.horizontalCenter
+                spacing: 12
+                bottomPadding: 4
+
+                // It draws itself when the window opens.
+                Mark {
+                    anchors.horizontalCenter: parent.horizontalCenter
+                    width: 40
+                    height: 40
+                    color: Qt.rgba(1, 1, 1, 0.9)
+                    drawn: root.view.showing ? 1 : 0
+
+                    Behavior on drawn {
+                        NumberAnimation {
+                            duration: 1400
+                            easing.type: Easing.BezierSpline
+                            easing.bezierCurve: Motion.easeInOut
+                        }
+                    }
+                }
+                Text {
+                    anchors.horizontalCenter: parent.horizontalCenter
+                    // The spacing after the last letter is no part of the word.
+                    anchors.horizontalCenterOffset: font.letterSpacing / 2
+                    text: "DORMEL"
+                    font: Typeface.spaced(13, Font.DemiBold, 6)
+                    color: Qt.rgba(1, 1, 1, 0.45)
+                }
+            }
+
+            SectionCard {
+                width: parent.width
+                title: "Dormel"
+
+                StateRow {
+                    title: root.view.statusTitle
+                    text: root.view.statusText
+                    dot: root.view.lockEnabled ? Tone.green : Tone.warm
+
+                    ToggleSwitch {
+                        name: "Dormel"
+                        checked: root.view.lockEnabled
+                        onToggled: on => root.view.setLockEnabled(on)
+                    }
+                }
+                CardNote {
+                    x: 24
+                    width: parent.width - x
+                    visible: root.view.lockedIn
+                    text: "Can't turn Dormel off during blocking hours."
+                }
+            }
+            SectionCard {
+                width: parent.width
+                title: "Schedule"
+
+                CardLine {
+                    title: "Lock at"
+
+                    MenuPicker {
+                        name: "Lock at"
+                        ground: root
+                        enabled: !root.view.lockedIn
+                        options: root.view.startHours
+                        current: root.view.startHour
+                        onChosen: index => root.view.chooseStartHour(index)
+                    }
+                }
+                CardHairline {}
+                CardText {
+                    text: root.view.scheduleText
+                }
+                CardNote {
+                    visible: root.view.lockedIn
+                    text: "Can't change the schedule during blocking hours."
+                }
+            }
+            SectionCard {
+                width: parent.width
+                title: "Clock"
+
+                CardLine {
+                    title: "Format"
+
+                    SegmentedPicker {
+                        name: "Format"
+                        options: ["24-hour", "12-hour"]
+                        current: root.view.use24Hour ? 0 : 1
+                        onChosen: index => root.view.setUse24Hour(index === 0)
+                    }
+                }
+            }
+            SectionCard {
+                width: parent.width
+                title: "Permissions"
+
+                StateRow {
+                    title: "Accessibility"
+                    text: root.view.permissionText
+                    dot: root.view.trusted ? Tone.green : Tone.warm
+                }
+                PushButton {
+                    id: openSettings
+                    x: 24
+                    visible: !root.view.trusted
+                    text: "Open Settings"
+                    onClicked: root.view.openAccessibilitySettings(openSettings)
+                }
+            }
+            SectionCard {
+                width: parent.width
+                title: "Updates"
+
+                Column {
+                    width: parent.width
+                    spacing: 4
+
+                    CardLine {
+                        title: "Install updates automatically"
+                        height: 24
+
+                        ToggleSwitch {
+                            name: "Install updates automatically"
+                            checked: root.view.autoUpdates
+                            onToggled: on => root.view.setAutoUpdates(on)
+                        }
+                    }
+                    CardText {
+                        text: root.view.autoUpdatesText
+                    }
+                }
+                CardHairline {}
+                PushButton {
+                    text: "Check for Updates…"
+                    enabled: root.view.canCheckForUpdates
+                    onClicked: root.view.checkForUpdates()
+                }
+                CardText {
+                    visible: text !== ""
+                    text: root.view.updateStatus
+                    font: Typeface.at(12, Font.Normal)
+                }
+            }
+            SectionCard {
+                width: parent.width
+                title: "About"
+
+                Item {
+                    width: parent.width
+                    height: 44
+
+                    AppTile {
+                        id: tile
+                        width: 44
+                        height: 44
+                    }
+                    Column {
+                        anchors.left: tile.right
+                        anchors.leftMargin: 14
+                        anchors.verticalCenter: parent.verticalCenter
+                        spacing: 4
+
+                        Text {
+                            text: "Dormel " + root.view.versionText
+                            font: Typeface.at(15, Font.Medium)
+                            color: Tone.text
+
+                            Accessible.role: Accessible.StaticText
+                            Accessible.name: text
+                        }
+                        CardText {
+                            width: implicitWidth
+                            text: "by Orvane"
+                        }
+                    }
+                }
+                CardHairline {}
+                Row {
+                    x: -12
+                    height: 24
+                    spacing: 4
+
+                    PlainButton {
+                        text: "Rehearse the lock"
+                        onClicked: root.view.testNow()
+                    }
+                    PlainButton {
+                        visible: root.view.canPreviewOnboarding
+                        text: "Replay the introduction"
+                        onClicked: root.view.previewOnboarding()
+                    }
+                }
+            }
+            PlainButton {
+                anchors.horizontalCenter: parent.horizontalCenter
+                // Locked in, there is no way out through here.
+                visible: !root.view.lockedIn
+                text: "Uninstall Dormel"
+                onClicked: root.view.uninstall()
+            }
+        }
+    }
+
+    // What scrolls away fades before it reaches the window's buttons, and what is still to come at the lower edge.
+    Fade {
+        height: 60
+        opacity: Math.min(1, scroll.contentY / 24)
+        covering: 0.6
+    }
+    Fade {
+        anchors.bottom: parent.bottom
+        height: 48
+        rotation: 180
+        opacity: Math.max(0, Math.min(1, (scroll.contentHeight - scroll.height - scroll.contentY) / 24))
+        covering: 0.1
+    }
+
+    component Fade: Ground {
+        id: fade
+
+        // How far from the edge it hides what is below.
+        required property real covering
+
+        anchors.fill: undefined
+        width: parent.width
+        visible: opacity > 0
+        gradient: Gradient {
+            GradientStop {
+                position: 0
+                color: Qt.alpha(Tone.background, 0.98)
+            }
+            GradientStop {
+                position: fade.covering
+                color: Qt.alpha(Tone.background, 0.9)
+            }
+            GradientStop {
+                position: 1
+                color: Qt.alpha(Tone.background, 0)
+            }
+        }
+    }
+}
