@@ -2,20 +2,8 @@
 
 #include <utility>
 
-#include "onboarding/AccessibilityBeat.h"
-#include "onboarding/BrandBeat.h"
-#include "onboarding/DebriefBeat.h"
-#include "onboarding/DemoBeat.h"
-#include "onboarding/FinaleBeat.h"
-#include "onboarding/HowItWorksBeat.h"
-#include "onboarding/KeepsBeat.h"
-#include "onboarding/MirrorBeat.h"
 #include "onboarding/OnboardingOptions.h"
-#include "onboarding/PromiseBeat.h"
-#include "onboarding/QuestionBeat.h"
-#include "onboarding/ScheduleBeat.h"
-#include "onboarding/ScienceBeat.h"
-#include "onboarding/WheelQuestionBeat.h"
+#include "onboarding/OnboardingScreens.h"
 #include "platform/Defaults.h"
 #include "platform/Platform.h"
 

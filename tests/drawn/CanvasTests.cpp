@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "overlay/qml/BlockerOverlayBridge.h"
+#include "overlay/qml/OverlayScenes.h"
 #include "platform/linux/qt/ChangedRect.h"
 #include "tests/drawn/DrawnNight.h"
 
@@ -64,6 +65,35 @@ TEST(FallbackTest, ASceneThatCannotBeLoadedLeavesTheKeysReadable) {
   night.holdKeys(1);
   drawn.picture();
   EXPECT_GT(drawn.frames(), before);  // the held key is marked
+}
+
+TEST(FallbackTest, ADriverThatStopsAnsweringLeavesTheKeysReadable) {
+  class Failing : public SceneRenderer {
+   public:
+    void setTarget(QQuickWindow& window, QImage& image) override { inner_->setTarget(window, image); }
+    bool render(QQuickRenderControl& control) override { return ++frames_ < 3 && inner_->render(control); }
+
+   private:
+    std::unique_ptr<SceneRenderer> inner_ = makeSoftwareRenderer();
+    int frames_ = 0;
+  };
+  DrawnNight night;
+  QmlSceneRegistry registry;
+  registerOverlayScenes(registry);
+  QmlCanvasFactory factory(std::make_shared<QmlStage>(std::move(registry), [] { return std::make_unique<Failing>(); }));
+  DrawnView drawn(factory, night.view(), 1);
+  drawn.picture();
+  EXPECT_TRUE(night.machine.output.errors().empty());
+  for (int i = 0; i < 50; ++i) {
+    night.pass(0.1);
+    drawn.picture();
+  }
+  EXPECT_EQ(night.machine.output.errors().size(), 1U);
+  EXPECT_GT(brightPixels(drawn.picture()), 500);
+  const int before = drawn.frames();
+  night.holdKeys(1);
+  drawn.picture();
+  EXPECT_GT(drawn.frames(), before) << "it goes on following the keys";
 }
 
 TEST(PointerTest, ReachesWhatTakesItAndLeavesTheRestToTheWindow) {

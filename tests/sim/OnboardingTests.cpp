@@ -6,19 +6,7 @@
 #include <limits>
 #include <sstream>
 
-#include "onboarding/AccessibilityBeat.h"
-#include "onboarding/BrandBeat.h"
-#include "onboarding/DebriefBeat.h"
-#include "onboarding/DemoBeat.h"
-#include "onboarding/FinaleBeat.h"
-#include "onboarding/HowItWorksBeat.h"
-#include "onboarding/KeepsBeat.h"
-#include "onboarding/MirrorBeat.h"
-#include "onboarding/PromiseBeat.h"
-#include "onboarding/QuestionBeat.h"
-#include "onboarding/ScheduleBeat.h"
-#include "onboarding/ScienceBeat.h"
-#include "onboarding/WheelQuestionBeat.h"
+#include "onboarding/OnboardingScreens.h"
 #include "tests/sim/Program.h"
 
 namespace dormel {

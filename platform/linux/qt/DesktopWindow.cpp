@@ -10,6 +10,8 @@
 #include <cmath>
 #include <utility>
 
+#include "platform/linux/qt/SceneGraph.h"
+
 namespace dormel {
 namespace {
 
@@ -33,6 +35,8 @@ DesktopWindow::DesktopWindow(std::shared_ptr<WindowGroup> group, const std::shar
   scene_ = group_->stage().load(view);
   setColor(isRounded_ ? QColor(Qt::transparent) : scene_.background);
   if (scene_.root) scene_.root->setParentItem(contentItem());
+  connect(this, &QQuickWindow::sceneGraphError, this,
+          [](QQuickWindow::SceneGraphError, const QString& reason) { SceneGraph::startAgainInSoftware(reason); });
   connect(this, &QWindow::visibilityChanged, this, [this] { tellShowing(); });
   connect(this, &QWindow::screenChanged, this, [this] { tellShowing(); });
 }

@@ -8,6 +8,12 @@
 #include <QQuickWindow>
 #include <algorithm>
 #include <array>
+#include <vector>
+
+#include <unistd.h>
+
+#include "platform/Platform.h"
+#include "platform/Process.h"
 
 namespace dormel::SceneGraph {
 namespace {
@@ -65,8 +71,24 @@ void chooseForWindows() {
   }
   // The one interface that pictures without a window are read back through, too (DriverRenderer).
   QQuickWindow::setGraphicsApi(QSGRendererInterface::OpenGL);
+  // Letters as the software scene graph draws them: sharp, and in the weight that the screens were designed with.
+  QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);
 }
 
 bool isSoftware() { return software; }
+
+void startAgainInSoftware(const QString& reason) {
+  platform().output.printError("The graphics driver cannot draw a window, starting again without it: " +
+                               reason.toStdString());
+  qputenv("QT_QUICK_BACKEND", "software");
+  QFile commandLine(QStringLiteral("/proc/self/cmdline"));
+  QList<QByteArray> arguments;
+  if (commandLine.open(QIODevice::ReadOnly)) arguments = commandLine.readAll().split('\0');
+  std::vector<char*> pointers;
+  for (QByteArray& argument : arguments) pointers.push_back(argument.data());
+  if (!pointers.empty()) pointers.back() = nullptr;  // what follows the last terminator
+  if (!pointers.empty()) ::execv("/proc/self/exe", pointers.data());
+  platform().process.exit(1);
+}
 
 }  // namespace dormel::SceneGraph

@@ -2,6 +2,8 @@
 // main thread, before the first scene's window is made.
 #pragma once
 
+#include <QString>
+
 namespace dormel::SceneGraph {
 
 /// The software one: no driver is loaded, so none can take anything down. There are no shader effects in it.
@@ -16,5 +18,9 @@ void chooseForWindows();
 
 /// What was chosen.
 [[nodiscard]] bool isSoftware();
+
+/// A driver that answered and then could not draw a window after all: says so in one line on standard error, and starts
+/// this program again in this process, in software.
+void startAgainInSoftware(const QString& reason);
 
 }  // namespace dormel::SceneGraph
