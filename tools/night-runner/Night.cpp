@@ -12,7 +12,8 @@ constexpr std::int64_t SECOND = 1000;
 constexpr std::int64_t MINUTE = 60 * SECOND;
 constexpr std::int64_t HOUR = 60 * MINUTE;
 
-void drawSchedule(Night& night, Dice& dice) {
+/// Answers how many seconds before the start hour it begins.
+std::int64_t drawSchedule(Night& night, Dice& dice) {
   if (dice.percent(85)) {
     night.startHour = static_cast<int>(dice.between(20, 26) % 24);
     night.endHour = 6;
@@ -24,7 +25,7 @@ void drawSchedule(Night& night, Dice& dice) {
   const auto day = std::chrono::sys_days(std::chrono::year(2026) / 1 / 1) + std::chrono::days(dice.between(0, 1500));
   // Most nights are watched at their ends, where the decisions fall; some from evening to morning.
   std::int64_t after = -dice.between(1, 90);  // seconds after the start hour
-  if (dice.percent(15)) {
+  if (dice.percent(25)) {
     night.length = hours * HOUR + 2 * MINUTE;
   } else if (hours > 0 && dice.percent(40)) {
     const std::int64_t before = dice.spread(1, 40) * 60;  // of the end
@@ -39,6 +40,7 @@ void drawSchedule(Night& night, Dice& dice) {
     night.change = dice.percent(50) ? 60 : -60;
     night.changeAfter = dice.between(0, night.length) / HOUR * HOUR + (after < 0 ? -after * SECOND : 0);
   }
+  return std::max<std::int64_t>(0, -after);
 }
 
 /// Somebody who cannot sleep: holds on, is free for five minutes, is locked again, holds on.
@@ -54,6 +56,18 @@ void drawSleepless(Night& night, Dice& dice) {
   }
 }
 
+/// Somebody who goes through the whole test run, or nearly.
+void drawRehearsal(Night& night, Dice& dice) {
+  std::int64_t at = dice.between(5, 60) * SECOND;
+  night.happenings.push_back({at, Kind::test, {}});
+  at += dice.spread(100, 20 * SECOND);
+  const std::int64_t spacing = dice.spread(5, 400);
+  const std::int64_t held = 5 * SECOND + dice.between(60, 2500);
+  night.happenings.push_back({at, Kind::hold, {held, spacing, dice.between(0, 1023)}});
+  at += 4 * spacing + held + 10 * SECOND + dice.spread(100, 20 * SECOND);
+  night.happenings.push_back({at, Kind::hold, {12 * SECOND + dice.between(60, 2500), spacing, dice.between(0, 1023)}});
+}
+
 }  // namespace
 
 Night Night::drawn(std::uint64_t seed) {
@@ -61,7 +75,7 @@ Night Night::drawn(std::uint64_t seed) {
   Night night;
   night.seed = seed;
   night.opened = dice.percent(10);
-  drawSchedule(night, dice);
+  const std::int64_t secondsToStart = drawSchedule(night, dice);
   night.enabled = dice.percent(96);
   night.onboarded = dice.percent(97);
   night.debugLog = dice.percent(4);
@@ -70,11 +84,12 @@ Night Night::drawn(std::uint64_t seed) {
   night.sidesReported = dice.percent(90);
   night.screens = static_cast<int>(dice.percent(4) ? 0 : dice.between(1, 3));
   if (dice.percent(85)) night.idleSeconds = dice.percent(70) ? dice.between(0, 290) : dice.between(290, 400);
+  if (dice.percent(5)) night.idleSeconds = 300 - secondsToStart;  // exactly at the limit when the lock begins
   night.records = static_cast<Records>(dice.between(0, 3));
   night.hasUnlockLog = dice.percent(50);
 
-  if (!night.opened && dice.percent(40)) drawSleepless(night, dice);
-  const std::int64_t count = dice.percent(20) ? dice.between(0, 3) : dice.spread(1, 40);
+  if (dice.percent(40)) (night.opened ? drawRehearsal : drawSleepless)(night, dice);
+  const std::int64_t count = dice.percent(20) ? dice.between(0, 3) : dice.spread(1, 60);
   for (std::int64_t i = 0; i < count; ++i) {
     std::int64_t at = dice.between(0, night.length);
     if (!night.happenings.empty() && dice.percent(50)) {

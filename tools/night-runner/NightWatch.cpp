@@ -139,7 +139,10 @@ void NightWatch::mainStalls(Seconds duration) {
   stallEnds_ = std::max(stallEnds_, up + duration);
 }
 
-void NightWatch::sleeps() { disturbed_ = held_ = now(); }
+void NightWatch::sleeps() {
+  disturbed_ = now();
+  if (!isStalled()) held_ = disturbed_;  // else the poll may look before it hears of the sleep
+}
 
 void NightWatch::diskTrouble(int change, bool unreadable) {
   troubles_ += change;
