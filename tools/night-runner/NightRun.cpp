@@ -225,6 +225,11 @@ class Player {
     }
   }
 
+  void permit(bool trusted) {
+    machine_.accessibility.setTrusted(trusted);
+    watch_->look();
+  }
+
   void change(const Happening& h) {
     SimDefaults& defaults = machine_.defaults;
     if (h.kind == Kind::hours) {
@@ -333,10 +338,8 @@ class Player {
         machine_.stallMain(seconds(h.n[0]));
         break;
       case Kind::permission:
-        machine_.accessibility.setTrusted(h.n[0] != 0);
-        if (h.n[1] != 0) {
-          machine_.after(seconds(h.n[1]), [this, to = h.n[0] == 0] { machine_.accessibility.setTrusted(to); });
-        }
+        permit(h.n[0] != 0);
+        if (h.n[1] != 0) machine_.after(seconds(h.n[1]), [this, to = h.n[0] == 0] { permit(to); });
         break;
       case Kind::deny:
         forAWhile(

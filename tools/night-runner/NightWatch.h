@@ -48,7 +48,10 @@ class NightWatch {
   /// Files cannot be relied upon from now on (a count: each trouble ends by itself); `unreadable` ones not even read.
   void diskTrouble(int change, bool unreadable);
   void queuesHang(bool hang);
-  void grabDenied(bool denied) { denied_ = denied; }
+  void grabDenied(bool denied) {
+    denied_ = denied;
+    dirty_ = true;
+  }
   void terminationSignal();
   void quitRequest() { quitAsked_ = true; }
   void deathExpected() { deathExpected_ = true; }
