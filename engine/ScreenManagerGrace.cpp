@@ -90,7 +90,10 @@ void ScreenManager::finishGraceTransition() {
     platform().runLoop.asyncAfter(INTERCEPTOR_RETIREMENT, [weak = weak_from_this(), retiring] {
       retiring->stop();
       const auto self = weak.lock();
-      if (self && *self->retiringInterceptor_ == retiring) self->retiringInterceptor_ = nullptr;
+      if (!self) return;
+      if (*self->retiringInterceptor_ == retiring) self->retiringInterceptor_ = nullptr;
+      // Nobody will hear of a modifier that is still down: it would be looked at for the whole grace.
+      if (self->state_ == State::grace) self->bypassController_->reset();
     });
   }
   bypassController_->reset();

@@ -257,6 +257,7 @@ void NightWatch::lockBegins(bool again) {
   broken_ = {};
   if (!asked_.empty()) askedBefore_ = std::move(asked_);
   asked_.clear();
+  replaced_.clear();
   if (!again) expectRecord();
 }
 

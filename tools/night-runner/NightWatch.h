@@ -195,10 +195,12 @@ class NightWatch {
   std::array<Key, 256> keys_{};
   std::vector<KeyCode> asked_;
   std::vector<KeyCode> askedBefore_;  // by the lock before
-  int sameKeys_ = 0;                  // locks running that asked for the same
-  std::optional<Moment> refresh_;     // look again soon: a key may have changed what is asked
-  Moment disturbed_{};                // the last moment from which a hold begins anew
-  Moment held_{};                     // the last moment at which the algorithm itself forgets all keys
+  std::vector<KeyCode> replaced_;     // by Space, in favour of what is asked now
+  Moment replacedAt_{};
+  int sameKeys_ = 0;               // locks running that asked for the same
+  std::optional<Moment> refresh_;  // look again soon: a key may have changed what is asked
+  Moment disturbed_{};             // the last moment from which a hold begins anew
+  Moment held_{};                  // the last moment at which the algorithm itself forgets all keys
   std::size_t foreign_ = 0;
   bool wasTaken_ = false;
 

@@ -63,7 +63,7 @@ inline constexpr std::array<RuleText, 21> RULES{{
      "a grace begins only after the five keys on the screen were down together, by the hardware, for 30 s (60 from "
      "the second time on) without a break. Not noticed are: a key that is down again within 0.05 s of working time; "
      "the going up of a modifier of which the program was not told, or not told the side; a sleep in which the main "
-     "thread was stuck"},
+     "thread was stuck; a Space in the very turn that completes the hold"},
     {"let-out",
      "five keys that went down after the challenge appeared, of which the program was told, and that stay down for the "
      "required time, are answered by a grace 0.2 s of working time later at most"},
