@@ -146,6 +146,7 @@ TEST_F(LockdownTest, SlowKeysRestWhileItIsOnAndComeBackEvenAfterACrash) {
   const auto connection = server->client();
   auto dying = std::make_unique<TypingAids>(connection, ServerFeatures::query(*connection));
   dying->suspend();
+  connection->sync();
   EXPECT_EQ(on(), 0U);
   shutdown(xcb_get_file_descriptor(*connection), SHUT_RDWR);
   EXPECT_TRUE(until([&] { return on() == (SLOW | BOUNCE); })) << "the server does it, when nobody is left to";
