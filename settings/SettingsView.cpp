@@ -26,7 +26,7 @@ void trace(const std::string& line) { DebugLog::shared().append(line); }
 }  // namespace
 
 std::shared_ptr<SettingsView> SettingsView::create(Updater& updater, Hooks hooks) {
-  const std::shared_ptr<SettingsView> view(new SettingsView(updater, std::move(hooks)));
+  std::shared_ptr<SettingsView> view(new SettingsView(updater, std::move(hooks)));
   view->axTimer_ = Timer::repeating(REFRESH_INTERVAL, [weak = std::weak_ptr(view)] {
     if (const auto self = weak.lock()) self->refresh();
   });

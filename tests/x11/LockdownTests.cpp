@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -6,6 +7,7 @@
 #include <thread>
 
 #include "platform/linux/x11/Reply.h"
+#include "platform/linux/x11/Xkb.h"
 #include "tests/x11/Desk.h"
 
 namespace dormel::x11::test {
@@ -110,6 +112,44 @@ TEST_F(LockdownTest, TheNextStartRepairsWhatACrashLeftAndNobodyDisturbsALivingLo
   EXPECT_EQ(waysOut(keyActions()), 0) << "they do not come back by themselves";
   { const Desk next(*server); }
   EXPECT_EQ(keyActions(), before);
+}
+
+TEST_F(LockdownTest, SlowKeysRestWhileItIsOnAndComeBackEvenAfterACrash) {
+  const auto client = server->client();
+  ASSERT_TRUE(ServerFeatures::query(*client).xkb);
+  const auto change = [&](std::uint32_t aids) {
+    const std::uint8_t unchanged[32] = {};
+    xcb_xkb_set_controls(*client, XCB_XKB_ID_USE_CORE_KBD, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, aids, aids,
+                         XCB_XKB_CONTROL_CONTROLS_ENABLED, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, unchanged);
+    client->sync();
+  };
+  constexpr std::uint32_t SLOW = XCB_XKB_BOOL_CTRL_SLOW_KEYS;
+  constexpr std::uint32_t BOUNCE = XCB_XKB_BOOL_CTRL_BOUNCE_KEYS;
+  const auto on = [&] {
+    const auto reply =
+        owned(xcb_xkb_get_controls_reply(*client, xcb_xkb_get_controls(*client, XCB_XKB_ID_USE_CORE_KBD), nullptr));
+    return reply->enabledControls & (SLOW | BOUNCE);
+  };
+  change(SLOW);
+  {
+    Desk desk(*server);
+    desk.x11.setLockdown(true);
+    EXPECT_EQ(on(), 0U);
+    change(BOUNCE);
+    EXPECT_TRUE(until([&] { return on() == 0; })) << "turned on meanwhile";
+    desk.x11.setLockdown(false);
+    EXPECT_EQ(on(), SLOW | BOUNCE);
+    desk.x11.setLockdown(true);
+  }
+  EXPECT_TRUE(until([&] { return on() == (SLOW | BOUNCE); }));
+
+  const auto connection = server->client();
+  auto dying = std::make_unique<TypingAids>(connection, ServerFeatures::query(*connection));
+  dying->suspend();
+  connection->sync();
+  EXPECT_EQ(on(), 0U);
+  shutdown(xcb_get_file_descriptor(*connection), SHUT_RDWR);
+  EXPECT_TRUE(until([&] { return on() == (SLOW | BOUNCE); })) << "the server does it, when nobody is left to";
 }
 
 TEST_F(LockdownTest, TheLastWillNeedsNoMainThread) {

@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <xcb/shape.h>
 
 #include <QElapsedTimer>
 #include <QTimer>
@@ -66,6 +67,15 @@ TEST_F(PanelTest, ComesBackWhenAnotherProgramTakesItDown) {
   xcb_destroy_window(desktop.connection(), top);
   desktop.connection().sync();
   EXPECT_TRUE(until([&] { return isCovered() && server->pixel(1120, 240) == CONTENT; }));
+
+  Connection& other = desktop.connection();
+  xcb_shape_rectangles(other, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, XCB_CLIP_ORDERING_UNSORTED, second, 0, 0, 0,
+                       nullptr);
+  const xcb_atom_t opacity = other.atoms({"_NET_WM_WINDOW_OPACITY"})[0];
+  const std::uint32_t glass = 0x10000000;
+  xcb_change_property(other, XCB_PROP_MODE_REPLACE, second, opacity, XCB_ATOM_CARDINAL, 32, 1, &glass);
+  other.sync();
+  EXPECT_TRUE(until([&] { return isCovered() && other.property32(second, opacity).empty(); })) << "cut, and glass";
 }
 
 TEST_F(PanelTest, NeverUncoversDuringARebuild) {

@@ -59,15 +59,13 @@ KeyActions::KeyActions(std::shared_ptr<Connection> connection, const ServerFeatu
   property_ = connection_->atom("_DORMEL_KEY_ACTIONS");
 }
 
-std::vector<std::uint16_t> KeyActions::devices() {
+std::vector<std::uint16_t> keyDevices(Connection& connection, const ServerFeatures& features) {
   std::vector<std::uint16_t> devices;
-  if (!features_.xinput22) return {XCB_XKB_ID_USE_CORE_KBD};
+  if (!features.xinput22) return {XCB_XKB_ID_USE_CORE_KBD};
   const auto reply = owned(xcb_input_xi_query_device_reply(
-      *connection_, xcb_input_xi_query_device(*connection_, XCB_INPUT_DEVICE_ALL), nullptr));
+      connection, xcb_input_xi_query_device(connection, XCB_INPUT_DEVICE_ALL), nullptr));
   if (!reply) return devices;
   // Each keyboard carries out the actions of its own keymap, and the master those of a copy. Pointers may have keys.
-  // Those without are left alone: a server never forgets who asked such a device for keyboard events, and when it is
-  // to end it goes round in circles over that.
   for (auto it = xcb_input_xi_query_device_infos_iterator(reply.get()); it.rem > 0;
        xcb_input_xi_device_info_next(&it)) {
     if (hasKeys(it.data)) devices.push_back(it.data->deviceid);
@@ -135,7 +133,7 @@ bool KeyActions::watch(const std::vector<Keymap>& keymaps) {
 
 void KeyActions::disarm() {
   if (!features_.xkb) return;
-  const auto all = devices();
+  const auto all = keyDevices(*connection_, features_);
   // A device that went away may come back under its number, with nobody watching it.
   std::erase_if(watched_, [&](std::uint16_t d) { return std::find(all.begin(), all.end(), d) == all.end(); });
   auto found = keymaps(all);

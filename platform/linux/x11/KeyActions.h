@@ -13,6 +13,10 @@
 
 namespace dormel::x11 {
 
+/// The devices that have keys, keyboards or not. Others must never be asked for keyboard events: a server does not
+/// forget who did, and when it is to end it goes round in circles over that.
+[[nodiscard]] std::vector<std::uint16_t> keyDevices(Connection& connection, const ServerFeatures& features);
+
 class KeyActions {
  public:
   KeyActions(std::shared_ptr<Connection> connection, const ServerFeatures& features);
@@ -38,7 +42,6 @@ class KeyActions {
     std::uint32_t bytes[2];
   };
   struct Keymap;
-  [[nodiscard]] std::vector<std::uint16_t> devices();
   [[nodiscard]] std::vector<Keymap> keymaps(const std::vector<std::uint16_t>& devices);
   /// True when any of them was not watched before.
   [[nodiscard]] bool watch(const std::vector<Keymap>& keymaps);

@@ -23,6 +23,7 @@ class Later {
   void ask() {
     if (!timer_.isActive()) timer_.start();
   }
+  void forget() { timer_.stop(); }
 
  private:
   Task task_;

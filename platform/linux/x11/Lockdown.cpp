@@ -11,12 +11,14 @@ namespace dormel::x11 {
 Lockdown::Lockdown(std::shared_ptr<Connection> connection, const ServerFeatures& features)
     : connection_(std::move(connection)),
       keys_(connection_, features),
+      aids_(connection_, features),
       pointer_(connection_),
+      otherHands_(connection_, features),
       features_(features),
       marker_(connection_->newId()),
       selection_(connection_->atom("_DORMEL_LOCKDOWN")),
       check_([this] {
-        if (isOn_) keys_.disarm();
+        if (isOn_) look();
       }) {
   xcb_create_window(*connection_, XCB_COPY_FROM_PARENT, marker_, connection_->root(), -2, -2, 1, 1, 0,
                     XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
@@ -45,20 +47,28 @@ void Lockdown::set(bool on) {
       }
     }
     pointer_.want(true);
-    keys_.disarm();
+    look();
     return;
   }
   if (!std::exchange(isOn_, false)) return;
   subscription_.reset();
   pointer_.want(false);
+  otherHands_.release();
+  aids_.resume();
   keys_.restore();
   xcb_set_selection_owner(*connection_, XCB_NONE, selection_, XCB_CURRENT_TIME);
   connection_->flush();
 }
 
+void Lockdown::look() {
+  keys_.disarm();
+  aids_.suspend();
+  otherHands_.take();
+}
+
 void Lockdown::handle(const xcb_generic_event_t& event) {
   // A change comes as a burst, and our own is among them: look once, after it.
-  if (keys_.concerns(event)) check_.ask();
+  if (keys_.concerns(event) || aids_.concerns(event)) check_.ask();
 }
 
 void Lockdown::giveBackKeys(const std::string& display) {

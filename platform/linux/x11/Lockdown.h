@@ -1,5 +1,6 @@
-// What the presentation options mean on X while a lock is up: the server's own ways out are dead keys and the
-// pointer is ours. The desktop's shortcuts die with the keyboard grab of the event tap. Main thread only.
+// What the presentation options mean on X while a lock is up: the server's own ways out are dead keys, every
+// pointer and every further keyboard is ours, and the server delays no key. The desktop's shortcuts die with the
+// keyboard grab of the event tap. Main thread only.
 #pragma once
 
 #include <memory>
@@ -7,7 +8,9 @@
 
 #include "platform/linux/x11/KeyActions.h"
 #include "platform/linux/x11/Later.h"
+#include "platform/linux/x11/OtherHands.h"
 #include "platform/linux/x11/PointerGrab.h"
+#include "platform/linux/x11/TypingAids.h"
 
 namespace dormel::x11 {
 
@@ -29,10 +32,13 @@ class Lockdown {
 
  private:
   void handle(const xcb_generic_event_t& event);
+  void look();
 
   std::shared_ptr<Connection> connection_;
   KeyActions keys_;
+  TypingAids aids_;
   PointerGrab pointer_;
+  OtherHands otherHands_;
   ServerFeatures features_;
   xcb_window_t marker_;
   xcb_atom_t selection_;

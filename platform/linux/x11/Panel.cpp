@@ -52,6 +52,7 @@ void Panel::makeWindow() {
   window_ = c.newId();
   std::uint32_t events = XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_KEY_PRESS |
                          XCB_EVENT_MASK_KEY_RELEASE | XCB_EVENT_MASK_FOCUS_CHANGE;
+  if (isBlack()) events |= XCB_EVENT_MASK_PROPERTY_CHANGE;
   if (!style_.ignoresMouseEvents) {
     events |= XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE | XCB_EVENT_MASK_BUTTON_1_MOTION |
               XCB_EVENT_MASK_LEAVE_WINDOW;
@@ -81,6 +82,7 @@ void Panel::makeWindow() {
     xcb_shape_rectangles(c, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT, XCB_CLIP_ORDERING_UNSORTED, window_, 0, 0, 0,
                          nullptr);
   }
+  if (isBlack() && env_->features.shape) xcb_shape_select_input(c, window_, 1);
   surface_.attach(window_, area_);
 }
 
@@ -219,6 +221,7 @@ void Panel::orderOut() {
 }
 
 void Panel::handle(const xcb_generic_event_t& event) {
+  const bool isForged = (event.response_type & 0x80) != 0;  // sent by another program, not by the server
   switch (event.response_type & 0x7f) {
     case XCB_EXPOSE: {
       const auto& e = reinterpret_cast<const xcb_expose_event_t&>(event);
@@ -227,6 +230,7 @@ void Panel::handle(const xcb_generic_event_t& event) {
     }
     case XCB_KEY_PRESS:
     case XCB_KEY_RELEASE:
+      if (isForged) break;  // only what is really pressed counts
       onKey(reinterpret_cast<const xcb_key_press_event_t&>(event), (event.response_type & 0x7f) == XCB_KEY_PRESS);
       break;
     case XCB_BUTTON_PRESS:
@@ -240,6 +244,11 @@ void Panel::handle(const xcb_generic_event_t& event) {
     case XCB_LEAVE_NOTIFY:
       onLeave(reinterpret_cast<const xcb_leave_notify_event_t&>(event));
       break;
+    case XCB_PROPERTY_NOTIFY: {
+      const auto& e = reinterpret_cast<const xcb_property_notify_event_t&>(event);
+      if (e.atom == env_->atoms.netWmWindowOpacity && e.state == XCB_PROPERTY_NEW_VALUE) surface_.opacitySet();
+      break;
+    }
     case XCB_UNMAP_NOTIFY:
       if (isVisible_) putBack();
       break;
@@ -258,6 +267,10 @@ void Panel::handle(const xcb_generic_event_t& event) {
     default:
       break;
   }
+}
+
+void Panel::shapeChanged(std::uint8_t kind, bool isShaped) {
+  if (isShaped) surface_.shapeSet(kind);
 }
 
 void Panel::putBack() {

@@ -35,6 +35,8 @@ class Panel final : public FadingWindow, public std::enable_shared_from_this<Pan
   void setKeyHandler(std::function<void(const KeyEvent&)> handler) override { keyHandler_ = std::move(handler); }
 
   void handle(const xcb_generic_event_t& event);
+  /// Another program may have cut the window.
+  void shapeChanged(std::uint8_t kind, bool isShaped);
   void compositorChanged() { surface_.compositorChanged(); }
   [[nodiscard]] xcb_window_t window() const { return window_; }
 

@@ -1,5 +1,7 @@
 #include "platform/linux/x11/PanelEnvironment.h"
 
+#include <xcb/shape.h>
+
 #include <utility>
 
 #include "platform/linux/x11/HardwareKeysX11.h"
@@ -30,6 +32,8 @@ xcb_window_t addressee(const xcb_generic_event_t& event) {
       return reinterpret_cast<const xcb_configure_notify_event_t&>(event).event;
     case XCB_DESTROY_NOTIFY:
       return reinterpret_cast<const xcb_destroy_notify_event_t&>(event).event;
+    case XCB_PROPERTY_NOTIFY:
+      return reinterpret_cast<const xcb_property_notify_event_t&>(event).window;
     default:
       return XCB_NONE;
   }
@@ -77,6 +81,13 @@ PanelEnvironment::PanelEnvironment(std::shared_ptr<Connection> theConnection, co
 PanelEnvironment::~PanelEnvironment() { xcb_free_cursor(*connection, blankCursor); }
 
 void PanelEnvironment::handle(const xcb_generic_event_t& event) {
+  if (features.shape && (event.response_type & 0x7f) == features.shapeEvent + XCB_SHAPE_NOTIFY) {
+    const auto& shape = reinterpret_cast<const xcb_shape_notify_event_t&>(event);
+    const auto shaped = panels.find(shape.affected_window);
+    const auto panel = shaped == panels.end() ? nullptr : shaped->second.lock();
+    if (panel) panel->shapeChanged(shape.shape_kind, shape.shaped != 0);
+    return;
+  }
   const auto found = panels.find(addressee(event));
   if (found == panels.end()) return;
   const auto panel = found->second.lock();

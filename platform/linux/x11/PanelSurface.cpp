@@ -256,6 +256,18 @@ void PanelSurface::expose(const PixelRect& exposed) {
   }
 }
 
+void PanelSurface::opacitySet() {
+  if (ground_ != WindowBackground::black || opacity_ != UINT32_MAX) return;  // in a fade it is set every moment
+  xcb_delete_property(*env_.connection, window_, env_.atoms.netWmWindowOpacity);
+  env_.connection->flush();
+}
+
+void PanelSurface::shapeSet(std::uint8_t kind) {
+  if (ground_ != WindowBackground::black) return;
+  xcb_shape_mask(*env_.connection, XCB_SHAPE_SO_SET, kind, window_, 0, 0, XCB_PIXMAP_NONE);
+  env_.connection->flush();
+}
+
 void PanelSurface::compositorChanged() {
   if (window_ == XCB_NONE) return;
   applyAlpha();

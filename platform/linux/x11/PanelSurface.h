@@ -45,6 +45,10 @@ class PanelSurface {
   void expose(const PixelRect& exposed);
   void compositorChanged();
 
+  // A black window is whole and, once it has faded in, opaque; other programs can change both.
+  void opacitySet();
+  void shapeSet(std::uint8_t kind);
+
  private:
   [[nodiscard]] bool isDrawnFade() const;
   void applyAlpha();

@@ -61,7 +61,10 @@ ServerFeatures ServerFeatures::query(Connection& connection) {
   const auto* xfixes = present(xcb, xcb_xfixes_id);
   const auto* render = present(xcb, xcb_render_id);
   const auto* xkb = present(xcb, xcb_xkb_id);
-  features.shape = present(xcb, xcb_shape_id) != nullptr;
+  if (const auto* shape = present(xcb, xcb_shape_id)) {
+    features.shape = true;
+    features.shapeEvent = shape->first_event;
+  }
   features.screenSaver = present(xcb, xcb_screensaver_id) != nullptr;
 
   // All questions first, then all answers: one round trip.

@@ -20,6 +20,7 @@ struct ServerFeatures {
   bool xwayland = false;  ///< the X bridge of a Wayland compositor, which never sees the whole keyboard
 
   std::uint8_t randrEvent = 0;
+  std::uint8_t shapeEvent = 0;
   std::uint8_t xfixesEvent = 0;
   std::uint8_t xkbEvent = 0;
   std::uint8_t xinputOpcode = 0;
