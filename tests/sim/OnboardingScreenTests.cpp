@@ -153,11 +153,11 @@ TEST(OnboardingScreens, HeadlinesMarkEmphasisWithAsterisks) {
 TEST(OnboardingScreens, TheWheelTurnsByRowsScrollingAndArrows) {
   constexpr KeyCode DOWN = 125;
   constexpr KeyCode UP = 126;
+  enum Kind { scroll, key, row, wait };
   struct Act {
-    enum { scroll, key, row, wait } kind;
+    Kind kind;
     double value;
   };
-  using enum decltype(Act::kind);
   const struct {
     const char* name;
     int initial;
@@ -188,10 +188,10 @@ TEST(OnboardingScreens, TheWheelTurnsByRowsScrollingAndArrows) {
     const auto press = [&](KeyCode key) { return machine.windows.deliverKey({EventType::keyDown, key, 0}); };
     const auto act = [&] {
       for (const Act& each : row.acts) {
-        if (each.kind == Act::scroll) screen.wheel.scroll(each.value);
-        if (each.kind == Act::key) press(static_cast<KeyCode>(each.value));
-        if (each.kind == Act::row) screen.wheel.select(static_cast<int>(each.value));
-        if (each.kind == Act::wait) machine.advance(each.value);
+        if (each.kind == Kind::scroll) screen.wheel.scroll(each.value);
+        if (each.kind == Kind::key) press(static_cast<KeyCode>(each.value));
+        if (each.kind == Kind::row) screen.wheel.select(static_cast<int>(each.value));
+        if (each.kind == Kind::wait) machine.advance(each.value);
       }
     };
     act();
