@@ -129,6 +129,7 @@ class NightWatch {
   void checkEarned();
   void checkLetOut(const std::vector<KeyIndicator>& keys);
   void checkTimers();
+  [[nodiscard]] bool isShowingSettings() const;
   void checkEpoch();
   void knowFiles();
   void checkFiles();

@@ -185,6 +185,11 @@ void NightWatch::checkOpened() {
   if (escapeAt_ && late(*escapeAt_, 0.2)) fail(Rule::rehearsal, "Escape did not end it");
 }
 
+bool NightWatch::isShowingSettings() const {
+  const std::shared_ptr<View> front = machine_.mainWindows.front();
+  return front && front->kind() == ViewKind::settings;
+}
+
 void NightWatch::checkTimers() {
   if (!machine_.timeline.processRuns() || !late(lastEffect_, 0.25)) return;
   const Panels seen = panels();
@@ -207,7 +212,7 @@ void NightWatch::checkTimers() {
       break;
     case Phase::opened:
       if (seen.blockers + seen.others > 0 || wasBlind_) return;
-      due = 0;
+      due = isShowingSettings() ? 1 : 0;  // they look around every two seconds
       exactly = true;
       break;
   }
