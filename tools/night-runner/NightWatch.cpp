@@ -261,6 +261,8 @@ void NightWatch::lockBegins(bool again) {
   if (!again) expectRecord();
 }
 
+bool NightWatch::hoursWereOn() const { return hoursAreOn(machine_.timeline.now() - std::chrono::milliseconds(2100)); }
+
 void NightWatch::checkStart() {
   starting_ = false;
   if (!scheduled_) return;
@@ -274,7 +276,7 @@ void NightWatch::checkStart() {
     return;
   }
   if (!machine_.timeline.processRuns()) {
-    fail(Rule::lock, "a run inside the hours ended at once");
+    if (hoursWereOn()) fail(Rule::lock, "a run inside the hours ended at once");
   } else if (phase_ != (machine_.accessibility.isProcessTrusted() ? Phase::locked : Phase::degraded)) {
     fail(Rule::lock, "a run inside the hours neither locks nor asks for the permission");
   }
@@ -288,8 +290,7 @@ void NightWatch::processEnded() {
   if (status == 0) {
     const bool nothingLocked = phaseBefore_ == Phase::degraded || phaseBefore_ == Phase::opened;
     const bool neverBegan = phaseBefore_ == Phase::none && !wasArmed;
-    // An exit may take two seconds, and the hours may begin in them.
-    const bool over = !hoursOn_ || !hoursAreOn(machine_.timeline.now() - std::chrono::milliseconds(2100));
+    const bool over = !hoursOn_ || !hoursWereOn();
     if (scheduled_ ? !(over || neverBegan || (quitAsked_ && nothingLocked)) : !quitAsked_) {
       fail(Rule::status, "status 0 that was not planned");
     }

@@ -128,6 +128,8 @@ class NightWatch {
   void checkChallenge(const std::vector<KeyIndicator>& keys);
   void checkEarned();
   void checkLetOut(const std::vector<KeyIndicator>& keys);
+  /// Before the two seconds that an exit may take, in which the hours may begin.
+  [[nodiscard]] bool hoursWereOn() const;
   void checkTimers();
   [[nodiscard]] bool isShowingSettings() const;
   void checkEpoch();
