@@ -12,6 +12,7 @@
 
 #include "platform/RunningApplications.h"
 #include "platform/WindowList.h"
+#include "platform/common/HandlerList.h"
 #include "platform/sim/SimTimeline.h"
 
 namespace dormel {
@@ -28,9 +29,7 @@ class SimOtherApplications : public RunningApplications, public WindowList {
   }
   [[nodiscard]] std::optional<RunningApplication> frontmost() const override { return frontmost_; }
   [[nodiscard]] std::unique_ptr<Registration> observeActivation(Task handler) override {
-    auto observer = std::make_shared<Task>(std::move(handler));
-    observers_.push_back(observer);
-    return std::make_unique<Observer>(std::move(observer));
+    return observers_.add(std::move(handler));
   }
   [[nodiscard]] std::optional<std::vector<ListedWindow>> onScreen() const override { return windows_; }
 
@@ -39,31 +38,18 @@ class SimOtherApplications : public RunningApplications, public WindowList {
   /// Another application comes to the front, or none has the user's attention; observers hear of it.
   void bringToFront(std::optional<RunningApplication> application) {
     frontmost_ = std::move(application);
-    timeline_.addMain(0, 0, [this] {
-      const auto observers = observers_;
-      for (const auto& observer : observers) {
-        if (const auto handler = observer.lock()) (*handler)();
-      }
-    });
+    timeline_.addMain(0, 0, [this] { observers_.call(); });
   }
   /// The frontmost first; nothing for a server that does not answer.
   void setWindows(std::optional<std::vector<ListedWindow>> windows) { windows_ = std::move(windows); }
-  [[nodiscard]] std::size_t observers() const {
-    return static_cast<std::size_t>(
-        std::count_if(observers_.begin(), observers_.end(), [](const auto& observer) { return !observer.expired(); }));
-  }
+  [[nodiscard]] std::size_t observers() const { return observers_.size(); }
 
  private:
-  struct Observer : Registration {
-    explicit Observer(std::shared_ptr<Task> kept) : handler(std::move(kept)) {}
-    std::shared_ptr<Task> handler;
-  };
-
   SimTimeline& timeline_;
   std::vector<RunningApplication> running_;
   std::optional<RunningApplication> frontmost_;
   std::optional<std::vector<ListedWindow>> windows_ = std::vector<ListedWindow>();
-  std::vector<std::weak_ptr<Task>> observers_;
+  HandlerList observers_;
 };
 
 }  // namespace dormel

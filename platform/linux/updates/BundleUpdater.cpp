@@ -14,11 +14,6 @@ namespace {
 constexpr std::int64_t SHORTEST_INTERVAL = 60;
 constexpr std::int64_t NAP = 3600;
 
-struct Observer final : Registration {
-  explicit Observer(std::shared_ptr<Task> kept) : handler(std::move(kept)) {}
-  std::shared_ptr<Task> handler;
-};
-
 }  // namespace
 
 BundleUpdater::BundleUpdater(Clock& clock, RunLoop& loop, DefaultsStore& defaults, UpdateHelper& helper,
@@ -49,12 +44,7 @@ void BundleUpdater::setAutomaticallyDownloadsUpdates(bool on) { defaults_.set(up
 
 bool BundleUpdater::canCheckForUpdates() const { return options_.enabled && !looking_; }
 
-std::unique_ptr<Registration> BundleUpdater::observe(Task handler) {
-  auto observer = std::make_shared<Task>(std::move(handler));
-  std::erase_if(observers_, [](const auto& gone) { return gone.expired(); });
-  observers_.push_back(observer);
-  return std::make_unique<Observer>(std::move(observer));
-}
+std::unique_ptr<Registration> BundleUpdater::observe(Task handler) { return observers_.add(std::move(handler)); }
 
 void BundleUpdater::checkForUpdates() {
   if (canCheckForUpdates()) look(true);
@@ -73,7 +63,7 @@ void BundleUpdater::forget() {
   helper_.cancel();
   helper_.clear();
   status_.clear();
-  notify();
+  observers_.call();
 }
 
 void BundleUpdater::lookLater(Seconds delay) {
@@ -102,7 +92,7 @@ void BundleUpdater::look(bool fetch) {
     };
   };
   helper_.check(fetch, weakly(&BundleUpdater::heard), weakly(&BundleUpdater::ended));
-  notify();
+  observers_.call();
 }
 
 void BundleUpdater::heard(const Verdict& verdict) {
@@ -119,14 +109,7 @@ void BundleUpdater::ended() {
 
 void BundleUpdater::say(const Verdict& verdict) {
   status_ = sentence(verdict, options_.version);
-  notify();
-}
-
-void BundleUpdater::notify() const {
-  const auto observers = observers_;
-  for (const auto& observer : observers) {
-    if (const auto handler = observer.lock()) (*handler)();
-  }
+  observers_.call();
 }
 
 std::int64_t BundleUpdater::now() const {

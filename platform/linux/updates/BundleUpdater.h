@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "platform/Updater.h"
+#include "platform/common/HandlerList.h"
 #include "platform/linux/updates/Verdict.h"
 
 namespace dormel {
@@ -57,7 +58,6 @@ class BundleUpdater final : public Updater {
   void heard(const Verdict& verdict);
   void ended();
   void say(const Verdict& verdict);
-  void notify() const;
   [[nodiscard]] std::int64_t now() const;
   [[nodiscard]] std::int64_t untilDue() const;
 
@@ -69,7 +69,7 @@ class BundleUpdater final : public Updater {
   bool looking_ = false;
   Verdict heard_;
   std::string status_;
-  std::vector<std::weak_ptr<Task>> observers_;
+  HandlerList observers_;
   const std::shared_ptr<BundleUpdater*> self_;  // what waits in the loop finds out by it whether we still live
 };
 

@@ -4,23 +4,12 @@
 #include <utility>
 
 namespace dormel::x11 {
-namespace {
-
-class Observer final : public Registration {
- public:
-  explicit Observer(std::shared_ptr<Task> handler) : handler_(std::move(handler)) {}
-
- private:
-  std::shared_ptr<Task> handler_;
-};
-
-}  // namespace
 
 RunningApplicationsX11::RunningApplicationsX11(std::shared_ptr<Connection> connection)
     : connection_(std::move(connection)),
       clients_(connection_ ? std::make_unique<ClientWindows>(connection_) : nullptr),
       naming_([](const std::string& /*instance*/, const std::string& className) { return className; }),
-      telling_([this] { tell(); }) {}
+      telling_([this] { observers_.call(); }) {}
 
 RunningApplication RunningApplicationsX11::application(const ClientWindow& window) const {
   return {window.pid, naming_(window.instance, window.className),
@@ -51,27 +40,17 @@ std::optional<RunningApplication> RunningApplicationsX11::frontmost() const {
 }
 
 std::unique_ptr<Registration> RunningApplicationsX11::observeActivation(Task handler) {
-  auto shared = std::make_shared<Task>(std::move(handler));
-  observers_.emplace_back(shared);
   if (connection_ && !subscription_) {
     connection_->selectOnRoot(XCB_EVENT_MASK_PROPERTY_CHANGE);
     subscription_ = connection_->subscribe([this](const xcb_generic_event_t& event) {
-      if ((event.response_type & 0x7f) != XCB_PROPERTY_NOTIFY || observers_.empty()) return;
+      if ((event.response_type & 0x7f) != XCB_PROPERTY_NOTIFY || observers_.size() == 0) return;
       const auto& notify = reinterpret_cast<const xcb_property_notify_event_t&>(event);
       // From one window to the next the focus may pass through none: what counts is where it is when all that has
       // arrived is handled.
       if (notify.window == connection_->root() && notify.atom == clients_->activeWindowAtom()) telling_.ask();
     });
   }
-  return std::make_unique<Observer>(std::move(shared));
-}
-
-void RunningApplicationsX11::tell() {
-  std::erase_if(observers_, [](const auto& weak) { return weak.expired(); });
-  const auto present = observers_;
-  for (const auto& weak : present) {
-    if (const auto handler = weak.lock()) (*handler)();
-  }
+  return observers_.add(std::move(handler));
 }
 
 }  // namespace dormel::x11

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "platform/RunningApplications.h"
+#include "platform/common/HandlerList.h"
 #include "platform/linux/x11/ClientWindows.h"
 #include "platform/linux/x11/Later.h"
 
@@ -29,12 +30,11 @@ class RunningApplicationsX11 final : public RunningApplications {
 
  private:
   [[nodiscard]] RunningApplication application(const ClientWindow& window) const;
-  void tell();
 
   std::shared_ptr<Connection> connection_;
   std::unique_ptr<ClientWindows> clients_;  // null without a display
   ApplicationNaming naming_;
-  std::vector<std::weak_ptr<Task>> observers_;
+  HandlerList observers_;
   Subscription subscription_;  // from the first observer on
   Later telling_;
 };
