@@ -6,12 +6,12 @@
 
 #include <array>
 #include <cerrno>
-#include <cstdio>
 #include <ctime>
 #include <filesystem>
 #include <optional>
 #include <system_error>
 
+#include "platform/PercentEncoding.h"
 #include "platform/linux/freedesktop/BaseDirectories.h"
 #include "platform/linux/freedesktop/MountTable.h"
 #include "platform/linux/freedesktop/TextFile.h"
@@ -59,19 +59,6 @@ std::optional<TrashCan> diskTrash(const std::string& path) {
   }
   if (!isOwnFolder(can)) return {};
   return TrashCan{can, path.substr(top.size() + 1)};
-}
-
-std::string percentEncoded(const std::string& path) {
-  std::string encoded;
-  for (const char c : path) {
-    const auto byte = static_cast<unsigned char>(c);
-    const bool plain = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '/' ||
-                       c == '-' || c == '_' || c == '.' || c == '~';
-    std::array<char, 4> code{};
-    if (!plain) std::snprintf(code.data(), code.size(), "%%%02X", byte);
-    encoded += plain ? std::string(1, c) : std::string(code.data());
-  }
-  return encoded;
 }
 
 std::string record(const std::string& original) {
