@@ -74,10 +74,11 @@ def memory(pids):
     return resident, proportional
 
 
-def private_memory(pid):
-    """Kilobytes that nobody else has a share in: what a process itself took, whoever comes and goes beside it."""
+def own_memory(pid):
+    """Kilobytes that a process took for itself, its pictures included. Pages of files are left out: their share changes
+    with whoever else maps the same libraries."""
     with open(f"/proc/{pid}/smaps_rollup", encoding="ascii") as file:
-        return sum(int(line.split()[1]) for line in file if line.startswith(("Private_Clean:", "Private_Dirty:")))
+        return sum(int(line.split()[1]) for line in file if line.startswith(("Pss_Anon:", "Pss_Shmem:")))
 
 
 def effort(pids):
