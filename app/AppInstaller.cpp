@@ -127,8 +127,9 @@ void offerToMove() {
 
 void relaunch(const std::string& path) {
   // Where the platform brings the tool along, the new copy's: the old one may be gone with its disk by then.
-  const std::string open = platform().childProcesses.toolPath("/usr/bin/open");
-  const std::string tool = open == inCopy(path, open) ? open : shellQuoted(inCopy(path, open));
+  constexpr const char* OPEN = "/usr/bin/open";
+  const std::string file = inCopy(path, platform().childProcesses.toolPath(OPEN));
+  const std::string tool = file == OPEN ? file : shellQuoted(file);
   const std::string text = "(while /bin/kill -0 " + std::to_string(platform().process.processId()) +
                            " >/dev/null 2>&1; do /bin/sleep 0.1; done; " + tool + " " + shellQuoted(path) + ") &";
   platform().childProcesses.start("/bin/sh", {"-c", text});

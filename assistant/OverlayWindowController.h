@@ -33,7 +33,6 @@ class OverlayWindowController : public std::enable_shared_from_this<OverlayWindo
   /// Stops everything and lets go of the window, for good.
   void close();
 
-  [[nodiscard]] bool isAnimatingLaunch() const { return isAnimatingLaunch_; }
   /// Null once it was closed.
   [[nodiscard]] const std::shared_ptr<Window>& window() const { return window_; }
 

@@ -66,7 +66,6 @@ class BypassController : public Observable, public std::enable_shared_from_this<
   void setHoldDuration(Seconds duration) { holdDuration_ = duration; }
   /// Called once per completed hold, on the main thread, after the event that completed it.
   void setOnBypassComplete(std::function<void()> action) { onBypassComplete_ = std::move(action); }
-  [[nodiscard]] bool hasOnBypassComplete() const { return static_cast<bool>(onBypassComplete_); }
 
   /// The label under which a key appears in the log: a required key's own, else "kc" and the code.
   [[nodiscard]] std::string label(KeyCode keyCode) const;

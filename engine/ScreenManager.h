@@ -70,12 +70,10 @@ class ScreenManager : public OverlaySession, public std::enable_shared_from_this
   /// One blocker per screen while blocked; the pill during a grace period.
   [[nodiscard]] const WindowList& windows() const { return windows_; }
   [[nodiscard]] const std::shared_ptr<BlockerWindow>& permissionWindow() const { return permissionWindow_; }
-  [[nodiscard]] const std::shared_ptr<KeyInterceptor>& keyInterceptor() const { return keyInterceptor_; }
   /// The interceptor of the lock that was just lifted: it keeps swallowing keys for 2 s.
   [[nodiscard]] const std::shared_ptr<KeyInterceptor>& retiringInterceptor() const { return retiringInterceptor_; }
   /// The permission as last learned.
   [[nodiscard]] bool hasAccessibility() const { return hasAccessibility_; }
-  [[nodiscard]] bool isTest() const { return isTest_; }
   [[nodiscard]] bool isDegraded() const { return isDegraded_; }
   /// Completed unlocks of this session.
   [[nodiscard]] int unlockCount() const { return unlockCount_; }

@@ -45,8 +45,6 @@ class OnboardingView : public View, public Observable, public std::enable_shared
   [[nodiscard]] OnboardingBeat beat() const { return beat_; }
   /// The screen of that beat: of the class that carries its name. Never null.
   [[nodiscard]] const std::shared_ptr<OnboardingScreen>& screen() const { return screen_; }
-  /// The one before, for as long as it may be seen evaporating; null at first. It has gone: nothing can be pressed.
-  [[nodiscard]] const std::shared_ptr<OnboardingScreen>& leavingScreen() const { return leaving_; }
 
   /// The single way of changing beats. Stores the answers and the beat; nothing happens for the current one.
   void advance(OnboardingBeat target);
@@ -72,7 +70,7 @@ class OnboardingView : public View, public Observable, public std::enable_shared
   bool appeared_ = false;
   OnboardingBeat beat_;
   std::shared_ptr<OnboardingScreen> screen_;
-  std::shared_ptr<OnboardingScreen> leaving_;
+  std::shared_ptr<OnboardingScreen> leaving_;  // it may be the one that is calling
 };
 
 }  // namespace dormel

@@ -8,7 +8,7 @@ import subprocess
 import unittest
 
 from case import ESCAPE, DesktopCase, until
-from Xlib import X
+from Xlib import X, Xatom
 from Xlib.protocol import event as xevent
 
 HERE = os.path.dirname(os.path.abspath(__file__))
@@ -147,6 +147,11 @@ class AssistantTest(DesktopCase):
         self.activate(self.settings.id)
         until("the guide", self.docked, 3)
         address = f"file://{desk.bundle.path}\r\n"
+        # A desktop that has drops on the root window sent to itself has no part in those on others' windows.
+        root, atom = self.display.screen().root, self.display.intern_atom
+        proxy = root.create_window(-9, -9, 1, 1, 0, 0, X.InputOnly, X.CopyFromParent)
+        for window, name, value in ((root, "XdndProxy", proxy.id), (proxy, "XdndProxy", proxy.id), (proxy, "XdndAware", 5)):
+            window.change_property(atom(name), Xatom.WINDOW if name == "XdndProxy" else Xatom.ATOM, 32, [value])
         x, y = map(int, receiver.said.split())  # its middle
 
         def drag():

@@ -34,7 +34,8 @@ TEST(SettingsPages, AddressesLeadToTheNearestPage) {
 }
 
 TEST(SettingsPages, WindowsOfSettingsPrograms) {
-  for (const char* name : {"org.gnome.Settings", "Gnome-control-center", "systemsettings", "Xfce4-settings-manager"}) {
+  for (const char* name : {"org.gnome.Settings", "Gnome-control-center", "systemsettings", "Xfce4-settings-manager",
+                           "cinnamon-settings universal-access"}) {
     EXPECT_TRUE(isSettingsProgram(name)) << name;
   }
   for (const char* name : {"", "gnome", "gnome-control-center-2", "Dormel"})

@@ -184,6 +184,7 @@ TEST(Updates, ArchivesAreUnpackedOrRefused) {
       {{"A.app/l", AE_IFLNK, "."}, {"A.app/l/x"}},
       {{"A.app/l", AE_IFLNK, "x"}, {"A.app/l"}},
       {{"A.app/l"}, {"A.app/l", AE_IFLNK, "x"}},
+      {{"A.app/l", AE_IFLNK, "x"}, {"A.app/l", AE_IFLNK, "y"}},
       {{"A.app/x"}, {"A.app/y", AE_IFMT, "A.app/x"}},
       {{"A.app/x", AE_IFCHR}},
       {{"A.app/x", AE_IFIFO}},

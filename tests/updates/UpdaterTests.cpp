@@ -119,6 +119,8 @@ TEST_F(UpdaterTest, KnowsWhatWaitsAndForgetsIt) {
   helper.staged = "1.1";
   start();
   EXPECT_EQ(updater->status(), "Dormel 1.1 is ready and will be installed when you open Dormel again.");
+  EXPECT_FALSE(updater->installStagedUpdate());
+  EXPECT_EQ(updater->status(), "") << "it was of no use any more";
   helper.placed = {Kind::notGenuine, "1.1"};
   EXPECT_FALSE(updater->installStagedUpdate());
   EXPECT_TRUE(updater->status().ends_with("Nothing was changed."));
@@ -153,7 +155,9 @@ TEST(UpdateAtOpening, IsPutInPlaceByDayAndNeverWhileLockedIn) {
               {"05:59:59", true, {}, false}, {"06:00:00", true, {}, true},  {"12:00:00", true, {"--scheduled"}, false}};
   for (const auto& row : rows) {
     SCOPED_TRACE(std::string(row.hour) + (row.enabled ? "" : ", lock off"));
-    Program program;
+    const std::string bundle = "/Applications/Dormel (1).app";
+    Program program(bundle);
+    program.machine.childProcesses.standIn("/usr/bin/open", bundle + "/Contents/Helpers/open");
     program.arm();
     program.machine.setWallClock(std::string("2026-11-16 ") + row.hour);
     program.machine.defaults.putBoolean(defaultsKey::blockingEnabled, row.enabled);
@@ -165,7 +169,10 @@ TEST(UpdateAtOpening, IsPutInPlaceByDayAndNeverWhileLockedIn) {
       return std::any_of(effects.begin(), effects.end(), [&](const auto& line) { return line.starts_with(start); });
     };
     EXPECT_EQ(has("update put in place"), row.placed);
-    EXPECT_EQ(has("left running: /bin/sh"), row.placed) << "and opened once this process is gone";
+    const bool reopened = std::any_of(effects.begin(), effects.end(), [&](const auto& line) {
+      return line.ends_with("; done; '" + bundle + "/Contents/Helpers/open' '" + bundle + "') &");
+    });
+    EXPECT_EQ(reopened, row.placed) << "once this process is gone";
     EXPECT_EQ(has("main window 1 made"), !row.placed && row.arguments.empty());
     EXPECT_EQ(program.machine.exitStatus() == 0, row.placed || !row.arguments.empty());
   }

@@ -178,7 +178,14 @@ class UpdateHelperTest(unittest.TestCase):
         self.assert_untouched()
         self.server.answers["/here"] = feed
         self.assertEqual(self.check()[-1], "ready 1.1")
-        # One that is newer still takes its place.
+        self.assertEqual(stat.S_IMODE(os.stat(self.store).st_mode), 0o700)
+        # It is taken back in favour of a newer one that cannot be had, or that waits to be fetched by hand.
+        self.offer("newer", "1.2", "16")
+        self.server.answers["/archive"] = None
+        self.assertEqual(self.check(), ["fetching 1.2", "not-fetched 1.2"])
+        self.assert_untouched()
+        self.offer()
+        self.check()
         self.offer("newer", "1.2", "16")
         self.assertEqual(self.check(), ["fetching 1.2", "ready 1.2"])
         self.assertEqual(self.run_helper("install"), ["installed 1.2"])
@@ -256,6 +263,15 @@ class UpdateHelperTest(unittest.TestCase):
                 damage()
                 self.assertEqual(self.run_helper("install"), verdicts)
                 self.assert_untouched()
+
+    def test_a_store_that_somebody_else_made_is_not_used(self):
+        elsewhere = tempfile.mkdtemp(dir=self.work)
+        os.mkdir(os.path.join(elsewhere, "trial"))
+        os.symlink(elsewhere, self.store)
+        self.offer()
+        self.assertEqual(self.check()[-1], "not-kept 1.1")
+        self.assertEqual(os.listdir(elsewhere), ["trial"])
+        self.assert_untouched()
 
     def test_a_bundle_of_the_administrators_is_left_alone(self):
         prefix = ()

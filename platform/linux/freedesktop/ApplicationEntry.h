@@ -14,7 +14,6 @@ class ApplicationEntry {
   explicit ApplicationEntry(std::string_view identifier);
 
   [[nodiscard]] const std::string& path() const { return path_; }
-  [[nodiscard]] const std::string& iconPath() const { return iconPath_; }
 
   /// Points the entry at this bundle, with the icon "dormel.svg" of its resources. Touches nothing that says so
   /// already.

@@ -137,6 +137,8 @@ std::vector<Command> settingsCommands(SettingsPage page, std::string_view curren
 }
 
 bool isSettingsProgram(std::string_view windowName) {
+  // Cinnamon's, opened on one page, has the page in its name: "cinnamon-settings universal-access".
+  windowName = windowName.substr(0, windowName.find(' '));
   return std::any_of(desktops().begin(), desktops().end(), [&](const Desktop& desktop) {
     return std::any_of(desktop.windows.begin(), desktop.windows.end(),
                        [&](const std::string& name) { return sameName(name, windowName); });

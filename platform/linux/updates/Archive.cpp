@@ -94,7 +94,9 @@ class Unpacking {
       case AE_IFLNK: {
         const char* target = archive_entry_symlink(entry);
         makeFolders(name.parent_path());
-        links_[name] = checkedTarget(name, target == nullptr ? "" : target);
+        if (!links_.emplace(name, checkedTarget(name, target == nullptr ? "" : target)).second) {
+          refuse("a name that comes twice", name.string());
+        }
         break;
       }
       default:

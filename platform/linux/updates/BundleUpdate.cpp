@@ -63,12 +63,16 @@ Verdict BundleUpdate::check(bool fetch) {
     return {Kind::unreadable};
   }
   const Offer* offer = newest(*offers);
-  if (const auto waits = store_.staged(); waits && (offer == nullptr || waits->build >= offer->build)) {
-    const bool stands =
-        std::any_of(offers->begin(), offers->end(), [&](const Offer& other) { return other.build == waits->build; });
-    if (stands) return {Kind::ready, waits->version.text()};
-    const FolderLock lock(applications_);
-    store_.clear();  // its maker took it back
+  if (const auto waits = store_.staged()) {
+    const bool stands = std::any_of(offers->begin(), offers->end(), [&](const Offer& other) {
+      return other.build == waits->build && other.signature == waits->signature;
+    });
+    if (stands && waits->build >= offer->build) return {Kind::ready, waits->version.text()};
+    if (!stands) {
+      // Its maker took it back. It must not be put in place either when the one that follows it cannot be fetched.
+      const FolderLock lock(applications_);
+      store_.clear();
+    }
   }
   if (offer == nullptr || offer->build <= facts_.build) return {Kind::current};
   if (!isOurs()) return {Kind::administrator, offer->version.text()};
@@ -94,15 +98,14 @@ Verdict BundleUpdate::fetchAndKeep(const Offer& offer, const Transfer& transfer)
   }
   // Unpacked once to see that it can be, and that it is what it says.
   Verdict verdict{Kind::ready, version};
-  const bool waited = store_.exists();
+  const bool waited = store_.staged().has_value();
   if (const auto trial = unpack(offer, archive.bytes, "trial", verdict)) {
     if (const auto failure = store_.keep(offer, archive.bytes)) {
       complain_(store_.folder() + ": " + failure->message);
       verdict.kind = Kind::notKept;
     }
   }
-  std::error_code ignored;
-  fs::remove_all(store_.folder() + "/trial", ignored);
+  store_.removeFolder("trial");
   if (verdict.kind != Kind::ready && !waited) store_.clear();
   return verdict;
 }
@@ -114,8 +117,7 @@ Verdict BundleUpdate::install() {
   // One that is not newer was put in place before, and what was left of it is swept away.
   Verdict verdict = offer && offer->build > facts_.build ? putInPlace(*offer) : Verdict{Kind::nothing};
   if (verdict.kind == Kind::administrator || verdict.kind == Kind::notKept) {
-    std::error_code ignored;
-    fs::remove_all(store_.folder() + "/new", ignored);  // the update itself may be luckier another time
+    store_.removeFolder("new");  // the update itself may be luckier another time
   } else {
     store_.clear();
   }

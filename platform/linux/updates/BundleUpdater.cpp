@@ -53,7 +53,7 @@ void BundleUpdater::checkForUpdates() {
 bool BundleUpdater::installStagedUpdate() {
   if (!options_.enabled || looking_) return false;
   const Verdict verdict = helper_.install();
-  if (verdict.kind != Verdict::Kind::nothing) say(verdict);
+  say(verdict);  // nothing, too: what seemed to wait was of no use any more
   return verdict.kind == Verdict::Kind::installed;
 }
 

@@ -2,7 +2,9 @@
 
 #include <curl/curl.h>
 
+#include <algorithm>
 #include <array>
+#include <chrono>
 #include <memory>
 #include <utility>
 
@@ -59,11 +61,13 @@ Fetched Transfer::fetch(const std::string& address, std::size_t largest, long se
   set(CURLOPT_LOW_SPEED_LIMIT, 1L);
   set(CURLOPT_LOW_SPEED_TIME, patience_.idle);
 
+  const auto begun = std::chrono::steady_clock::now();
   std::string at = address;
   for (int redirects = 0; redirects <= MOST_REDIRECTS; ++redirects) {
     body.bytes.clear();
     set(CURLOPT_URL, at.c_str());
-    set(CURLOPT_TIMEOUT, seconds);
+    const std::chrono::duration<double> spent = std::chrono::steady_clock::now() - begun;
+    set(CURLOPT_TIMEOUT, std::max(1L, seconds - static_cast<long>(spent.count())));
     complaint[0] = 0;
     const CURLcode result = curl_easy_perform(handle.get());
     long status = 0;

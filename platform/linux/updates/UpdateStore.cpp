@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <filesystem>
@@ -17,8 +18,11 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* ARCHIVE = "archive";
+constexpr const char* COMING = "archive.part";
 constexpr const char* OFFER = "update.json";
 constexpr std::uintmax_t LARGEST_OFFER = 16'384;
+
+FileError lastError() { return {std::generic_category().message(errno)}; }
 
 /// A regular file of a size that suits; nothing otherwise.
 template <typename Suits>
@@ -54,31 +58,53 @@ std::optional<std::string> UpdateStore::archive(const Offer& offer) const {
   return readFile(in(ARCHIVE), [&](std::uintmax_t size) { return size == offer.length; });
 }
 
+bool UpdateStore::isOurs() const {
+  struct stat info {};
+  return ::lstat(folder_.c_str(), &info) == 0 && S_ISDIR(info.st_mode) && info.st_uid == ::geteuid();
+}
+
+FileResult UpdateStore::openUp() const {
+  if (::mkdir(folder_.c_str(), 0700) == 0) return {};
+  if (errno != EEXIST) return lastError();
+  // In a folder that is everybody's, somebody else may have been here first: whoever owns this one could exchange what
+  // was verified.
+  if (!isOurs()) return FileError{std::generic_category().message(EPERM)};
+  if (::chmod(folder_.c_str(), 0700) != 0) return lastError();
+  return {};
+}
+
 FileResult UpdateStore::keep(const Offer& offer, std::string_view archive) const {
-  if (::mkdir(folder_.c_str(), 0700) != 0 && errno != EEXIST) return FileError{std::generic_category().message(errno)};
+  if (auto failure = openUp()) return failure;
+  posix::PosixFiles files;
+  // A disk that is full notices here, where what waited before still stands.
+  if (auto failure = files.writeAtomically(in(COMING), archive)) return failure;
   // In this order a description never stands beside an archive that it does not belong to.
   std::error_code ignored;
   fs::remove(in(OFFER), ignored);
-  posix::PosixFiles files;
-  FileResult failure = files.writeAtomically(in(ARCHIVE), archive);
+  FileResult failure = files.rename(in(COMING), in(ARCHIVE));
   if (!failure) failure = files.writeAtomically(in(OFFER), write(offer));
   if (failure) clear();
   return failure;
 }
 
 std::optional<std::string> UpdateStore::makeFolder(const std::string& name) const {
-  const std::string path = folder_ + "/" + name;
+  if (openUp()) return {};
+  const std::string path = in(name.c_str());
   std::error_code error;
   fs::remove_all(path, error);
-  fs::create_directory(folder_, error);
-  if (error || !fs::create_directory(path, error)) return {};
+  if (error || ::mkdir(path.c_str(), 0700) != 0) return {};
   return path;
+}
+
+void UpdateStore::removeFolder(const std::string& name) const {
+  std::error_code ignored;
+  if (isOurs()) fs::remove_all(in(name.c_str()), ignored);
 }
 
 void UpdateStore::clear() const {
   std::error_code ignored;
-  fs::remove(in(OFFER), ignored);
-  fs::remove_all(folder_, ignored);
+  if (isOurs()) fs::remove(in(OFFER), ignored);
+  fs::remove_all(folder_, ignored);  // of a link, the link
 }
 
 FolderLock::FolderLock(const std::string& folder)

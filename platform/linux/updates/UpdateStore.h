@@ -1,6 +1,7 @@
 // Where a verified update waits: a hidden folder beside the bundle, ".<bundle's name>.update", so that it lies on the
 // same disk and putting it in place is one rename. It holds the archive as it came, because only that can be verified
-// once more, and what is known of it. Several processes may use it, each under a FolderLock. Any thread.
+// once more, and what is known of it. Nobody but its owner reads or writes in it. Several processes may use it, each
+// under a FolderLock. Any thread.
 #pragma once
 
 #include <optional>
@@ -26,14 +27,20 @@ class UpdateStore {
   /// Its archive, if it has the length that it should have.
   [[nodiscard]] std::optional<std::string> archive(const Offer& offer) const;
 
-  /// Keeps an update in place of what waited before; half of one is never kept.
-  FileResult keep(const Offer& offer, std::string_view archive) const;
-  /// An empty folder in the store, replacing an earlier one of that name; nothing when the disk refuses.
+  /// Keeps an update in place of what waited before; half of one is never kept. On a full disk the earlier one stays.
+  [[nodiscard]] FileResult keep(const Offer& offer, std::string_view archive) const;
+  /// An empty folder in the store, replacing an earlier one of that name; nothing when the disk refuses,
+  /// or somebody else's folder stands in the store's place.
   [[nodiscard]] std::optional<std::string> makeFolder(const std::string& name) const;
+  void removeFolder(const std::string& name) const;
   /// Removes all of it, what waits first.
   void clear() const;
 
  private:
+  /// Whether the folder is a real one, and this user's.
+  [[nodiscard]] bool isOurs() const;
+  /// Sees to it that it is there, and that nobody else has anything to do in it.
+  [[nodiscard]] FileResult openUp() const;
   [[nodiscard]] std::string in(const char* name) const { return folder_ + "/" + name; }
 
   std::string folder_;

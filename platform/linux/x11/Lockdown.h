@@ -24,7 +24,6 @@ class Lockdown {
 
   /// On: at once, and again with every keyboard or keymap that comes. Off: everything is given back.
   void set(bool on);
-  [[nodiscard]] bool isOn() const { return isOn_; }
 
   /// Gives back what belongs to the server (the keymaps' actions; everything else ends with the connection), over
   /// a connection of its own: for the last moments of a process whose main thread may be stuck. Any thread.

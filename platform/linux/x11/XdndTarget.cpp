@@ -34,16 +34,18 @@ XdndTargetAtoms::XdndTargetAtoms(Connection& connection) {
 }
 
 XdndTarget findXdndTarget(Connection& connection, const XdndTargetAtoms& atoms, int x, int y) {
-  xcb_window_t window = connection.root();
+  const xcb_window_t root = connection.root();
+  xcb_window_t window = root;
   for (int depth = 0; depth < DEEPEST; ++depth) {
-    if (const auto target = awareWindow(connection, atoms, window)) return *target;
-    const auto cookie = xcb_translate_coordinates(connection, connection.root(), window, static_cast<std::int16_t>(x),
-                                                  static_cast<std::int16_t>(y));
+    const auto cookie =
+        xcb_translate_coordinates(connection, root, window, static_cast<std::int16_t>(x), static_cast<std::int16_t>(y));
     const auto reply = owned(xcb_translate_coordinates_reply(connection, cookie, nullptr));
     if (!reply || reply->child == XCB_NONE) break;
     window = reply->child;
+    if (const auto target = awareWindow(connection, atoms, window)) return *target;
   }
-  return {};
+  // Desktops that draw on the root window have its drops sent to them. Theirs are only those that meet no window.
+  return window == root ? awareWindow(connection, atoms, root).value_or(XdndTarget{}) : XdndTarget{};
 }
 
 }  // namespace dormel::x11

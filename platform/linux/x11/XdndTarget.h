@@ -20,7 +20,8 @@ struct XdndTargetAtoms {
   xcb_atom_t proxy;
 };
 
-/// Looks from the root window down. Windows that let the pointer through are not in the way.
+/// The outermost window there that takes drops; the root window only where no other is. Windows that let the pointer
+/// through are not in the way.
 [[nodiscard]] XdndTarget findXdndTarget(Connection& connection, const XdndTargetAtoms& atoms, int x, int y);
 
 }  // namespace dormel::x11
