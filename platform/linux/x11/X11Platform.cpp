@@ -39,7 +39,12 @@ X11Platform::~X11Platform() {
 }
 
 void X11Platform::setOnServerLost(Task onLost) {
-  if (connection_) connection_->setOnLost(std::move(onLost));
+  if (!connection_) return;
+  // Somebody may cut a tap's connection alone, and the lock would stand with the keyboard open until morning.
+  eventTaps_.setOnLost([this, onLost] {
+    if (isLockedDown_) onLost();
+  });
+  connection_->setOnLost(std::move(onLost));
 }
 
 void X11Platform::setOnScreensChanged(Task onChange) { screens_->setOnChange(std::move(onChange)); }
