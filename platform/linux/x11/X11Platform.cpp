@@ -3,6 +3,7 @@
 #include <chrono>
 #include <future>
 #include <limits>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -67,10 +68,14 @@ void X11Platform::lastWill() const {
   // A server that does not answer must not keep the process from ending.
   auto given = std::make_shared<std::promise<void>>();
   auto isGiven = given->get_future();
-  std::thread([given, display = display_] {
-    Lockdown::giveBackKeys(display);
-    given->set_value();
-  }).detach();
+  try {
+    std::thread([given, display = display_] {
+      Lockdown::giveBackKeys(display);
+      given->set_value();
+    }).detach();
+  } catch (const std::system_error&) {
+    return;  // no thread left on this machine: the next start gives them back
+  }
   isGiven.wait_for(LAST_WILL_LIMIT);
 }
 
