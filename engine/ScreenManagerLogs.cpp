@@ -29,7 +29,8 @@ void ScreenManager::logUnlock() {
   logQueue_->async([line = std::move(line), path = Config::unlockLogPath()] {
     Config::ensureLogDirectory();
     Files& files = platform().files;
-    if (!files.append(path, line)) files.write(path, line);
+    // A log that is there but cannot be opened right now loses this line, not the ones it has.
+    if (!files.append(path, line) && !files.exists(path)) files.write(path, line);
   });
 }
 

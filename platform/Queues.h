@@ -17,7 +17,8 @@ namespace dormel {
 class SerialQueue {
  public:
   virtual ~SerialQueue() = default;
-  /// Any thread. Returns at once.
+  /// Any thread. Returns at once. Where no thread can be had at the moment, the task waits for the next one handed
+  /// over.
   virtual void async(Task task) = 0;
 };
 
@@ -36,7 +37,8 @@ class Queues {
   /// `label` names the queue's thread in debuggers.
   [[nodiscard]] virtual std::unique_ptr<SerialQueue> makeSerial(std::string_view label) = 0;
 
-  /// Calls `tick` off the main thread, first after `first` seconds, then every `interval`, with no leeway.
+  /// Calls `tick` off the main thread, first after `first` seconds, then every `interval`, with no leeway. Where no
+  /// thread can be had, never.
   [[nodiscard]] virtual std::unique_ptr<BackgroundTimer> makeBackgroundTimer(Seconds first, Seconds interval,
                                                                              Task tick) = 0;
 };

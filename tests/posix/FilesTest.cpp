@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
+
+#include <csignal>
 
 #include "platform/linux/posix/PosixClock.h"
 #include "platform/linux/posix/PosixFiles.h"
@@ -34,6 +37,23 @@ TEST(PosixFiles, WritesWithModeAppendsAndReplaces) {
   EXPECT_EQ(files.read(folder), std::nullopt);
   EXPECT_FALSE(files.remove(home.path() + "/a"));
   EXPECT_TRUE(files.remove(home.path() + "/a")) << "already gone";
+}
+
+TEST(PosixFiles, AnAppendThatDoesNotFitLeavesNoHalfOfIt) {
+  const TemporaryHome home;
+  posix::PosixFiles files;
+  const std::string path = home.path() + "/log";
+  EXPECT_FALSE(files.write(path, "one\n", {}));
+  rlimit before{};
+  ::getrlimit(RLIMIT_FSIZE, &before);
+  const auto signal = ::signal(SIGXFSZ, SIG_IGN);
+  const rlimit sixBytes{6, before.rlim_max};  // "one\n" and half a line
+  ::setrlimit(RLIMIT_FSIZE, &sixBytes);
+  EXPECT_TRUE(files.append(path, "two\n"));
+  ::setrlimit(RLIMIT_FSIZE, &before);
+  ::signal(SIGXFSZ, signal);
+  EXPECT_TRUE(files.append(path, "three\n"));
+  EXPECT_EQ(files.read(path), "one\nthree\n");
 }
 
 TEST(PosixCalendar, FollowsTheTimeZoneThroughItsChanges) {

@@ -1,5 +1,6 @@
 // Queues, seats and the end of the process.
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 #include <atomic>
@@ -25,6 +26,27 @@ TEST(PosixQueues, RunsInOrderAndFinishesBeforeItGoes) {
     queue->async([&order] { order.push_back(1000); });
   }
   for (int i = 0; i <= 1000; ++i) ASSERT_EQ(order[static_cast<std::size_t>(i)], i);
+}
+
+TEST(PosixQueues, AMachineWithoutAThreadLeftCostsNobodyTheProcess) {
+  const TemporaryHome home;
+  EXPECT_EQ(statusAsOrdinaryUser(home.path(),
+                                 [] {
+                                   rlimit before{};
+                                   ::getrlimit(RLIMIT_NPROC, &before);
+                                   const rlimit none{0, before.rlim_max};
+                                   ::setrlimit(RLIMIT_NPROC, &none);
+                                   posix::PosixQueues queues;
+                                   const auto queue = queues.makeSerial("com.example.poor");
+                                   std::string done;
+                                   queue->async([&] { done += "first "; });
+                                   const auto timer = queues.makeBackgroundTimer(1, 1, [] {});
+                                   const bool refused = !queues.drain(0);
+                                   ::setrlimit(RLIMIT_NPROC, &before);
+                                   queue->async([&] { done += "second"; });
+                                   return refused && queues.drain(10) && done == "first second" ? 0 : 1;
+                                 }),
+            0);
 }
 
 TEST(PosixQueues, ATimerMayEndItselfFromItsOwnTick) {

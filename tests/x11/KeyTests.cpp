@@ -28,10 +28,10 @@ struct Tapped {
       : connection(server.client()),
         features(ServerFeatures::query(*connection)),
         taps(connection, features),
-        tap(taps.create([this](const KeyEvent& event) {
+        tap((taps.setOnLost([this] { ++cuts; }), taps.create([this](const KeyEvent& event) {
           events.push_back(event);
           return TapVerdict::swallow;
-        })),
+        }))),
         source(tap->makeRunLoopSource()) {}
 
   /// The keys' part of what came, as "v0 ^0 ~56:20002".
@@ -61,6 +61,7 @@ struct Tapped {
   ServerFeatures features;
   EventTapsX11 taps;
   std::vector<KeyEvent> events;
+  int cuts = 0;
   std::unique_ptr<EventTap> tap;
   std::unique_ptr<RunLoopSource> source;
 };
@@ -102,18 +103,18 @@ TEST(EventTap, TakesALostGrabBackAtOnce) {
   EXPECT_EQ(witness.keysSeen(), 0);
 
   // A meddling program takes down the window that the grab stands on.
-  const auto tree = owned(xcb_query_tree_reply(
-      witness.connection(), xcb_query_tree(witness.connection(), witness.connection().root()), nullptr));
-  const int count = xcb_query_tree_children_length(tree.get());
-  for (int i = 0; i < count; ++i) {
-    const xcb_window_t window = xcb_query_tree_children(tree.get())[i];
-    if (window != witness.window()) xcb_unmap_window(witness.connection(), window);
-  }
+  for (const xcb_window_t window : witness.others()) xcb_unmap_window(witness.connection(), window);
   witness.connection().sync();
   EXPECT_TRUE(until([&] { return tapped.losses() >= 2 && tapped.tap->isEnabled(); }));
   server->press(KEY_A);
   server->release(KEY_A);
   EXPECT_EQ(witness.keysSeen(), 0);
+
+  // Or cuts its connection: nothing brings that back, and its owner must know.
+  for (const xcb_window_t window : witness.others()) xcb_kill_client(witness.connection(), window);
+  witness.connection().sync();
+  EXPECT_TRUE(until([&] { return tapped.cuts == 1; }));
+  EXPECT_FALSE(tapped.tap->isEnabled());
 }
 
 TEST(EventTap, TellsSidesApartAndCarriesFiveKeysAtOnce) {

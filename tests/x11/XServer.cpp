@@ -303,4 +303,13 @@ void Witness::raise() {
   connection_->sync();
 }
 
+std::vector<xcb_window_t> Witness::others() {
+  const auto tree =
+      owned(xcb_query_tree_reply(*connection_, xcb_query_tree(*connection_, connection_->root()), nullptr));
+  const xcb_window_t* const children = xcb_query_tree_children(tree.get());
+  std::vector<xcb_window_t> others(children, children + xcb_query_tree_children_length(tree.get()));
+  std::erase(others, window_);
+  return others;
+}
+
 }  // namespace dormel::x11::test

@@ -89,6 +89,8 @@ class Witness {
   bool grabKeyboard();
   void ungrabKeyboard();
   void raise();
+  /// All top-level windows but its own.
+  [[nodiscard]] std::vector<xcb_window_t> others();
   [[nodiscard]] Connection& connection() { return *connection_; }
   [[nodiscard]] xcb_window_t window() const { return window_; }
 

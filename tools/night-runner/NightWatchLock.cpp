@@ -151,7 +151,7 @@ void NightWatch::checkGrace() {
     if (seen.others > 1 || (isSure && seen.others != (screens_.empty() ? 0 : 1))) fail(Rule::grace, "not one pill");
   }
   if (late(phaseBegan_, 5.9) && machine_.keyboard.isTaken()) fail(Rule::free, "the keyboard is still taken");
-  if (late(phaseBegan_, 300.2)) fail(Rule::grace, "a grace without end");
+  if (late(phaseBegan_, 300.1)) fail(Rule::grace, "a grace without end");
 }
 
 void NightWatch::checkDegraded() {

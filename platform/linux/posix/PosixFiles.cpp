@@ -16,7 +16,8 @@ namespace {
 
 FileError lastError() { return {std::generic_category().message(errno)}; }
 
-bool writeAll(int fd, std::string_view bytes) {
+/// Leaves in `bytes` what could not be written.
+bool writeAll(int fd, std::string_view& bytes) {
   while (!bytes.empty()) {
     const ssize_t written = ::write(fd, bytes.data(), bytes.size());
     if (written < 0 && errno == EINTR) continue;
@@ -126,7 +127,14 @@ FileResult PosixFiles::writeAtomically(const std::string& path, std::string_view
 bool PosixFiles::append(const std::string& path, std::string_view bytes) {
   const FileDescriptor file = openFile(path, O_WRONLY | O_APPEND | O_NONBLOCK);
   if (!file.valid()) return false;
-  writeAll(file.get(), bytes);
+  std::string_view rest = bytes;
+  if (writeAll(file.get(), rest) || rest.size() == bytes.size()) return true;
+  // A disk that got full took a part of it. What is appended next must not go on from there.
+  const off_t end = ::lseek(file.get(), 0, SEEK_CUR);
+  struct stat info {};
+  if (::fstat(file.get(), &info) == 0 && info.st_size == end) {
+    static_cast<void>(!::ftruncate(file.get(), end - static_cast<off_t>(bytes.size() - rest.size())));
+  }
   return true;
 }
 

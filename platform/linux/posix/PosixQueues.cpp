@@ -7,6 +7,7 @@
 #include <condition_variable>
 #include <deque>
 #include <string>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -24,10 +25,20 @@ void nameThisThread(std::string name) {
   pthread_setname_np(pthread_self(), name.c_str());
 }
 
+/// A thread of its own for `work`, or none where the machine has none left: whoever asked does without rather than die
+/// of it.
+std::thread startThread(Task work) {
+  try {
+    return std::thread(std::move(work));
+  } catch (const std::system_error&) {
+    return {};
+  }
+}
+
 class ThreadTimer final : public BackgroundTimer {
  public:
   ThreadTimer(Seconds first, Seconds interval, Task tick) : state_(std::make_shared<State>()) {
-    std::thread([state = state_, first, interval, tick = std::move(tick)] {
+    std::thread thread = startThread([state = state_, first, interval, tick = std::move(tick)] {
       nameThisThread("watchdog");
       auto next = Steady::now() + steady(first);
       std::unique_lock lock(state->mutex);
@@ -37,7 +48,8 @@ class ThreadTimer final : public BackgroundTimer {
         lock.lock();
         next = std::max(next + steady(interval), Steady::now());
       }
-    }).detach();  // it may be destroyed by its own tick, which cannot join itself
+    });
+    if (thread.joinable()) thread.detach();  // it may be destroyed by its own tick, which cannot join itself
   }
   ThreadTimer(const ThreadTimer&) = delete;
   ThreadTimer& operator=(const ThreadTimer&) = delete;
@@ -73,7 +85,7 @@ class PosixQueues::Serial final : public SerialQueue {
   void async(Task task) override {
     const std::lock_guard lock(mutex_);
     tasks_.push_back(std::move(task));
-    if (!thread_.joinable()) thread_ = std::thread([this] { run(); });
+    if (!thread_.joinable()) thread_ = startThread([this] { run(); });
     wake_.notify_all();
   }
 

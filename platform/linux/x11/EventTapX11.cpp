@@ -126,6 +126,7 @@ std::unique_ptr<EventTap> EventTapsX11::create(std::function<TapVerdict(const Ke
   if (!own) return nullptr;
   const ServerFeatures input = ServerFeatures::queryInput(*own);
   if (!input.xinput22) return nullptr;
+  own->setOnLost(onLost_);
   return std::make_unique<EventTapX11>(
       std::make_shared<TapX11>(std::move(own), input.xinputOpcode, std::move(callback)));
 }

@@ -5,7 +5,7 @@
 
 #include <functional>
 #include <memory>
-#include <string>
+#include <utility>
 
 #include "platform/Keyboard.h"
 #include "platform/linux/x11/ServerFeatures.h"
@@ -14,14 +14,19 @@ namespace dormel::x11 {
 
 class EventTapsX11 : public EventTaps {
  public:
-  /// Every tap gets a connection of its own to `display`. Without a connection there are no taps.
+  /// Every tap gets a connection of its own to the same display. Without a connection there are no taps.
   EventTapsX11(std::shared_ptr<Connection> connection, const ServerFeatures& features);
+
+  /// Called from the run loop when a tap made from now on loses its connection: it neither swallows nor tells
+  /// anything any more, and enabling it again does not help.
+  void setOnLost(Task onLost) { onLost_ = std::move(onLost); }
 
   [[nodiscard]] std::unique_ptr<EventTap> create(std::function<TapVerdict(const KeyEvent&)> callback) override;
 
  private:
   std::shared_ptr<Connection> connection_;
   ServerFeatures features_;
+  Task onLost_;
 };
 
 }  // namespace dormel::x11

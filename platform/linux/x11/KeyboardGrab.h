@@ -20,7 +20,7 @@ class KeyboardGrab {
   ~KeyboardGrab();
 
   void want(bool wanted);
-  [[nodiscard]] bool isHeld() const { return isHeld_; }
+  [[nodiscard]] bool isHeld() const { return isHeld_ && connection_->isAlive(); }
 
  private:
   void handle(const xcb_generic_event_t& event);

@@ -26,14 +26,8 @@ xcb_cursor_t makeBlankCursor(Connection& connection) {
   return cursor;
 }
 
-PointerGrab::PointerGrab(std::shared_ptr<Connection> connection)
-    : connection_(std::move(connection)), window_(connection_->newId()) {
-  const xcb_cursor_t cursor = makeBlankCursor(*connection_);
-  const std::uint32_t values[] = {1, XCB_EVENT_MASK_LEAVE_WINDOW | XCB_EVENT_MASK_STRUCTURE_NOTIFY, cursor};
-  xcb_create_window(*connection_, XCB_COPY_FROM_PARENT, window_, connection_->root(), -2, -2, 1, 1, 0,
-                    XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT,
-                    XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK | XCB_CW_CURSOR, values);
-  xcb_free_cursor(*connection_, cursor);
+PointerGrab::PointerGrab(std::shared_ptr<Connection> connection) : connection_(std::move(connection)) {
+  makeWindow();
   subscription_ = connection_->subscribe([this](const xcb_generic_event_t& event) { handle(event); });
   retry_.setInterval(RETRY_MILLISECONDS);
   QObject::connect(&retry_, &QTimer::timeout, [this] { attempt(); });
@@ -42,6 +36,16 @@ PointerGrab::PointerGrab(std::shared_ptr<Connection> connection)
 PointerGrab::~PointerGrab() {
   want(false);
   xcb_destroy_window(*connection_, window_);
+}
+
+void PointerGrab::makeWindow() {
+  window_ = connection_->newId();
+  const xcb_cursor_t cursor = makeBlankCursor(*connection_);
+  const std::uint32_t values[] = {1, XCB_EVENT_MASK_LEAVE_WINDOW | XCB_EVENT_MASK_STRUCTURE_NOTIFY, cursor};
+  xcb_create_window(*connection_, XCB_COPY_FROM_PARENT, window_, connection_->root(), -2, -2, 1, 1, 0,
+                    XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT,
+                    XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK | XCB_CW_CURSOR, values);
+  xcb_free_cursor(*connection_, cursor);
 }
 
 void PointerGrab::want(bool wanted) {
@@ -73,17 +77,19 @@ void PointerGrab::attempt() {
 }
 
 void PointerGrab::handle(const xcb_generic_event_t& event) {
-  if (!isWanted_) return;
   switch (event.response_type & 0x7f) {
     case XCB_LEAVE_NOTIFY: {
       const auto& leave = reinterpret_cast<const xcb_leave_notify_event_t&>(event);
-      if (leave.event == window_ && leave.mode == XCB_NOTIFY_MODE_UNGRAB) attempt();
+      if (isWanted_ && leave.event == window_ && leave.mode == XCB_NOTIFY_MODE_UNGRAB) attempt();
       break;
     }
     case XCB_UNMAP_NOTIFY:
-      if (reinterpret_cast<const xcb_unmap_notify_event_t&>(event).window != window_) break;
-      xcb_map_window(*connection_, window_);
-      attempt();
+      if (reinterpret_cast<const xcb_unmap_notify_event_t&>(event).window == window_ && isWanted_) want(true);
+      break;
+    case XCB_DESTROY_NOTIFY:
+      if (reinterpret_cast<const xcb_destroy_notify_event_t&>(event).window != window_) break;
+      makeWindow();
+      if (isWanted_) want(true);
       break;
     default:
       break;

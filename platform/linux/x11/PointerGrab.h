@@ -21,10 +21,11 @@ class PointerGrab {
 
  private:
   void handle(const xcb_generic_event_t& event);
+  void makeWindow();
   void attempt();
 
   std::shared_ptr<Connection> connection_;
-  xcb_window_t window_;
+  xcb_window_t window_ = XCB_NONE;
   bool isWanted_ = false;
   bool isHeld_ = false;
   QTimer retry_;

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <future>
 #include <limits>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -39,7 +40,12 @@ X11Platform::~X11Platform() {
 }
 
 void X11Platform::setOnServerLost(Task onLost) {
-  if (connection_) connection_->setOnLost(std::move(onLost));
+  if (!connection_) return;
+  // Somebody may cut a tap's connection alone, and the lock would stand with the keyboard open until morning.
+  eventTaps_.setOnLost([this, onLost] {
+    if (isLockedDown_) onLost();
+  });
+  connection_->setOnLost(std::move(onLost));
 }
 
 void X11Platform::setOnScreensChanged(Task onChange) { screens_->setOnChange(std::move(onChange)); }
@@ -62,10 +68,14 @@ void X11Platform::lastWill() const {
   // A server that does not answer must not keep the process from ending.
   auto given = std::make_shared<std::promise<void>>();
   auto isGiven = given->get_future();
-  std::thread([given, display = display_] {
-    Lockdown::giveBackKeys(display);
-    given->set_value();
-  }).detach();
+  try {
+    std::thread([given, display = display_] {
+      Lockdown::giveBackKeys(display);
+      given->set_value();
+    }).detach();
+  } catch (const std::system_error&) {
+    return;  // no thread left on this machine: the next start gives them back
+  }
   isGiven.wait_for(LAST_WILL_LIMIT);
 }
 

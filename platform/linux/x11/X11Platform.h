@@ -31,7 +31,8 @@ class X11Platform {
   ~X11Platform();
 
   [[nodiscard]] bool hasDisplay() const { return connection_ != nullptr; }
-  /// Called once when the server is gone: nothing shows any more and nothing will.
+  /// Called when the server is gone (nothing shows any more and nothing will), and when a lockdown has lost the
+  /// connection that takes the keyboard. Where one follows the other, for each.
   void setOnServerLost(Task onLost);
   void setOnScreensChanged(Task onChange);
 
