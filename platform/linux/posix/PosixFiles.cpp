@@ -125,7 +125,7 @@ FileResult PosixFiles::writeAtomically(const std::string& path, std::string_view
 
 bool PosixFiles::append(const std::string& path, std::string_view bytes) {
   const FileDescriptor file = openFile(path, O_WRONLY | O_APPEND | O_NONBLOCK);
-  if (!file.valid()) return false;
+  if (!file.valid()) return errno != ENOENT;
   writeAll(file.get(), bytes);
   return true;
 }
