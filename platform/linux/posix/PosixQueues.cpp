@@ -7,6 +7,7 @@
 #include <condition_variable>
 #include <deque>
 #include <string>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -73,7 +74,11 @@ class PosixQueues::Serial final : public SerialQueue {
   void async(Task task) override {
     const std::lock_guard lock(mutex_);
     tasks_.push_back(std::move(task));
-    if (!thread_.joinable()) thread_ = std::thread([this] { run(); });
+    try {
+      if (!thread_.joinable()) thread_ = std::thread([this] { run(); });
+    } catch (const std::system_error&) {
+      // No more threads for this user now. The next task tries again; a lock does not end because of its log.
+    }
     wake_.notify_all();
   }
 
