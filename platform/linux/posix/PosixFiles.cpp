@@ -26,7 +26,7 @@ bool writeAll(int fd, std::string_view bytes) {
   return true;
 }
 
-/// Our own files are never reached through a symbolic link's dangling end; following links is the user's wish.
+/// Follows links: where one of our files is to lie is the user's to say.
 FileDescriptor openFile(const std::string& path, int flags, unsigned mode = 0) {
   for (;;) {
     const int fd = ::open(path.c_str(), flags | O_CLOEXEC, mode);

@@ -28,7 +28,7 @@ void nameThisThread(std::string name) {
 class ThreadTimer final : public BackgroundTimer {
  public:
   ThreadTimer(Seconds first, Seconds interval, Task tick) : state_(std::make_shared<State>()) {
-    std::thread([state = state_, first, interval, tick = std::move(tick)] {
+    auto run = [state = state_, first, interval, tick = std::move(tick)] {
       nameThisThread("watchdog");
       auto next = Steady::now() + steady(first);
       std::unique_lock lock(state->mutex);
@@ -38,7 +38,12 @@ class ThreadTimer final : public BackgroundTimer {
         lock.lock();
         next = std::max(next + steady(interval), Steady::now());
       }
-    }).detach();  // it may be destroyed by its own tick, which cannot join itself
+    };
+    try {
+      std::thread(std::move(run)).detach();  // it may be destroyed by its own tick, which cannot join itself
+    } catch (const std::system_error&) {
+      // No more threads for this user now. What the main thread checks has to do.
+    }
   }
   ThreadTimer(const ThreadTimer&) = delete;
   ThreadTimer& operator=(const ThreadTimer&) = delete;
