@@ -54,7 +54,8 @@ bool install(const std::string& executable) {
     platform().output.print("AgentManager: failed to serialise plist");
     return false;
   }
-  if (const auto error = files.write(plistPath(), *xml)) {
+  // In one step: the list that stood there is what brings the lock back at the next login, should the disk be full.
+  if (const auto error = files.writeAtomically(plistPath(), *xml)) {
     platform().output.print("AgentManager: failed to write plist: " + error->message);
     return false;
   }

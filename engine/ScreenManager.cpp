@@ -1,5 +1,6 @@
 #include "engine/ScreenManager.h"
 
+#include <chrono>
 #include <string>
 #include <utility>
 
@@ -20,6 +21,16 @@ void print(const std::string& line) { platform().output.print(line); }
 void exitCleanly() { platform().process.exit(0); }
 
 bool isBlockingNow() { return Config::isBlockingNow(platform().clock.now()); }
+
+/// There is nothing to block. But an end takes its time, seconds on a disk that hangs, and should the start hour strike
+/// meanwhile, the scheduler sees this run alive and starts no other: the night would go by unlocked. So the last thing
+/// it does is to look again, a moment ahead, and to have itself started again.
+void exitUnlessItBegins() {
+  platform().process.exit([] {
+    const Date soon = platform().clock.now() + std::chrono::milliseconds(250);
+    return Config::onboardingComplete() && Config::blockingEnabled() && Config::isBlockingNow(soon) ? 1 : 0;
+  });
+}
 
 std::vector<Rect> frames(const std::vector<Screen>& screens) {
   std::vector<Rect> signature;
@@ -51,16 +62,16 @@ void ScreenManager::activate(bool hasAccessibility) {
   hasAccessibility_ = hasAccessibility;
   if (!Config::onboardingComplete()) {
     print("Onboarding not complete — not blocking. Exiting.");
-    exitCleanly();
+    exitUnlessItBegins();
   }
   if (!Config::blockingEnabled()) {
     print("Dormel is disabled by the user — not blocking. Exiting.");
-    exitCleanly();
+    exitUnlessItBegins();
   }
   if (!isBlockingNow()) {
     print("Outside blocking hours (" + std::to_string(Config::startHour()) + ":00–" +
           std::to_string(Config::endHour()) + ":00). Exiting.");
-    exitCleanly();
+    exitUnlessItBegins();
   }
   if (hasAccessibility) {
     beginBlocking();

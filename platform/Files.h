@@ -44,7 +44,7 @@ class Files {
   virtual FileResult writeAtomically(const std::string& path, std::string_view bytes) = 0;
 
   /// Adds `bytes` at the end of an existing file in one write, or nothing where they do not fit. False when there is
-  /// no such file that can be opened for writing; a failure after that is dropped.
+  /// no such file; any other failure is dropped, because whoever then wrote the file anew would lose what is in it.
   virtual bool append(const std::string& path, std::string_view bytes) = 0;
 
   /// Renames within one volume, replacing what stands at `to`, in one step.

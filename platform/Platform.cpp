@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "platform/Defaults.h"
+#include "platform/Process.h"
 #include "platform/RunLoop.h"
 
 namespace dormel {
@@ -40,6 +41,11 @@ PlatformScope::~PlatformScope() {
   currentScope = previousScope_;
   inForce = previous_;
   generation = previousGeneration_;
+}
+
+void Process::exit(int status) {
+  exit([status] { return status; });
+  std::abort();  // unreachable; the compiler does not know it of a virtual call
 }
 
 Timer::Timer(Timer&& other) noexcept : loop_(other.loop_), id_(std::exchange(other.id_, TimerId::none)) {}

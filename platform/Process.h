@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,9 +15,12 @@ class Process {
  public:
   virtual ~Process() = default;
 
-  /// Ends the process with `status`, after the serial queues have run dry (two seconds at most). Any thread:
-  /// a stuck main thread does not stop it.
-  [[noreturn]] virtual void exit(int status) = 0;
+  using ExitStatus = std::function<int()>;
+
+  /// Ends the process after the serial queues have run dry (two seconds at most), with what `status` answers at the
+  /// very end, on the calling thread. Any thread: a stuck main thread does not stop it.
+  [[noreturn]] virtual void exit(const ExitStatus& status) = 0;
+  [[noreturn]] void exit(int status);
 
   /// This process's id.
   [[nodiscard]] virtual int processId() const = 0;

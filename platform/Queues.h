@@ -13,7 +13,7 @@ namespace dormel {
 
 /// Runs its tasks one at a time, in the order they were handed over, never on the main thread.
 /// What was handed over is still run when the queue is destroyed or the process ends in an orderly way
-/// (`ProcessControl::exit`), within a bound of two seconds at the latter: a hung disk must not keep the lock up.
+/// (`Process::exit`), within a bound of two seconds at the latter: a hung disk must not keep the lock up.
 class SerialQueue {
  public:
   virtual ~SerialQueue() = default;

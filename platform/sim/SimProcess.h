@@ -17,7 +17,8 @@ class SimProcess : public Process {
   SimProcess(SimTimeline& timeline, SimJournal& journal) : timeline_(timeline), journal_(journal) {}
 
   /// Unwinds to the machine, which lets the serial queues run dry and then runs nothing of this process any more.
-  [[noreturn]] void exit(int status) override { timeline_.exit(status); }
+  using Process::exit;
+  [[noreturn]] void exit(const ExitStatus& status) override { timeline_.exit(status); }
   [[nodiscard]] int processId() const override { return 4711; }
   [[nodiscard]] unsigned userId() const override { return 1000; }
   void onTerminationSignal(Task handler) override { terminationHandler_ = std::move(handler); }

@@ -90,7 +90,7 @@ bool SimTimeline::dispatch(Place place, Work&& work) {
     Place before;
     ~Restore() { place = before; }
   };
-  std::optional<int> status;
+  std::function<int()> status;
   {
     const Restore restore{place_, std::exchange(place_, place)};
     try {
@@ -100,11 +100,11 @@ bool SimTimeline::dispatch(Place place, Work&& work) {
     }
   }
   if (!status) return true;
-  endProcess(*status, true);
+  endProcess(status, true);
   return false;
 }
 
-void SimTimeline::exit(int status) {
+void SimTimeline::exit(const std::function<int()>& status) {
   if (leaving_) leaving_(true);
   throw Exit{status};
 }
@@ -112,10 +112,10 @@ void SimTimeline::exit(int status) {
 void SimTimeline::killProcess(int status) {
   if (!processRuns_) return;
   if (leaving_) leaving_(true);
-  endProcess(status, false);
+  endProcess([status] { return status; }, false);
 }
 
-void SimTimeline::endProcess(int status, bool drain) {
+void SimTimeline::endProcess(const std::function<int()>& status, bool drain) {
   if (!processRuns_) return;
   main_.clear();
   background_.clear();
@@ -132,12 +132,13 @@ void SimTimeline::endProcess(int status, bool drain) {
     place_ = before;
   }
   if (leaving_) leaving_(true);
+  const int code = status();
   processRuns_ = false;
   main_.clear();
   background_.clear();
   serial_.clear();
   mainFreeAt_ = 0;
-  if (ended_) ended_(status);
+  if (ended_) ended_(code);
 }
 
 void SimTimeline::clear() {

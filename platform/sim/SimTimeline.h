@@ -62,8 +62,9 @@ class SimTimeline {
   void startProcess() { processRuns_ = true; }
   /// Ends the process from outside, at once: nothing of it runs any more, not even its serial queues.
   void killProcess(int status);
-  /// Ends the process from inside: unwinds to the timeline, which lets the serial queues run dry.
-  [[noreturn]] void exit(int status);
+  /// Ends the process from inside: unwinds to the timeline, which lets the serial queues run dry and then asks for the
+  /// status.
+  [[noreturn]] void exit(const std::function<int()>& status);
   /// `leaving` is told when the process stops running its own code (and again, with false, while the serial queues
   /// get their last turn); `ended` when it is gone for good, its events dropped.
   void setProcessHooks(std::function<void(bool)> leaving, std::function<void(int)> ended) {
@@ -79,14 +80,14 @@ class SimTimeline {
 
  private:
   struct Exit {
-    int status;
+    std::function<int()> status;
   };
 
   [[nodiscard]] SimEventQueue::Key after(Seconds delay) { return {uptime_ + toMicros(delay), ++sequence_}; }
   bool runNextUpTo(Micros limit);
   template <typename Work>
   bool dispatch(Place place, Work&& work);
-  void endProcess(int status, bool drain);
+  void endProcess(const std::function<int()>& status, bool drain);
 
   Date wall_;  // the wall clock when uptime was 0
   Micros uptime_ = 0;

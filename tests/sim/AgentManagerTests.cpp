@@ -85,10 +85,11 @@ TEST(AgentManager, SaysWhatWentWrong) {
   EXPECT_FALSE(AgentManager::isLoaded());
 
   effects(machine);
-  machine.files.erase(PLIST);
+  const std::string before = machine.files.content(PLIST);
   machine.files.setFreeBytes(0);
   EXPECT_FALSE(AgentManager::install());
   EXPECT_EQ(effects(machine), Effects{"out: AgentManager: failed to write plist: No space left on device"});
+  EXPECT_EQ(machine.files.content(PLIST), before) << "the next login has nothing to load";
   machine.files.setFreeBytes({});
   machine.bundle.setPath("/home/user/\xff.app");
   EXPECT_FALSE(AgentManager::install());

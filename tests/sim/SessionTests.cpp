@@ -1,6 +1,7 @@
 // One session: whether it locks, what it watches, and how it ends.
 #include <gtest/gtest.h>
 
+#include "core/DebugLog.h"
 #include "tests/sim/Night.h"
 
 namespace dormel {
@@ -38,6 +39,21 @@ TEST(Session, LocksOnlyWhenEverythingSaysSo) {
     const std::string at = std::string(row.moment).substr(11) + ".000 ";
     EXPECT_EQ(night.machine.journal.lines(), (Lines{at + "start --scheduled", at + "out: " + row.line, at + "exit 0"}))
         << row.name;
+  }
+}
+
+TEST(Session, IsStartedAgainWhenTheHourStrikesWhileItEnds) {
+  Night night;
+  night.machine.defaults.putBoolean(defaultsKey::debugLoggingEnabled, true);
+  night.machine.timeline.setSerialQueuesHang(true);
+  night.machine.setProgram([](const Lines&) -> std::shared_ptr<void> {
+    DebugLog::shared().append("something for the disk that hangs");
+    ScreenManager::create([] { return std::make_shared<BlankCard>(); })->activate(true);
+    return nullptr;
+  });
+  for (const auto& [moment, status] : {std::pair("2026-11-16 21:59:57", 0), {"2026-11-16 21:59:59", 1}}) {
+    night.begin(moment);
+    EXPECT_EQ(night.machine.exitStatus(), status) << moment;
   }
 }
 

@@ -287,14 +287,15 @@ void NightWatch::processEnded() {
   const int status = machine_.endings().back().status;
   const bool wasArmed =
       storedFlag(defaultsKey::blockingEnabled, true) && storedFlag(defaultsKey::onboardingComplete, false);
+  const bool hoursBegin = scheduled_ && wasArmed && phaseBefore_ == Phase::none && !hoursWereOn() &&
+                          hoursAreOn(machine_.timeline.now() + std::chrono::milliseconds(250));
   if (status == 0) {
     const bool nothingLocked = phaseBefore_ == Phase::degraded || phaseBefore_ == Phase::opened;
     const bool neverBegan = phaseBefore_ == Phase::none && !wasArmed;
-    const bool over = !hoursOn_ || !hoursWereOn();
-    if (scheduled_ ? !(over || neverBegan || (quitAsked_ && nothingLocked)) : !quitAsked_) {
+    if (scheduled_ ? !(!hoursOn_ || neverBegan || (quitAsked_ && nothingLocked)) : !quitAsked_) {
       fail(Rule::status, "status 0 that was not planned");
     }
-  } else if (status == 1 ? !termAt_ : !deathExpected_) {
+  } else if (status == 1 ? !(termAt_ || hoursBegin) : !deathExpected_) {
     fail(Rule::status, "ended with " + std::to_string(status) + ", and nobody asked for it");
   }
   if (deathExpected_) {

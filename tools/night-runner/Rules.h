@@ -41,7 +41,8 @@ struct RuleText {
 inline constexpr std::array<RuleText, 21> RULES{{
     {"lock",
      "a scheduled run inside the hours, set up, switched on and permitted, locks at once; without the permission it "
-     "shows its card and locks within 3 s of getting it; any other ends with status 0, and nothing was seen of it"},
+     "shows its card and locks within 3 s of getting it; any other ends with status 0, or is started again if the "
+     "hours begin while it ends, and nothing was seen of it"},
     {"cover",
      "while locked, every screen has exactly one blocker on it, black, above everything, as large as the screen, and "
      "there is no other; a screen that comes or changes has it within 0.1 s of working time"},
@@ -75,7 +76,7 @@ inline constexpr std::array<RuleText, 21> RULES{{
     {"hours", "outside the hours the process has ended after 10 s, and the screens are free, whatever is stuck"},
     {"status",
      "status 0 exactly for planned ends (nothing to lock, the hours over, quit while nothing is locked), 1 after the "
-     "termination signal, and no end that nobody asked for"},
+     "termination signal or when the hours begin in a run's last moments, and no end that nobody asked for"},
     {"restart", "a scheduled run that ended in any other way runs again after a second"},
     {"unlock-log",
      "every unlock adds its line, with its number, its hold and its moment, in order; nothing else ever changes in "

@@ -15,7 +15,8 @@ namespace {
 void appendTo(const std::string& path, int stream) {
   if (path.empty()) return;
   freedesktop::createFolders(path.substr(0, path.rfind('/')));
-  const int file = ::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NOCTTY, 0666);
+  // Not to wait for the reader of a pipe that somebody put there; a file knows no difference.
+  const int file = ::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NOCTTY | O_NONBLOCK, 0666);
   if (file < 0) return;
   if (file == stream) return;
   ::dup2(file, stream);

@@ -27,7 +27,7 @@ bool writeAll(int fd, std::string_view& bytes) {
   return true;
 }
 
-/// Our own files are never reached through a symbolic link's dangling end; following links is the user's wish.
+/// Follows links: where one of our files is to lie is the user's to say.
 FileDescriptor openFile(const std::string& path, int flags, unsigned mode = 0) {
   for (;;) {
     const int fd = ::open(path.c_str(), flags | O_CLOEXEC, mode);
@@ -126,7 +126,7 @@ FileResult PosixFiles::writeAtomically(const std::string& path, std::string_view
 
 bool PosixFiles::append(const std::string& path, std::string_view bytes) {
   const FileDescriptor file = openFile(path, O_WRONLY | O_APPEND | O_NONBLOCK);
-  if (!file.valid()) return false;
+  if (!file.valid()) return errno != ENOENT;
   std::string_view rest = bytes;
   if (writeAll(file.get(), rest) || rest.size() == bytes.size()) return true;
   // A disk that got full took a part of it. What is appended next must not go on from there.

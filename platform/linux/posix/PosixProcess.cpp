@@ -59,14 +59,14 @@ PosixProcess::PosixProcess(PosixQueues& queues, Seats seats, WatchReadable watch
   ::signal(SIGPIPE, SIG_IGN);
 }
 
-void PosixProcess::exit(int status) {
+void PosixProcess::exit(const ExitStatus& status) {
   static std::atomic_flag leaving;
   if (leaving.test_and_set()) {
     for (;;) ::pause();  // another thread is on its way out already, with its own status
   }
   queues_.drain(DRAIN_LIMIT);
   for (const Task& action : beforeExit_) action();
-  std::_Exit(status);
+  std::_Exit(status());
 }
 
 int PosixProcess::processId() const { return ::getpid(); }

@@ -32,7 +32,8 @@ class PosixProcess final : public Process {
   /// Adds something to be done at every exit, on whichever thread exits; it must not depend on the main thread.
   void beforeExit(Task action) { beforeExit_.push_back(std::move(action)); }
 
-  [[noreturn]] void exit(int status) override;
+  using Process::exit;
+  [[noreturn]] void exit(const ExitStatus& status) override;
   [[nodiscard]] int processId() const override;
   [[nodiscard]] unsigned userId() const override;
   void onTerminationSignal(Task handler) override { onSignal(15, std::move(handler)); }

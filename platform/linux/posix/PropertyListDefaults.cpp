@@ -19,14 +19,29 @@ namespace {
 /// Holds the store's file lock. Without one (the folder cannot be written) there is nothing to guard either.
 class Locked {
  public:
-  explicit Locked(const std::string& path) : file_(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600)) {
-    while (file_.valid() && ::flock(file_.get(), LOCK_EX) != 0 && errno == EINTR) {
+  enum class Wait { no, yes };
+
+  explicit Locked(const std::string& path, Wait wait = Wait::yes)
+      : file_(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600)) {
+    const int how = LOCK_EX | (wait == Wait::yes ? 0 : LOCK_NB);
+    while (file_.valid() && ::flock(file_.get(), how) != 0) {
+      if (errno == EINTR) continue;
+      isAnothers_ = errno == EWOULDBLOCK;
+      break;
     }
   }
+  [[nodiscard]] bool isAnothers() const { return isAnothers_; }
 
  private:
   FileDescriptor file_;
+  bool isAnothers_ = false;
 };
+
+std::optional<PropertyListDictionary> dictionaryIn(const std::optional<std::string>& bytes) {
+  auto root = bytes ? readXmlPropertyList(*bytes) : std::nullopt;
+  auto* dictionary = root ? std::get_if<PropertyListDictionary>(&root->value) : nullptr;
+  return dictionary == nullptr ? std::nullopt : std::optional(std::move(*dictionary));
+}
 
 }  // namespace
 
@@ -40,6 +55,7 @@ PropertyListDefaults::PropertyListDefaults(Files& files, StandardOutput& output,
       output_(output),
       folder_(files.homeDirectory() + "/Library/Preferences"),
       path_(folder_ + "/" + domain + ".plist"),
+      copyPath_(path_ + ".good"),
       lockPath_(folder_ + "/." + domain + ".lock") {}
 
 std::optional<PropertyListValue> PropertyListDefaults::object(std::string_view key) const {
@@ -68,8 +84,10 @@ void PropertyListDefaults::removeDomain() {
   unwritten_.clear();
   {
     const Locked lock(lockPath_);
+    files_.remove(copyPath_);  // first: without the file it would count as the settings
     files_.remove(path_);
     stored_.clear();
+    isWhole_ = false;
     known_ = identity();
   }
   files_.remove(lockPath_);
@@ -95,37 +113,56 @@ std::optional<PropertyListDefaults::Identity> PropertyListDefaults::identity() c
 void PropertyListDefaults::refresh() const {
   const auto present = identity();
   if (loaded_ && present == known_) return;
-  load();
+  load(false);
 }
 
-bool PropertyListDefaults::load() const {
+bool PropertyListDefaults::load(bool isLocked) const {
   loaded_ = true;
-  stored_.clear();
   known_ = identity();
-  if (!known_) return true;  // nothing was ever stored
-  const auto bytes = files_.read(path_);
-  if (!bytes) {
-    complain("cannot be read; using the default settings");
-    return false;
-  }
-  auto root = readXmlPropertyList(*bytes);
-  auto* dictionary = root ? std::get_if<PropertyListDictionary>(&root->value) : nullptr;
-  if (dictionary == nullptr) {
-    keepAside();
+  const auto bytes = known_ ? files_.read(path_) : std::nullopt;
+  if (auto entries = dictionaryIn(bytes)) {
+    stored_ = std::move(*entries);
+    isWhole_ = true;
+    lastComplaint_.clear();
     return true;
   }
-  stored_ = std::move(*dictionary);
-  lastComplaint_.clear();
-  return true;
+  const bool isUnreadable = known_ && !bytes;
+  const auto copy = files_.read(copyPath_);
+  if (identity() != known_) return load(isLocked);  // another process replaced it meanwhile
+  if (!known_ && !copy) {                           // nothing was ever stored, or it was removed
+    stored_.clear();
+    isWhole_ = false;
+    return true;
+  }
+  std::optional<std::string> trouble;
+  if (isUnreadable) {
+    trouble = "cannot be read";
+  } else if (known_) {
+    trouble = keepAside(isLocked);
+  } else if (!isWhole_) {
+    trouble = "is gone";
+  }
+  if (!isWhole_) {
+    auto entries = dictionaryIn(copy);
+    isWhole_ = entries.has_value();
+    stored_ = std::move(entries).value_or(PropertyListDictionary{});
+  }
+  if (trouble) complain(*trouble + (isWhole_ ? "; using what it said before" : "; using the default settings"));
+  return !isUnreadable;
 }
 
-void PropertyListDefaults::keepAside() const {
+std::optional<std::string> PropertyListDefaults::keepAside(bool isLocked) const {
+  std::optional<Locked> lock;
+  if (!isLocked) lock.emplace(lockPath_, Locked::Wait::no);
+  if ((lock && lock->isAnothers()) || identity() != known_) {
+    loaded_ = false;  // the next look finds what came of it
+    return {};
+  }
   std::string aside = path_ + ".damaged";
   for (int n = 2; files_.exists(aside); ++n) aside = path_ + ".damaged-" + std::to_string(n);
   const bool kept = !files_.rename(path_, aside);
-  complain(kept ? "is damaged and was kept as " + aside + "; using the default settings"
-                : "is damaged; using the default settings");
   known_ = identity();
+  return kept ? "is damaged and was kept as " + aside : "is damaged";
 }
 
 void PropertyListDefaults::complain(const std::string& what) const {
@@ -142,7 +179,7 @@ bool PropertyListDefaults::flush() {
   };
   if (const auto error = files_.createDirectories(folder_, 0700)) return cannotWrite(error->message);
   const Locked lock(lockPath_);
-  if (!load()) return cannotWrite("it cannot be read");
+  if (!load(true)) return cannotWrite("it cannot be read");
   PropertyListDictionary merged = stored_;
   for (const auto& [key, value] : unwritten_) {
     if (value) {
@@ -154,7 +191,9 @@ bool PropertyListDefaults::flush() {
   const auto xml = writeXmlPropertyList({merged});
   if (!xml) return cannotWrite("a text in it is not UTF-8");
   if (const auto error = files_.writeAtomically(path_, *xml)) return cannotWrite(error->message);
+  files_.writeAtomically(copyPath_, *xml);  // if not, the copy before it stands
   stored_ = std::move(merged);
+  isWhole_ = true;
   known_ = identity();
   unwritten_.clear();
   lastComplaint_.clear();

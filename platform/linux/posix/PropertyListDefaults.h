@@ -4,9 +4,13 @@
 // one rename, so that two writers of different keys lose neither. A reader looks at the file's identity before each
 // answer and reads it again only when another process replaced it.
 //
-// A damaged file is kept aside as "<file>.damaged" (a number added when that is taken) and counts as empty. A file
-// that cannot be read is left alone and counts as empty. Either is said once, in one line on standard error. What
-// cannot be written holds for this process until it can be.
+// Each change is written twice: to the file, then to "<file>.good" beside it. A damaged file is kept aside as
+// "<file>.damaged" (a number added when that is taken); one that cannot be read is left alone. For either, and for one
+// that is gone, stands what this process read of it last, else the second copy, else nothing: a byte on the disk must
+// not decide the hours. It is said once, in one line on standard error. A change puts the file back. What cannot be
+// written holds for this process until it can be.
+//
+// Reading waits for no other process and writes nothing: a process that hangs with the lock held stops nobody.
 #pragma once
 
 #include <sys/stat.h>
@@ -47,9 +51,10 @@ class PropertyListDefaults final : public DefaultsStore {
 
   [[nodiscard]] std::optional<Identity> identity() const;
   void refresh() const;
-  /// Reads the file into `stored_`; false when it must not be replaced.
-  bool load() const;
-  void keepAside() const;
+  /// Reads the settings into `stored_`, from wherever they are whole; false when the file must not be replaced.
+  bool load(bool isLocked) const;
+  /// Moves the damaged file away; what came of it. Nothing when another process is at it.
+  [[nodiscard]] std::optional<std::string> keepAside(bool isLocked) const;
   void complain(const std::string& what) const;
   bool flush();
 
@@ -57,12 +62,14 @@ class PropertyListDefaults final : public DefaultsStore {
   StandardOutput& output_;
   std::string folder_;
   std::string path_;
+  std::string copyPath_;
   std::string lockPath_;
 
   mutable std::mutex mutex_;
   mutable std::optional<Identity> known_;
   mutable bool loaded_ = false;
   mutable PropertyListDictionary stored_;
+  mutable bool isWhole_ = false;       // `stored_` is what one of the files said
   mutable std::string lastComplaint_;  // each trouble is told once, not at every look
   // Changes that the disk does not hold yet; no value means removed.
   std::map<std::string, std::optional<PropertyListValue>, std::less<>> unwritten_;

@@ -42,12 +42,16 @@ void StartTimer::arm(std::optional<StartTime> start) {
   start_ = start;
   next_.reset();
   itimerspec moment{};
-  if (start_) {
-    ::tzset();
-    next_ = nextStart(*start_, now());
-    moment.it_value.tv_sec = *next_;
-  }
-  ::timerfd_settime(clock_.get(), TFD_TIMER_ABSTIME | TFD_TIMER_CANCEL_ON_SET, &moment, nullptr);
+  int armed = 0;
+  // Refused when somebody set the clock after we had looked at it: `due` will not hear of that any more.
+  do {
+    if (start_) {
+      ::tzset();
+      next_ = nextStart(*start_, now());
+      moment.it_value.tv_sec = *next_;
+    }
+    armed = ::timerfd_settime(clock_.get(), TFD_TIMER_ABSTIME | TFD_TIMER_CANCEL_ON_SET, &moment, nullptr);
+  } while (armed != 0 && errno == ECANCELED);
 }
 
 bool StartTimer::due() {
