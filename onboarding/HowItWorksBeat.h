@@ -23,8 +23,7 @@ class HowItWorksBeat : public OnboardingScreen {
   OnbText kicker{*this, 0.2, "How Dormel works"};
   OnbPill button;  ///< held back until the scene is over
 
-  /// 0 before the first, then 1 to 4. A block is visible only while its phase is the current one; before, it waits
-  /// onbMotion::PHASE_BELOW below its place, afterwards it has gone PHASE_ABOVE above it, both transparent.
+  /// 0 before the first, then 1 to 4. A block is visible only while its phase is the current one.
   [[nodiscard]] int phase() const { return phase_; }
   [[nodiscard]] bool canContinue() const { return button.reveal().released(); }
 

@@ -20,7 +20,7 @@ class OnbPill {
 
   [[nodiscard]] const std::string& title() const { return title_; }
   [[nodiscard]] bool quiet() const { return quiet_; }
-  /// At onbMotion::DISABLED_OPACITY while not.
+  /// All but gone while not.
   [[nodiscard]] bool enabled() const { return enabled_; }
   void setEnabled(bool enabled) { enabled_ = enabled; }
   [[nodiscard]] OnbReveal& reveal() { return reveal_; }

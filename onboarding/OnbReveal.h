@@ -1,7 +1,7 @@
 // One element of a screen that comes in by itself: hidden until its moment, then moving into its place.
 //
 // The clock starts when the screen is shown and the element is released, whichever is later; after `delay` seconds
-// `on` turns true, and the drawing side animates it over onbMotion::REVEAL_DURATION. Main thread only.
+// `on` turns true, and the drawing side animates it. Main thread only.
 #pragma once
 
 #include "core/Observable.h"

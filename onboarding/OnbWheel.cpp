@@ -48,15 +48,6 @@ int OnbWheel::position() const {
   return found == options_.end() ? 0 : static_cast<int>(found - options_.begin());
 }
 
-std::vector<OnbWheel::Row> OnbWheel::rows() const {
-  std::vector<Row> rows;
-  for (const Option& option : options_) {
-    const int distance = static_cast<int>(rows.size()) - position();
-    rows.push_back({option.label, option.value, option.value == selection_, std::abs(distance) == 1});
-  }
-  return rows;
-}
-
 void OnbWheel::step(int by) {
   if (!turns() || options_.empty()) return;
   const int last = static_cast<int>(options_.size()) - 1;

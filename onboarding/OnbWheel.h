@@ -19,24 +19,14 @@ class OnbWheel {
     int value = 0;
     friend bool operator==(const Option&, const Option&) = default;
   };
-  /// How one row stands to the selected one. `near` are those directly above and below.
-  struct Row {
-    std::string label;
-    int value = 0;
-    bool selected = false;
-    bool near = false;
-    friend bool operator==(const Row&, const Row&) = default;
-  };
 
   OnbWheel(OnboardingScreen& screen, Seconds delay, std::vector<Option> options, int selection);
 
   [[nodiscard]] const std::vector<Option>& options() const { return options_; }
   [[nodiscard]] std::vector<int> values() const;
-  /// Changes of it are animated over onbMotion::WHEEL_STEP_DURATION on the reveal curve.
   [[nodiscard]] int selection() const { return selection_; }
   /// Where the selection stands among the options; 0 when it is not among them.
   [[nodiscard]] int position() const;
-  [[nodiscard]] std::vector<Row> rows() const;
   [[nodiscard]] OnbReveal& reveal() { return reveal_; }
   [[nodiscard]] const OnbReveal& reveal() const { return reveal_; }
 

@@ -23,10 +23,9 @@ ScienceBeat::ScienceBeat(OnbAction go)
 //   48 % is the most regular fifth's, an association and not an effect.
 // - PSYCHOLOGICAL MEDICINE: Li et al. 2025, "Regular sleep patterns, not just duration, critical for mental health"
 //   (55, e239). Regular sleepers had a 38 % lower risk of depression than irregular ones (hazard ratio 0.62).
-// - UK BIOBANK: Cribb et al. 2023, "Sleep regularity and mortality: a prospective analysis in the UK Biobank" (eLife
-// 12).
-//   A second analysis of the same cohort points the same way: hazard ratios against the median of 1.53 for the least
-//   regular sleepers and 0.90 for the most regular ones.
+// - UK BIOBANK: Cribb et al. 2023, "Sleep regularity and mortality: a prospective analysis in the UK Biobank"
+//   (eLife 12). A second analysis of the same cohort points the same way: hazard ratios against the median of 1.53 for
+//   the least regular sleepers and 0.90 for the most regular ones.
 const std::vector<ScienceBeat::Wordmark>& ScienceBeat::wordmarks() {
   static const std::vector<Wordmark> papers{
       {"STANFORD", "https://doi.org/10.5665/SLEEP.1132"},

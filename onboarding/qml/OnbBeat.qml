@@ -15,8 +15,9 @@ FocusScope {
     Accessible.role: Accessible.Pane
     Accessible.name: name
 
-    Keys.onReturnPressed: event => event.accepted = press()
-    Keys.onEnterPressed: event => event.accepted = press()
+    // A key that is held does not run through the screens.
+    Keys.onReturnPressed: event => event.accepted = !event.isAutoRepeat && press()
+    Keys.onEnterPressed: event => event.accepted = !event.isAutoRepeat && press()
 
     function press(): bool {
         if (pill === null)

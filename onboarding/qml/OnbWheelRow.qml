@@ -8,7 +8,7 @@ Pressable {
     required property string label
     property bool selected: false
     property bool near: false
-    // Too far away to be seen, though not to be chosen.
+    // Too far away to be seen, so the pointer goes through it; assistive tools can choose it all the same.
     property bool away: false
     property bool hovering: hovered
     property bool ringed: focusVisible
@@ -16,6 +16,7 @@ Pressable {
     signal confirmed
 
     activeFocusOnTab: selected
+    underPointer: !away
 
     Accessible.role: Accessible.ListItem
     Accessible.name: label
@@ -24,8 +25,14 @@ Pressable {
     Accessible.selected: selected
     Accessible.onPressAction: click()
 
-    Keys.onReturnPressed: confirmed()
-    Keys.onEnterPressed: confirmed()
+    Keys.onReturnPressed: event => {
+        if (!event.isAutoRepeat)
+            confirmed();
+    }
+    Keys.onEnterPressed: event => {
+        if (!event.isAutoRepeat)
+            confirmed();
+    }
 
     Item {
         id: word

@@ -1,4 +1,4 @@
-// The first run: the current screen, over it the one that is leaving, and the way back.
+// The first run: the screen that is leaving, over it the current one, and the way back.
 import QtQuick
 import Dormel.Onboarding
 import Dormel.Ui

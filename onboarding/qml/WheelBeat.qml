@@ -10,6 +10,10 @@ OnbBeat {
     name: beat.headline.text
     pill: pill
 
+    // Where the platform shows keys to the wheel, these never get here.
+    Keys.onUpPressed: beat.step(-1)
+    Keys.onDownPressed: beat.step(1)
+
     // The whole screen turns the wheel, for as long as it is the current one.
     backdrop: MouseArea {
         anchors.fill: parent

@@ -31,6 +31,8 @@ class WheelBridge : public BeatBridge {
   [[nodiscard]] OnbTextValue whisper() const;
 
   Q_INVOKABLE void select(int row);
+  /// One row down (1) or up (-1): for arrow keys that the wheel did not see by itself.
+  Q_INVOKABLE void step(int by) { wheel_.step(by); }
   /// A scroll event as the toolkit reports it: pixels where the device knows them, and eighths of a degree.
   /// `byTicks` says that it comes from a wheel rather than from a finger.
   Q_INVOKABLE void scroll(const QPointF& pixels, const QPointF& angle, bool byTicks);

@@ -12,12 +12,13 @@
 namespace dormel {
 namespace {
 
-/// Where the item is on the screens, from the bottom left as logic has it; nothing while it is on none.
+/// Where the item is on the screens, from the main one's bottom left as logic has it; nothing while it is on none.
 std::optional<Rect> frameOnScreen(const QQuickItem* item) {
   const QScreen* primary = QGuiApplication::primaryScreen();
   if (item == nullptr || item->window() == nullptr || primary == nullptr) return {};
+  const QRectF main = primary->geometry();
   const QPointF corner = item->mapToGlobal(QPointF(0, item->height()));
-  return Rect{corner.x(), primary->geometry().height() - corner.y(), item->width(), item->height()};
+  return Rect{corner.x() - main.left(), main.bottom() - corner.y(), item->width(), item->height()};
 }
 
 }  // namespace

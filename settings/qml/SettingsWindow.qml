@@ -18,16 +18,19 @@ Item {
 
     ScrollArea {
         id: scroll
+        // What has scrolled into the window's own strip is gone: there the window is dragged, and nothing unseen pressed.
         anchors.fill: parent
+        anchors.topMargin: 36
+        clip: true
         focus: true
-        coveredAbove: 44
+        coveredAbove: 8
         contentHeight: page.height
 
         Column {
             id: page
             x: 24
             width: scroll.width - 2 * x
-            topPadding: 40
+            topPadding: 4
             bottomPadding: 20
             spacing: 22
 
@@ -261,11 +264,11 @@ Item {
         gradient: Gradient {
             GradientStop {
                 position: 0
-                color: Qt.alpha(Tone.background, 0.98)
+                color: Tone.background
             }
             GradientStop {
                 position: fade.covering
-                color: Qt.alpha(Tone.background, 0.9)
+                color: Qt.alpha(Tone.background, 0.98)
             }
             GradientStop {
                 position: 1

@@ -144,8 +144,12 @@ TEST_F(BlockerOverlayTest, APictureGrownInStepsIsAsOneDrawnWhole) {
 TEST_F(BlockerOverlayTest, ConfirmsTheUnlockInTheChallengesPlace) {
   appear();
   night.holdKeys();
-  night.skip(30.1);
-  night.pass(1.2);
+  night.skip(29.9);
+  night.pass(0.3);
+  drawn.picture();
+  EXPECT_TRUE(seenLines().contains(QStringLiteral("Unlocked. Let go.")));
+  EXPECT_FALSE(seenLines().contains(QStringLiteral("Good night. Time to sleep."))) << "the line between does not flash";
+  night.pass(1.1);
   drawn.picture();
   EXPECT_EQ(seenLines(), QStringList({"DORMEL", "Unlocked. Let go.", "Relocking in 4:59"}));
   night.pass(1.4);

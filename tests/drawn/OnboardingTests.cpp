@@ -157,6 +157,15 @@ TEST_F(OnboardingPictureTest, TheScreenBeforeGoesUpLikeVapour) {
   EXPECT_EQ(view->beat(), howItWorks);
 }
 
+TEST_F(OnboardingPictureTest, OptionsTooFarAwayToBeSeenAreNotPressed) {
+  enter(q1Latest, 4);
+  const OnbWheel& wheel = static_cast<WheelQuestionBeat&>(*view->screen()).wheel;
+  click(boxOf(QStringLiteral("What's the latest you go to bed?")).center());  // a row lies there
+  EXPECT_EQ(wheel.selection(), 26);
+  click(boxOf(QStringLiteral("1 AM")).center());
+  EXPECT_EQ(wheel.selection(), 25);
+}
+
 class OnboardingWindowTest : public testing::Test {
  protected:
   OnboardingWindowTest() {
@@ -278,6 +287,7 @@ TEST_F(OnboardingWindowTest, EverythingIsReachedByTheKeyboard) {
   // A wheel is one stop, at its selected row, and Return there goes on, too.
   enter(q1Latest);
   EXPECT_EQ(ringed(Qt::Key_Tab), "2 AM");
+  EXPECT_EQ(ringed(Qt::Key_Up), "1 AM");
   EXPECT_EQ(ringed(Qt::Key_Tab), "Continue");
   ringed(Qt::Key_Backtab);
   windows.key(Qt::Key_Return);

@@ -276,6 +276,11 @@ TEST_F(SettingsWindowTest, ScrollsByWheelAndIsDraggedByItsBackground) {
     rest();
   }
   EXPECT_LT(control("by Orvane")->mapToScene({}).y(), 620);
+  // Scrolled into the strip by which the window is dragged, a control cannot be pressed unseen.
+  QQuickItem* page = control("Lock at");
+  while (!page->inherits("QQuickFlickable")) page = page->parentItem();
+  page->setProperty("contentY", page->property("contentY").toDouble() + control("Lock at")->mapToScene({}).y());
+  EXPECT_EQ(grabberOfPressAt(control("Lock at")->mapToScene({20, 20})), nullptr);
 }
 
 TEST(MarkTest, TheIconsFileShowsTheMark) {

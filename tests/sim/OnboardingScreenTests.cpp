@@ -130,8 +130,7 @@ TEST(OnboardingScreens, TheMarkDrawsItselfOnItsCurve) {
   }
   // Where the parameter is a half, time and way are (3 p1 + 3 p2 + 1) / 8 of their ends.
   EXPECT_NEAR(onbMotion::MARK_CURVE.at(3.1 / 8), 0.5, 1e-9);
-  EXPECT_NEAR(onbMotion::REVEAL_CURVE.at(2.5 / 8), 6.1 / 8, 1e-9);
-  EXPECT_NEAR(onbMotion::EVAPORATE_CURVE.at(4.9 / 8), 0.5, 1e-9);
+  EXPECT_NEAR((OnbCurve{0.2, 0.7, 0.3, 1.0}.at(2.5 / 8)), 6.1 / 8, 1e-9);
 }
 
 TEST(OnboardingScreens, HeadlinesMarkEmphasisWithAsterisks) {
@@ -209,12 +208,6 @@ TEST(OnboardingScreens, TheWheelTurnsByRowsScrollingAndArrows) {
     act();
     EXPECT_EQ(screen.wheel.selection(), last) << "it has let go";
   }
-  SimMachine machine;
-  const WheelQuestionBeat screen(OnboardingBeat::q3Want, "?", onboardingOptions::want(), 23, [](int) {});
-  EXPECT_EQ(screen.wheel.rows(), (std::vector<OnbWheel::Row>{{"10 PM", 22, false, true},
-                                                             {"11 PM", 23, true, false},
-                                                             {"Midnight", 24, false, true},
-                                                             {"1 AM", 25, false, false}}));
 }
 
 TEST(OnboardingScreens, TheFirstPickCountsAndIsSeenForAMoment) {

@@ -64,4 +64,5 @@ FocusScope {
     focus: true
     Keys.onEscapePressed: Window.window.close()
     Keys.onReturnPressed: Window.window.close()
+    Keys.onEnterPressed: Window.window.close()
 }

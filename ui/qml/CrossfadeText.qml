@@ -24,8 +24,14 @@ Item {
     onTextChanged: {
         if (!complete)
             return;
-        previous.text = current.text;
-        previous.color = current.color;
+        // A line that gives way before it could be read was never there: what is fading already fades on.
+        if (current.opacity >= previous.opacity) {
+            previous.text = current.text;
+            previous.color = current.color;
+            previous.opacity = current.opacity;
+        }
+        fadeOut.from = previous.opacity;
+        current.opacity = 0;
         current.text = text;
         dissolve.restart();
     }
@@ -48,9 +54,9 @@ Item {
         id: dissolve
 
         NumberAnimation {
+            id: fadeOut
             target: previous
             property: "opacity"
-            from: 1
             to: 0
             duration: root.duration
             easing.type: Easing.BezierSpline

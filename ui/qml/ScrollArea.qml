@@ -39,12 +39,13 @@ ScrollFrame {
     }
     Rectangle {
         readonly property bool active: flick.moving || glide.running
+        readonly property real track: root.height - root.coveredAbove - 8
 
         anchors.right: parent.right
         anchors.rightMargin: 4
-        y: 44 + flick.visibleArea.yPosition * (root.height - 52)
+        y: root.coveredAbove + flick.visibleArea.yPosition * track
         width: 4
-        height: flick.visibleArea.heightRatio * (root.height - 52)
+        height: flick.visibleArea.heightRatio * track
         radius: 2
         color: Qt.rgba(1, 1, 1, 0.25)
         visible: root.overflows && opacity > 0

@@ -15,7 +15,7 @@ class ScrollFrame : public QQuickItem {
   /// What scrolls; a child of this.
   Q_PROPERTY(QQuickItem* flickable READ flickable WRITE setFlickable NOTIFY flickableChanged)
   /// How much of the frame's upper edge is covered by something else.
-  Q_PROPERTY(double coveredAbove MEMBER coveredAbove_)
+  Q_PROPERTY(double coveredAbove MEMBER coveredAbove_ NOTIFY coveredAboveChanged)
   /// Whether it is still on its way to where it was wanted.
   Q_PROPERTY(bool gliding MEMBER gliding_ NOTIFY glidingChanged)
 
@@ -27,6 +27,7 @@ class ScrollFrame : public QQuickItem {
 
  signals:
   void flickableChanged();
+  void coveredAboveChanged();
   void glidingChanged();
   /// `y` is where the content's upper edge of the view should go, within what there is.
   void scrollWanted(double y);
