@@ -7,11 +7,19 @@
 namespace dormel {
 
 BlockerOverlayBridge::BlockerOverlayBridge(std::shared_ptr<BlockerOverlayView> view) : view_(std::move(view)) {
-  observation_ = view_->observe([this] { refresh(); });
+  observation_ = view_->observe([this] { refreshSoon(); });
   keys_.update(view_->keys());
 }
 
+void BlockerOverlayBridge::refreshSoon() {
+  if (willRefresh_) return;
+  willRefresh_ = true;
+  QMetaObject::invokeMethod(
+      this, [this] { refresh(); }, Qt::QueuedConnection);
+}
+
 void BlockerOverlayBridge::refresh() {
+  willRefresh_ = false;
   keys_.update(view_->keys());
   emit changed();
   emit advanced();

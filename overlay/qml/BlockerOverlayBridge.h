@@ -66,11 +66,14 @@ class BlockerOverlayBridge : public ViewBridge {
   void appear() override { view_->onAppear(); }
 
  private:
+  /// Once for all that changes in a turn of the event loop: a storm of keys is drawn as it ends, not key by key.
+  void refreshSoon();
   void refresh();
 
   std::shared_ptr<BlockerOverlayView> view_;
   KeyModel keys_;
   Observation observation_;
+  bool willRefresh_ = false;
 };
 
 }  // namespace dormel

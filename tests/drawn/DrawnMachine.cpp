@@ -56,6 +56,7 @@ DrawnView::DrawnView(QmlCanvasFactory& factory, std::shared_ptr<View> view, doub
 }
 
 const QImage& DrawnView::picture() {
+  QCoreApplication::sendPostedEvents();  // scenes hear of a change at the end of its turn
   while (canvas_->isFramePending()) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
   return picture_;
 }

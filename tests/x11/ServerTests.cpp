@@ -1,6 +1,10 @@
 // Servers that are missing, lacking, or dying.
 #include <gtest/gtest.h>
 
+#include <QObject>
+#include <QTimer>
+#include <algorithm>
+
 #include "tests/x11/Desk.h"
 
 namespace dormel::x11::test {
@@ -92,6 +96,34 @@ TEST(Server, ItsDeathIsToldOnce) {
   EXPECT_EQ(losses, 1);
   EXPECT_FALSE(desk.x11.accessibility().isProcessTrusted());
   EXPECT_FALSE(desk.x11.hardwareKeys().isDown(0));
+}
+
+TEST(Server, TimersGoOnWhileEventsComeFasterThanTheyAreHandled) {
+  const auto server = XServer::withTwoMonitors();
+  const auto connection = server->client();
+  connection->startPumping();
+  xcb_client_message_event_t again{};
+  again.response_type = XCB_CLIENT_MESSAGE;
+  again.format = 32;
+  again.window = connection->newId();
+  xcb_create_window(*connection, XCB_COPY_FROM_PARENT, again.window, connection->root(), 0, 0, 1, 1, 0,
+                    XCB_WINDOW_CLASS_COPY_FROM_PARENT, XCB_COPY_FROM_PARENT, 0, nullptr);
+  const auto send = [&] {
+    xcb_send_event(*connection, 0, again.window, XCB_EVENT_MASK_NO_EVENT, reinterpret_cast<const char*>(&again));
+  };
+  // Each one that is handled brings another, and asking the server anything reads what has come in meanwhile.
+  constexpr int ENOUGH = 20000;
+  int handled = 0;
+  const auto storm = connection->subscribe([&](const xcb_generic_event_t&) {
+    if (++handled < ENOUGH) send();
+    connection->sync();
+  });
+  int handledBefore = ENOUGH;
+  const QObject here;
+  QTimer::singleShot(20, &here, [&] { handledBefore = std::min(handled, handledBefore); });
+  for (int i = 0; i < 100; ++i) send();
+  EXPECT_TRUE(until([&] { return handledBefore < ENOUGH || handled >= ENOUGH; }, 20000));
+  EXPECT_LT(handledBefore, ENOUGH);
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "platform/linux/x11/Connection.h"
 
 #include <QAbstractEventDispatcher>
+#include <QElapsedTimer>
 #include <QSocketNotifier>
 #include <algorithm>
 #include <utility>
@@ -11,6 +12,9 @@ namespace dormel::x11 {
 namespace {
 
 constexpr std::uint32_t PROPERTY_WORDS = 1U << 20;
+
+/// How long events are handled without a look at timers, in milliseconds.
+constexpr qint64 TURN = 5;
 
 }  // namespace
 
@@ -51,25 +55,46 @@ void Connection::stopPumping() {
   notifier_->setEnabled(false);
   std::exchange(notifier_, nullptr)->deleteLater();  // it may be the one that is calling
   pumpContext_.reset();
+  willContinue_ = false;
 }
 
 void Connection::readSocket() {
-  const auto self = shared_from_this();  // a handler may let go of the connection
-  while (const auto event = owned(xcb_poll_for_event(xcb_))) dispatch(*event);
-  drainQueue();
+  handleEvents([this] { return xcb_poll_for_event(xcb_); });
 }
 
 void Connection::drainQueue() {
-  const auto self = shared_from_this();
-  // Flushing may read, and handling an event may ask: round until nothing is left to do.
-  for (;;) {
-    while (const auto event = owned(xcb_poll_for_queued_event(xcb_))) dispatch(*event);
+  handleEvents([this] {
+    // Flushing may read, and handling an event may ask: round until nothing is left to do.
+    if (xcb_generic_event_t* event = xcb_poll_for_queued_event(xcb_)) return event;
     xcb_flush(xcb_);
-    const auto late = owned(xcb_poll_for_queued_event(xcb_));
-    if (!late) break;
-    dispatch(*late);
+    return xcb_poll_for_queued_event(xcb_);
+  });
+}
+
+void Connection::handleEvents(const std::function<xcb_generic_event_t*()>& next) {
+  const auto self = shared_from_this();  // a handler may let go of the connection
+  QElapsedTimer turn;
+  turn.start();
+  while (const auto event = owned(next())) {
+    dispatch(*event);
+    if (turn.elapsed() < TURN) continue;
+    // Somebody sends faster than this can be handled: a stuck key, a script. The challenge's clock goes on all the
+    // same, and what was let go is deleted, both of which happen between two turns only.
+    continueSoon();
+    break;
   }
+  xcb_flush(xcb_);
   checkLost();
+}
+
+void Connection::continueSoon() {
+  if (!pumpContext_ || willContinue_) return;
+  willContinue_ = true;
+  const auto drain = [this] {
+    willContinue_ = false;
+    drainQueue();
+  };
+  QMetaObject::invokeMethod(pumpContext_.get(), drain, Qt::QueuedConnection);
 }
 
 void Connection::dispatch(const xcb_generic_event_t& event) {

@@ -39,8 +39,9 @@ class Connection : public std::enable_shared_from_this<Connection> {
   /// False once the server is gone; every request is then ignored and every reply null.
   [[nodiscard]] bool isAlive() const { return xcb_connection_has_error(xcb_) == 0; }
 
-  /// Delivers events on the thread's Qt event loop from now on. Requests still buffered are sent whenever the
-  /// loop is about to wait. Without pumping, events queue up; so they do in a thread without an event loop.
+  /// Delivers events on the thread's Qt event loop from now on; timers get their turn however many there are. Requests
+  /// still buffered are sent whenever the loop is about to wait. Without pumping, events queue up; so they do in a
+  /// thread without an event loop.
   void startPumping();
   void stopPumping();
 
@@ -70,6 +71,8 @@ class Connection : public std::enable_shared_from_this<Connection> {
   Connection(xcb_connection_t* xcb, int screenNumber, std::string display);
   void readSocket();
   void drainQueue();
+  void handleEvents(const std::function<xcb_generic_event_t*()>& next);
+  void continueSoon();
   void dispatch(const xcb_generic_event_t& event);
   void checkLost();
 
@@ -81,6 +84,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
   std::uint32_t rootEvents_ = 0;
   Task onLost_;
   bool lostReported_ = false;
+  bool willContinue_ = false;
   QSocketNotifier* notifier_ = nullptr;
   std::unique_ptr<QObject> pumpContext_;
 };
