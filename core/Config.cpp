@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 
 #include "platform/Defaults.h"
 #include "platform/Files.h"
@@ -17,6 +18,12 @@ int storedHour(const char* key, int whenAbsent) {
 }
 
 bool storedFlag(const char* key, bool whenAbsent) { return platform().defaults.boolean(key).value_or(whenAbsent); }
+
+bool isBlocked(int hour, int start, int end) {
+  if (start == end) return false;
+  if (start < end) return start <= hour && hour < end;
+  return hour >= start || hour < end;
+}
 
 }  // namespace
 
@@ -47,13 +54,20 @@ void seedClockFormatFromSystem() {
   defaults.set(defaultsKey::use24HourClock, {systemPrefers24HourClock()});
 }
 
-bool isBlockingNow(Date date) {
-  const int hour = platform().calendar.localTime(date).hour;
+bool isBlockingNow(Date date) { return isBlocked(platform().calendar.localTime(date).hour, startHour(), endHour()); }
+
+Seconds blockingTimeLeft(Date date) {
   const int start = startHour();
   const int end = endHour();
-  if (start == end) return false;
-  if (start < end) return start <= hour && hour < end;
-  return hour >= start || hour < end;
+  Date hour = date;
+  // A day of twenty-five hours has no more than that; the hours on the way may be of any length.
+  for (int i = 0; i < 25; ++i) {
+    const LocalTime time = platform().calendar.localTime(hour);
+    if (!isBlocked(time.hour, start, end)) break;
+    hour = std::chrono::floor<std::chrono::seconds>(hour) + std::chrono::minutes(60 - time.minute) -
+           std::chrono::seconds(time.second);
+  }
+  return std::chrono::duration<Seconds>(hour - date).count();
 }
 
 std::vector<int> startHourOptions(int hour) {

@@ -43,6 +43,10 @@ void seedClockFormatFromSystem();
 /// end hour, across midnight if need be. Equal hours mean never.
 [[nodiscard]] bool isBlockingNow(Date date);
 
+/// How long the blocking hours still last at `date`: until the first full hour outside them, as the calendar goes. 0
+/// outside them.
+[[nodiscard]] Seconds blockingTimeLeft(Date date);
+
 /// `selectableStartHours`, with `hour` put in its evening order when it is not among them.
 [[nodiscard]] std::vector<int> startHourOptions(int hour);
 

@@ -15,6 +15,9 @@ namespace {
 constexpr Seconds TIME_CHECK_INTERVAL = 30.0;
 constexpr Seconds ACCESSIBILITY_INTERVAL = 3.0;
 constexpr Seconds WATCHDOG_INTERVAL = 10.0;
+/// After the hours' end, should the watchdog itself be stuck: a home folder on a server that is gone, a stopped
+/// process.
+constexpr Seconds LAST_RESORT = 20.0;
 
 void print(const std::string& line) { platform().output.print(line); }
 
@@ -50,7 +53,9 @@ ScreenManager::ScreenManager(PermissionCard permissionCard)
       bypassController_(BypassController::create()),
       logQueue_(platform().queues.makeSerial(std::string(APP_ID_BASE) + ".unlocklog")) {}
 
-ScreenManager::~ScreenManager() = default;
+ScreenManager::~ScreenManager() {
+  if (watchdogTimer_) stopWatchdog();
+}
 
 Task ScreenManager::weakly(void (ScreenManager::*operation)()) {
   return [weak = weak_from_this(), operation] {
@@ -167,11 +172,20 @@ void ScreenManager::pollAccessibility() {
 
 void ScreenManager::startWatchdog() {
   // Touches nothing of the session: it must end the process even while the main thread is stuck in it.
-  watchdogTimer_ = platform().queues.makeBackgroundTimer(WATCHDOG_INTERVAL, WATCHDOG_INTERVAL, [] {
-    if (isBlockingNow()) return;
+  const auto limitTheNight = [] {
+    platform().process.endWithin(Config::blockingTimeLeft(platform().clock.now()) + LAST_RESORT);
+  };
+  limitTheNight();
+  watchdogTimer_ = platform().queues.makeBackgroundTimer(WATCHDOG_INTERVAL, WATCHDOG_INTERVAL, [limitTheNight] {
+    if (isBlockingNow()) return limitTheNight();
     print("[watchdog] Outside blocking hours. Force exiting.");
     exitCleanly();
   });
+}
+
+void ScreenManager::stopWatchdog() {
+  watchdogTimer_.reset();
+  platform().process.endWithin({});
 }
 
 void ScreenManager::registerObservers() {
@@ -216,7 +230,7 @@ void ScreenManager::deactivate() {
   graceTimer_.invalidate();
   timeCheckTimer_.invalidate();
   accessibilityTimer_.invalidate();
-  watchdogTimer_.reset();
+  stopWatchdog();
   if (*keyInterceptor_) keyInterceptor_->get()->stop();
   keyInterceptor_ = nullptr;
   if (*retiringInterceptor_) retiringInterceptor_->get()->stop();

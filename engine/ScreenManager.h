@@ -93,6 +93,7 @@ class ScreenManager : public OverlaySession, public std::enable_shared_from_this
   void startAccessibilityWatch();
   void pollAccessibility();
   void startWatchdog();
+  void stopWatchdog();
   void registerObservers();
   void willSleep();
   void didWake();

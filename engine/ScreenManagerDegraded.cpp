@@ -60,7 +60,7 @@ void ScreenManager::leaveDegradedMode() {
   if (*permissionWindow_) permissionWindow_->get()->window().orderOut();
   permissionWindow_ = nullptr;
   timeCheckTimer_.invalidate();
-  watchdogTimer_.reset();
+  stopWatchdog();
   accessibilityTimer_.invalidate();
 }
 

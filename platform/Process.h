@@ -3,11 +3,13 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "platform/RunLoop.h"
+#include "platform/Time.h"
 
 namespace dormel {
 
@@ -21,6 +23,11 @@ class Process {
   /// very end, on the calling thread. Any thread: a stuck main thread does not stop it.
   [[noreturn]] virtual void exit(const ExitStatus& status) = 0;
   [[noreturn]] void exit(int status);
+
+  /// Has the kernel kill this process once `uptime` has passed, whatever it is stuck in by then, a dead disk or a stop
+  /// signal included. Sleep does not count. Each call replaces the one before, nothing takes it back. Any thread. Where
+  /// the kernel has no timer left, nothing happens.
+  virtual void endWithin(std::optional<Seconds> uptime) = 0;
 
   /// This process's id.
   [[nodiscard]] virtual int processId() const = 0;

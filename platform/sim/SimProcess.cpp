@@ -30,6 +30,16 @@ void SimProcess::reopen() {
   if (onReopen_) timeline_.addMain(0, 0, onReopen_);
 }
 
+void SimProcess::endWithin(std::optional<Seconds> uptime) {
+  timeline_.cancelWorld(lastResort_);
+  lastResort_ = uptime ? timeline_.addWorld(*uptime, [this] { kill(); }) : 0;
+}
+
+void SimProcess::processEnded() {
+  endWithin({});
+  terminationHandler_ = onReopen_ = nullptr;
+}
+
 void SimProcess::terminate() {
   if (!timeline_.processRuns()) return;
   journal_.note("termination signal");

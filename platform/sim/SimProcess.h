@@ -19,6 +19,7 @@ class SimProcess : public Process {
   /// Unwinds to the machine, which lets the serial queues run dry and then runs nothing of this process any more.
   using Process::exit;
   [[noreturn]] void exit(const ExitStatus& status) override { timeline_.exit(status); }
+  void endWithin(std::optional<Seconds> uptime) override;
   [[nodiscard]] int processId() const override { return 4711; }
   [[nodiscard]] unsigned userId() const override { return 1000; }
   void onTerminationSignal(Task handler) override { terminationHandler_ = std::move(handler); }
@@ -36,11 +37,12 @@ class SimProcess : public Process {
   void setWindowSeatTaken(bool taken) { windowSeatTaken_ = taken; }
   /// The user opens the program a second time: the one that has the window seat is told.
   void reopen();
-  void processEnded() { terminationHandler_ = onReopen_ = nullptr; }
+  void processEnded();
 
  private:
   SimTimeline& timeline_;
   SimJournal& journal_;
+  std::uint64_t lastResort_ = 0;
   Task terminationHandler_;
   Task onReopen_;
   bool seatTaken_ = false;

@@ -58,6 +58,11 @@ void SimTimeline::jumpUptime(Seconds by) {
 
 void SimTimeline::stallMain(Seconds duration) { mainFreeAt_ = std::max(mainFreeAt_, uptime_ + toMicros(duration)); }
 
+void SimTimeline::stopProcess(Seconds duration) {
+  stallMain(duration);
+  stoppedUntil_ = std::max(stoppedUntil_, uptime_ + toMicros(duration));
+}
+
 bool SimTimeline::runNextUpTo(Micros limit) {
   SimEventQueue* queue = nullptr;
   SimEventQueue::Key first{};
@@ -70,8 +75,8 @@ bool SimTimeline::runNextUpTo(Micros limit) {
     first = due;
   };
   consider(main_, mainFreeAt_);
-  consider(background_, 0);
-  if (!serialHang_) consider(serial_, 0);
+  consider(background_, stoppedUntil_);
+  if (!serialHang_) consider(serial_, stoppedUntil_);
   consider(world_, 0);
   if (queue == nullptr || first.time > limit) return false;
   uptime_ = std::max(uptime_, first.time);
@@ -137,7 +142,7 @@ void SimTimeline::endProcess(const std::function<int()>& status, bool drain) {
   main_.clear();
   background_.clear();
   serial_.clear();
-  mainFreeAt_ = 0;
+  mainFreeAt_ = stoppedUntil_ = 0;
   if (ended_) ended_(code);
 }
 

@@ -49,6 +49,8 @@ class SimTimeline {
   void jumpUptime(Seconds by);
   /// The main thread does nothing for `duration` seconds from now; the others go on.
   void stallMain(Seconds duration);
+  /// The whole process is stopped for `duration` seconds, as by a signal; what it owes is late.
+  void stopProcess(Seconds duration);
   /// While the serial queues hang (a dead disk), their tasks wait, and an exit waits two seconds for them in vain.
   void setSerialQueuesHang(bool hang) { serialHang_ = hang; }
 
@@ -92,6 +94,7 @@ class SimTimeline {
   Date wall_;  // the wall clock when uptime was 0
   Micros uptime_ = 0;
   Micros mainFreeAt_ = 0;
+  Micros stoppedUntil_ = 0;
   std::uint64_t sequence_ = 0;
   SimEventQueue main_;
   SimEventQueue background_;

@@ -13,7 +13,8 @@
 
 namespace dormel {
 
-/// Runs `body` in a child process and answers its exit status: what the body returns, or exits with.
+/// Runs `body` in a child process and answers its exit status: what the body returns, or exits with, or 128 and the
+/// signal that ended it.
 template <typename Body>
 int statusOf(Body body) {
   const pid_t child = ::fork();
@@ -27,6 +28,7 @@ int statusOf(Body body) {
   }
   int status = -1;
   ::waitpid(child, &status, 0);
+  if (WIFSIGNALED(status)) return 128 + WTERMSIG(status);
   return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 

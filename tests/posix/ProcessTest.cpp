@@ -90,6 +90,24 @@ TEST(PosixProcess, ExitWaitsForTheRecordsButNotForEver) {
   EXPECT_EQ(contents(path + "2"), "kept") << "records first, then the rest";
 }
 
+TEST(PosixProcess, TheLastResortEndsAStoppedProcessUnlessItIsTakenBack) {
+  const TemporaryHome home;
+  const posix::Seats seats{home.path() + "/session", home.path() + "/window"};
+  const auto ends = [&](std::optional<Seconds> last) {
+    return statusOf([&] {
+      posix::PosixQueues queues;
+      posix::PosixProcess process(queues, seats, [](int, const std::function<bool()>&) {});
+      process.endWithin(0.05);
+      process.endWithin(last);
+      if (last) ::raise(SIGSTOP);
+      ::usleep(100'000);
+      return 0;
+    });
+  };
+  EXPECT_EQ(ends(0.01), 128 + SIGKILL);
+  EXPECT_EQ(ends({}), 0);
+}
+
 TEST(PosixProcess, OneSessionAtATime) {
   const TemporaryHome home;
   posix::PosixQueues queues;

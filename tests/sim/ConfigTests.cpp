@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "platform/sim/SimMachine.h"
 
 namespace dormel {
@@ -60,6 +62,10 @@ TEST(Config, BlockingHours) {
     store(machine, defaultsKey::blockEndHour, row.end);
     EXPECT_EQ(Config::isBlockingNow(row.when), row.blocking)
         << Config::startHour() << " to " << Config::endHour() << ", " << row.when.time_since_epoch().count();
+    const auto left = std::chrono::seconds(std::lround(Config::blockingTimeLeft(row.when)));
+    EXPECT_FALSE(Config::isBlockingNow(row.when + left));
+    EXPECT_EQ(left.count() > 0, row.blocking);
+    EXPECT_TRUE(!row.blocking || Config::isBlockingNow(row.when + left - std::chrono::seconds(1)));
   }
 }
 

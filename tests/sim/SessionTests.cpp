@@ -156,6 +156,18 @@ TEST(Session, FollowsTheWallClockWhereverItIsSet) {
   }
 }
 
+TEST(Session, TheKernelEndsItWhenEvenTheWatchdogIsStuck) {
+  Night night;
+  night.begin("2026-11-16 22:00:04");
+  night.setHours(22, 7);  // the night grows while it lasts
+  night.machine.advanceTo("2026-11-17 06:59:55");
+  night.machine.timeline.stopProcess(7200);
+  night.machine.journal.clear();
+  night.machine.advanceTo("2026-11-17 08:00:00");
+  EXPECT_EQ(night.machine.exitStatus(), 137);
+  EXPECT_EQ(night.machine.journal.lines().front(), "07:00:20.000 kill signal");
+}
+
 TEST(Session, TheWatchdogEndsItWhenTheMainThreadIsStuck) {
   Night night;
   night.begin("2026-11-16 22:00:04");

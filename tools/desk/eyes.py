@@ -146,8 +146,13 @@ class Eyes:
 
     def dark(self, monitors=None, level=12):
         """True when every edge point of every monitor is black (the lock's own black is not brighter than 11)."""
-        for monitor in monitors if monitors is not None else self.monitors():
+        monitors = monitors if monitors is not None else self.monitors()
+        for monitor in monitors:
             for x, y in self.edge_points(monitor):
+                # Monitors may overlap; what stands there may then be the middle of another one's picture.
+                if any(other.x + 4 <= x < other.x + other.width - 4 and other.y + 4 <= y < other.y + other.height - 4
+                       for other in monitors):
+                    continue
                 colour = self.pixel(x, y)
                 if max(colour) > level:
                     return No(f"{monitor.name} at {x},{y} shows {colour}")

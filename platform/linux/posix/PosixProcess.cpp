@@ -7,9 +7,12 @@
 #include <sys/file.h>
 #include <sys/random.h>
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cerrno>
+#include <chrono>
+#include <cmath>
 #include <cstdlib>
 #include <utility>
 
@@ -67,6 +70,27 @@ void PosixProcess::exit(const ExitStatus& status) {
   queues_.drain(DRAIN_LIMIT);
   for (const Task& action : beforeExit_) action();
   std::_Exit(status());
+}
+
+void PosixProcess::endWithin(std::optional<Seconds> uptime) {
+  const std::lock_guard lock(lastResortMutex_);
+  if (!lastResort_) {
+    if (!uptime) return;
+    sigevent kill{};
+    kill.sigev_notify = SIGEV_SIGNAL;
+    kill.sigev_signo = SIGKILL;
+    timer_t timer{};
+    if (::timer_create(CLOCK_MONOTONIC, &kill, &timer) != 0) return;
+    lastResort_ = timer;
+  }
+  itimerspec due{};  // all zero: never
+  if (uptime) {
+    const auto after = std::chrono::nanoseconds(std::max<std::int64_t>(1, std::llround(*uptime * 1e9)));
+    const auto seconds = std::chrono::floor<std::chrono::seconds>(after);
+    due.it_value.tv_sec = seconds.count();
+    due.it_value.tv_nsec = (after - seconds).count();
+  }
+  ::timer_settime(*lastResort_, 0, &due, nullptr);
 }
 
 int PosixProcess::processId() const { return ::getpid(); }

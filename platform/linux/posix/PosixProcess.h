@@ -1,7 +1,11 @@
 // This process through POSIX calls.
 #pragma once
 
+#include <time.h>
+
 #include <functional>
+#include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -34,6 +38,7 @@ class PosixProcess final : public Process {
 
   using Process::exit;
   [[noreturn]] void exit(const ExitStatus& status) override;
+  void endWithin(std::optional<Seconds> uptime) override;
   [[nodiscard]] int processId() const override;
   [[nodiscard]] unsigned userId() const override;
   void onTerminationSignal(Task handler) override { onSignal(15, std::move(handler)); }
@@ -49,6 +54,8 @@ class PosixProcess final : public Process {
   WindowSeat windowSeat_;
   WatchReadable watchReadable_;
   std::vector<Task> beforeExit_;
+  std::mutex lastResortMutex_;
+  std::optional<timer_t> lastResort_;
   FileDescriptor sessionLock_;
 };
 
