@@ -36,37 +36,6 @@ class EndsTest(DesktopCase):
         self.assertIn("SIGTERM caught — respawning via non-zero exit.", desk.home.log("dormel.log"))
         until("the desktop is back", lambda: not desk.eyes.dark(), 2)
 
-    def test_a_second_instance_leaves_the_first_alone(self):
-        desk = self.desk()
-        first = self.lock(desk)
-        second = desk.bundle.run("--scheduled", within=10)
-        said = [line for line in (second.stdout + second.stderr).split("\n") if line]
-        self.saw(f"the second said {said} and exited {second.returncode}")
-        self.assertEqual(second.returncode, 0)
-        self.assertEqual(len(said), 1)
-        self.assertIsNone(first.poll())
-        self.assertTrue(desk.eyes.covered(first.pid))
-        self.assertFalse(desk.keys_reach_the_document())
-
-    def test_runs_that_do_not_lock(self):
-        desk = self.desk()
-        hours = {"onboardingComplete": True}
-        table = (("not set up", {"onboardingComplete": None},
-                  "Onboarding not complete — not blocking. Exiting."),
-                 ("switched off", {**hours, "blockingEnabled": False},
-                  "Dormel is disabled by the user — not blocking. Exiting."),
-                 ("an empty span", {**hours, "blockStartHour": 5, "blockEndHour": 5},
-                  "Outside blocking hours (5:00–5:00). Exiting."))
-        for name, values, line in table:
-            with self.subTest(name):
-                desk.home.hours_around_now()
-                desk.home.change_settings(**values)
-                mark = desk.watcher.mark()
-                done = desk.bundle.run("--scheduled", within=10)
-                self.assertEqual((done.returncode, done.stdout.split("\n")[-2]), (0, line))
-                self.assertFalse(desk.watcher.since(mark, "map", "grab"), "nothing shows before a check fails")
-                desk.home.change_settings(blockingEnabled=None)
-
     def test_no_display(self):
         desk = self.desk()
         desk.home.hours_around_now(onboardingComplete=True)
@@ -84,13 +53,6 @@ class EndsTest(DesktopCase):
                     self.assertGreater(process.returncode, 0)
                 process.kill()
                 process.wait()
-
-    def test_an_old_server(self):
-        """Without RandR there is one screen, as large as the server's."""
-        desk = self.desk(monitors=(), server_arguments=["-extension", "RANDR"])
-        process = self.lock(desk)
-        self.assertFalse(desk.keys_reach_the_document())
-        self.assertIsNone(process.poll())
 
 
 if __name__ == "__main__":

@@ -30,13 +30,6 @@ class NightTest(DesktopCase):
         night.kill()
         night.end()
 
-    def test_killed_again_and_again(self):
-        night = self.night(manager=True)
-        night.arm()
-        for _ in range(5):
-            night.kill()
-        night.end()
-
 
 if __name__ == "__main__":
     unittest.main()

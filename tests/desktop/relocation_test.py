@@ -10,8 +10,6 @@ import unittest
 from case import ESCAPE, RETURN, DesktopCase, until
 from desk import processes
 
-NOBODY = 65534
-
 
 class RelocationTest(DesktopCase):
     def downloaded(self, name="Dormel.app", **options):
@@ -85,38 +83,6 @@ class RelocationTest(DesktopCase):
     def test_moves_and_the_next_run_locks_under_a_user_manager(self):
         self.moves_and_locks(manager=True)
 
-    def test_stays_where_it_is_when_its_user_says_so(self):
-        desk = self.downloaded()
-        process, _ = self.open(desk)
-        desk.keyboard.tap(ESCAPE)
-        self.assertEqual(process.wait(5), 0)
-        self.assertEqual(os.listdir(desk.home.applications), [])
-        self.assertFalse(os.path.exists(os.path.join(desk.home.path, "Library")))
-
-    def test_an_older_copy_goes_to_the_trash_unless_it_runs(self):
-        desk = self.downloaded("Night's Dormel.app")
-        shutil.copytree(self.source, self.installed, symlinks=True)
-        with open(os.path.join(self.installed, "older"), "w", encoding="ascii"):
-            pass
-        process, _ = self.open(desk)
-        desk.keyboard.tap(RETURN)
-        self.assertEqual(process.wait(15), 0)
-        running = self.opened(desk)
-        trash = os.path.join(desk.home.path, ".local/share/Trash")
-        self.assertTrue(os.path.exists(os.path.join(trash, "files", "Night's Dormel.app", "older")))
-        with open(os.path.join(trash, "info", "Night's Dormel.app.trashinfo"), encoding="ascii") as file:
-            self.assertIn("Applications/Night%27s%20Dormel.app\n", file.read())
-        self.assertFalse(os.path.exists(os.path.join(self.installed, "older")))
-
-        # Once more: now it runs there, and that one comes to the front.
-        process, _ = self.open(desk)
-        desk.keyboard.tap(RETURN)
-        self.assertEqual(process.wait(15), 0)
-        window = desk.clients.of(running)[0]
-        until("the running one is in front", lambda: desk.clients.active() == window.id, 5)
-        until("there is only one", lambda: list(self.runs(desk, self.installed)) == [running], 5)
-        self.assertEqual(os.listdir(os.path.join(trash, "files")), ["Night's Dormel.app"])
-
     def test_from_a_read_only_image(self):
         desk = self.downloaded()
         process, alert = self.open(desk)
@@ -154,48 +120,6 @@ class RelocationTest(DesktopCase):
             if held:
                 found[pid] = held
         return found
-
-    def test_with_the_administrators_help(self):
-        desk = self.downloaded("It's late.app")
-        os.chmod(desk.home.applications, 0o555)
-        tools = os.path.join(desk.home.path, "bin")
-        os.makedirs(tools)
-        # Stands in for the desktop's dialogue, and for the rights: it may write where its caller may not.
-        pkexec = os.path.join(tools, "pkexec")
-        asked = os.path.join(desk.home.path, "asked")
-        with open(pkexec, "w", encoding="utf-8") as file:
-            file.write(f"#!/bin/sh\nprintf '%s\\n' \"$@\" >> '{asked}'\n[ -e '{asked}.refuse' ] && exit 126\n"
-                       f"chmod u+w '{desk.home.applications}'\n\"$@\"\nstatus=$?\nchmod u-w '{desk.home.applications}'\n"
-                       "exit $status\n")
-        os.chmod(pkexec, 0o755)
-        with open(asked + ".refuse", "w", encoding="ascii"):
-            pass
-        command = [os.path.join(self.source, "Contents", "Linux", "Dormel")]
-        if os.geteuid() == 0:  # permissions bind everybody but root
-            os.chmod(desk.folder, 0o755)
-            for folder, folders, files in os.walk(desk.folder):
-                for name in [".", *folders, *files]:
-                    os.chown(os.path.join(folder, name), NOBODY, NOBODY, follow_symlinks=False)
-            command = ["setpriv", f"--reuid={NOBODY}", f"--regid={NOBODY}", "--clear-groups", *command]
-        environment = {"PATH": tools + ":/usr/bin:/bin"}
-        self.addCleanup(os.chmod, desk.home.applications, 0o755)
-
-        process, _ = self.open(desk, command, environment)
-        desk.keyboard.tap(RETURN)
-        self.in_front(desk, process, "Installation Error")
-        desk.keyboard.tap(RETURN)
-        self.assertEqual(process.wait(5), 1)
-        self.assertEqual(os.listdir(desk.home.applications), [])
-
-        os.unlink(asked + ".refuse")
-        process, _ = self.open(desk, command, environment)
-        desk.keyboard.tap(RETURN)
-        self.assertEqual(process.wait(15), 0)
-        self.opened(desk)
-        quoted = [path.replace("'", "'\\''") for path in (self.installed, self.source)]
-        copy = f"rm -rf '{quoted[0]}' && cp -pR '{quoted[1]}' '{quoted[0]}'"
-        with open(asked, encoding="utf-8") as file:
-            self.assertEqual(file.read().splitlines(), ["/bin/sh", "-c", copy] * 2)
 
 
 if __name__ == "__main__":

@@ -2,8 +2,6 @@
 
 import unittest
 
-from Xlib import X
-
 from case import DesktopCase, until
 from desk import Sampler, processes
 
@@ -26,26 +24,6 @@ class KeyboardRivals(DesktopCase):
         self.assertLess(taken - released, 0.3)
         self.assertFalse(desk.keys_reach_the_document())
         self.assertIsNone(process.poll())
-
-    def test_a_lost_grab_comes_back(self):
-        desk = self.desk()
-        process = self.lock(desk)
-        # A grab ends when its window is no longer on the screen, and any client may take a window off the screen.
-        connection = desk.server.open()
-        children = connection.screen().root.query_tree().children
-        grabbing = [window for window in children if window.get_attributes().win_class == X.InputOnly
-                    and desk.eyes.pid_of(window.id) == process.pid]
-        self.assertTrue(grabbing)
-        mark = desk.watcher.mark()
-        lost = self.clock()
-        for window in grabbing:
-            window.unmap()
-        connection.sync()
-        desk.watcher.first("ungrab", mark, 2, "the grab is lost")
-        again = desk.watcher.first("grab", mark, 6, "the grab is taken again").at
-        connection.close()
-        self.saw(f"taken again {1000 * (again - lost):.0f} ms after it was lost")
-        self.assertFalse(desk.keys_reach_the_document())
 
 
 class TopmostRivals(DesktopCase):

@@ -100,11 +100,12 @@ class UninstallTest(DesktopCase):
 
     def uninstall(self, desk, process):
         """Through the opened window, by keyboard."""
-        self.in_front(desk, process, "Dormel")
+        window = self.in_front(desk, process, "Dormel")
         desk.keyboard.press(LEFT_SHIFT, TAB)  # to the last control
         desk.keyboard.let_go()
         desk.keyboard.tap(RETURN)
-        self.in_front(desk, process, "Uninstall Dormel?")
+        alert = self.in_front(desk, process, "Uninstall Dormel?")
+        self.assertEqual(alert.belongs_to, window.id)
         desk.keyboard.tap(RETURN)
         self.in_front(desk, process, "Dormel uninstalled")
         desk.keyboard.tap(RETURN)

@@ -3,11 +3,11 @@
 import time
 import unittest
 
-from case import ESCAPE, RETURN, TAB, DesktopCase, evdev_of_label, until
+from case import ESCAPE, DesktopCase, evdev_of_label, until
 from desk.menu_bar import MenuBar
 from desk.screen_reader import ScreenReader
 
-LEFT_CTRL, LEFT_SHIFT, Q, W, M = 29, 42, 16, 17, 50
+LEFT_CTRL, Q = 29, 16
 
 # Places in the window, from its top left corner.
 CLOSE = (438, 22)
@@ -45,12 +45,6 @@ class WindowTest(DesktopCase):
         """What starts the rehearsal; further down than the window shows."""
         return until("the link", lambda: next((e for e in reader.elements() if e.name == "Rehearse the lock"), None), 5)
 
-    @staticmethod
-    def press_uninstall(desk):
-        """The last control of the window: the first one from behind."""
-        WindowTest.chord(desk, LEFT_SHIFT, TAB)
-        desk.keyboard.tap(RETURN)
-
     def test_is_a_good_citizen_of_the_desktop(self):
         desk, process, window = self.open(compositor=True)
         self.assertEqual((window.width, window.height), (460, 660))
@@ -84,13 +78,6 @@ class WindowTest(DesktopCase):
                 self.assertEqual((window.width, window.height), size)
                 desk.close()
 
-    def test_ends_by_its_shortcuts(self):
-        for keys in ((LEFT_CTRL, Q), (LEFT_CTRL, W)):
-            with self.subTest(keys):
-                desk, process, _ = self.open()
-                self.chord(desk, *keys)
-                self.assertEqual(process.wait(5), 0)
-
     def test_its_menu_is_in_the_desktops_menu_bar(self):
         bars = []
 
@@ -123,22 +110,6 @@ class WindowTest(DesktopCase):
 
         bars[0].choose(window.id, "Quit Dormel")
         self.assertEqual(process.wait(5), 0)
-
-    def test_an_alert_is_answered_by_the_keyboard(self):
-        desk, process, window = self.open()
-        self.press_uninstall(desk)
-        alert = self.window_of(desk, process, "Uninstall Dormel?")
-        self.assertEqual(alert.belongs_to, window.id)
-        until("the alert has the focus", lambda: desk.clients.active() == alert.id, 3)
-        self.chord(desk, LEFT_CTRL, W)  # the window below cannot be operated
-        desk.mouse.click(*window.at(*CLOSE))
-        self.assert_stays(process, 0.5)
-        self.assertEqual(desk.clients.stacking()[-1], alert.id, "it stays in front")
-        until("the alert has the focus again", lambda: desk.clients.active() == alert.id, 3)
-        desk.keyboard.tap(ESCAPE)
-        until("the alert is gone", lambda: len(desk.clients.of(process.pid)) == 1, 3)
-        self.assertIsNone(process.poll())
-        self.assertTrue(desk.home.settings()["onboardingComplete"])
 
     def test_a_test_run_is_left_at_any_moment(self):
         readers = []

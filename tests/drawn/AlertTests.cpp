@@ -52,17 +52,6 @@ TEST(AlertTest, IsAnsweredByTheKeyboard) {
   }
 }
 
-TEST(AlertTest, ShowsTheRingOnlyToTheKeyboard) {
-  OpenWindows windows;
-  QtAlerts alerts(windows.group);
-  const auto shown = alerts.show(THREE, [](int) {});
-  windows.settle();
-  windows.key(Qt::Key_Tab);
-  EXPECT_EQ(OpenWindows::ringed(), QStringList{QStringLiteral("Cancel")});
-  windows.key(Qt::Key_Backtab);
-  EXPECT_EQ(OpenWindows::ringed(), QStringList{QStringLiteral("Save")});
-}
-
 TEST(AlertTest, AssistiveToolsCanReadAndPressIt) {
   OpenWindows windows;
   QtAlerts alerts(windows.group);

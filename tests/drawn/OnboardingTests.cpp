@@ -1,11 +1,9 @@
 #include <gtest/gtest.h>
 
-#include <QAccessible>
 #include <QGuiApplication>
 #include <QPointingDevice>
 #include <QWheelEvent>
 
-#include "onboarding/KeepsBeat.h"
 #include "onboarding/OnboardingView.h"
 #include "onboarding/WheelQuestionBeat.h"
 #include "platform/linux/qt/QtMainWindows.h"
@@ -134,29 +132,6 @@ TEST_F(OnboardingPictureTest, ElementsComeUpOneAfterTheOther) {
   EXPECT_EQ(view->beat(), science);
 }
 
-TEST_F(OnboardingPictureTest, TheScreenBeforeGoesUpLikeVapour) {
-  enter(promise, 5);
-  const QRectF before = boxOf(QStringLiteral("Your Mac locks at your bedtime."));
-  const QRectF button = boxOf(QStringLiteral("Continue"));
-  click(button.center());
-  desk.pass(0.5);
-  drawn.picture();
-  EXPECT_EQ(view->beat(), q1Latest);
-  EXPECT_LT(boxOf(QStringLiteral("Your Mac locks at your bedtime.")).y(), before.y() - 4);
-  EXPECT_LT(opacityOf(QStringLiteral("Your Mac locks at your bedtime.")), 0.9);
-  EXPECT_GT(opacityOf(QStringLiteral("What's the latest you go to bed?")), 0.1);  // the next one is there meanwhile
-  desk.pass(0.5);
-  drawn.picture();
-  EXPECT_EQ(opacityOf(QStringLiteral("Your Mac locks at your bedtime.")), 0);
-  // The way back, which comes and goes with its screens.
-  enter(q3Want, 2);
-  click({28 + 18, 620 - 28 - 18});
-  EXPECT_EQ(view->beat(), q2Nights);
-  enter(howItWorks, 2);
-  click({28 + 18, 620 - 28 - 18});
-  EXPECT_EQ(view->beat(), howItWorks);
-}
-
 TEST_F(OnboardingPictureTest, OptionsTooFarAwayToBeSeenAreNotPressed) {
   enter(q1Latest, 4);
   const OnbWheel& wheel = static_cast<WheelQuestionBeat&>(*view->screen()).wheel;
@@ -209,15 +184,6 @@ class OnboardingWindowTest : public testing::Test {
                             3};
 };
 
-/// What the control with the keyboard's focus is called to a screen reader; empty when none wears a ring.
-QString focusedLabel() {
-  const auto* window = qobject_cast<QQuickWindow*>(QGuiApplication::focusWindow());
-  QQuickItem* item = window != nullptr ? window->activeFocusItem() : nullptr;
-  if (item == nullptr || !item->property("focusVisible").toBool()) return {};
-  QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(item);
-  return accessible != nullptr ? accessible->text(QAccessible::Name) : QString();
-}
-
 TEST_F(OnboardingWindowTest, TheWheelTurnsByNotchesAndFingersAndThenLetsGo) {
   enter(q1Latest);
   const struct {
@@ -246,52 +212,6 @@ TEST_F(OnboardingWindowTest, TheWheelTurnsByNotchesAndFingersAndThenLetsGo) {
   }
   enter(q2Nights, 0.1);
   EXPECT_FALSE(scroll(mouse, {}, {0, -120}));  // the wheel is still to be seen, and deaf
-}
-
-TEST_F(OnboardingWindowTest, EverythingIsReachedByTheKeyboard) {
-  enter(q4Keeps);
-  EXPECT_EQ(OpenWindows::ringed(), QStringList());
-  const auto ringed = [this](Qt::Key key) {
-    windows.key(key);
-    windows.pass(0.1);
-    return focusedLabel();
-  };
-  EXPECT_EQ(ringed(Qt::Key_Tab), "Scrolling");
-  EXPECT_EQ(ringed(Qt::Key_Right), "Chatting");
-  EXPECT_EQ(ringed(Qt::Key_Down), "Games");
-  EXPECT_EQ(ringed(Qt::Key_Down), "Games");
-  windows.key(Qt::Key_Return);  // picks the chip, and does not go on
-  EXPECT_EQ(view->beat(), q4Keeps);
-  windows.key(Qt::Key_Left);
-  windows.key(Qt::Key_Space);
-  EXPECT_EQ(static_cast<KeepsBeat&>(*view->screen()).picks(), (std::vector<std::string>{"games", "work"}));
-  EXPECT_EQ(ringed(Qt::Key_Tab), "Games");
-  ringed(Qt::Key_Tab);
-  EXPECT_EQ(ringed(Qt::Key_Tab), "Continue");
-  EXPECT_EQ(ringed(Qt::Key_Tab), "Back");
-  EXPECT_EQ(ringed(Qt::Key_Tab), "Scrolling");
-  ringed(Qt::Key_Backtab);
-  EXPECT_EQ(ringed(Qt::Key_Backtab), "Continue");
-  windows.key(Qt::Key_Space);
-  EXPECT_EQ(view->beat(), mirror);
-
-  // Nothing of the screen before has the focus now, and Return goes on from anywhere.
-  windows.pass(0.3);
-  EXPECT_EQ(focusedLabel(), "");
-  windows.key(Qt::Key_Return);
-  EXPECT_EQ(view->beat(), mirror);  // not before the button is there
-  windows.pass(6);
-  windows.key(Qt::Key_Return);
-  EXPECT_EQ(view->beat(), howItWorks);
-
-  // A wheel is one stop, at its selected row, and Return there goes on, too.
-  enter(q1Latest);
-  EXPECT_EQ(ringed(Qt::Key_Tab), "2 AM");
-  EXPECT_EQ(ringed(Qt::Key_Up), "1 AM");
-  EXPECT_EQ(ringed(Qt::Key_Tab), "Continue");
-  ringed(Qt::Key_Backtab);
-  windows.key(Qt::Key_Return);
-  EXPECT_EQ(view->beat(), q2Nights);
 }
 
 }  // namespace

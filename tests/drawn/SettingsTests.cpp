@@ -86,14 +86,6 @@ TEST_F(AccessibilityCardTest, IsTranslucentWithRoundCorners) {
             picture.pixelColor(picture.width() / 2, picture.height() - 2).lightness() + 20);
 }
 
-TEST_F(AccessibilityCardTest, KeepsItsTitleOnOneLine) {
-  drawn.canvas().resize({300, 260}, 2);
-  drawn.picture();
-  const QRectF title = boxOf(QStringLiteral("Dormel Requires Accessibility"));
-  EXPECT_LT(title.height(), 24);
-  EXPECT_LE(title.right(), 280.5);
-}
-
 /// The settings in an open window.
 class SettingsWindowTest : public testing::Test {
  protected:

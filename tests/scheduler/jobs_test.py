@@ -18,7 +18,8 @@ import unittest
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "tools"))
 
-from desk import Home, scheduler  # noqa: E402
+from desk import Home, scheduler, until  # noqa: E402
+from desk.processes import alive  # noqa: E402
 
 LAUNCHCTL = os.path.join(os.environ["DORMEL_BUILD"], "Dormel.app/Contents/Helpers/launchctl")
 DOMAIN = f"gui/{os.getuid()}"
@@ -41,25 +42,6 @@ case $plan in
   *) eval "$plan" ;;
 esac
 """
-
-
-def wait_for(what, condition, timeout=10.0):
-    """The condition's first true value."""
-    deadline = time.monotonic() + timeout
-    while True:
-        value = condition()
-        if value:
-            return value
-        if time.monotonic() > deadline:
-            raise AssertionError(f"not within {timeout} s: {what}")
-        time.sleep(0.01)
-
-
-def alive(pid):
-    try:
-        return pathlib.Path(f"/proc/{pid}/stat").read_text().rpartition(")")[2].split()[0] != "Z"
-    except (FileNotFoundError, ProcessLookupError):
-        return False
 
 
 class Job:
@@ -106,7 +88,7 @@ class Job:
         return [(float(moment), int(pid), display) for moment, pid, display in runs]
 
     def wait_for_run(self, number=1, timeout=10.0):
-        return wait_for(f"run {number}", lambda: len(self.runs()) >= number and self.runs()[number - 1], timeout)
+        return until(f"run {number}", lambda: len(self.runs()) >= number and self.runs()[number - 1], timeout)
 
 
 class JobModel:
@@ -199,8 +181,8 @@ class JobModel:
         self.assertEqual(job.log.read_text(), "from before\n" + 2 * "to the output\nto the error\n")
         shutil.rmtree(job.log.parent)  # as cleaning tools do
         pid = job.wait_for_run(3)[1]
-        self.assertEqual(wait_for("the log", lambda: job.log.exists() and job.log.stat().st_size and
-                                  job.log.read_text()), "to the output\nto the error\n")
+        self.assertEqual(until("the log", lambda: job.log.exists() and job.log.stat().st_size and
+                               job.log.read_text(), 10), "to the output\nto the error\n")
         # A log that cannot be had must not cost the start.
         shutil.rmtree(job.log.parent)
         job.log.parent.write_text("in the way")
@@ -216,7 +198,7 @@ class JobModel:
         job.write()
         self.bootstrap(job)
         pid = job.wait_for_run()[1]
-        wait_for("the output", lambda: "error" in (folder / "Log s" / "%h $x.log").read_text())
+        until("the output", lambda: "error" in (folder / "Log s" / "%h $x.log").read_text(), 10)
         self.assertEqual((folder / "arguments").read_text(), "".join(a + "\n" for a in arguments))
         self.assertEqual(self.printed(job)["path"], str(job.plist))
         # The autostart entry's command line, read as its readers do: a string first, then a command line in
@@ -234,7 +216,7 @@ class JobModel:
         job = self.job(plan=["exit 0", "stay"])
         self.bootstrap(job)
         job.wait_for_run()
-        wait_for("its end", lambda: "pid" not in self.printed(job))
+        until("its end", lambda: "pid" not in self.printed(job), 10)
         self.expect(0, "login", DOMAIN, job.plist)
         pid = job.wait_for_run(2)[1]
         self.expect(0, "login", DOMAIN, job.plist)
@@ -363,14 +345,14 @@ class JobModel:
         job = self.job()
         job.plan(f"'{LAUNCHCTL}' bootout {job.target}")
         self.bootstrap(job)
-        wait_for("the caller's next line", (job.folder / "left").exists)
+        until("the caller's next line", (job.folder / "left").exists, 10)
         self.assertEqual((job.folder / "left").read_text(), "0\n")
         pid = job.runs()[0][1]
-        wait_for("its end", lambda: not alive(pid))
+        until("its end", lambda: not alive(pid), 10)
         self.expect(113, "print", job.target)
         time.sleep(2)  # for a restart that must not come
         self.assertEqual(len(job.runs()), 1)
-        wait_for("tidiness", lambda: self.left_behind(job) == [])
+        until("tidiness", lambda: self.left_behind(job) == [], 10)
 
     def test_refusals(self):
         job = self.job()
@@ -517,7 +499,7 @@ class OnSupervisor(JobModel, unittest.TestCase):
         pid = job.wait_for_run()[1]
         killed = self.supervisor_of(job)
         os.kill(killed, signal.SIGKILL)
-        wait_for("its end", lambda: not alive(killed))
+        until("its end", lambda: not alive(killed), 10)
         self.expect(113, "print", job.target)
         self.assertTrue(alive(pid))  # what covers the screens goes on doing so
         self.bootstrap(job)
@@ -530,7 +512,7 @@ class OnSupervisor(JobModel, unittest.TestCase):
         # Killed again, and the job taken out without anybody to look after it.
         os.kill(self.supervisor_of(job), signal.SIGKILL)
         self.expect(0, "bootout", job.target)
-        wait_for("the end of the orphan", lambda: not alive(job.runs()[2][1]))
+        until("the end of the orphan", lambda: not alive(job.runs()[2][1]), 10)
         self.assertEqual(self.left_behind(job), [])
 
     @unittest.skipUnless(os.path.exists(FAKETIME), "libfaketime is not installed")

@@ -117,13 +117,5 @@ TEST(Config, StartHourOptionsStandInTheOrderOfTheEvening) {
   for (const auto& row : rows) EXPECT_EQ(Config::startHourOptions(row.hour), row.options) << row.hour;
 }
 
-TEST(Config, NightHourLabels) {
-  const struct {
-    int hour;
-    const char* label;
-  } rows[] = {{0, "12 AM"}, {1, "1 AM"}, {12, "12 PM"}, {21, "9 PM"}, {24, "12 AM"}, {25, "1 AM"}, {-1, "11 PM"}};
-  for (const auto& row : rows) EXPECT_EQ(nightHourLabel(row.hour), row.label);
-}
-
 }  // namespace
 }  // namespace dormel

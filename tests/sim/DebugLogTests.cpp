@@ -70,27 +70,5 @@ TEST(DebugLog, LinesFromOtherThreadsReachTheFileInCallOrderAndMemoryOnTheMainThr
   EXPECT_EQ(notifiedOffMain, 0);
 }
 
-TEST(DebugLog, SurvivesWhatHappensToItsFile) {
-  SimMachine machine;
-  const auto log = DebugLog::create();
-  log->setEnabled(true);
-  const auto append = [&](const char* line) {
-    log->append(line);
-    machine.settle();
-    return machine.files.content(FILE_PATH);
-  };
-  append("one");
-  machine.files.erase(FILE_PATH);
-  EXPECT_EQ(append("two"), "21:00:00.000  two\n");
-  machine.files.chmod(FILE_PATH, 0400);
-  EXPECT_EQ(append("three"), "21:00:00.000  two\n");
-  machine.files.chmod(FILE_PATH, 0600);
-  machine.files.setFreeBytes(0);
-  EXPECT_EQ(append("four"), "21:00:00.000  two\n");
-  machine.files.setFreeBytes({});
-  machine.files.erase("/home/user/Library");
-  EXPECT_EQ(append("five"), "21:00:00.000  five\n");
-}
-
 }  // namespace
 }  // namespace dormel

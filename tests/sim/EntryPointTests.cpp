@@ -62,15 +62,6 @@ TEST(EntryPoint, OneShotCommands) {
   }
 }
 
-TEST(EntryPoint, AProbeThatCannotBeWrittenIsNoProblem) {
-  Program program;
-  program.machine.files.erase("/home/user/Library");
-  program.machine.files.chmod("/home/user", 0555);
-  program.open({"--check-ax"});
-  EXPECT_EQ(program.machine.output.lines(), Lines{"AX: TRUSTED"});
-  EXPECT_EQ(program.machine.exitStatus(), 0);
-}
-
 TEST(EntryPoint, AnArgumentNobodyKnowsOpensTheWindowAndIsNamed) {
   Program program;
   program.arm();
@@ -92,18 +83,6 @@ TEST(EntryPoint, ATerminationSignalEndsAnyDesktopRunWithOne) {
     EXPECT_EQ(program.machine.output.lines().back(), "SIGTERM caught — respawning via non-zero exit.");
     EXPECT_EQ(program.machine.exitStatus(), 1);
   }
-}
-
-TEST(EntryPoint, ARunThatIsTerminatedInTheNightComesBackLocked) {
-  Program program;
-  program.arm();
-  program.machine.advanceTo("2026-11-16 23:00:00");
-  program.machine.process.terminate();
-  program.machine.advance(1);
-  ASSERT_TRUE(program.machine.timeline.processRuns());
-  EXPECT_EQ(program.delegate().screenManager()->state(), SessionState::blocked);
-  EXPECT_TRUE(program.machine.keyboard.isTaken());
-  EXPECT_NE(program.machine.files.content(Config::stdoutLogPath()).find("SIGTERM caught"), std::string::npos);
 }
 
 }  // namespace

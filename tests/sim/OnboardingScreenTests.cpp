@@ -114,25 +114,6 @@ TEST(OnboardingScreens, AScreenThatHasGoneStandsStill) {
   EXPECT_FALSE(screen.sub.reveal.on());
 }
 
-TEST(OnboardingScreens, TheMarkDrawsItselfOnItsCurve) {
-  SimMachine machine;
-  BrandBeat screen([] {});
-  screen.appear();
-  double before = -1;
-  for (int i = 0; i <= 40; ++i) {
-    const double trim = screen.mark.trim();
-    const double time = i / 10.0;
-    EXPECT_EQ(trim > 0, time > 0.9) << time;
-    EXPECT_EQ(trim < 1, time < 3.3) << time;
-    EXPECT_GE(trim, before) << time;
-    before = trim;
-    machine.advance(0.1);
-  }
-  // Where the parameter is a half, time and way are (3 p1 + 3 p2 + 1) / 8 of their ends.
-  EXPECT_NEAR(onbMotion::MARK_CURVE.at(3.1 / 8), 0.5, 1e-9);
-  EXPECT_NEAR((OnbCurve{0.2, 0.7, 0.3, 1.0}.at(2.5 / 8)), 6.1 / 8, 1e-9);
-}
-
 TEST(OnboardingScreens, HeadlinesMarkEmphasisWithAsterisks) {
   const struct {
     const char* text;

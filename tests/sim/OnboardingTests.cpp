@@ -282,26 +282,6 @@ TEST(Onboarding, TheDemoLocksAndTheNextScreenWaitsUnderneath) {
   EXPECT_EQ(program.stranger.view()->beat(), Beat::debrief);
 }
 
-TEST(Onboarding, IsResumedWithItsAnswersAfterItsWindowWasClosed) {
-  FirstRun program;
-  for (int i = 0; i < 8; ++i) program.stranger.goOn();
-  ASSERT_EQ(program.stranger.view()->beat(), Beat::accessibility);
-  const std::string before = shown(program.stranger.view()->model());
-  program.machine.run([&] {
-    const auto view = program.stranger.view();
-    view->advance(Beat::accessibility);  // where it is already
-  });
-  program.machine.mainWindows.closeFront();
-  program.machine.settle();
-  EXPECT_EQ(program.machine.exitStatus(), 0) << "closing it quits";
-  program.machine.journal.clear();
-  program.open();
-  ASSERT_TRUE(program.stranger.view());
-  EXPECT_EQ(program.stranger.view()->beat(), Beat::accessibility);
-  EXPECT_EQ(shown(program.stranger.view()->model()), before);
-  EXPECT_EQ(program.stored(), Lines{}) << "nothing but a step stores";
-}
-
 TEST(Onboarding, APreviewReadsAndStoresNothing) {
   Program program;
   for (const char* key : KEYS) program.machine.defaults.putInteger(key, 12);

@@ -49,42 +49,6 @@ TEST_F(OverlayTest, StatusTellsWhatHappens) {
   EXPECT_EQ(view->statusText(), "");
 }
 
-TEST_F(OverlayTest, ProgressGoesFromPaleToRed) {
-  session->controller->setHoldDuration(10);
-  hold();
-  session->controller->updateProgress();
-  const struct {
-    Seconds held;
-    Ink color;
-    const char* seconds;
-  } rows[] = {{0.2, ink::white(0.30), "10"}, {4.0, ink::white(0.30), "6"}, {4.001, ink::white(0.50), "6"},
-              {8.0, ink::white(0.50), "2"},  {8.001, ink::red(0.80), "2"}, {12.0, ink::red(0.80), "0"}};
-  Seconds held = 0;
-  for (const auto& row : rows) {
-    machine.jumpUptime(row.held - held);
-    held = row.held;
-    EXPECT_EQ(view->progressColor(), row.color) << held;
-    EXPECT_EQ(view->secondsText(), row.seconds) << held;
-  }
-}
-
-TEST_F(OverlayTest, KeyCaps) {
-  machine.layout.setLegend(session->controller->requiredKeys()[0].keyCode, "Menu / Ctrl");
-  machine.layout.setLegend(session->controller->requiredKeys()[2].keyCode, "never asked");
-  const KeyCode third = session->controller->requiredKeys()[2].keyCode;
-  session->controller->handleKeyDown(third);
-  const std::vector<KeyIndicator> caps = view->keys();
-  ASSERT_EQ(caps.size(), 5U);
-  for (std::size_t i = 0; i < 5; ++i) {
-    EXPECT_EQ(caps[i].width(), i < 2 ? 80 : 68);
-    EXPECT_EQ(caps[i].isPressed, i == 2);
-    EXPECT_EQ(caps[i].legend, i == 0 ? "Menu / Ctrl" : "");
-    EXPECT_EQ(caps[i].fill(), i == 2 ? ink::white(1) : ink::white(i < 2 ? 0.05 : 0.08));
-    EXPECT_EQ(caps[i].labelColor(), i == 2 ? ink::black(1) : ink::white(0.70));
-    EXPECT_EQ(caps[i].border().alpha, i == 2 ? 0 : 0.15);
-  }
-}
-
 TEST_F(OverlayTest, ClockInBothForms) {
   const struct {
     const char* moment;
@@ -118,30 +82,6 @@ TEST_F(OverlayTest, AppearsHalfwayThroughTheFadeInOrAtOnce) {
   rebuilt->onAppear();
   EXPECT_TRUE(rebuilt->appeared());
   EXPECT_EQ(rebuilt->appearDuration(), 0);
-}
-
-TEST_F(OverlayTest, GracePill) {
-  const auto pill = GraceCountdownView::create(session);
-  int heard = 0;
-  const Observation observation = pill->observe([&] { ++heard; });
-  const struct {
-    int seconds;
-    const char* text;
-    Ink color;
-  } rows[] = {{245, "4:05 remaining", ink::white(0.60)}, {61, "1:01 remaining", ink::white(0.60)},
-              {60, "1:00 remaining", ink::orange(1)},    {59, "59s remaining", ink::orange(1)},
-              {31, "31s remaining", ink::orange(1)},     {30, "30s remaining", ink::red(1)},
-              {5, "5s remaining", ink::red(1)},          {0, "0s remaining", ink::red(1)}};
-  for (const auto& row : rows) {
-    session->secondsRemaining = row.seconds;
-    EXPECT_EQ(pill->graceText(), row.text);
-    EXPECT_EQ(pill->urgencyColor(), row.color) << row.seconds;
-    EXPECT_DOUBLE_EQ(pill->graceProgress(), row.seconds / 300.0);
-  }
-  EXPECT_EQ(heard, 8);
-  session->total = 10;
-  session->secondsRemaining = 5;
-  EXPECT_DOUBLE_EQ(pill->graceProgress(), 0.5);
 }
 
 TEST_F(OverlayTest, WindowPassesKeysOnUntilTheSessionIsGone) {

@@ -116,37 +116,6 @@ TEST_F(RehearsalTest, ATestRunWithoutThePermissionSaysSo) {
             "21:00:00.000  ═══ TEST CANCELLED ═══\n");
 }
 
-TEST_F(RehearsalTest, EscapeEndsATestRunAtAnyMoment) {
-  const struct {
-    const char* name;
-    bool trusted;
-    Seconds at;
-  } rows[] = {{"by the tap", true, 0},
-              {"by the window", false, 0},
-              {"while it confirms", true, 6},
-              {"while it fades", true, 8},
-              {"when it is back", true, 17}};
-  for (const auto& row : rows) {
-    SimMachine own;
-    auto mine = ScreenManager::create();
-    int ended = 0;
-    own.accessibility.setTrusted(row.trusted);
-    mine->startTest(row.trusted, [&] { ++ended; });
-    if (row.at > 0) {
-      pressAll(own, *mine->bypassController());
-      own.advance(5.1);
-      releaseAll(own);
-      own.advance(row.at - 5.1);
-    }
-    own.keyboard.press(ESCAPE);
-    own.settle();
-    EXPECT_EQ(mine->state(), SessionState::idle) << row.name;
-    EXPECT_TRUE(own.windows.visible().empty()) << row.name;
-    own.advance(200);
-    EXPECT_EQ(ended, 1) << row.name;
-  }
-}
-
 TEST_F(RehearsalTest, EveryStepHasNinetySeconds) {
   startTest();
   machine.advance(84);
@@ -176,15 +145,6 @@ TEST_F(RehearsalTest, AnOldLoweringDoesNotEndTheNextRun) {
     }
   }
   EXPECT_EQ(ends, 6);
-}
-
-TEST_F(RehearsalTest, OnlyOneAtATime) {
-  startTest();
-  startTest();
-  EXPECT_FALSE(startDemo());
-  machine.keyboard.press(ESCAPE);
-  machine.settle();
-  expectOver(CANCELLED);
 }
 
 TEST_F(RehearsalTest, ADemoIsOneHold) {

@@ -11,45 +11,6 @@ namespace {
 
 using Lines = Program::Lines;
 
-TEST(Settings, TheCardsSwitchFlipsWhileItIsShown) {
-  SimMachine machine;
-  int opened = 0;
-  auto card = AccessibilityCardView::create([&] { ++opened; });
-  std::string positions;
-  const Observation observation = card->observe([&] { positions += card->toggleOn() ? '1' : '0'; });
-  machine.advance(5);
-  EXPECT_FALSE(card->toggleOn()) << "nobody sees it yet";
-  card->onAppear();
-  machine.advance(0.7);
-  card->onAppear();
-  machine.advance(0.699);
-  EXPECT_EQ(positions, "");
-  machine.advance(0.001);
-  EXPECT_EQ(positions, "1");
-  machine.advance(4.2);
-  EXPECT_EQ(positions, "1010");
-  card->openSettings();
-  EXPECT_EQ(opened, 1);
-  card.reset();
-  EXPECT_EQ(machine.timeline.repeatingTimers(), 0);
-}
-
-TEST(Settings, TheCardsButtonLeadsToThePermissionAndLeavesTheCard) {
-  Program program;
-  program.machine.accessibility.setTrusted(false);
-  program.machine.setWallClock("2026-11-16 23:00:00");
-  program.open({"--scheduled"});
-  ASSERT_EQ(program.machine.windows.visible().size(), 1U);
-  const std::shared_ptr<View> card = program.machine.windows.visible().front()->content();
-  ASSERT_EQ(card->kind(), ViewKind::accessibilityCard);
-  program.machine.journal.clear();
-  std::static_pointer_cast<AccessibilityCardView>(card)->openSettings();
-  program.machine.advance(60);
-  EXPECT_EQ(program.effects(),
-            Lines{"open x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility"});
-  EXPECT_EQ(program.machine.windows.visible().size(), 1U);
-}
-
 TEST(Settings, HourLabels) {
   const struct {
     int hour;
@@ -212,17 +173,6 @@ TEST(Settings, FollowsTheUpdaterWhileItIsShown) {
     EXPECT_EQ(machine.updater.observers(), 0U);
     EXPECT_EQ(AssentaAssistant::shared().activePanel(), std::nullopt);
   }
-}
-
-TEST(Settings, NamesTheVersionAsFarAsItIsKnown) {
-  SimMachine machine;
-  const auto view = SettingsView::create(machine.updater, {});
-  EXPECT_EQ(view->versionText(), "1.0 (build 1)");
-  machine.bundle.setInfo("CFBundleShortVersionString", "2.3");
-  machine.bundle.removeInfo("CFBundleVersion");
-  EXPECT_EQ(view->versionText(), "2.3 (build ?)");
-  machine.bundle.removeInfo("CFBundleShortVersionString");
-  EXPECT_EQ(view->versionText(), "1.0 (build ?)");
 }
 
 }  // namespace

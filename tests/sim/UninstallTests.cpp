@@ -108,25 +108,6 @@ TEST_F(UninstallTest, WhatCannotBeRemovedStopsNothing) {
   EXPECT_EQ(program.machine.exitStatus(), 0);
 }
 
-TEST_F(UninstallTest, LeavesNothingThatTheProgramEverWrote) {
-  Program program;
-  prepare(program);
-  program.delegate().testNow();
-  program.machine.advance(200);
-  program.delegate().confirmUninstall();
-  program.answer("Uninstall");
-  program.machine.advance(10);
-  program.answer("OK");
-  EXPECT_EQ(program.machine.files.names("/home/user/Library/LaunchAgents"), Lines{});
-  EXPECT_EQ(program.machine.files.names("/home/user/Library/Application Support"), Lines{});
-  EXPECT_EQ(program.machine.files.names("/home/user/Library/Logs"), Lines{});
-  EXPECT_EQ(program.machine.files.names("/Applications"), Lines{});
-  for (const char* key : {defaultsKey::onboardingComplete, defaultsKey::blockStartHour, defaultsKey::blockEndHour,
-                          defaultsKey::blockingEnabled, defaultsKey::debugLoggingEnabled}) {
-    EXPECT_FALSE(program.machine.defaults.stored(key)) << key;
-  }
-}
-
 TEST_F(UninstallTest, AJobThatWaitedForItsSwitchDoesNotComeBack) {
   Program program;
   program.machine.loginItems.setStatus(LoginItemStatus::requiresApproval);

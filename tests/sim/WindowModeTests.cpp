@@ -165,15 +165,6 @@ TEST(WindowMode, LooksForTheSwitchWheneverTheUserComesBack) {
   }
 }
 
-TEST(WindowMode, AnAlertThatIsAnsweredCanComeAgain) {
-  Program program;
-  program.machine.loginItems.setStatus(Status::requiresApproval);
-  program.open();
-  program.answer("Not Now");
-  program.delegate().beginLoginItemsRecovery();
-  EXPECT_EQ(program.machine.alerts.shown().size(), 1U);
-}
-
 TEST(WindowMode, TheAlertOfARefusedJobWaitsForItsReader) {
   Program program;
   program.machine.scheduler.setBootstrapFailure(5);
@@ -219,53 +210,6 @@ TEST(WindowMode, FinishingTheOnboardingArmsTheSchedulerOrSaysThatItCouldNot) {
   }
 }
 
-TEST(WindowMode, TheMainMenu) {
-  struct Row {
-    const char* title;
-    const char* key = "";
-    bool withShift = false, withOption = false;
-  };
-  const struct {
-    const char* title;
-    std::vector<Row> items;
-  } menus[] = {
-      {"Dormel",
-       {{"About Dormel"},
-        {""},
-        {"Hide Dormel", "h"},
-        {"Hide Others", "h", false, true},
-        {"Show All"},
-        {""},
-        {"Quit Dormel", "q"}}},
-      {"Edit",
-       {{"Undo", "z"},
-        {"Redo", "z", true},
-        {""},
-        {"Cut", "x"},
-        {"Copy", "c"},
-        {"Paste", "v"},
-        {"Delete"},
-        {""},
-        {"Select All", "a"}}},
-      {"Window", {{"Close", "w"}, {"Minimize", "m"}}},
-  };
-  const std::vector<Menu> installed = mainMenu();
-  ASSERT_EQ(installed.size(), std::size(menus));
-  for (std::size_t i = 0; i < installed.size(); ++i) {
-    EXPECT_EQ(installed[i].title, menus[i].title);
-    ASSERT_EQ(installed[i].items.size(), menus[i].items.size());
-    for (std::size_t j = 0; j < menus[i].items.size(); ++j) {
-      const MenuItem& item = installed[i].items[j];
-      const Row& row = menus[i].items[j];
-      EXPECT_EQ(item.title, row.title);
-      EXPECT_EQ(item.command == MenuCommand::separator, item.title.empty());
-      EXPECT_EQ(item.key, row.key) << row.title;
-      EXPECT_EQ(item.withShift, row.withShift) << row.title;
-      EXPECT_EQ(item.withOption, row.withOption) << row.title;
-    }
-  }
-}
-
 TEST(WindowMode, EndsWithItsWindowOrByItsMenuEvenWhileItRehearses) {
   const struct {
     const char* name;
@@ -308,47 +252,6 @@ TEST(WindowMode, ASecondStartBringsTheFirstToTheFront) {
   first.machine.process.reopen();
   first.machine.settle();
   EXPECT_EQ(first.effects(), (Lines{"main window 1 front", "application activated"}));
-}
-
-TEST(WindowMode, TheSettingsReachWhatTheyOffer) {
-  Program program;
-  program.arm();
-  program.open();
-  const auto settings = std::static_pointer_cast<SettingsView>(program.machine.mainWindows.front());
-  for (const bool trusted : {true, false}) {  // without the permission the keys arrive by the rehearsal's windows
-    program.machine.accessibility.setTrusted(trusted);
-    settings->testNow();
-    EXPECT_EQ(program.delegate().screenManager()->state(), SessionState::blocked);
-    EXPECT_EQ(program.machine.application.presentationOptions(), 0U);
-    program.machine.keyboard.press(53);
-    program.machine.settle();
-    program.machine.keyboard.release(53);
-    EXPECT_EQ(program.delegate().screenManager()->state(), SessionState::idle);
-  }
-  EXPECT_FALSE(program.delegate().runDemo([] { FAIL() << "it never began"; }));
-
-  program.machine.advance(2);  // the settings have seen that the permission is gone
-  program.machine.journal.clear();
-  program.machine.accessibility.setTrusted(true);
-  program.machine.advance(2);
-  EXPECT_EQ(effects(program), (Lines{"main window 1 front", "application activated"}));
-
-  settings->setStartHour(21);
-  const Lines stored{"default blockStartHour = 21", "default blockEndHour = 6", WRITE, BOOTOUT + " = 0",
-                     BOOTSTRAP + " = 0"};
-  program.machine.settle();
-  EXPECT_EQ(effects(program), stored);
-  program.machine.scheduler.setBootstrapFailure(5);
-  settings->setStartHour(23);
-  EXPECT_EQ(program.machine.alerts.shown().size(), 1U);
-  program.answer("Not Now");
-  EXPECT_EQ(Config::startHour(), 23);
-  settings->uninstall();
-  EXPECT_EQ(program.machine.alerts.shown().size(), 1U);
-  program.answer("Cancel");
-  ASSERT_TRUE(settings->canPreviewOnboarding());
-  settings->previewOnboarding();
-  EXPECT_EQ(program.machine.mainWindows.front()->kind(), ViewKind::onboarding);
 }
 
 TEST(WindowMode, EscapeEndsATestRunWhereverItArrives) {

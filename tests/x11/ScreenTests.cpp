@@ -74,25 +74,6 @@ TEST(Screens, ChangesAreToldAtOnceAndEmptyMomentsAreNot) {
   EXPECT_EQ(notices, before);
 }
 
-TEST(Screens, ANewOneCanBeCoveredRightAfterItsNotice) {
-  const auto server = XServer::withTwoMonitors();
-  const Witness desktop(*server, 0x336699, 0, 0, 4000, 2000);
-  Desk desk(*server);
-  auto windows = desk.blockers();
-  desk.cover(windows, 1);
-  desk.x11.setOnScreensChanged([&] {
-    auto next = desk.blockers();
-    desk.cover(next, 1);
-    for (const auto& window : windows) window->orderOut();
-    windows = std::move(next);
-  });
-  QElapsedTimer time;
-  server->plug("DUMMY2", 1024, 768, 1440, 0);
-  time.start();
-  EXPECT_TRUE(until([&] { return server->pixel(1500, 700) == 0; }, 200));
-  std::printf("covered %lld ms after xrandr ended\n", static_cast<long long>(time.elapsed()));
-}
-
 TEST(DisplayScale, TheUsersFigureDecidesThenTheMonitors) {
   struct Case {
     const char* resources;

@@ -4,7 +4,7 @@ import os
 import plistlib
 import time
 
-from .wait import NotSeen
+from .wait import PATIENCE, NotSeen
 
 IDENTIFIER = os.environ.get("DORMEL_APP_ID_BASE", "com.orvane.dormel") + ".mac"
 
@@ -22,7 +22,7 @@ class Home:
     def environment(self):
         """Only what a fresh session has, so that nothing of the surrounding one leaks in."""
         kept = {k: v for k, v in os.environ.items() if k in ("PATH", "TZ", "USER", "LOGNAME", "ASAN_OPTIONS",
-                                                             "UBSAN_OPTIONS", "TSAN_OPTIONS")}
+                                                             "LSAN_OPTIONS", "UBSAN_OPTIONS", "TSAN_OPTIONS")}
         return {**kept, "HOME": self.path, "XDG_RUNTIME_DIR": self.runtime, "LANG": "C.UTF-8",
                 "DBUS_SESSION_BUS_ADDRESS": f"unix:path={self.runtime}/bus"}
 
@@ -81,7 +81,7 @@ class Home:
         matches is a string that the line contains, or a test of the line.
         """
         test = (lambda line: matches in line) if isinstance(matches, str) else matches
-        deadline = time.monotonic() + within
+        deadline = time.monotonic() + within * PATIENCE
         while True:
             for index, line in enumerate(self.log(name)[since:], since):
                 if test(line):

@@ -52,12 +52,15 @@ class Night:
     def _see_lock(self, mark, previous_keys, picture):
         desk = self.desk
         monitors = desk.eyes.monitors()
-        grab = desk.watcher.first("grab", mark, 10, "the keyboard is taken")
+        # The windows that are told of the grab are so new that one may listen too late, and hear nothing of it.
+        until("the keyboard is taken",
+              lambda: desk.watcher.since(mark, "grab") or not desk.keys_reach_the_document(), 10, every=0.1)
+        taken = next((event.at for event in desk.watcher.since(mark, "grab")), time.monotonic())
         pids = {self.pid}
         covered = until("windows of the program cover every monitor",
                         lambda: desk.watcher.covered_at(monitors, mark, desk.eyes.pid_of, pids), 10)
         until("the program's windows are on top everywhere", lambda: desk.eyes.covered(pids), 5)
-        self._report("keyboard taken", f"process {self.pid}", grab.at, None)
+        self._report("keyboard taken", f"process {self.pid}", taken, None)
         self._report("both screens covered", " and ".join(map(str, monitors)), covered, picture)
         if desk.keys_reach_the_document():
             raise NotSeen("while locked, a key does not reach the document")

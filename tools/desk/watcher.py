@@ -12,7 +12,7 @@ from dataclasses import dataclass, field
 from Xlib import X, error
 from Xlib.ext import randr
 
-from .wait import NotSeen
+from .wait import PATIENCE, NotSeen
 
 
 @dataclass(frozen=True)
@@ -90,7 +90,7 @@ class Watcher:
 
     def first(self, kind, since, within, what=None):
         """The first event of the kind after the mark; waits for it."""
-        deadline = time.monotonic() + within
+        deadline = time.monotonic() + within * PATIENCE
         with self._changed:
             while True:
                 for event in self.events[since:]:

@@ -16,6 +16,7 @@
 #include <cstdlib>
 #include <utility>
 
+#include "platform/linux/posix/LeakCheck.h"
 #include "platform/linux/posix/PosixQueues.h"
 
 namespace dormel::posix {
@@ -69,6 +70,7 @@ void PosixProcess::exit(const ExitStatus& status) {
   }
   queues_.drain(DRAIN_LIMIT);
   for (const Task& action : beforeExit_) action();
+  checkForLeaks();
   std::_Exit(status());
 }
 
