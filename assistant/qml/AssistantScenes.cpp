@@ -12,7 +12,7 @@ void qml_register_types_Dormel_Assistant();
 namespace dormel {
 
 void registerAssistantScenes(QmlSceneRegistry& registry) {
-  [[maybe_unused]] static void (*volatile const keep)() = &qml_register_types_Dormel_Assistant;
+  [[gnu::used]] static void (*const keep)() = &qml_register_types_Dormel_Assistant;
   registry.prepareWith(loadUiModule);
   registry.add(ViewKind::assistantGuide,
                {QUrl(QStringLiteral("qrc:/qt/qml/Dormel/Assistant/AssistantGuide.qml")),

@@ -12,7 +12,7 @@ void qml_register_types_Dormel_Onboarding();
 namespace dormel {
 
 void loadOnboardingModule() {
-  [[maybe_unused]] static void (*volatile const keep)() = &qml_register_types_Dormel_Onboarding;
+  [[gnu::used]] static void (*const keep)() = &qml_register_types_Dormel_Onboarding;
 }
 
 void registerOnboardingScenes(QmlSceneRegistry& registry) {

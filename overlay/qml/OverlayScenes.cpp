@@ -22,7 +22,7 @@ QmlScene scene(const char* name, const QColor& background) {
 }  // namespace
 
 void registerOverlayScenes(QmlSceneRegistry& registry) {
-  [[maybe_unused]] static void (*volatile const keep)() = &qml_register_types_Dormel_Overlay;
+  [[gnu::used]] static void (*const keep)() = &qml_register_types_Dormel_Overlay;
   registry.prepareWith(loadUiModule);
   registry.add(ViewKind::blockerOverlay, scene<BlockerOverlayBridge, BlockerOverlayView>("BlockerOverlay", Qt::black));
   registry.add(ViewKind::graceCountdown, scene<GraceCountdownBridge, GraceCountdownView>("GracePill", Qt::transparent));

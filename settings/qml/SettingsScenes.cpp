@@ -25,7 +25,7 @@ QmlScene scene(const char* name, const QColor& background) {
 }  // namespace
 
 void registerSettingsScenes(QmlSceneRegistry& registry) {
-  [[maybe_unused]] static void (*volatile const keep)() = &qml_register_types_Dormel_Settings;
+  [[gnu::used]] static void (*const keep)() = &qml_register_types_Dormel_Settings;
   registry.prepareWith(loadUiModule);
   registry.add(ViewKind::accessibilityCard,
                scene<AccessibilityCardBridge, AccessibilityCardView>("AccessibilityCard", Qt::transparent));

@@ -2,6 +2,7 @@
 
 import ctypes
 import os
+import socket
 import subprocess
 
 from .wait import until
@@ -36,13 +37,25 @@ class LoginManager:
             file.write(CONFIG.format(path=self._path))
         self._daemon = subprocess.Popen(["dbus-daemon", f"--config-file={self._config}", "--nofork", "--nopidfile"],
                                         stdin=subprocess.DEVNULL, start_new_session=True)
-        until("the bus is there", lambda: os.path.exists(self._path), 5)
+        try:
+            until("the bus is there", self._listens, 5)
+            self._take_the_name()
+        except BaseException:
+            self.end_the_bus()
+            raise
+        return self
+
+    def _listens(self):
+        """A socket that exists may not be listened to yet."""
+        with socket.socket(socket.AF_UNIX) as caller:
+            return caller.connect_ex(self._path) == 0
+
+    def _take_the_name(self):
         self._call("sd_bus_new", ctypes.byref(self._bus))
         self._call("sd_bus_set_address", self._bus, self.environment["DBUS_SYSTEM_BUS_ADDRESS"].encode())
         self._call("sd_bus_set_bus_client", self._bus, 1)
         self._call("sd_bus_start", self._bus)
         self._call("sd_bus_request_name", self._bus, NAME, ctypes.c_uint64(0))
-        return self
 
     def __exit__(self, *_):
         self._systemd.sd_bus_flush_close_unref(self._bus)

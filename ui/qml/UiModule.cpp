@@ -15,7 +15,7 @@ void qml_register_types_Dormel_Ui();
 namespace dormel {
 
 void loadUiModule() {
-  [[maybe_unused]] static void (*volatile const keep)() = &qml_register_types_Dormel_Ui;
+  [[gnu::used]] static void (*const keep)() = &qml_register_types_Dormel_Ui;
   [[maybe_unused]] static const bool loaded = (Typeface::load(), installPressableAccessible(), true);
 }
 

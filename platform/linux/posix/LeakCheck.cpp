@@ -1,6 +1,10 @@
 #include "platform/linux/posix/LeakCheck.h"
 
-#ifdef __SANITIZE_ADDRESS__
+#ifndef __has_feature
+#define __has_feature(feature) 0  // GCC's: it defines __SANITIZE_ADDRESS__ instead
+#endif
+
+#if defined(__SANITIZE_ADDRESS__) || __has_feature(address_sanitizer)
 #include <sanitizer/lsan_interface.h>
 
 #include <cstdint>
