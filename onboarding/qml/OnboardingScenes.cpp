@@ -11,9 +11,7 @@ void qml_register_types_Dormel_Onboarding();
 
 namespace dormel {
 
-void loadOnboardingModule() {
-  [[gnu::used]] static void (*const keep)() = &qml_register_types_Dormel_Onboarding;
-}
+void loadOnboardingModule() { [[gnu::used]] static void (*const keep)() = &qml_register_types_Dormel_Onboarding; }
 
 void registerOnboardingScenes(QmlSceneRegistry& registry) {
   loadOnboardingModule();

@@ -155,7 +155,7 @@ class AssistantTest(DesktopCase):
         x, y = map(int, receiver.said.split())  # its middle
 
         def drag():
-            guide = self.guide()
+            guide = until("the guide", self.guide, 3)
             desk.mouse.move(guide.x + ROW[0], guide.y + ROW[1])
             until("the row", self.row_is_seen, 2)
             desk.mouse.press()

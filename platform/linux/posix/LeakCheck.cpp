@@ -25,6 +25,7 @@ void checkForLeaks() {
     range >> std::hex >> begin;
     range.ignore();
     range >> end;
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): the kernel's table is text
     __lsan_register_root_region(reinterpret_cast<const void*>(begin), end - begin);
   }
   __lsan_do_recoverable_leak_check();
