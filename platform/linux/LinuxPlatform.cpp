@@ -14,6 +14,7 @@
 #include "platform/linux/freedesktop/Logind.h"
 #include "platform/linux/freedesktop/SeatFiles.h"
 #include "platform/linux/freedesktop/SettingsPages.h"
+#include "platform/linux/freedesktop/ShellOverview.h"
 #include "platform/linux/posix/PosixBundle.h"
 #include "platform/linux/posix/PosixChildProcesses.h"
 #include "platform/linux/posix/PosixClock.h"
@@ -79,7 +80,12 @@ struct LinuxPlatform::Parts {
         canvases(stage),
         x11(canvases, clock),
         accessibility(x11, process, output, kind),
-        application(process, [this](bool on) { x11.setLockdown(on); }),
+        shellOverview([this](int fd, std::function<bool()> action) { loop.watchReadable(fd, std::move(action)); }),
+        application(process,
+                    [this](bool on) {
+                      x11.setLockdown(on);
+                      shellOverview.keepClosed(on);
+                    }),
         workspace(children, output),
         loginItems(children, output),
         windows(std::make_shared<WindowGroup>(stage, windowHelp())),
@@ -181,6 +187,7 @@ struct LinuxPlatform::Parts {
   QmlCanvasFactory canvases;
   x11::X11Platform x11;
   DesktopAccessibility accessibility;
+  freedesktop::ShellOverview shellOverview;
   DesktopApplication application;
   DesktopNotices notices;
   std::unique_ptr<freedesktop::Logind> logind;

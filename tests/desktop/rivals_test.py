@@ -4,6 +4,7 @@ import unittest
 
 from case import DesktopCase, until
 from desk import Sampler, processes
+from desk.shell import Shell
 
 
 class KeyboardRivals(DesktopCase):
@@ -24,6 +25,19 @@ class KeyboardRivals(DesktopCase):
         self.assertLess(taken - released, 0.3)
         self.assertFalse(desk.keys_reach_the_document())
         self.assertIsNone(process.poll())
+
+
+class ShellRivals(DesktopCase):
+    def test_an_overview_in_which_no_window_would_be_seen(self):
+        desk = self.desk()
+        desk.start_session_bus()
+        shell = Shell(f"unix:path={desk.home.runtime}/bus")
+        self.addCleanup(shell.close)
+        shell.open_overview()
+        self.lock(desk)
+        until("the overview that was open is closed", lambda: not shell.is_open, 2)
+        shell.open_overview()
+        until("the overview that opens is closed", lambda: not shell.is_open, 2)
 
 
 class TopmostRivals(DesktopCase):

@@ -1,8 +1,10 @@
 """The whole private desktop, put up and taken down as one."""
 
 import os
+import shlex
 import shutil
 import signal
+import socket
 import subprocess
 import tempfile
 import time
@@ -28,6 +30,7 @@ class Desk:
     manager: True starts a private user manager and falls back to none where it cannot run (manager_missing tells
     why); False never does, which leaves the program to its built-in supervisor.
     windows: "openbox" adds a window manager; compositor: True adds picom. scale: what the user set for large monitors.
+    DORMEL_WINDOWS, a command, is the window manager of every desk instead, and its compositor if it is one.
     """
 
     def __init__(self, monitors=((1920, 1080), (1280, 1024)), manager=False, windows=None, compositor=False,
@@ -37,7 +40,9 @@ class Desk:
         self.server = Server(self.folder, monitors, server_arguments)
         self.manager = None
         self.manager_missing = None
-        self._want_manager, self._windows, self._compositor, self._pretty = manager, windows, compositor, pretty
+        windows = os.environ.get("DORMEL_WINDOWS", windows)
+        self._windows = shlex.split(windows) if windows else None
+        self._want_manager, self._compositor, self._pretty = manager, compositor, pretty
         self._scale = scale
         self._extra = dict(extra or {})
         self._helpers = []
@@ -66,8 +71,14 @@ class Desk:
         monitors = self.eyes.monitors()
         paint.wallpaper(self.server, monitors if self._pretty else [])
         if self._windows:
-            self.helper([self._windows], "_NET_SUPPORTING_WM_CHECK")
-        if self._compositor:
+            if "DORMEL_WINDOWS" in os.environ and not self._want_manager:
+                self.start_session_bus()
+            self.helper(self._windows, "_NET_SUPPORTING_WM_CHECK")
+            if "DORMEL_WINDOWS" in os.environ:
+                self.server.probe()
+                if self.composited():
+                    self._keep(paint.DesktopWindow(self.server))
+        if self._compositor and not self.composited():
             self.start_compositor()
         self.witness = self._keep(Witness(self.server, picture=paint.document(900, 620) if self._pretty else None))
         # openbox does not look at what reached it while it was starting until something else does.
@@ -107,14 +118,28 @@ class Desk:
                 connection.close()
         return process
 
-    def start_compositor(self):
-        process = self.helper(["picom", "--backend", "xrender", "--config", "/dev/null"])
+    def start_session_bus(self):
+        """Where a user manager has it, for desks without one."""
+        path = os.path.join(self.home.runtime, "bus")
+        self.helper(["dbus-daemon", "--session", "--nofork", "--nopidfile", f"--address=unix:path={path}"])
+
+        def listens():
+            with socket.socket(socket.AF_UNIX) as caller:
+                return caller.connect_ex(path) == 0
+
+        until("the session bus is there", listens, 5)
+
+    def composited(self):
+        """Whether somebody composites the screens."""
         connection = self.server.open()
         try:
-            owner = connection.intern_atom("_NET_WM_CM_S0")
-            until("picom composites", lambda: connection.get_selection_owner(owner) != 0, 10)
+            return connection.get_selection_owner(connection.intern_atom("_NET_WM_CM_S0")) != 0
         finally:
             connection.close()
+
+    def start_compositor(self):
+        process = self.helper(["picom", "--backend", "xrender", "--config", "/dev/null"])
+        until("picom composites", self.composited, 10)
         return process
 
     def neighbour(self, kind):

@@ -190,6 +190,11 @@ class Server:
             self._modes.add(name)
         return name
 
+    def probe(self):
+        """Lets the server look for monitors, as it does when something is plugged in: toolkits that counted them while
+        it was starting count again."""
+        self._xrandr()
+
     def _xrandr(self, *arguments):
         environment = {**os.environ, **self.environment()}
         done = subprocess.run(["xrandr", *arguments], env=environment, capture_output=True, text=True, timeout=20,
