@@ -1,5 +1,6 @@
 """The whole private desktop, put up and taken down as one."""
 
+import contextlib
 import os
 import shlex
 import shutil
@@ -76,7 +77,8 @@ class Desk:
             self.helper(self._windows, "_NET_SUPPORTING_WM_CHECK")
             if "DORMEL_WINDOWS" in os.environ:
                 self.server.probe()
-                if self.composited():
+                with contextlib.suppress(NotSeen):
+                    until("it composites", self.composited, 2)
                     self._keep(paint.DesktopWindow(self.server))
         if self._compositor and not self.composited():
             self.start_compositor()
