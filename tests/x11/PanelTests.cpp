@@ -95,18 +95,59 @@ TEST_F(PanelTest, NeverUncoversDuringARebuild) {
   EXPECT_EQ(camera.sightings(), 0);
 }
 
-class FadeTest : public PanelTest, public testing::WithParamInterface<bool> {};
-
-TEST_P(FadeTest, GoesFromTheDesktopToBlackAndBack) {
-  std::unique_ptr<Child> picom;
-  Desk desk(*server);
-  if (GetParam()) {
+class FadeTest : public PanelTest, public testing::WithParamInterface<bool> {
+ protected:
+  void SetUp() override {
+    if (!GetParam()) return;
     picom = std::make_unique<Child>(std::vector<std::string>{"picom", "--backend", "xrender", "--config", "/dev/null"},
                                     server->display());
     ASSERT_TRUE(until([&] { return isComposited(*server); }));
     spin(300);  // it says so before it has painted anything
     ASSERT_TRUE(until([&] { return isBare(); }));
   }
+  std::unique_ptr<Child> picom;
+};
+
+TEST_P(FadeTest, IsOneForTheWholeScreenAtEveryMomentOfIt) {
+  Desk desk(*server);
+  const auto windows = desk.blockers();
+  desk.cover(windows, 0);
+  ASSERT_TRUE(until([&] { return desk.canvases.made.size() == 2; }));
+  PlainCanvas& canvas = *desk.canvases.made[0];
+  constexpr std::uint32_t BLACK = 0xff000000;  // as opaque as the ground beside it
+  constexpr std::uint32_t GLASS = 0x80402010;  // half of a colour
+  canvas.paint(BLACK, {0, 0, canvas.width(), canvas.height()});
+  canvas.paint(CANVAS_COLOUR, {50, 0, 50, 30});
+  canvas.paint(GLASS, {50, 30, 50, 30});
+  struct Place {
+    const char* what;
+    int x, y;
+    std::uint32_t colour;  // of the panel when it is all there
+  };
+  const Place places[] = {{"the ground", 3, 3, 0},
+                          {"the content's ground", 360, 280, 0},
+                          {"the content", 425, 280, CONTENT},
+                          {"what lets the ground through", 425, 315, GLASS & 0xffffff}};
+  for (const double alpha : {0.1, 0.5, 0.9, 0.5, 0.1}) {
+    windows[0]->setAlpha(alpha);
+    for (const Place& place : places) {
+      const auto isMixed = [&] {
+        const std::uint32_t seen = server->pixel(place.x, place.y);
+        for (const int shift : {0, 8, 16}) {
+          const auto part = [shift](std::uint32_t colour) { return static_cast<double>(colour >> shift & 0xff); };
+          const double mixed = alpha * part(place.colour) + (1 - alpha) * part(DESKTOP);
+          if (std::abs(part(seen) - mixed) > 3) return false;
+        }
+        return true;
+      };
+      EXPECT_TRUE(until(isMixed, 1000)) << place.what << " at " << alpha << " shows " << std::hex
+                                        << server->pixel(place.x, place.y);
+    }
+  }
+}
+
+TEST_P(FadeTest, GoesFromTheDesktopToBlackAndBack) {
+  Desk desk(*server);
   const auto windows = desk.blockers();
   desk.cover(windows, 0);
   for (int i = 0; i < 5; ++i) {

@@ -225,7 +225,9 @@ void PanelSurface::paintFade() {
                          u16(content.height));
     const xcb_render_picture_t present = makeShade(c, alpha_);
     const PixelRect whole = contentArea();
-    xcb_render_composite(c, XCB_RENDER_PICT_OP_OVER, content_->picture(), present, bufferPicture,
+    // "Add": the share of the desktop that the content hides is gone already. "Over" would take it a second time, and
+    // the content would stand in a darker box.
+    xcb_render_composite(c, XCB_RENDER_PICT_OP_ADD, content_->picture(), present, bufferPicture,
                          s16(content.x - whole.x), s16(content.y - whole.y), 0, 0, 0, 0, u16(content.width),
                          u16(content.height));
     xcb_copy_area(c, buffer, window_, gc_, 0, 0, s16(content.x), s16(content.y), u16(content.width),
