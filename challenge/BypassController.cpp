@@ -85,6 +85,7 @@ void BypassController::resolveKeyboard() {
   appendLetters(LEFT_LETTERS, leftKeys_);
   rightKeys_ = modifierPool(RIGHT_MODIFIERS);
   appendLetters(RIGHT_LETTERS, rightKeys_);
+  legends_ = keyLegends();
 }
 
 void BypassController::pickRandomKeys(bool announce) {
@@ -257,6 +258,13 @@ std::string BypassController::label(KeyCode keyCode) const {
     if (key.keyCode == keyCode) return key.label;
   }
   return "kc" + std::to_string(keyCode);
+}
+
+std::string BypassController::legend(KeyCode keyCode) const {
+  for (const KeyLegend& legend : legends_) {
+    if (legend.keyCode == keyCode) return legend.text;
+  }
+  return {};
 }
 
 std::string BypassController::heldSnapshot() const {

@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "challenge/KeyLegends.h"
 #include "challenge/KeyPool.h"
 #include "core/Constants.h"
 #include "core/Observable.h"
@@ -69,6 +70,9 @@ class BypassController : public Observable, public std::enable_shared_from_this<
 
   /// The label under which a key appears in the log: a required key's own, else "kc" and the code.
   [[nodiscard]] std::string label(KeyCode keyCode) const;
+  /// What a letter's label leaves open about its key (challenge/KeyLegends.h), by the layout that the labels are from;
+  /// empty when it leaves nothing open.
+  [[nodiscard]] std::string legend(KeyCode keyCode) const;
   /// One line that shows each required key, whether it counts as down, and for letters what the hardware says.
   [[nodiscard]] std::string heldSnapshot() const;
 
@@ -102,6 +106,7 @@ class BypassController : public Observable, public std::enable_shared_from_this<
   Seconds debugLastHeartbeat_ = 0;  // throttles the periodic lines to one per half second
   std::vector<KeyPool> leftKeys_;
   std::vector<KeyPool> rightKeys_;
+  std::vector<KeyLegend> legends_;
 };
 
 }  // namespace dormel

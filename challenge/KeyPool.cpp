@@ -29,7 +29,7 @@ constexpr std::array MODIFIER_BITS{
 std::optional<std::string> labelForKeyCode(KeyCode keyCode) {
   const auto produced = platform().keyboardLayout.translate(keyCode);
   if (!produced) return {};
-  auto label = upperCased(*produced);
+  auto label = titleCased(*produced);
   if (!label || !isOneLetterOrNumber(*label)) return {};
   return label;
 }

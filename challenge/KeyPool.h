@@ -78,7 +78,8 @@ inline constexpr EventFlags option = 0x80000;
 inline constexpr EventFlags command = 0x100000;
 }  // namespace eventFlag
 
-/// The character that the current layout produces for the key, upper-cased, when it is one letter or digit.
+/// The character that the current layout produces for the key, as keyboards print it (in title case), when it is one
+/// letter or digit.
 [[nodiscard]] std::optional<std::string> labelForKeyCode(KeyCode keyCode);
 
 /// "cmd", "shift", "opt" or "ctrl" for either side's key; "kc" and the code for any other.

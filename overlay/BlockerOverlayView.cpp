@@ -76,8 +76,10 @@ bool BlockerOverlayView::isFadingOut() const {
 std::vector<KeyIndicator> BlockerOverlayView::keys() const {
   std::vector<KeyIndicator> caps;
   for (const RequiredKey& key : bypassController_->requiredKeys()) {
-    caps.push_back({key.label, key.isModifier ? platform().keyboardLayout.printedLegend(key.keyCode) : std::string(),
-                    key.keyCode, bypassController_->pressedKeys().contains(key.keyCode), key.isModifier});
+    caps.push_back(
+        {key.label,
+         key.isModifier ? platform().keyboardLayout.printedLegend(key.keyCode) : bypassController_->legend(key.keyCode),
+         key.keyCode, bypassController_->pressedKeys().contains(key.keyCode), key.isModifier});
   }
   return caps;
 }

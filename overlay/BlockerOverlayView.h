@@ -25,8 +25,8 @@ namespace dormel {
 /// "4:05" for 245 seconds.
 [[nodiscard]] std::string graceCountdownText(int seconds);
 
-/// One key cap. Modifiers are wider, with a smaller label and, where this keyboard prints something else on the
-/// key, a small legend below.
+/// One key cap. Modifiers are wider, with a smaller label. Where this keyboard prints something else on a modifier, or
+/// a letter's label does not say which key it is, there is a small legend below.
 struct KeyIndicator {
   std::string label;
   std::string legend;

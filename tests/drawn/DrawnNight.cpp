@@ -12,6 +12,7 @@ DrawnNight::DrawnNight(const Options& options) : DrawnMachine(options.seed) {
   for (const auto& [key, legend] : {std::pair{58, "Alt"}, {61, "Alt"}, {55, "Super"}, {54, "Menu / Ctrl"}}) {
     machine.layout.setLegend(static_cast<KeyCode>(key), legend);
   }
+  for (const auto& [key, produces] : options.layout) machine.layout.set(key, produces);
   store(defaultsKey::use24HourClock, {options.use24HourClock});
   session = ScreenManager::create();
   session->activate(true);

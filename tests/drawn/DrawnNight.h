@@ -3,6 +3,8 @@
 
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "engine/ScreenManager.h"
 #include "tests/drawn/DrawnMachine.h"
@@ -15,6 +17,7 @@ class DrawnNight : public DrawnMachine {
     std::string at = "2026-11-16 23:05:00";
     bool use24HourClock = true;
     std::uint64_t seed = 1;
+    std::vector<std::pair<KeyCode, const char*>> layout{};  ///< what keys produce, on top of the US layout
   };
 
   DrawnNight() : DrawnNight(Options{}) {}

@@ -31,7 +31,8 @@ TEST(KeyLabels, ShowWhatTheLayoutPrintsOrElseTheUsLegend) {
       {35, ";", "P"},                          //
       {13, "´", "W"},                          // a dead key's accent
       {32, "2", "2"},                          // digits stand for themselves
-      {6, "ß", "Z"},                           // two letters when upper-cased
+      {6, "ß", "Z"},                           // two letters when capitalised
+      {0, "ა", "ა"},                           // Georgian: its capitals are on no keyboard and in few fonts
       {8, "ch", "C"},                          // two characters on one key
       {2, "ö", "Ö"},                           //
       {3, "e\xCC\x81", "\xC3\x89|E\xCC\x81"},  // one character to a reader, however it is encoded
@@ -47,6 +48,36 @@ TEST(KeyLabels, ShowWhatTheLayoutPrintsOrElseTheUsLegend) {
     const std::string label = labelInPool(row.keyCode);
     EXPECT_NE(("|" + std::string(row.label) + "|").find("|" + label + "|"), std::string::npos)
         << row.keyCode << " is labelled " << label;
+  }
+}
+
+TEST(KeyLabels, SayMoreWhereTheyDoNotNameOneKey) {
+  struct Printed {
+    KeyCode keyCode;
+    const char* produces;
+  };
+  const struct {
+    const char* what;
+    std::vector<Printed> layout;  // on top of the US one
+    std::vector<std::pair<KeyCode, const char*>> legends;
+  } rows[] = {
+      {"US", {}, {{0, ""}, {46, ""}, {35, ""}}},
+      {"Greek: both are capital sigmas", {{13, "ς"}, {1, "σ"}}, {{13, "prints ς"}, {1, "prints σ"}, {0, ""}}},
+      {"AZERTY: M is elsewhere", {{46, ","}, {41, "m"}}, {{46, "prints ,"}, {35, ""}}},
+      {"a stand-in that no key types", {{12, "/"}, {0, "ש"}}, {{12, "prints /"}, {0, ""}}},
+      {"a stand-in that another key of the challenge types",
+       {{12, "'"}, {7, "q"}},
+       {{12, "prints '"}, {7, "prints q"}}},
+      {"a digit twice", {{32, "4"}, {21, "4"}}, {{32, "row 1, 7th"}}},
+      {"two keys that print the same", {{2, "x"}}, {{2, "row 2, 3rd"}, {7, "row 3, 2nd"}}},
+      {"one that prints nothing to be seen", {{6, "\xCC\x81"}, {16, "z"}}, {{6, "row 3, 1st"}, {16, "prints z"}}},
+  };
+  for (const auto& row : rows) {
+    SimMachine machine;
+    for (const Printed& key : row.layout) machine.layout.set(key.keyCode, key.produces);
+    const auto controller = BypassController::create();
+    machine.layout.clear();  // the legends outlive the layout with their labels
+    for (const auto& [keyCode, legend] : row.legends) EXPECT_EQ(controller->legend(keyCode), legend) << row.what;
   }
 }
 

@@ -49,6 +49,15 @@ TEST_F(OverlayTest, StatusTellsWhatHappens) {
   EXPECT_EQ(view->statusText(), "");
 }
 
+TEST_F(OverlayTest, CapsSayMoreWhereTheirLabelsAreShared) {
+  for (const KeyIndicator& cap : view->keys()) EXPECT_EQ(cap.legend, "") << cap.label;
+  for (const KeyPool& key : session->controller->leftKeys()) machine.layout.set(key.keyCode, "σ");
+  const auto greek = std::make_shared<FakeSession>();
+  for (const KeyIndicator& cap : BlockerOverlayView::create(greek)->keys()) {
+    EXPECT_EQ(cap.label == "Σ", cap.legend.starts_with("row ")) << cap.label << " " << cap.legend;
+  }
+}
+
 TEST_F(OverlayTest, ClockInBothForms) {
   const struct {
     const char* moment;

@@ -177,16 +177,20 @@ TEST(InputIdle, CountsFromTheLastInput) {
 TEST(Layout, PrintsWhatTheServersKeymapPrints) {
   struct Case {
     std::vector<std::string> setxkbmap;
-    const char* a;        // virtual key 0
-    const char* q;        // 12
-    const char* z;        // 6
-    const char* s;        // 1
-    const char* leftOfE;  // 13
+    const char* a;         // virtual key 0
+    const char* q;         // 12
+    const char* z;         // 6
+    const char* s;         // 1
+    const char* leftOfE;   // 13
+    const char* rightOfL;  // 41, in no challenge
   };
   const Case cases[] = {
-      {{"us"}, "a", "q", "z", "s", "w"},           {{"fr"}, "q", "a", "w", "s", "z"},
-      {{"ru"}, "ф", "й", "я", "ы", "ц"},           {{"de"}, "a", "q", "y", "s", "w"},
-      {{"us", "dvorak"}, "a", "'", ";", "o", ","}, {{"us,ru"}, "a", "q", "z", "s", "w"},  // several: the one in force
+      {{"us"}, "a", "q", "z", "s", "w", ";"},
+      {{"fr"}, "q", "a", "w", "s", "z", "m"},
+      {{"ru"}, "ф", "й", "я", "ы", "ц", "ж"},
+      {{"de"}, "a", "q", "y", "s", "w", "ö"},
+      {{"us", "dvorak"}, "a", "'", ";", "o", ",", "s"},
+      {{"us,ru"}, "a", "q", "z", "s", "w", ";"},  // several: the one in force
   };
   const auto server = XServer::withTwoMonitors();
   const auto connection = server->client();
@@ -201,6 +205,7 @@ TEST(Layout, PrintsWhatTheServersKeymapPrints) {
     EXPECT_EQ(layout.translate(12), c.q);
     EXPECT_EQ(layout.translate(6), c.z);
     EXPECT_EQ(layout.translate(1), c.s);
+    EXPECT_EQ(layout.translate(41), c.rightOfL);
   }
   ASSERT_TRUE(server->run({"setxkbmap", "us,ru", "-option", "grp:shifts_toggle"}));
   server->press(KEY_LEFT_SHIFT);

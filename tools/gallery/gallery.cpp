@@ -321,6 +321,10 @@ int main(int argc, char** argv) {
 
   gallery.show("idle-24h", {}, nothing);
   gallery.show("idle-12h", {.at = "2026-11-16 23:05:00", .use24HourClock = false, .seed = 2}, nothing);
+  std::vector<std::pair<KeyCode, const char*>> confusing;
+  for (const LetterRow& row : LEFT_LETTERS) confusing.emplace_back(row.keyCode, "σ");
+  for (const LetterRow& row : RIGHT_LETTERS) confusing.emplace_back(row.keyCode, ",");
+  gallery.show("idle-confusing-layout", {.layout = confusing}, nothing);
   gallery.show("fading-in", {}, nothing, [](DrawnNight& night) { night.pass(2.0); });
   gallery.show("some-keys", {}, nothing, [](DrawnNight& night) {
     night.pass(4.5);
