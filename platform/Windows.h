@@ -71,6 +71,8 @@ class Window {
  public:
   virtual ~Window() = default;
 
+  /// In points, and the same until somebody sets or drags it: when the main screen's corner or the scale changes, the
+  /// window goes where its frame is then, right after `screenParametersChanged`.
   [[nodiscard]] virtual Rect frame() const = 0;
   virtual void setFrame(const Rect& frame) = 0;
 

@@ -10,17 +10,9 @@
 
 #include "platform/Geometry.h"
 #include "platform/View.h"
+#include "platform/common/PixelRect.h"
 
 namespace dormel {
-
-struct PixelRect {
-  int x = 0;
-  int y = 0;
-  int width = 0;
-  int height = 0;
-  [[nodiscard]] bool empty() const { return width <= 0 || height <= 0; }
-  friend bool operator==(const PixelRect&, const PixelRect&) = default;
-};
 
 struct Pixels {
   const std::uint32_t* data = nullptr;

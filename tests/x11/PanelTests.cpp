@@ -95,6 +95,44 @@ TEST_F(PanelTest, NeverUncoversDuringARebuild) {
   EXPECT_EQ(camera.sightings(), 0);
 }
 
+TEST_F(PanelTest, StaysOnItsScreenWhenThatMovesInPixelsAndNotInPoints) {
+  ASSERT_TRUE(server->run({"xrandr", "--output", "DUMMY1", "--primary"}));
+  Desk desk(*server);
+  auto windows = desk.blockers();
+  desk.cover(windows, 1);
+  // As the session does it: other frames, other windows; the same frames, nothing.
+  auto covered = desk.x11.screens().all();
+  desk.x11.setOnScreensChanged([&] {
+    const auto now = desk.x11.screens().all();
+    if (std::equal(now.begin(), now.end(), covered.begin(), covered.end(),
+                   [](const Screen& a, const Screen& b) { return a.frame == b.frame; })) {
+      return;
+    }
+    covered = now;
+    auto next = desk.blockers();
+    desk.cover(next, 1);
+    for (const auto& window : windows) window->orderOut();
+    windows = std::move(next);
+  });
+  const auto isBlack = [&](int left, int top, int width, int height) {
+    return until([&] {
+      return server->pixel(left, top) == 0 && server->pixel(left + width - 1, top + height - 1) == 0 &&
+             server->pixel(left + width / 2, top + height / 2) == CONTENT;
+    });
+  };
+  server->configure("DUMMY0", std::nullopt);
+  EXPECT_TRUE(until([&] { return covered.size() == 1; }));
+  server->configure("DUMMY1", std::pair(0, 0));
+  EXPECT_TRUE(isBlack(0, 0, 640, 480)) << "the corner of the main screen";
+
+  // Twice the pixels, and twice the scale: as many points as before.
+  ASSERT_TRUE(server->run({"sh", "-c", "echo Xft.dpi: 192 | xrdb -nocpp -override"}));
+  server->plug("DUMMY1", 1280, 960, 0, 0);
+  EXPECT_TRUE(isBlack(0, 0, 1280, 960)) << "pixels and scale together";
+  EXPECT_EQ(covered.at(0).frame, (Rect{0, 0, 640, 480}));
+  EXPECT_EQ(windows.at(0)->frame(), (Rect{0, 0, 640, 480}));
+}
+
 class FadeTest : public PanelTest, public testing::WithParamInterface<bool> {
  protected:
   void SetUp() override {

@@ -7,6 +7,7 @@
 #include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <xcb/randr.h>
 #include <xcb/xtest.h>
 
 #include <QCoreApplication>
@@ -156,6 +157,29 @@ void XServer::plug(const std::string& output, int width, int height, int x, int 
 }
 
 void XServer::pull(const std::string& output) { run({"xrandr", "--output", output, "--off"}); }
+
+void XServer::configure(const std::string& output, std::optional<std::pair<int, int>> place) {
+  Connection& c = *hand_;
+  const auto all = owned(
+      xcb_randr_get_screen_resources_current_reply(c, xcb_randr_get_screen_resources_current(c, c.root()), nullptr));
+  const auto* outputs = xcb_randr_get_screen_resources_current_outputs(all.get());
+  for (int i = 0; i < xcb_randr_get_screen_resources_current_outputs_length(all.get()); ++i) {
+    const auto info = owned(
+        xcb_randr_get_output_info_reply(c, xcb_randr_get_output_info(c, outputs[i], all->config_timestamp), nullptr));
+    const auto* name = reinterpret_cast<const char*>(xcb_randr_get_output_info_name(info.get()));
+    if (output != std::string(name, xcb_randr_get_output_info_name_length(info.get()))) continue;
+    const auto crtc =
+        owned(xcb_randr_get_crtc_info_reply(c, xcb_randr_get_crtc_info(c, info->crtc, all->config_timestamp), nullptr));
+    const auto [x, y] = place.value_or(std::pair(0, 0));
+    const auto set = xcb_randr_set_crtc_config(c, info->crtc, XCB_CURRENT_TIME, all->config_timestamp,
+                                               static_cast<std::int16_t>(x), static_cast<std::int16_t>(y),
+                                               place ? crtc->mode : static_cast<xcb_randr_mode_t>(XCB_NONE),
+                                               XCB_RANDR_ROTATION_ROTATE_0, place ? 1 : 0, &outputs[i]);
+    const auto reply = owned(xcb_randr_set_crtc_config_reply(c, set, nullptr));
+    if (reply && reply->status == XCB_RANDR_SET_CONFIG_SUCCESS) return;
+  }
+  throw std::runtime_error("cannot configure " + output);
+}
 
 void XServer::fake(std::uint8_t type, std::uint8_t detail, int x, int y) {
   xcb_test_fake_input(*hand_, type, detail, XCB_CURRENT_TIME, hand_->root(), static_cast<std::int16_t>(x),

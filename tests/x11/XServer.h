@@ -7,8 +7,10 @@
 #include <atomic>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "platform/linux/x11/Connection.h"
@@ -52,6 +54,9 @@ class XServer {
   // Monitors, by `xrandr`. Names are those of outputs; geometry as "800x600+0+0".
   void plug(const std::string& output, int width, int height, int x, int y);
   void pull(const std::string& output);
+  /// One raw request, as `xrandr` never sends it: nothing beside it is changed, and nobody holds the server meanwhile.
+  /// Puts what the output shows at another place; without a place, turns it off.
+  void configure(const std::string& output, std::optional<std::pair<int, int>> place);
   /// Runs a tool to its end on this display; true when it succeeded.
   bool run(const std::vector<std::string>& command) const;
 

@@ -4,7 +4,7 @@
 #include <cstring>
 #include <utility>
 
-#include "platform/linux/x11/CoordinateSpace.h"
+#include "platform/common/PixelRect.h"
 
 namespace dormel::x11 {
 namespace {

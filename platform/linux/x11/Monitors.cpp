@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <optional>
 
-#include "platform/linux/x11/CoordinateSpace.h"
+#include "platform/common/PixelRect.h"
 #include "platform/linux/x11/Reply.h"
 
 namespace dormel::x11 {

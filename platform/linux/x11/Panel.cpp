@@ -29,6 +29,7 @@ std::shared_ptr<Panel> Panel::create(std::shared_ptr<PanelEnvironment> environme
 Panel::Panel(std::shared_ptr<PanelEnvironment> environment, const WindowStyle& style, const Rect& contentRect)
     : env_(std::move(environment)),
       style_(style),
+      frame_(contentRect),
       area_(env_->screens->space().toPixels(contentRect)),
       surface_(*env_, style.background),
       putBackBudget_(env_->clock, 20, 1.0),
@@ -107,12 +108,22 @@ void Panel::setProperties() {
   xcb_change_property(c, XCB_PROP_MODE_REPLACE, window_, env_->atoms.netWmWindowType, XCB_ATOM_ATOM, 32, 1, &type);
 }
 
-Rect Panel::frame() const { return env_->screens->space().toPoints(area_); }
+Rect Panel::frame() const { return frame_; }
 
 void Panel::setFrame(const Rect& frame) {
+  frame_ = frame;
   moveTo(env_->screens->space().toPixels(frame));
   layOutContent();
   env_->connection->flush();
+}
+
+void Panel::placeAnew() {
+  const PixelRect area = env_->screens->space().toPixels(frame_);
+  if (area != area_) {
+    drag_.reset();
+    moveTo(area);
+  }
+  layOutContent();  // the scale may be another
 }
 
 void Panel::moveTo(const PixelRect& area) {
@@ -316,6 +327,7 @@ void Panel::onMotion(const xcb_motion_notify_event_t& event) {
   PixelRect area = drag_->from;
   area.x += event.root_x - drag_->pointerX;
   area.y += event.root_y - drag_->pointerY;
+  frame_ = env_->screens->space().toPoints(area);
   moveTo(area);
 }
 

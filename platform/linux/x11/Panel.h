@@ -38,6 +38,8 @@ class Panel final : public FadingWindow, public std::enable_shared_from_this<Pan
   /// Another program may have cut the window.
   void shapeChanged(std::uint8_t kind, bool isShaped);
   void compositorChanged() { surface_.compositorChanged(); }
+  /// The screens changed: the window goes to where its frame is in pixels now.
+  void placeAnew();
   [[nodiscard]] xcb_window_t window() const { return window_; }
 
  private:
@@ -67,7 +69,8 @@ class Panel final : public FadingWindow, public std::enable_shared_from_this<Pan
 
   std::shared_ptr<PanelEnvironment> env_;
   WindowStyle style_;
-  PixelRect area_;
+  Rect frame_;      ///< in points, the truth
+  PixelRect area_;  ///< where that is in the root window
   xcb_window_t window_ = XCB_NONE;
   PanelSurface surface_;
   std::shared_ptr<View> view_;

@@ -68,6 +68,7 @@ PanelEnvironment::PanelEnvironment(std::shared_ptr<Connection> theConnection, co
       focus(connection, clock),
       blankCursor(makeBlankCursor(*connection)) {
   compositor.setOnChange([this] { compositorChanged(); });
+  screens->setAfterChange([this] { placePanelsAnew(); });
   if (features.xkb) {
     // A held key is one press and one release, not a row of both.
     constexpr std::uint32_t DETECTABLE_REPEAT = XCB_XKB_PER_CLIENT_FLAG_DETECTABLE_AUTO_REPEAT;
@@ -78,7 +79,10 @@ PanelEnvironment::PanelEnvironment(std::shared_ptr<Connection> theConnection, co
   subscription = connection->subscribe([this](const xcb_generic_event_t& event) { handle(event); });
 }
 
-PanelEnvironment::~PanelEnvironment() { xcb_free_cursor(*connection, blankCursor); }
+PanelEnvironment::~PanelEnvironment() {
+  screens->setAfterChange({});
+  xcb_free_cursor(*connection, blankCursor);
+}
 
 void PanelEnvironment::handle(const xcb_generic_event_t& event) {
   if (features.shape && (event.response_type & 0x7f) == features.shapeEvent + XCB_SHAPE_NOTIFY) {
@@ -109,6 +113,13 @@ void PanelEnvironment::compositorChanged() {
     if (const auto panel = weak.lock()) panel->compositorChanged();
   }
   if (compositor.isRunning()) desktop.drop();
+  connection->flush();
+}
+
+void PanelEnvironment::placePanelsAnew() {
+  for (const auto& [window, weak] : panels) {
+    if (const auto panel = weak.lock()) panel->placeAnew();
+  }
   connection->flush();
 }
 

@@ -39,6 +39,7 @@ struct PanelEnvironment {
 
   void handle(const xcb_generic_event_t& event);
   void compositorChanged();
+  void placePanelsAnew();
   /// Shows a key-down to the local monitors; true when one swallows it.
   [[nodiscard]] bool isSwallowed(const KeyEvent& event);
 

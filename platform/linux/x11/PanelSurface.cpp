@@ -6,8 +6,8 @@
 #include <cmath>
 #include <utility>
 
+#include "platform/common/PixelRect.h"
 #include "platform/linux/x11/AlphaRegion.h"
-#include "platform/linux/x11/CoordinateSpace.h"
 
 namespace dormel::x11 {
 namespace {

@@ -34,6 +34,7 @@ void ScreensX11::announce() {
   if (desk() == announced_) return;
   announced_ = desk_;
   if (onChange_) onChange_();
+  if (afterChange_) afterChange_();
 }
 
 const ScreensX11::Desk& ScreensX11::desk() const {

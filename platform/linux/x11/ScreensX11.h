@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "platform/Windows.h"
+#include "platform/common/CoordinateSpace.h"
 #include "platform/linux/x11/Connection.h"
-#include "platform/linux/x11/CoordinateSpace.h"
 #include "platform/linux/x11/Later.h"
 #include "platform/linux/x11/Monitors.h"
 #include "platform/linux/x11/ServerFeatures.h"
@@ -32,6 +32,9 @@ class ScreensX11 : public Screens {
   /// Called from the run loop after the screens or the scale really changed, a few milliseconds after the server
   /// said so.
   void setOnChange(Task onChange) { onChange_ = std::move(onChange); }
+  /// Called right after that, in the same turn: what stands on the screens by its points is to be placed anew. Whoever
+  /// was told of the change has put its new windows up by then, and nothing is uncovered that it covers.
+  void setAfterChange(Task afterChange) { afterChange_ = std::move(afterChange); }
 
  private:
   struct Desk {
@@ -52,6 +55,7 @@ class ScreensX11 : public Screens {
   mutable bool isStale_ = true;
   Desk announced_;
   Task onChange_;
+  Task afterChange_;
   Subscription subscription_;
   Later announcement_;
 };

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/linux/x11/CoordinateSpace.h"
+#include "platform/common/PixelRect.h"
 #include "platform/linux/x11/Reply.h"
 
 namespace dormel::x11 {

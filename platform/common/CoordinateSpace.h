@@ -1,4 +1,4 @@
-// The one place where points from the bottom left (logic) and pixels from the top left (the server) meet.
+// The one place where points from the bottom left (logic) and pixels from the top left (the window server) meet.
 // The origin of points is the bottom-left corner of the main screen, so that plugging another screen does not
 // move the frames of those that were there.
 #pragma once
@@ -6,9 +6,9 @@
 #include <cmath>
 
 #include "platform/Geometry.h"
-#include "platform/linux/Canvas.h"
+#include "platform/common/PixelRect.h"
 
-namespace dormel::x11 {
+namespace dormel {
 
 struct CoordinateSpace {
   double scale = 1;      ///< pixels to the point
@@ -28,15 +28,4 @@ struct CoordinateSpace {
   friend bool operator==(const CoordinateSpace&, const CoordinateSpace&) = default;
 };
 
-[[nodiscard]] inline PixelRect intersection(const PixelRect& a, const PixelRect& b) {
-  const int left = std::max(a.x, b.x);
-  const int top = std::max(a.y, b.y);
-  return {left, top, std::min(a.x + a.width, b.x + b.width) - left, std::min(a.y + a.height, b.y + b.height) - top};
-}
-
-[[nodiscard]] inline bool contains(const PixelRect& outer, const PixelRect& inner) {
-  return outer.x <= inner.x && outer.y <= inner.y && outer.x + outer.width >= inner.x + inner.width &&
-         outer.y + outer.height >= inner.y + inner.height;
-}
-
-}  // namespace dormel::x11
+}  // namespace dormel
