@@ -54,23 +54,53 @@ Node toNode(const PropertyListValue& value) {
 // Property lists that mean anything to us are three levels deep; more than this is an attack on our stack.
 constexpr int MAX_DEPTH = 64;
 
+std::optional<PropertyListValue> fromNode(plist_t node, int depth);
+
+PropertyListArray fromArray(plist_t node, int depth) {
+  PropertyListArray items;
+  for (std::uint32_t i = 0; i < plist_array_get_size(node); ++i) {
+    if (auto item = fromNode(plist_array_get_item(node, i), depth)) items.push_back(std::move(*item));
+  }
+  return items;
+}
+
+PropertyListDictionary fromDictionary(plist_t node, int depth) {
+  PropertyListDictionary entries;
+  plist_dict_iter raw = nullptr;
+  plist_dict_new_iter(node, &raw);
+  const std::unique_ptr<void, void (*)(void*)> iterator(raw, std::free);
+  for (;;) {
+    char* key = nullptr;
+    plist_t item = nullptr;
+    plist_dict_next_item(node, iterator.get(), &key, &item);
+    if (item == nullptr) return entries;
+    const CText owned(key, std::free);
+    if (!isUtf8(key)) continue;
+    if (auto value = fromNode(item, depth)) entries.insert_or_assign(key, std::move(*value));
+  }
+}
+
 std::optional<PropertyListValue> fromNode(plist_t node, int depth) {
   if (node == nullptr || depth > MAX_DEPTH) return {};
+  PropertyListValue result;
   switch (plist_get_node_type(node)) {
     case PLIST_BOOLEAN: {
       uint8_t flag = 0;
       plist_get_bool_val(node, &flag);
-      return PropertyListValue{flag != 0};
+      result.value = flag != 0;
+      return result;
     }
     case PLIST_UINT: {
       std::uint64_t number = 0;
       plist_get_uint_val(node, &number);
-      return PropertyListValue{static_cast<std::int64_t>(number)};
+      result.value = static_cast<std::int64_t>(number);
+      return result;
     }
     case PLIST_REAL: {
       double number = 0;
       plist_get_real_val(node, &number);
-      return PropertyListValue{number};
+      result.value = number;
+      return result;
     }
     case PLIST_STRING: {
       char* text = nullptr;
@@ -78,31 +108,15 @@ std::optional<PropertyListValue> fromNode(plist_t node, int depth) {
       const CText owned(text, std::free);
       // The library takes any bytes for text, and a character reference may stand for what is none.
       if (text != nullptr && !isUtf8(text)) return {};
-      return PropertyListValue{std::string(text == nullptr ? "" : text)};
+      result.value = std::string(text == nullptr ? "" : text);
+      return result;
     }
-    case PLIST_ARRAY: {
-      PropertyListArray items;
-      for (std::uint32_t i = 0; i < plist_array_get_size(node); ++i) {
-        if (auto item = fromNode(plist_array_get_item(node, i), depth + 1)) items.push_back(std::move(*item));
-      }
-      return PropertyListValue{std::move(items)};
-    }
-    case PLIST_DICT: {
-      PropertyListDictionary entries;
-      plist_dict_iter raw = nullptr;
-      plist_dict_new_iter(node, &raw);
-      const std::unique_ptr<void, void (*)(void*)> iterator(raw, std::free);
-      for (;;) {
-        char* key = nullptr;
-        plist_t item = nullptr;
-        plist_dict_next_item(node, iterator.get(), &key, &item);
-        if (item == nullptr) break;
-        const CText owned(key, std::free);
-        if (!isUtf8(key)) continue;
-        if (auto value = fromNode(item, depth + 1)) entries.insert_or_assign(key, std::move(*value));
-      }
-      return PropertyListValue{std::move(entries)};
-    }
+    case PLIST_ARRAY:
+      result.value = fromArray(node, depth + 1);
+      return result;
+    case PLIST_DICT:
+      result.value = fromDictionary(node, depth + 1);
+      return result;
     default:
       return {};
   }
