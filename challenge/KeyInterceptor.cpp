@@ -38,10 +38,11 @@ bool KeyInterceptor::start() {
   }
   runLoopSource_ = eventTap_->makeRunLoopSource();
   eventTap_->enable(true);
-  healthTimer_ = Timer::repeating(HEALTH_INTERVAL, [weak = weak_from_this()] {
+  const auto checkHealth = [weak = weak_from_this()] {
     const auto self = weak.lock();
     if (self && self->eventTap_ && !self->eventTap_->isEnabled()) self->eventTap_->enable(true);
-  });
+  };
+  healthTimer_ = Timer::repeating(HEALTH_INTERVAL, checkHealth, POLL_ACCURACY);
   return true;
 }
 

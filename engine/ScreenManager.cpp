@@ -142,7 +142,7 @@ void ScreenManager::startKeyInterceptor() {
 }
 
 void ScreenManager::startTimeCheck() {
-  timeCheckTimer_ = Timer::repeating(TIME_CHECK_INTERVAL, weakly(&ScreenManager::timeCheck));
+  timeCheckTimer_ = Timer::repeating(TIME_CHECK_INTERVAL, weakly(&ScreenManager::timeCheck), POLL_ACCURACY);
 }
 
 void ScreenManager::timeCheck() {
@@ -153,7 +153,8 @@ void ScreenManager::timeCheck() {
 }
 
 void ScreenManager::startAccessibilityWatch() {
-  accessibilityTimer_ = Timer::repeating(ACCESSIBILITY_INTERVAL, weakly(&ScreenManager::pollAccessibility));
+  accessibilityTimer_ =
+      Timer::repeating(ACCESSIBILITY_INTERVAL, weakly(&ScreenManager::pollAccessibility), POLL_ACCURACY);
 }
 
 void ScreenManager::pollAccessibility() {

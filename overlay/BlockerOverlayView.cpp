@@ -11,6 +11,7 @@ namespace dormel {
 namespace {
 
 constexpr Seconds CLOCK_REFRESH = 1.0;
+constexpr Seconds CLOCK_ACCURACY = 0.05;  // the clocks of all screens at once
 
 LocalTime localTime(Date date) { return platform().calendar.localTime(date); }
 
@@ -48,7 +49,7 @@ void BlockerOverlayView::startObserving() {
   };
   if (const auto session = session_.lock()) sessionObservation_ = session->observe(redraw);
   controllerObservation_ = bypassController_->observe(redraw);
-  clockTimer_ = Timer::repeating(CLOCK_REFRESH, redraw);
+  clockTimer_ = Timer::repeating(CLOCK_REFRESH, redraw, CLOCK_ACCURACY);
 }
 
 void BlockerOverlayView::onAppear() {

@@ -59,13 +59,17 @@ Timer& Timer::operator=(Timer&& other) noexcept {
   return *this;
 }
 
-Timer Timer::repeating(Seconds interval, Task tick) {
-  RunLoop& loop = platform().runLoop;
-  return {loop, loop.schedule(interval, true, std::move(tick))};
+Timer Timer::repeating(Seconds interval, Task tick, Seconds accuracy) {
+  return repeating(platform().runLoop, interval, std::move(tick), accuracy);
 }
 
-Timer Timer::once(Seconds delay, Task tick) {
-  RunLoop& loop = platform().runLoop;
+Timer Timer::repeating(RunLoop& loop, Seconds interval, Task tick, Seconds accuracy) {
+  return {loop, loop.schedule(interval, true, std::move(tick), accuracy)};
+}
+
+Timer Timer::once(Seconds delay, Task tick) { return once(platform().runLoop, delay, std::move(tick)); }
+
+Timer Timer::once(RunLoop& loop, Seconds delay, Task tick) {
   return {loop, loop.schedule(delay, false, std::move(tick))};
 }
 

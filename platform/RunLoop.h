@@ -6,12 +6,16 @@
 
 #include <cstdint>
 #include <functional>
+#include <utility>
 
 #include "platform/Time.h"
 
 namespace dormel {
 
 using Task = std::function<void()>;
+
+/// The accuracy of what looks at the world every few seconds: with it, all that is done together, by the same wake-up.
+constexpr Seconds POLL_ACCURACY = 1.0;
 
 enum class TimerId : std::uint64_t { none = 0 };
 
@@ -29,8 +33,13 @@ class RunLoop {
   [[nodiscard]] virtual bool isMainThread() const = 0;
 
   /// Runs `task` every `interval` seconds (or once), first after one interval. Missed ticks are not made up
-  /// for. Main thread only. Use `Timer`, which cancels by itself.
-  virtual TimerId schedule(Seconds interval, bool repeats, Task task) = 0;
+  /// for. Each comes up to `accuracy` seconds after its time, with something else if it can: give it for what merely
+  /// looks at the world now and then, never for what a user sees or counts on. Main thread only. Use `Timer`, which
+  /// cancels by itself.
+  virtual TimerId schedule(Seconds interval, bool repeats, Task task, Seconds accuracy) = 0;
+  TimerId schedule(Seconds interval, bool repeats, Task task) {
+    return schedule(interval, repeats, std::move(task), 0);
+  }
 
   /// After this no tick of `id` runs, not even one that is already due. An id that ran out or was cancelled
   /// before is ignored, and so is a timer's own id inside its tick: the tick finishes undisturbed.
@@ -47,8 +56,11 @@ class Timer {
   Timer& operator=(Timer&& other) noexcept;
   ~Timer() { invalidate(); }
 
-  [[nodiscard]] static Timer repeating(Seconds interval, Task tick);
+  // On the main loop of the platform in force, or on the one given.
+  [[nodiscard]] static Timer repeating(Seconds interval, Task tick, Seconds accuracy = 0);
+  [[nodiscard]] static Timer repeating(RunLoop& loop, Seconds interval, Task tick, Seconds accuracy = 0);
   [[nodiscard]] static Timer once(Seconds delay, Task tick);
+  [[nodiscard]] static Timer once(RunLoop& loop, Seconds delay, Task tick);
 
   /// Cancels and empties this timer; does nothing when it is empty.
   void invalidate();

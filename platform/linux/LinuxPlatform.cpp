@@ -1,5 +1,7 @@
 #include "platform/linux/LinuxPlatform.h"
 
+#include <sys/epoll.h>
+
 #include <QGuiApplication>
 #include <charconv>
 #include <csignal>
@@ -15,6 +17,7 @@
 #include "platform/linux/freedesktop/SeatFiles.h"
 #include "platform/linux/freedesktop/SettingsPages.h"
 #include "platform/linux/freedesktop/ShellOverview.h"
+#include "platform/linux/loop/EventLoop.h"
 #include "platform/linux/posix/PosixBundle.h"
 #include "platform/linux/posix/PosixChildProcesses.h"
 #include "platform/linux/posix/PosixClock.h"
@@ -23,12 +26,12 @@
 #include "platform/linux/posix/PosixQueues.h"
 #include "platform/linux/posix/PropertyListDefaults.h"
 #include "platform/linux/posix/StandardDescriptors.h"
+#include "platform/linux/qt/EventLoopCarrier.h"
 #include "platform/linux/qt/QmlCanvasFactory.h"
 #include "platform/linux/qt/QmlStage.h"
 #include "platform/linux/qt/QtAlerts.h"
 #include "platform/linux/qt/QtMainMenu.h"
 #include "platform/linux/qt/QtMainWindows.h"
-#include "platform/linux/qt/QtRunLoop.h"
 #include "platform/linux/qt/SceneGraph.h"
 #include "platform/linux/qt/Toolkit.h"
 #include "platform/linux/updates/BundleUpdater.h"
@@ -70,17 +73,18 @@ struct LinuxPlatform::Parts {
   Parts(LaunchKind kind, QmlSceneRegistry scenes)
       : kind(kind),
         toolkit(kind == LaunchKind::command ? nullptr : std::make_unique<Toolkit>(kind == LaunchKind::windows)),
+        carrier(toolkit ? std::make_unique<qt::EventLoopCarrier>(loop) : nullptr),
         icon(kind == LaunchKind::windows ? scenes.icon() : QIcon()),
         files(freedesktop::noteCreatedFolder),
         process(queues, freedesktop::seatFiles(),
-                [this](int fd, std::function<bool()> action) { loop.watchReadable(fd, std::move(action)); }),
+                [this](int fd, std::function<bool()> action) { watchReadable(fd, std::move(action)); }),
         children(bundle.tools()),
         defaults(files, output, BUNDLE_IDENTIFIER),
         stage(std::make_shared<QmlStage>(std::move(scenes), sceneRenderer())),
         canvases(stage),
         x11(canvases, clock),
         accessibility(x11, process, output, kind),
-        shellOverview([this](int fd, std::function<bool()> action) { loop.watchReadable(fd, std::move(action)); }),
+        shellOverview([this](int fd, std::function<bool()> action) { watchReadable(fd, std::move(action)); }),
         application(process,
                     [this](bool on) {
                       x11.setLockdown(on);
@@ -135,9 +139,17 @@ struct LinuxPlatform::Parts {
     });
     notices.setOnSleepWanted([this] {
       logind = std::make_unique<freedesktop::Logind>(
-          [this](int fd, std::function<bool()> action) { loop.watchReadable(fd, std::move(action)); },
+          [this](int fd, std::function<bool()> action) { watchReadable(fd, std::move(action)); },
           [this](bool sleeping) { notices.post(sleeping ? Notice::willSleep : Notice::didWake); },
           [this](const char* line) { output.printError(line); });
+    });
+  }
+
+  /// Until the process ends, or the action says that there will be nothing any more.
+  void watchReadable(int fd, std::function<bool()> action) {
+    auto watch = std::make_shared<EventLoop::Watch>();
+    *watch = loop.watch(fd, EPOLLIN, [watch, action = std::move(action)](std::uint32_t) {
+      if (!action()) watch->reset();
     });
   }
 
@@ -171,8 +183,9 @@ struct LinuxPlatform::Parts {
 
   const LaunchKind kind;
   std::unique_ptr<Toolkit> toolkit;
+  EventLoop loop;
+  std::unique_ptr<qt::EventLoopCarrier> carrier;
   QIcon icon;
-  qt::QtRunLoop loop;
   posix::PosixClock clock;
   posix::PosixCalendar calendar;
   posix::PosixFiles files;

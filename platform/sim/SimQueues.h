@@ -16,7 +16,9 @@ class SimRunLoop : public RunLoop {
   void async(Task task) override { timeline_.addMain(0, 0, std::move(task)); }
   void asyncAfter(Seconds delay, Task task) override { timeline_.addMain(delay, 0, std::move(task)); }
   [[nodiscard]] bool isMainThread() const override { return timeline_.place() == SimTimeline::Place::main; }
-  TimerId schedule(Seconds interval, bool repeats, Task task) override {
+  using RunLoop::schedule;
+  /// On a machine so busy that no timer has to wait for another: the accuracy has no effect.
+  TimerId schedule(Seconds interval, bool repeats, Task task, Seconds /*accuracy*/) override {
     return TimerId(timeline_.addMain(interval, repeats ? interval : 0, std::move(task)));
   }
   void cancel(TimerId id) override { timeline_.cancelMain(static_cast<std::uint64_t>(id)); }
