@@ -82,9 +82,9 @@ struct LinuxPlatform::Parts {
         defaults(files, output, BUNDLE_IDENTIFIER),
         stage(std::make_shared<QmlStage>(std::move(scenes), sceneRenderer())),
         canvases(stage),
-        x11(canvases, clock),
+        x11(loop, canvases, clock),
         accessibility(x11, process, output, kind),
-        shellOverview([this](int fd, std::function<bool()> action) { watchReadable(fd, std::move(action)); }),
+        shellOverview(loop),
         application(process,
                     [this](bool on) {
                       x11.setLockdown(on);
@@ -96,7 +96,7 @@ struct LinuxPlatform::Parts {
         alerts(windows),
         mainWindows(windows),
         mainMenu(windows, otherApplications()),
-        updateHelper(bundle.helper("update"), bundle.path()),
+        updateHelper(loop, bundle.helper("update"), bundle.path()),
         updater(clock, loop, defaults, updateHelper, updateOptions()),
         services{clock,
                  calendar,
@@ -139,8 +139,7 @@ struct LinuxPlatform::Parts {
     });
     notices.setOnSleepWanted([this] {
       logind = std::make_unique<freedesktop::Logind>(
-          [this](int fd, std::function<bool()> action) { watchReadable(fd, std::move(action)); },
-          [this](bool sleeping) { notices.post(sleeping ? Notice::willSleep : Notice::didWake); },
+          loop, [this](bool sleeping) { notices.post(sleeping ? Notice::willSleep : Notice::didWake); },
           [this](const char* line) { output.printError(line); });
     });
   }

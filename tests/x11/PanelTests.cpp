@@ -1,9 +1,6 @@
 #include <gtest/gtest.h>
 #include <xcb/shape.h>
 
-#include <QElapsedTimer>
-#include <QTimer>
-
 #include "platform/linux/x11/Reply.h"
 #include "tests/x11/Desk.h"
 
@@ -29,8 +26,6 @@ class PanelTest : public testing::Test {
 
 TEST_F(PanelTest, CoversInBlackBeforeAnythingIsDrawnThenShowsItsContent) {
   Desk desk(*server);
-  QElapsedTimer time;
-  time.start();
   const auto windows = desk.blockers();
   desk.cover(windows, 1);
   EXPECT_TRUE(isCovered()) << "in the very turn that ordered them in";

@@ -1,8 +1,6 @@
 #include <gtest/gtest.h>
 #include <xcb/randr.h>
 
-#include <QElapsedTimer>
-
 #include "platform/linux/x11/DisplayScale.h"
 #include "tests/x11/Desk.h"
 
@@ -57,15 +55,12 @@ TEST(Screens, ChangesAreToldAtOnceAndEmptyMomentsAreNot) {
   };
   for (const Step& step : steps) {
     step.act();  // the server has sent its events when this returns
-    QElapsedTimer time;
-    time.start();
     const auto frames = [&] {
       std::vector<Rect> all;
       for (const Screen& screen : seen) all.push_back(screen.frame);
       return all;
     };
     EXPECT_TRUE(until([&] { return frames() == step.frames; }, 200)) << step.what;
-    std::printf("%s noticed %lld ms after xrandr ended\n", step.what, static_cast<long long>(time.elapsed()));
   }
   const int before = notices;
   ASSERT_TRUE(server->run({"xrandr", "--output", "DUMMY0", "--off", "--output", "DUMMY1", "--off"}));

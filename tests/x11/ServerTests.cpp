@@ -1,8 +1,6 @@
 // Servers that are missing, lacking, or dying.
 #include <gtest/gtest.h>
 
-#include <QObject>
-#include <QTimer>
 #include <algorithm>
 
 #include "tests/x11/Desk.h"
@@ -13,7 +11,7 @@ namespace {
 TEST(Server, WithoutADisplayThereAreNoScreensAndNoTrustAndWindowsThatNobodySees) {
   posix::PosixClock clock;
   PlainCanvases canvases;
-  X11Platform x11(canvases, clock, ":987");
+  X11Platform x11(loop(), canvases, clock, ":987");
   EXPECT_FALSE(x11.hasDisplay());
   EXPECT_FALSE(x11.accessibility().isProcessTrusted());
   EXPECT_TRUE(x11.screens().all().empty());
@@ -119,8 +117,7 @@ TEST(Server, TimersGoOnWhileEventsComeFasterThanTheyAreHandled) {
     connection->sync();
   });
   int handledBefore = ENOUGH;
-  const QObject here;
-  QTimer::singleShot(20, &here, [&] { handledBefore = std::min(handled, handledBefore); });
+  const Timer later = Timer::once(loop(), 0.02, [&] { handledBefore = std::min(handled, handledBefore); });
   for (int i = 0; i < 100; ++i) send();
   EXPECT_TRUE(until([&] { return handledBefore < ENOUGH || handled >= ENOUGH; }, 20000));
   EXPECT_LT(handledBefore, ENOUGH);

@@ -10,10 +10,8 @@
 #include <xcb/randr.h>
 #include <xcb/xtest.h>
 
-#include <QCoreApplication>
-#include <QElapsedTimer>
-#include <QTimer>
 #include <algorithm>
+#include <chrono>
 #include <cstdlib>
 #include <fstream>
 #include <stdexcept>
@@ -67,16 +65,21 @@ pid_t spawn(const std::vector<std::string>& command, const std::string& display,
 
 }  // namespace
 
+EventLoop& loop() {
+  static EventLoop mainLoop;
+  return mainLoop;
+}
+
 bool until(const std::function<bool()>& condition, int milliseconds) {
-  QTimer tick;  // so that the loop comes by to look, and waits as it does in the program
-  tick.start(1);
-  QElapsedTimer time;
-  time.start();
-  while (!condition()) {
-    if (time.elapsed() > milliseconds) return false;
-    QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-  }
-  return true;
+  bool holds = condition();
+  if (holds) return true;
+  const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
+  const Timer look = Timer::repeating(loop(), 0.001, [&] {
+    holds = condition();
+    if (holds || std::chrono::steady_clock::now() > end) loop().stop();
+  });
+  loop().run();
+  return holds;
 }
 
 void spin(int milliseconds) {

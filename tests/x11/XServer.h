@@ -17,9 +17,11 @@
 
 namespace dormel::x11::test {
 
-/// Runs this thread's event loop until `condition` holds; false after `milliseconds`.
+/// The main loop that the connections of all tests live on.
+EventLoop& loop();
+/// Runs it until `condition` holds; false after `milliseconds`.
 bool until(const std::function<bool()>& condition, int milliseconds = 3000);
-/// Runs the event loop for a while, for what must not happen meanwhile.
+/// Runs it for a while, for what must not happen meanwhile.
 void spin(int milliseconds);
 
 /// A child process, killed and reaped at the latest with this object.
@@ -61,7 +63,7 @@ class XServer {
   bool run(const std::vector<std::string>& command) const;
 
   /// A client of its own on this server, not pumped.
-  [[nodiscard]] std::shared_ptr<Connection> client() const { return Connection::open(display_); }
+  [[nodiscard]] std::shared_ptr<Connection> client() const { return Connection::open(loop(), display_); }
 
   // Keys and buttons through XTEST, by the kernel's codes.
   void press(int evdev);

@@ -1,9 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <QCoreApplication>
-
 int main(int argc, char** argv) {
-  QCoreApplication application(argc, argv);  // whose event loop the connections live on
   testing::InitGoogleTest(&argc, argv);
   return RUN_ALL_TESTS();
 }

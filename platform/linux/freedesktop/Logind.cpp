@@ -2,57 +2,49 @@
 
 #include <systemd/sd-bus.h>
 
-#include <memory>
+#include <algorithm>
 #include <utility>
 
 namespace dormel::freedesktop {
 namespace {
 
-struct BusDeleter {
-  void operator()(sd_bus* bus) const { sd_bus_close_unref(bus); }
-};
+constexpr Seconds FIRST_PAUSE = 1;
+constexpr Seconds LONGEST_PAUSE = 60;
 
 }  // namespace
 
-struct Logind::Bus {
-  std::unique_ptr<sd_bus, BusDeleter> bus;
-  std::function<void(bool)> onSleep;
-
-  /// Handles what has come; false when the connection is lost.
-  [[nodiscard]] bool process() const {
-    for (;;) {
-      const int handled = sd_bus_process(bus.get(), nullptr);
-      if (handled <= 0) return handled == 0;
-    }
-  }
-
-  static int prepareForSleep(sd_bus_message* message, void* self, sd_bus_error* /*error*/) {
-    int sleeping = 0;
-    if (sd_bus_message_read_basic(message, SD_BUS_TYPE_BOOLEAN, &sleeping) >= 0) {
-      static_cast<Bus*>(self)->onSleep(sleeping != 0);
-    }
-    return 0;
-  }
-};
-
-Logind::Logind(const WatchReadable& watchReadable, std::function<void(bool)> onSleep,
-               const std::function<void(const char*)>& complain)
-    : bus_(std::make_unique<Bus>()) {
-  bus_->onSleep = std::move(onSleep);
-  sd_bus* bus = nullptr;
-  const bool open = sd_bus_open_system(&bus) >= 0;
-  bus_->bus.reset(bus);
-  if (!open || sd_bus_match_signal_async(bus, nullptr, "org.freedesktop.login1", "/org/freedesktop/login1",
-                                         "org.freedesktop.login1.Manager", "PrepareForSleep", &Bus::prepareForSleep,
-                                         nullptr, bus_.get()) < 0) {
-    complain("Dormel: no system bus; sleep and waking will go unnoticed until the next check of the hours");
-    bus_->bus.reset();
-    return;
-  }
-  watchReadable(sd_bus_get_fd(bus), [raw = bus_.get()] { return raw->process(); });
-  static_cast<void>(bus_->process());  // sends the subscription
+Logind::Logind(EventLoop& loop, std::function<void(bool)> onSleep, std::function<void(const char*)> complain)
+    : loop_(loop), onSleep_(std::move(onSleep)), complain_(std::move(complain)), pause_(FIRST_PAUSE) {
+  connect();
 }
 
-Logind::~Logind() = default;
+void Logind::connect() {
+  const auto announced = [](sd_bus_message* message, void* self, sd_bus_error*) {
+    int sleeping = 0;
+    if (sd_bus_message_read_basic(message, SD_BUS_TYPE_BOOLEAN, &sleeping) >= 0) {
+      static_cast<Logind*>(self)->onSleep_(sleeping != 0);
+    }
+    return 0;
+  };
+  const auto connected = [](sd_bus_message* reply, void* self, sd_bus_error*) {
+    if (sd_bus_message_is_method_error(reply, nullptr) == 0) static_cast<Logind*>(self)->pause_ = FIRST_PAUSE;
+    return 0;
+  };
+  bus_ = Bus::open(Bus::Kind::system, loop_, [this] { tryAgain(); });
+  if (!bus_ ||
+      sd_bus_match_signal_async(*bus_, nullptr, "org.freedesktop.login1", "/org/freedesktop/login1",
+                                "org.freedesktop.login1.Manager", "PrepareForSleep", announced, connected, this) < 0) {
+    tryAgain();
+  }
+}
+
+void Logind::tryAgain() {
+  bus_.reset();
+  if (const auto complain = std::exchange(complain_, {})) {
+    complain("Dormel: no system bus; sleep and waking will go unnoticed until the next check of the hours");
+  }
+  retry_ = Timer::once(loop_, pause_, [this] { connect(); });
+  pause_ = std::min(2 * pause_, LONGEST_PAUSE);
+}
 
 }  // namespace dormel::freedesktop

@@ -4,23 +4,30 @@
 #include <functional>
 #include <memory>
 
+#include "platform/linux/freedesktop/Bus.h"
+
 namespace dormel::freedesktop {
 
-/// Without a system bus or logind nothing is announced, which is said once in one line by `complain`.
+/// Without a system bus nothing is announced, which is said once in one line by `complain`, until there is one: it is
+/// looked for again after a second, then ever more rarely, once a minute in the end.
 class Logind {
  public:
-  using WatchReadable = std::function<void(int fd, std::function<bool()> action)>;
-
-  /// `onSleep` is called with true before sleep and with false after waking.
-  Logind(const WatchReadable& watchReadable, std::function<void(bool)> onSleep,
-         const std::function<void(const char*)>& complain);
+  /// `onSleep` is called with true before sleep and with false after waking. `loop` outlives this.
+  Logind(EventLoop& loop, std::function<void(bool)> onSleep, std::function<void(const char*)> complain);
   Logind(const Logind&) = delete;
   Logind& operator=(const Logind&) = delete;
-  ~Logind();
+  ~Logind() = default;
 
  private:
-  struct Bus;
+  void connect();
+  void tryAgain();
+
+  EventLoop& loop_;
+  std::function<void(bool)> onSleep_;
+  std::function<void(const char*)> complain_;
   std::unique_ptr<Bus> bus_;
+  Seconds pause_;
+  Timer retry_;
 };
 
 }  // namespace dormel::freedesktop

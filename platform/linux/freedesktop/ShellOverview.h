@@ -2,29 +2,30 @@
 // that nobody manages: a lock would stand there unseen, with the keyboard in its hands. Main thread only.
 #pragma once
 
-#include <functional>
 #include <memory>
+
+#include "platform/linux/freedesktop/Bus.h"
 
 namespace dormel::freedesktop {
 
 class ShellOverview {
  public:
-  using WatchReadable = std::function<void(int fd, std::function<bool()> action)>;
-
-  explicit ShellOverview(WatchReadable watchReadable);
+  /// `loop` outlives it.
+  explicit ShellOverview(EventLoop& loop);
   ShellOverview(const ShellOverview&) = delete;
   ShellOverview& operator=(const ShellOverview&) = delete;
-  ~ShellOverview();
+  ~ShellOverview() = default;
 
   /// On: it is closed, now and as soon as it opens. Returns without waiting for the shell; on other desktops, and
   /// without a session bus, nothing happens.
   void keepClosed(bool on);
 
  private:
-  struct Bus;
+  void close() const;
 
-  WatchReadable watchReadable_;
-  std::shared_ptr<Bus> bus_;
+  EventLoop& loop_;
+  std::unique_ptr<Bus> bus_;
+  bool isKeptClosed_ = false;
 };
 
 }  // namespace dormel::freedesktop

@@ -1,6 +1,10 @@
 #include "platform/linux/updates/HelperProcess.h"
 
-#include <QProcess>
+#include <poll.h>
+#include <sys/epoll.h>
+
+#include <cerrno>
+#include <chrono>
 #include <utility>
 
 #include "platform/linux/updates/BundleExchange.h"
@@ -9,69 +13,55 @@ namespace dormel::updates {
 namespace {
 
 // Unpacking takes a second; a disk that takes a minute for it must not keep the window from its user for ever.
-constexpr int INSTALL_LIMIT = 60'000;
-constexpr int KILL_LIMIT = 5'000;
+constexpr std::chrono::milliseconds INSTALL_LIMIT{60'000};
 
-std::unique_ptr<QProcess> prepare(const std::string& program, const QStringList& arguments) {
-  auto process = std::make_unique<QProcess>();
-  process->setProgram(QString::fromStdString(program));
-  process->setArguments(arguments);
-  process->setStandardInputFile(QProcess::nullDevice());
-  process->setProcessChannelMode(QProcess::ForwardedErrorChannel);  // into our own log
-  return process;
-}
-
-std::optional<Verdict> nextVerdict(QProcess& process) {
-  if (!process.canReadLine()) return {};
-  return parseVerdict(process.readLine(256).trimmed().toStdString()).value_or(Verdict{});
-}
-
-/// Ends the process; none of its signals comes any more.
-void putDown(QProcess& process) {
-  process.disconnect();
-  process.kill();
-  process.waitForFinished(KILL_LIMIT);
+std::optional<Verdict> nextVerdict(posix::PipedProcess& process) {
+  const auto line = process.nextLine();
+  if (!line) return {};
+  return parseVerdict(*line).value_or(Verdict{});
 }
 
 }  // namespace
 
-HelperProcess::HelperProcess(std::string program, const std::string& bundle)
-    : program_(std::move(program)), bundle_(bundle), store_(bundle) {}
+HelperProcess::HelperProcess(EventLoop& loop, std::string program, const std::string& bundle)
+    : loop_(loop), program_(std::move(program)), bundle_(bundle), store_(bundle) {}
 
-HelperProcess::~HelperProcess() { cancel(); }
+HelperProcess::~HelperProcess() = default;
 
 void HelperProcess::check(bool fetch, std::function<void(const Verdict&)> onVerdict, Task onEnd) {
   cancel();
   onVerdict_ = std::move(onVerdict);
   onEnd_ = std::move(onEnd);
-  process_ = prepare(program_, fetch ? QStringList{"check", "--fetch"} : QStringList{"check"});
-  QObject::connect(process_.get(), &QProcess::readyReadStandardOutput, [this] { hear(); });
-  QObject::connect(
-      process_.get(), &QProcess::finished, process_.get(), [this] { end(); }, Qt::QueuedConnection);
-  QObject::connect(
-      process_.get(), &QProcess::errorOccurred, process_.get(),
-      [this](QProcess::ProcessError error) {
-        if (error == QProcess::FailedToStart) end();
-      },
-      Qt::QueuedConnection);
-  process_->start();
+  process_ = posix::PipedProcess::start(
+      program_, fetch ? std::vector<std::string>{"check", "--fetch"} : std::vector<std::string>{"check"});
+  if (process_) {
+    output_ = loop_.watch(process_->descriptor(), EPOLLIN, [this](std::uint32_t) { hear(); });
+  } else {
+    failure_ = Timer::once(loop_, 0, [this] { end(); });
+  }
 }
 
 void HelperProcess::hear() {
-  while (const auto verdict = process_ ? nextVerdict(*process_) : std::nullopt) onVerdict_(*verdict);
+  const posix::PipedProcess* heard = process_.get();
+  const bool isOver = !process_->read();
+  while (process_.get() == heard) {  // who is told may cancel it
+    const auto verdict = nextVerdict(*process_);
+    if (!verdict) break;
+    const auto tell = onVerdict_;
+    tell(*verdict);
+  }
+  if (isOver && process_.get() == heard) end();
 }
 
 void HelperProcess::end() {
-  hear();
-  // Destroyed by the loop: this is called by one of its own signals.
-  if (process_) process_.release()->deleteLater();
-  onVerdict_ = {};
-  if (const Task onEnd = std::exchange(onEnd_, {})) onEnd();
+  const Task onEnd = std::exchange(onEnd_, {});
+  cancel();
+  if (onEnd) onEnd();
 }
 
 void HelperProcess::cancel() {
-  if (!process_) return;
-  putDown(*process_);
+  failure_.invalidate();
+  output_.reset();
   process_.reset();
   onVerdict_ = {};
   onEnd_ = {};
@@ -84,11 +74,16 @@ std::optional<std::string> HelperProcess::waiting() const {
 
 Verdict HelperProcess::install() {
   if (!store_.exists()) return {Verdict::Kind::nothing};
-  const auto process = prepare(program_, {"install"});
-  process->start();
-  if (!process->waitForFinished(INSTALL_LIMIT)) putDown(*process);
   Verdict verdict;
-  while (const auto next = nextVerdict(*process)) verdict = *next;
+  if (const auto process = posix::PipedProcess::start(program_, {"install"})) {
+    const auto end = std::chrono::steady_clock::now() + INSTALL_LIMIT;
+    while (process->read()) {
+      const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
+      pollfd output{process->descriptor(), POLLIN, 0};
+      if (left.count() <= 0 || (::poll(&output, 1, static_cast<int>(left.count())) < 0 && errno != EINTR)) break;
+    }
+    while (const auto next = nextVerdict(*process)) verdict = *next;
+  }
   // It may have been ended at the worst of moments.
   repairExchange(bundle_, store_.folder() + "/old");
   return verdict;

@@ -1,20 +1,20 @@
-// The update helper as a child process. Main thread, which has Qt's event loop.
+// The update helper as a child process. Main thread.
 #pragma once
 
 #include <memory>
 #include <string>
 
+#include "platform/linux/loop/EventLoop.h"
+#include "platform/linux/posix/PipedProcess.h"
 #include "platform/linux/updates/UpdateHelper.h"
 #include "platform/linux/updates/UpdateStore.h"
-
-class QProcess;
 
 namespace dormel::updates {
 
 class HelperProcess final : public UpdateHelper {
  public:
-  /// The helper's file, and the bundle whose updates it looks for. Nothing is started.
-  HelperProcess(std::string program, const std::string& bundle);
+  /// The helper's file, and the bundle whose updates it looks for. Nothing is started. `loop` outlives this.
+  HelperProcess(EventLoop& loop, std::string program, const std::string& bundle);
   ~HelperProcess() override;
 
   void check(bool fetch, std::function<void(const Verdict&)> onVerdict, Task onEnd) override;
@@ -27,10 +27,13 @@ class HelperProcess final : public UpdateHelper {
   void hear();
   void end();
 
+  EventLoop& loop_;
   const std::string program_;
   const std::string bundle_;
   const UpdateStore store_;
-  std::unique_ptr<QProcess> process_;
+  std::unique_ptr<posix::PipedProcess> process_;  ///< of a check, until it is over
+  EventLoop::Watch output_;
+  Timer failure_;  ///< to start it
   std::function<void(const Verdict&)> onVerdict_;
   Task onEnd_;
 };

@@ -1,9 +1,9 @@
 #include "platform/linux/x11/Connection.h"
 
-#include <QAbstractEventDispatcher>
-#include <QElapsedTimer>
-#include <QSocketNotifier>
+#include <sys/epoll.h>
+
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 #include "platform/linux/x11/Reply.h"
@@ -13,23 +13,29 @@ namespace {
 
 constexpr std::uint32_t PROPERTY_WORDS = 1U << 20;
 
-/// How long events are handled without a look at timers, in milliseconds.
-constexpr qint64 TURN = 5;
+/// How long events are handled without a look at timers.
+constexpr std::chrono::milliseconds TURN{5};
 
 }  // namespace
 
-std::shared_ptr<Connection> Connection::open(const std::string& display) {
+std::shared_ptr<Connection> Connection::open(EventLoop& loop, const std::string& display) {
+  return openFor(&loop, display);
+}
+
+std::shared_ptr<Connection> Connection::open(const std::string& display) { return openFor(nullptr, display); }
+
+std::shared_ptr<Connection> Connection::openFor(EventLoop* loop, const std::string& display) {
   int screenNumber = 0;
   xcb_connection_t* xcb = xcb_connect(display.empty() ? nullptr : display.c_str(), &screenNumber);
   if (xcb_connection_has_error(xcb) != 0) {
     xcb_disconnect(xcb);
     return nullptr;
   }
-  return std::shared_ptr<Connection>(new Connection(xcb, screenNumber, display));
+  return std::shared_ptr<Connection>(new Connection(xcb, screenNumber, loop, display));
 }
 
-Connection::Connection(xcb_connection_t* xcb, int screenNumber, std::string display)
-    : xcb_(xcb), screenNumber_(screenNumber), display_(std::move(display)) {
+Connection::Connection(xcb_connection_t* xcb, int screenNumber, EventLoop* loop, std::string display)
+    : xcb_(xcb), screenNumber_(screenNumber), loop_(loop), display_(std::move(display)) {
   auto roots = xcb_setup_roots_iterator(xcb_get_setup(xcb_));
   for (int i = 0; i < screenNumber && roots.rem > 1; ++i) xcb_screen_next(&roots);
   screen_ = roots.data;
@@ -41,21 +47,15 @@ Connection::~Connection() {
 }
 
 void Connection::startPumping() {
-  if (notifier_ != nullptr || QAbstractEventDispatcher::instance() == nullptr) return;
-  pumpContext_ = std::make_unique<QObject>();
-  notifier_ = new QSocketNotifier(xcb_get_file_descriptor(xcb_), QSocketNotifier::Read);
-  QObject::connect(notifier_, &QSocketNotifier::activated, pumpContext_.get(), [this] { readSocket(); });
+  if (drain_) return;
+  socket_ = loop().watch(xcb_get_file_descriptor(xcb_), EPOLLIN, [this](std::uint32_t) { readSocket(); });
   // Waiting for a reply reads events as well; the socket is then silent although events are there.
-  QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, pumpContext_.get(),
-                   [this] { drainQueue(); });
+  drain_ = loop().beforeWaiting([this] { drainQueue(); });
 }
 
 void Connection::stopPumping() {
-  if (notifier_ == nullptr) return;
-  notifier_->setEnabled(false);
-  std::exchange(notifier_, nullptr)->deleteLater();  // it may be the one that is calling
-  pumpContext_.reset();
-  willContinue_ = false;
+  socket_.reset();
+  drain_.reset();
 }
 
 void Connection::readSocket() {
@@ -73,28 +73,17 @@ void Connection::drainQueue() {
 
 void Connection::handleEvents(const std::function<xcb_generic_event_t*()>& next) {
   const auto self = shared_from_this();  // a handler may let go of the connection
-  QElapsedTimer turn;
-  turn.start();
+  const auto end = std::chrono::steady_clock::now() + TURN;
   while (const auto event = owned(next())) {
     dispatch(*event);
-    if (turn.elapsed() < TURN) continue;
+    if (std::chrono::steady_clock::now() < end) continue;
     // Somebody sends faster than this can be handled: a stuck key, a script. The challenge's clock goes on all the
-    // same, and what was let go is deleted, both of which happen between two turns only.
-    continueSoon();
+    // same. The rest is drained before the next wait, which must not last.
+    if (loop_ != nullptr) loop_->async([] {});
     break;
   }
   xcb_flush(xcb_);
   checkLost();
-}
-
-void Connection::continueSoon() {
-  if (!pumpContext_ || willContinue_) return;
-  willContinue_ = true;
-  const auto drain = [this] {
-    willContinue_ = false;
-    drainQueue();
-  };
-  QMetaObject::invokeMethod(pumpContext_.get(), drain, Qt::QueuedConnection);
 }
 
 void Connection::dispatch(const xcb_generic_event_t& event) {
@@ -114,7 +103,7 @@ void Connection::dispatch(const xcb_generic_event_t& event) {
 void Connection::checkLost() {
   if (isAlive() || lostReported_) return;
   lostReported_ = true;
-  if (notifier_ != nullptr) notifier_->setEnabled(false);  // a dead socket is readable for ever
+  socket_.reset();  // a dead one is readable for ever
   if (onLost_) onLost_();
 }
 

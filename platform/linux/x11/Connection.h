@@ -1,18 +1,15 @@
-// One connection to an X server: opening it, its events on the main run loop, and its end.
+// One connection to an X server: opening it, its events on the main loop, and its end.
 // Main thread only. Whoever subscribed sees every event in the order of the stream.
 #pragma once
 
 #include <xcb/xcb.h>
 
-#include <QObject>
 #include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
-#include "platform/RunLoop.h"
-
-class QSocketNotifier;
+#include "platform/linux/loop/EventLoop.h"
 
 namespace dormel::x11 {
 
@@ -23,7 +20,9 @@ class Connection : public std::enable_shared_from_this<Connection> {
  public:
   using Handler = std::function<void(const xcb_generic_event_t&)>;
 
-  /// Null when there is no such server or it refuses. An empty name means $DISPLAY.
+  /// Null when there is no such server or it refuses. An empty name means $DISPLAY. `loop` outlives the connection.
+  [[nodiscard]] static std::shared_ptr<Connection> open(EventLoop& loop, const std::string& display = {});
+  /// For requests and replies alone: there is no loop for its events. Any thread, but always the same one.
   [[nodiscard]] static std::shared_ptr<Connection> open(const std::string& display = {});
   Connection(const Connection&) = delete;
   Connection& operator=(const Connection&) = delete;
@@ -39,9 +38,11 @@ class Connection : public std::enable_shared_from_this<Connection> {
   /// False once the server is gone; every request is then ignored and every reply null.
   [[nodiscard]] bool isAlive() const { return xcb_connection_has_error(xcb_) == 0; }
 
-  /// Delivers events on the thread's Qt event loop from now on; timers get their turn however many there are. Requests
-  /// still buffered are sent whenever the loop is about to wait. Without pumping, events queue up; so they do in a
-  /// thread without an event loop.
+  /// The loop it was opened for; there must be one.
+  [[nodiscard]] EventLoop& loop() const { return *loop_; }
+
+  /// Delivers events on the loop from now on; timers get their turn however many there are. Requests still buffered are
+  /// sent whenever the loop is about to wait. Without pumping, events queue up.
   void startPumping();
   void stopPumping();
 
@@ -68,25 +69,25 @@ class Connection : public std::enable_shared_from_this<Connection> {
   [[nodiscard]] std::uint32_t newId() { return xcb_generate_id(xcb_); }
 
  private:
-  Connection(xcb_connection_t* xcb, int screenNumber, std::string display);
+  [[nodiscard]] static std::shared_ptr<Connection> openFor(EventLoop* loop, const std::string& display);
+  Connection(xcb_connection_t* xcb, int screenNumber, EventLoop* loop, std::string display);
   void readSocket();
   void drainQueue();
   void handleEvents(const std::function<xcb_generic_event_t*()>& next);
-  void continueSoon();
   void dispatch(const xcb_generic_event_t& event);
   void checkLost();
 
   xcb_connection_t* xcb_;
   xcb_screen_t* screen_ = nullptr;
   int screenNumber_;
+  EventLoop* loop_;
   std::string display_;
   std::vector<std::weak_ptr<const Handler>> handlers_;
   std::uint32_t rootEvents_ = 0;
   Task onLost_;
   bool lostReported_ = false;
-  bool willContinue_ = false;
-  QSocketNotifier* notifier_ = nullptr;
-  std::unique_ptr<QObject> pumpContext_;
+  EventLoop::Watch socket_;
+  EventLoop::Watch drain_;
 };
 
 }  // namespace dormel::x11

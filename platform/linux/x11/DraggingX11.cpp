@@ -2,10 +2,10 @@
 
 #include <utility>
 
-#include "platform/linux/x11/DisplayLink.h"
+#include "platform/linux/display/DisplayLink.h"
+#include "platform/linux/display/TimingCurves.h"
 #include "platform/linux/x11/KeyCodes.h"
 #include "platform/linux/x11/Reply.h"
-#include "platform/linux/x11/TimingCurves.h"
 
 namespace dormel::x11 {
 namespace {
@@ -13,7 +13,7 @@ namespace {
 constexpr KeyCode ESCAPE = 53;
 constexpr std::uint8_t MAIN_BUTTON = 1;
 constexpr Seconds FLIGHT = 0.3;
-constexpr int STAY_MILLISECONDS = 3 * DisplayLink::FRAME_MILLISECONDS;
+constexpr Seconds STAY = 3 * DisplayLink::FRAME;
 constexpr double ALPHA = 0.82;
 constexpr double ALPHA_OVER_RECEIVER = 1;
 
@@ -34,12 +34,15 @@ std::vector<XdndSource::Offer> offersOf(const DragItem& item) {
 
 }  // namespace
 
-DraggingX11::DraggingX11(std::shared_ptr<Connection> connection, PanelServer& panels, const Clock& clock)
-    : connection_(std::move(connection)), panels_(panels), clock_(clock), followLater_([this] { follow(); }) {
-  flight_.setTimerType(Qt::PreciseTimer);
-  flight_.setInterval(DisplayLink::FRAME_MILLISECONDS);
-  QObject::connect(&flight_, &QTimer::timeout, [this] { flyBackStep(); });
-}
+DraggingX11::DraggingX11(RunLoop& loop, std::shared_ptr<Connection> connection, PanelServer& panels, const Clock& clock)
+    : loop_(loop),
+      connection_(std::move(connection)),
+      panels_(panels),
+      clock_(clock),
+      followLater_(loop, [this] { follow(); }),
+      letGo_(loop, [this] {
+        if (session_ && flight_) session_->source.reset();
+      }) {}
 
 DraggingX11::~DraggingX11() {
   session_.reset();
@@ -173,16 +176,13 @@ void DraggingX11::flyBack() {
   session_->flownFrom = session_->picture->frame();
   session_->flyingSince = clock_.uptime();
   if (session_->flownFrom == session_->home) session_->flyingSince -= FLIGHT;  // a mere click
-  flight_.start();
-  // The source itself may be the one that is calling.
-  QTimer::singleShot(0, &flight_, [this] {
-    if (session_ && flight_.isActive()) session_->source.reset();
-  });
+  flight_ = Timer::repeating(loop_, DisplayLink::FRAME, [this] { flyBackStep(); });
+  letGo_.ask();  // the source itself may be the one that is calling
 }
 
 void DraggingX11::flyBackStep() {
   if (!session_) {
-    flight_.stop();
+    flight_.invalidate();
     return;
   }
   Session& s = *session_;
@@ -199,17 +199,17 @@ void DraggingX11::flyBackStep() {
 }
 
 void DraggingX11::end(DragOperation operation) {
-  flight_.stop();
+  flight_.invalidate();
   ungrab();
   // Out of whatever is calling: the source, or the picture's own event.
   std::shared_ptr<Session> ended(std::exchange(session_, nullptr).release());
   if (!ended) return;
-  QTimer::singleShot(0, &flight_, [ended, operation] {
+  loop_.async([ended, operation, &loop = loop_] {
     ended->source.reset();
     if (ended->onEnd) ended->onEnd(operation);
     if (operation == DragOperation::none) {
       // What was dragged is drawn in its place again; the picture goes when that is surely to be seen.
-      QTimer::singleShot(STAY_MILLISECONDS, [ended] { ended->picture->orderOut(); });
+      loop.asyncAfter(STAY, [ended] { ended->picture->orderOut(); });
     }
   });
 }

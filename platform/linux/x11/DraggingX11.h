@@ -2,7 +2,6 @@
 // drop that fails sends back to where it came from. One drag at a time. Main thread only.
 #pragma once
 
-#include <QTimer>
 #include <memory>
 #include <optional>
 
@@ -15,8 +14,8 @@ namespace dormel::x11 {
 
 class DraggingX11 final : public Dragging {
  public:
-  /// Without a connection no drag begins.
-  DraggingX11(std::shared_ptr<Connection> connection, PanelServer& panels, const Clock& clock);
+  /// Without a connection no drag begins. What is handed over outlives it.
+  DraggingX11(RunLoop& loop, std::shared_ptr<Connection> connection, PanelServer& panels, const Clock& clock);
   DraggingX11(const DraggingX11&) = delete;
   DraggingX11& operator=(const DraggingX11&) = delete;
   ~DraggingX11() override;
@@ -47,6 +46,7 @@ class DraggingX11 final : public Dragging {
   void flyBackStep();
   void end(DragOperation operation);
 
+  RunLoop& loop_;
   std::shared_ptr<Connection> connection_;
   PanelServer& panels_;
   const Clock& clock_;
@@ -54,7 +54,8 @@ class DraggingX11 final : public Dragging {
   bool isGrabbed_ = false;
   std::unique_ptr<Session> session_;
   Later followLater_;
-  QTimer flight_;
+  Later letGo_;
+  Timer flight_;
   Subscription subscription_;
 };
 

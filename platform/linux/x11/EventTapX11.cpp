@@ -122,7 +122,7 @@ EventTapsX11::EventTapsX11(std::shared_ptr<Connection> connection, const ServerF
 
 std::unique_ptr<EventTap> EventTapsX11::create(std::function<TapVerdict(const KeyEvent&)> callback) {
   if (!connection_ || !features_.xinput22 || features_.xwayland) return nullptr;
-  auto own = Connection::open(connection_->display());
+  auto own = Connection::open(connection_->loop(), connection_->display());
   if (!own) return nullptr;
   const ServerFeatures input = ServerFeatures::queryInput(*own);
   if (!input.xinput22) return nullptr;

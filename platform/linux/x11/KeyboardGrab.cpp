@@ -7,7 +7,7 @@
 namespace dormel::x11 {
 namespace {
 
-constexpr int RETRY_MILLISECONDS = 100;
+constexpr Seconds RETRY = 0.1;
 
 }  // namespace
 
@@ -15,8 +15,6 @@ KeyboardGrab::KeyboardGrab(std::shared_ptr<Connection> connection, Task onLost)
     : connection_(std::move(connection)), onLost_(std::move(onLost)) {
   makeWindow();
   subscription_ = connection_->subscribe([this](const xcb_generic_event_t& event) { handle(event); });
-  retry_.setInterval(RETRY_MILLISECONDS);
-  QObject::connect(&retry_, &QTimer::timeout, [this] { attempt(); });
 }
 
 KeyboardGrab::~KeyboardGrab() {
@@ -41,7 +39,7 @@ void KeyboardGrab::want(bool wanted) {
     attempt();
     return;
   }
-  retry_.stop();
+  retry_.invalidate();
   if (!std::exchange(isHeld_, false)) return;
   xcb_ungrab_keyboard(*connection_, XCB_CURRENT_TIME);
   connection_->sync();  // whoever asks next, on another connection, finds it free
@@ -53,7 +51,7 @@ void KeyboardGrab::attempt() {
   const auto reply = owned(xcb_grab_keyboard_reply(*connection_, cookie, nullptr));
   isHeld_ = reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
   if (isHeld_ || !connection_->isAlive()) {
-    retry_.stop();
+    retry_.invalidate();
     return;
   }
   if (reply && reply->status == XCB_GRAB_STATUS_NOT_VIEWABLE) xcb_map_window(*connection_, window_);
@@ -62,7 +60,7 @@ void KeyboardGrab::attempt() {
     xcb_set_input_focus(*connection_, XCB_INPUT_FOCUS_POINTER_ROOT, XCB_INPUT_FOCUS_POINTER_ROOT, XCB_CURRENT_TIME);
   }
   connection_->flush();
-  retry_.start();
+  retry_ = Timer::once(connection_->loop(), RETRY, [this] { attempt(); });
 }
 
 void KeyboardGrab::handle(const xcb_generic_event_t& event) {

@@ -3,7 +3,6 @@
 // once and every 100 ms. Main thread only; needs its connection to be pumped.
 #pragma once
 
-#include <QTimer>
 #include <functional>
 #include <memory>
 
@@ -34,7 +33,7 @@ class KeyboardGrab {
   bool isWanted_ = false;
   bool isHeld_ = false;
   bool menusToldToClose_ = false;
-  QTimer retry_;
+  Timer retry_;
   Subscription subscription_;
 };
 

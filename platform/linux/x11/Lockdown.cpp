@@ -17,7 +17,7 @@ Lockdown::Lockdown(std::shared_ptr<Connection> connection, const ServerFeatures&
       features_(features),
       marker_(connection_->newId()),
       selection_(connection_->atom("_DORMEL_LOCKDOWN")),
-      check_([this] {
+      check_(connection_->loop(), [this] {
         if (isOn_) look();
       }) {
   xcb_create_window(*connection_, XCB_COPY_FROM_PARENT, marker_, connection_->root(), -2, -2, 1, 1, 0,

@@ -6,8 +6,8 @@
 #include <memory>
 #include <string>
 
+#include "platform/linux/display/Later.h"
 #include "platform/linux/x11/KeyActions.h"
-#include "platform/linux/x11/Later.h"
 #include "platform/linux/x11/OtherHands.h"
 #include "platform/linux/x11/PointerGrab.h"
 #include "platform/linux/x11/TypingAids.h"

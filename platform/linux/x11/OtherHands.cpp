@@ -19,7 +19,8 @@ OtherHands::OtherHands(std::shared_ptr<Connection> connection, const ServerFeatu
     : connection_(std::move(connection)),
       features_(features),
       blank_(makeBlankCursor(*connection_)),
-      again_([this] { take(); }, RETRY_MILLISECONDS) {}
+      again_(
+          connection_->loop(), [this] { take(); }, RETRY_MILLISECONDS) {}
 
 OtherHands::~OtherHands() {
   release();

@@ -7,8 +7,8 @@
 #include <memory>
 #include <set>
 
+#include "platform/linux/display/Later.h"
 #include "platform/linux/x11/Connection.h"
-#include "platform/linux/x11/Later.h"
 #include "platform/linux/x11/ServerFeatures.h"
 
 namespace dormel::x11 {

@@ -33,9 +33,10 @@ Panel::Panel(std::shared_ptr<PanelEnvironment> environment, const WindowStyle& s
       area_(env_->screens->space().toPixels(contentRect)),
       surface_(*env_, style.background),
       putBackBudget_(env_->clock, 20, 1.0),
-      showContentLater_([this] { showContent(); }),
-      layOutLater_([this] { layOutContent(); }),
+      showContentLater_(env_->connection->loop(), [this] { showContent(); }),
+      layOutLater_(env_->connection->loop(), [this] { layOutContent(); }),
       putBackLater_(
+          env_->connection->loop(),
           [this] {
             if (isVisible_) putBack();
           },

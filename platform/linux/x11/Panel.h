@@ -5,8 +5,8 @@
 #include <memory>
 #include <optional>
 
-#include "platform/linux/x11/AlphaAnimator.h"
-#include "platform/linux/x11/Later.h"
+#include "platform/linux/display/AlphaAnimator.h"
+#include "platform/linux/display/Later.h"
 #include "platform/linux/x11/PanelEnvironment.h"
 #include "platform/linux/x11/PanelSurface.h"
 

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "platform/linux/x11/DisplayLink.h"
+#include "platform/linux/display/DisplayLink.h"
 #include "platform/linux/x11/Panel.h"
 #include "platform/linux/x11/UnseenWindow.h"
 
@@ -22,11 +22,12 @@ class MonitorRegistration : public Registration {
 
 }  // namespace
 
-PanelServer::PanelServer(const std::shared_ptr<Connection>& connection, const ServerFeatures& features,
+PanelServer::PanelServer(RunLoop& loop, const std::shared_ptr<Connection>& connection, const ServerFeatures& features,
                          std::shared_ptr<ScreensX11> screens, CanvasFactory& canvases, const Clock& clock)
     : env_(connection ? std::make_shared<PanelEnvironment>(connection, features, std::move(screens), canvases, clock)
                       : nullptr),
-      animator_(clock, [this] {
+      loop_(loop),
+      animator_(loop, clock, [this] {
         return env_ && env_->compositor.isRunning() ? FRAME_MILLISECONDS : DRAWN_FRAME_MILLISECONDS;
       }) {}
 
@@ -52,7 +53,7 @@ std::unique_ptr<Registration> PanelServer::addLocalKeyDownMonitor(std::function<
 }
 
 std::unique_ptr<Registration> PanelServer::makeDisplayLink(Task onFrame) {
-  return std::make_unique<DisplayLink>(std::move(onFrame));
+  return std::make_unique<DisplayLink>(loop_, std::move(onFrame));
 }
 
 }  // namespace dormel::x11

@@ -4,15 +4,15 @@
 
 #include <memory>
 
-#include "platform/linux/x11/AlphaAnimator.h"
+#include "platform/linux/display/AlphaAnimator.h"
 #include "platform/linux/x11/PanelEnvironment.h"
 
 namespace dormel::x11 {
 
 class PanelServer : public WindowServer {
  public:
-  /// `canvases` and `clock` outlive it and every window made here.
-  PanelServer(const std::shared_ptr<Connection>& connection, const ServerFeatures& features,
+  /// `loop`, `canvases` and `clock` outlive it and every window made here.
+  PanelServer(RunLoop& loop, const std::shared_ptr<Connection>& connection, const ServerFeatures& features,
               std::shared_ptr<ScreensX11> screens, CanvasFactory& canvases, const Clock& clock);
 
   [[nodiscard]] std::shared_ptr<Window> makeWindow(const WindowStyle& style, const Rect& contentRect) override;
@@ -33,6 +33,7 @@ class PanelServer : public WindowServer {
 
  private:
   std::shared_ptr<PanelEnvironment> env_;  ///< null without a display
+  RunLoop& loop_;
   AlphaAnimator animator_;
 };
 

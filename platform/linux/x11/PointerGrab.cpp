@@ -7,7 +7,7 @@
 namespace dormel::x11 {
 namespace {
 
-constexpr int RETRY_MILLISECONDS = 100;
+constexpr Seconds RETRY = 0.1;
 
 }  // namespace
 
@@ -29,8 +29,6 @@ xcb_cursor_t makeBlankCursor(Connection& connection) {
 PointerGrab::PointerGrab(std::shared_ptr<Connection> connection) : connection_(std::move(connection)) {
   makeWindow();
   subscription_ = connection_->subscribe([this](const xcb_generic_event_t& event) { handle(event); });
-  retry_.setInterval(RETRY_MILLISECONDS);
-  QObject::connect(&retry_, &QTimer::timeout, [this] { attempt(); });
 }
 
 PointerGrab::~PointerGrab() {
@@ -55,7 +53,7 @@ void PointerGrab::want(bool wanted) {
     attempt();
     return;
   }
-  retry_.stop();
+  retry_.invalidate();
   if (std::exchange(isHeld_, false)) xcb_ungrab_pointer(*connection_, XCB_CURRENT_TIME);
   xcb_unmap_window(*connection_, window_);
   connection_->flush();
@@ -69,10 +67,10 @@ void PointerGrab::attempt() {
   const auto reply = owned(xcb_grab_pointer_reply(*connection_, cookie, nullptr));
   isHeld_ = reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
   if (isHeld_ || !connection_->isAlive()) {
-    retry_.stop();
+    retry_.invalidate();
   } else {
     if (reply && reply->status == XCB_GRAB_STATUS_NOT_VIEWABLE) xcb_map_window(*connection_, window_);
-    retry_.start();
+    retry_ = Timer::once(connection_->loop(), RETRY, [this] { attempt(); });
   }
 }
 

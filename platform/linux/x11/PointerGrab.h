@@ -2,7 +2,6 @@
 // program has it. Main thread only.
 #pragma once
 
-#include <QTimer>
 #include <memory>
 
 #include "platform/linux/x11/Connection.h"
@@ -28,7 +27,7 @@ class PointerGrab {
   xcb_window_t window_ = XCB_NONE;
   bool isWanted_ = false;
   bool isHeld_ = false;
-  QTimer retry_;
+  Timer retry_;
   Subscription subscription_;
 };
 

@@ -5,11 +5,11 @@
 
 namespace dormel::x11 {
 
-RunningApplicationsX11::RunningApplicationsX11(std::shared_ptr<Connection> connection)
+RunningApplicationsX11::RunningApplicationsX11(RunLoop& loop, std::shared_ptr<Connection> connection)
     : connection_(std::move(connection)),
       clients_(connection_ ? std::make_unique<ClientWindows>(connection_) : nullptr),
       naming_([](const std::string& /*instance*/, const std::string& className) { return className; }),
-      telling_([this] { observers_.call(); }) {}
+      telling_(loop, [this] { observers_.call(); }) {}
 
 RunningApplication RunningApplicationsX11::application(const ClientWindow& window) const {
   return {window.pid, naming_(window.instance, window.className),

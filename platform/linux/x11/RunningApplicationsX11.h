@@ -9,8 +9,8 @@
 
 #include "platform/RunningApplications.h"
 #include "platform/common/HandlerList.h"
+#include "platform/linux/display/Later.h"
 #include "platform/linux/x11/ClientWindows.h"
-#include "platform/linux/x11/Later.h"
 
 namespace dormel::x11 {
 
@@ -19,7 +19,8 @@ using ApplicationNaming = std::function<std::string(const std::string& instance,
 
 class RunningApplicationsX11 final : public RunningApplications {
  public:
-  explicit RunningApplicationsX11(std::shared_ptr<Connection> connection);
+  /// `loop` outlives it.
+  RunningApplicationsX11(RunLoop& loop, std::shared_ptr<Connection> connection);
 
   /// Until one is set, an application's identifier is the class of its windows.
   void setNaming(ApplicationNaming naming) { naming_ = std::move(naming); }

@@ -9,8 +9,8 @@
 
 namespace dormel::x11 {
 
-ScreensX11::ScreensX11(std::shared_ptr<Connection> connection, const ServerFeatures& features)
-    : connection_(std::move(connection)), features_(features), announcement_([this] { announce(); }) {
+ScreensX11::ScreensX11(RunLoop& loop, std::shared_ptr<Connection> connection, const ServerFeatures& features)
+    : connection_(std::move(connection)), features_(features), announcement_(loop, [this] { announce(); }) {
   if (!connection_) return;
   if (features_.randr >= 2) {
     xcb_randr_select_input(

@@ -6,8 +6,8 @@
 
 #include "platform/Windows.h"
 #include "platform/common/CoordinateSpace.h"
+#include "platform/linux/display/Later.h"
 #include "platform/linux/x11/Connection.h"
-#include "platform/linux/x11/Later.h"
 #include "platform/linux/x11/Monitors.h"
 #include "platform/linux/x11/ServerFeatures.h"
 
@@ -15,8 +15,8 @@ namespace dormel::x11 {
 
 class ScreensX11 : public Screens {
  public:
-  /// Without a connection there are no screens.
-  ScreensX11(std::shared_ptr<Connection> connection, const ServerFeatures& features);
+  /// Without a connection there are no screens. `loop` outlives it.
+  ScreensX11(RunLoop& loop, std::shared_ptr<Connection> connection, const ServerFeatures& features);
 
   /// When the server says that nothing shows at all (the moment between two configurations, the last cable
   /// pulled), the screens of the moment before: nobody is to be uncovered by it.

@@ -17,7 +17,8 @@ Stacking::Stacking(std::shared_ptr<Connection> connection, const Clock& clock)
     : connection_(std::move(connection)),
       screenSaverBudget_(clock, 50, 1.0),
       floatingBudget_(clock, 4, 2.0),
-      later_([this] { check(); }, LATER_MILLISECONDS) {
+      later_(
+          connection_->loop(), [this] { check(); }, LATER_MILLISECONDS) {
   connection_->selectOnRoot(XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
   subscription_ = connection_->subscribe([this](const xcb_generic_event_t& event) { handle(event); });
 }

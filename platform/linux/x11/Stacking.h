@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "platform/Windows.h"
+#include "platform/linux/display/Later.h"
 #include "platform/linux/x11/Connection.h"
-#include "platform/linux/x11/Later.h"
 #include "platform/linux/x11/RateBudget.h"
 
 namespace dormel::x11 {

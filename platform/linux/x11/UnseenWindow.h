@@ -5,7 +5,7 @@
 #include <memory>
 #include <utility>
 
-#include "platform/linux/x11/AlphaAnimator.h"
+#include "platform/linux/display/AlphaAnimator.h"
 
 namespace dormel::x11 {
 

@@ -16,19 +16,19 @@ constexpr std::chrono::milliseconds LAST_WILL_LIMIT{500};
 
 }  // namespace
 
-X11Platform::X11Platform(CanvasFactory& canvases, const Clock& clock, const std::string& display)
-    : connection_(Connection::open(display)),
+X11Platform::X11Platform(EventLoop& loop, CanvasFactory& canvases, const Clock& clock, const std::string& display)
+    : connection_(Connection::open(loop, display)),
       features_(connection_ ? ServerFeatures::query(*connection_) : ServerFeatures{}),
-      screens_(std::make_shared<ScreensX11>(connection_, features_)),
+      screens_(std::make_shared<ScreensX11>(loop, connection_, features_)),
       accessibility_(connection_, features_),
       eventTaps_(connection_, features_),
       hardwareKeys_(connection_),
       inputIdle_(connection_, features_),
       layout_(connection_, features_),
-      windows_(connection_, features_, screens_, canvases, clock),
-      runningApplications_(connection_),
+      windows_(loop, connection_, features_, screens_, canvases, clock),
+      runningApplications_(loop, connection_),
       windowList_(connection_, screens_),
-      dragging_(connection_, windows_, clock),
+      dragging_(loop, connection_, windows_, clock),
       managedWindows_(connection_),
       lockdown_(connection_ ? std::make_unique<Lockdown>(connection_, features_) : nullptr),
       display_(display) {

@@ -23,9 +23,9 @@ namespace dormel::x11 {
 
 class X11Platform {
  public:
-  /// Connects to `display` ($DISPLAY when empty) and delivers events on this thread's Qt event loop. Where that
-  /// fails, all services are there, but there are no screens, no tap and no trust. `canvases` and `clock` outlive it.
-  X11Platform(CanvasFactory& canvases, const Clock& clock, const std::string& display = {});
+  /// Connects to `display` ($DISPLAY when empty) and delivers events on `loop`. Where that fails, all services are
+  /// there, but there are no screens, no tap and no trust. What is handed over outlives it.
+  X11Platform(EventLoop& loop, CanvasFactory& canvases, const Clock& clock, const std::string& display = {});
   X11Platform(const X11Platform&) = delete;
   X11Platform& operator=(const X11Platform&) = delete;
   ~X11Platform();

@@ -40,11 +40,13 @@ XdndSource::XdndSource(std::shared_ptr<Connection> connection, xcb_window_t wind
       atoms_(*connection_),
       targetAtoms_(*connection_),
       statusLimit_(
+          connection_->loop(),
           [this] {
             if (isAwaitingStatus_) done(false);
           },
           STATUS_LIMIT_MILLISECONDS),
-      finishLimit_([this] { done(false); }, FINISH_LIMIT_MILLISECONDS) {
+      finishLimit_(
+          connection_->loop(), [this] { done(false); }, FINISH_LIMIT_MILLISECONDS) {
   std::vector<std::string> names;
   for (const Offer& offer : offers_) names.push_back(offer.type);
   offerTypes_ = connection_->atoms(names);

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "platform/linux/Canvas.h"
-#include "platform/linux/x11/Later.h"
+#include "platform/linux/display/Later.h"
 #include "platform/linux/x11/XdndTarget.h"
 
 namespace dormel::x11 {

@@ -1,7 +1,6 @@
 // Alpha animations of windows, frame by frame. No timer runs while nothing is animated. Main thread only.
 #pragma once
 
-#include <QTimer>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -9,7 +8,7 @@
 
 #include "platform/Windows.h"
 
-namespace dormel::x11 {
+namespace dormel {
 
 /// A window whose alpha can be animated.
 class FadingWindow : public Window {
@@ -27,8 +26,8 @@ class FadingWindow : public Window {
 
 class AlphaAnimator {
  public:
-  /// `frameMilliseconds` is asked at every start of an animation.
-  AlphaAnimator(const Clock& clock, std::function<int()> frameMilliseconds);
+  /// `frameMilliseconds` is asked at every start of an animation. `loop` and `clock` outlive it.
+  AlphaAnimator(RunLoop& loop, const Clock& clock, std::function<int()> frameMilliseconds);
 
   /// The clock of an animation starts with its first frame, so that a busy start shows as a delay, not as a jump.
   /// The completion runs from the run loop, once, also when no window is left.
@@ -54,7 +53,8 @@ class AlphaAnimator {
   const Clock& clock_;
   std::function<int()> frameMilliseconds_;
   std::vector<Animation> animations_;
-  QTimer timer_;
+  RunLoop& loop_;
+  Timer timer_;
 };
 
-}  // namespace dormel::x11
+}  // namespace dormel

@@ -1,8 +1,8 @@
-#include "platform/linux/x11/TimingCurves.h"
+#include "platform/linux/display/TimingCurves.h"
 
 #include <algorithm>
 
-namespace dormel::x11 {
+namespace dormel {
 namespace {
 
 /// One coordinate of the curve with the inner control values `a` and `b`.
@@ -39,4 +39,4 @@ double eased(TimingCurve curve, double t) {
   return t;
 }
 
-}  // namespace dormel::x11
+}  // namespace dormel

@@ -1,24 +1,21 @@
-#include "platform/linux/x11/AlphaAnimator.h"
+#include "platform/linux/display/AlphaAnimator.h"
 
 #include <algorithm>
 #include <utility>
 
-#include "platform/linux/x11/TimingCurves.h"
+#include "platform/linux/display/TimingCurves.h"
 
-namespace dormel::x11 {
+namespace dormel {
 
-AlphaAnimator::AlphaAnimator(const Clock& clock, std::function<int()> frameMilliseconds)
-    : clock_(clock), frameMilliseconds_(std::move(frameMilliseconds)) {
-  timer_.setTimerType(Qt::PreciseTimer);
-  QObject::connect(&timer_, &QTimer::timeout, [this] { frame(); });
-}
+AlphaAnimator::AlphaAnimator(RunLoop& loop, const Clock& clock, std::function<int()> frameMilliseconds)
+    : clock_(clock), frameMilliseconds_(std::move(frameMilliseconds)), loop_(loop) {}
 
 void AlphaAnimator::animate(const std::vector<std::shared_ptr<FadingWindow>>& windows, double alpha, Seconds duration,
                             TimingCurve curve, Task completion) {
   Animation animation{{}, alpha, std::max(duration, 0.0), curve, std::move(completion), {}};
   for (const auto& window : windows) animation.windows.push_back({window, window->beginFade(), window->alpha()});
   animations_.push_back(std::move(animation));
-  timer_.start(frameMilliseconds_());
+  timer_ = Timer::repeating(loop_, frameMilliseconds_() / 1000.0, [this] { frame(); });
 }
 
 void AlphaAnimator::frame() {
@@ -37,10 +34,10 @@ void AlphaAnimator::frame() {
     if (isOver) completions.push_back(std::move(animation.completion));
   }
   std::erase_if(animations_, [&](const Animation& a) { return now - *a.start >= a.duration; });
-  if (animations_.empty()) timer_.stop();
+  if (animations_.empty()) timer_.invalidate();
   for (const Task& completion : completions) {
     if (completion) completion();
   }
 }
 
-}  // namespace dormel::x11
+}  // namespace dormel

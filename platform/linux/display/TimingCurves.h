@@ -3,9 +3,9 @@
 
 #include "platform/Windows.h"
 
-namespace dormel::x11 {
+namespace dormel {
 
 /// How far an animation has come when `t` (0 to 1) of its time is over.
 [[nodiscard]] double eased(TimingCurve curve, double t);
 
-}  // namespace dormel::x11
+}  // namespace dormel
