@@ -51,6 +51,7 @@ SimMachine::SimMachine(const Options& options)
   childProcesses.install("/bin/launchctl",
                          [this](const std::vector<std::string>& arguments) { return scheduler.run(arguments); });
   childProcesses.install("/usr/bin/xattr", [](const std::vector<std::string>&) { return 0; });
+  screens.setOnChange([this] { windows.screensChanged(); });
   timeline.setProcessHooks([this](bool leaving) { journal.setMuted(leaving); },
                            [this](int status) { processEnded(status); });
   if (!options.processRuns) timeline.clear();

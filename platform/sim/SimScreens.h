@@ -1,9 +1,11 @@
-// The screens of a simulated machine, and the notices that the desktop sends round.
+// The screens of a simulated machine, in pixels as a display server has them and in points as logic sees them, and the
+// notices that the desktop sends round.
 #pragma once
 
 #include <vector>
 
 #include "platform/Windows.h"
+#include "platform/common/CoordinateSpace.h"
 #include "platform/sim/SimJournal.h"
 #include "platform/sim/SimTimeline.h"
 
@@ -39,18 +41,42 @@ class SimScreens : public Screens {
     return screens_.empty() ? std::nullopt : std::optional(all().front());
   }
 
+  /// How points and pixels relate: by the first screen, or the last one that there was.
+  [[nodiscard]] const CoordinateSpace& space() const { return space_; }
+  /// Where the screens are in pixels, in their order.
+  [[nodiscard]] std::vector<PixelRect> pixels() const;
+
   // The world's side. Each change is noticed.
   /// A screen with a bar of 24 at its top.
   void plug(const std::string& name, const Rect& frame);
   void pull(const std::string& name);
   void resize(const std::string& name, const Rect& frame);
+  /// By raw pixels: a new screen there, or the one of that name goes there.
+  void place(const std::string& name, const PixelRect& area);
+  /// Every screen goes so many pixels to the right and down.
+  void shift(int right, int down);
+  /// Pixels to the point; `pixelsToo`: every screen has as many points as before.
+  void setScale(double scale, bool pixelsToo);
+  /// A dock of that width, in points, at the left of every screen; nobody is told.
+  void setDock(double width) { dock_ = width; }
   /// Only the notice: something about the screens changed that is not seen here.
   void noticeOnly() { notices_.post(Notice::screenParametersChanged); }
+  /// Called in the world's moment, after the notice was posted.
+  void setOnChange(Task onChange) { onChange_ = std::move(onChange); }
 
  private:
   SimJournal& journal_;
   SimNotices& notices_;
-  std::vector<Screen> screens_;
+  struct Plugged {
+    std::string name;
+    PixelRect area;
+  };
+  void changed();
+
+  std::vector<Plugged> screens_;
+  CoordinateSpace space_;
+  double dock_ = 0;
+  Task onChange_;
 };
 
 }  // namespace dormel

@@ -57,17 +57,17 @@ std::string shown(const Rect& rect) {
   return text.str();
 }
 
-bool holds(const Rect& outer, const Rect& inner) {
-  return outer.x <= inner.x && outer.y <= inner.y && outer.right() >= inner.right() && outer.top() >= inner.top();
-}
-
 }  // namespace
+
+SimWindow::SimWindow(SimWindowServer& server, int number, const WindowStyle& style, const Rect& frame)
+    : server_(server), number_(number), style_(style), frame_(frame), area_(server.screens_.space().toPixels(frame)) {}
 
 SimWindow::~SimWindow() { server_.hide(*this); }
 
 void SimWindow::setFrame(const Rect& frame) {
   if (frame == frame_) return;
   frame_ = frame;
+  area_ = server_.screens_.space().toPixels(frame);
   server_.journal_.note("window ", number_, " frame ", shown(frame));
   server_.checkCover();
 }
@@ -169,12 +169,12 @@ std::vector<SimWindow*> SimWindowServer::visible() const {
   return stacked;
 }
 
-double SimWindowServer::cover(const Rect& frame) const {
+double SimWindowServer::cover(const PixelRect& area) const {
   double through = 1;
   for (const SimWindow* window : order_) {
     const WindowStyle& style = window->style_;
     const bool blocks = style.level == WindowLevel::screenSaver && style.background == WindowBackground::black &&
-                        style.isOpaque && holds(window->frame_, frame);
+                        style.isOpaque && contains(window->area_, area);
     if (blocks) through *= 1 - window->alpha();
   }
   return 1 - through;
@@ -182,14 +182,13 @@ double SimWindowServer::cover(const Rect& frame) const {
 
 double SimWindowServer::cover() const {
   double least = 1;
-  for (const Screen& screen : screens_.all()) least = std::min(least, cover(screen.frame));
+  for (const PixelRect& screen : screens_.pixels()) least = std::min(least, cover(screen));
   return least;
 }
 
 void SimWindowServer::watchCover() {
   watching_ = true;
-  watched_.clear();
-  for (const Screen& screen : screens_.all()) watched_.push_back(screen.frame);
+  watched_ = screens_.pixels();
   leastCover_ = 1;
   checkCover();
 }
@@ -270,10 +269,27 @@ void SimWindowServer::makeKey(SimWindow& window) {
 
 void SimWindowServer::checkCover() {
   if (!watching_) return;
-  for (const Screen& screen : screens_.all()) {
-    const bool watched = std::find(watched_.begin(), watched_.end(), screen.frame) != watched_.end();
-    if (watched) leastCover_ = std::min(leastCover_, cover(screen.frame));
+  for (const PixelRect& screen : screens_.pixels()) {
+    const bool watched = std::find(watched_.begin(), watched_.end(), screen) != watched_.end();
+    if (watched) leastCover_ = std::min(leastCover_, cover(screen));
   }
+}
+
+void SimWindowServer::screensChanged() {
+  timeline_.addMain(0, 0, [this] { placeAnew(); });
+}
+
+void SimWindowServer::placeAnew() {
+  bool moved = false;
+  for (const auto& weak : windows_) {
+    const auto window = weak.lock();
+    const PixelRect area = window ? screens_.space().toPixels(window->frame_) : PixelRect{};
+    if (!window || window->area_ == area) continue;
+    window->area_ = area;
+    moved = true;
+    if (window->visible_) journal_.note("window ", window->number_, " placed anew");
+  }
+  if (moved) checkCover();
 }
 
 }  // namespace dormel

@@ -18,8 +18,7 @@ class SimWindowServer;
 
 class SimWindow : public Window {
  public:
-  SimWindow(SimWindowServer& server, int number, const WindowStyle& style, const Rect& frame)
-      : server_(server), number_(number), style_(style), frame_(frame) {}
+  SimWindow(SimWindowServer& server, int number, const WindowStyle& style, const Rect& frame);
   SimWindow(const SimWindow&) = delete;
   SimWindow& operator=(const SimWindow&) = delete;
   ~SimWindow() override;
@@ -36,6 +35,8 @@ class SimWindow : public Window {
   [[nodiscard]] bool isVisible() const override { return visible_; }
   void setKeyHandler(std::function<void(const KeyEvent&)> handler) override { keyHandler_ = std::move(handler); }
 
+  /// Where it stands in pixels.
+  [[nodiscard]] const PixelRect& area() const { return area_; }
   /// Counts the windows of the machine from 1.
   [[nodiscard]] int number() const { return number_; }
   [[nodiscard]] const WindowStyle& style() const { return style_; }
@@ -49,6 +50,7 @@ class SimWindow : public Window {
   int number_;
   WindowStyle style_;
   Rect frame_;
+  PixelRect area_;
   std::shared_ptr<View> content_;
   std::function<void(const KeyEvent&)> keyHandler_;
   bool visible_ = false;
@@ -76,8 +78,8 @@ class SimWindowServer : public WindowServer {
 
   /// The visible windows, backmost first; those of higher levels above the others.
   [[nodiscard]] std::vector<SimWindow*> visible() const;
-  /// How much of what lies beneath is hidden on all of `frame`, 0 to 1, by opaque black panels above everything.
-  [[nodiscard]] double cover(const Rect& frame) const;
+  /// How much of what lies beneath is hidden on all of these pixels, 0 to 1, by opaque black panels above everything.
+  [[nodiscard]] double cover(const PixelRect& area) const;
   /// The least covered screen's cover; 1 without screens.
   [[nodiscard]] double cover() const;
 
@@ -102,6 +104,8 @@ class SimWindowServer : public WindowServer {
   void tellFirstShown(const std::weak_ptr<View>& content);
   void setFittingSize(std::function<Size(const View&)> asked) { fittingSize_ = std::move(asked); }
 
+  /// The screens changed: every window goes where its frame is in pixels, in a turn after the notice.
+  void screensChanged();
   /// All windows are gone with their process.
   void processEnded();
 
@@ -111,6 +115,7 @@ class SimWindowServer : public WindowServer {
   void hide(SimWindow& window);
   void makeKey(SimWindow& window);
   void checkCover();
+  void placeAnew();
 
   SimTimeline& timeline_;
   SimJournal& journal_;
@@ -125,7 +130,7 @@ class SimWindowServer : public WindowServer {
   int lastNumber_ = 0;
   bool ordinaryFocus_ = false;
   bool watching_ = false;
-  std::vector<Rect> watched_;
+  std::vector<PixelRect> watched_;
   double leastCover_ = 1;
 };
 

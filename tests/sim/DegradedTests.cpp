@@ -17,18 +17,20 @@ class DegradedTest : public testing::Test {
 TEST_F(DegradedTest, TheCardSitsTenPointsFromTheCornerOfTheUsableArea) {
   const struct {
     Rect screen;  // with a bar of 24 at its top
+    double dock;  // at its left
     Size fitting;
     Rect card;
   } rows[] = {
-      {{0, 0, 1920, 1080}, {0, 0}, {1470, 826, 440, 220}},
-      {{0, 0, 1920, 1080}, {440, 220}, {1470, 826, 440, 220}},
-      {{0, 0, 1920, 1080}, {441, 100}, {1469, 826, 441, 220}},
-      {{0, 0, 1920, 1080}, {300, 221.5}, {1470, 824.5, 440, 221.5}},
-      {{-100, 50, 1000, 700}, {520, 400}, {370, 316, 520, 400}},
+      {{0, 0, 1920, 1080}, 0, {0, 0}, {1470, 826, 440, 220}},
+      {{0, 0, 1920, 1080}, 0, {440, 220}, {1470, 826, 440, 220}},
+      {{0, 0, 1920, 1080}, 0, {441, 100}, {1469, 826, 441, 220}},
+      {{0, 0, 1920, 1080}, 0, {300, 221.5}, {1470, 824.5, 440, 221.5}},
+      {{0, 0, 1000, 700}, 600, {520, 400}, {470, 266, 520, 400}},
   };
   for (const auto& row : rows) {
     Night own;
     own.machine.accessibility.setTrusted(false);
+    own.machine.screens.setDock(row.dock);
     own.machine.screens.resize("DP-1", row.screen);
     own.machine.windows.setFittingSize([&](const View&) { return row.fitting; });
     own.begin("2026-11-16 22:00:00");

@@ -25,6 +25,8 @@ enum class Kind {
   plug,
   pull,
   resize,
+  shift,
+  scale,
   notice,
   focus,
   quit,

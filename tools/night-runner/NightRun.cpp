@@ -210,14 +210,8 @@ class Player {
   static std::string connector(std::int64_t place) { return "DP-" + std::to_string(place + 1); }
 
   void plug(std::int64_t place, std::int64_t width, std::int64_t height) {
-    const auto screens = machine_.screens.all();
-    const std::string name = connector(place);
-    const Rect frame{static_cast<double>(place) * 5000, 0, static_cast<double>(width), static_cast<double>(height)};
-    if (std::any_of(screens.begin(), screens.end(), [&](const Screen& s) { return s.name == name; })) {
-      machine_.screens.resize(name, frame);
-    } else {
-      machine_.screens.plug(name, frame);
-    }
+    machine_.screens.place(connector(place),
+                           {static_cast<int>(place) * 5000, 0, static_cast<int>(width), static_cast<int>(height)});
   }
   void resize(std::int64_t place, std::int64_t width, std::int64_t height) {
     for (const Screen& screen : machine_.screens.all()) {
@@ -308,6 +302,12 @@ class Player {
       case Kind::resize:
         resize(h.n[0], h.n[1], h.n[2]);
         break;
+      case Kind::shift:
+        machine_.screens.shift(static_cast<int>(h.n[0]), static_cast<int>(h.n[1]));
+        break;
+      case Kind::scale:
+        machine_.screens.setScale(static_cast<double>(h.n[0]) / 4, h.n[1] != 0);
+        break;
       case Kind::notice:
         machine_.screens.noticeOnly();
         break;
@@ -354,6 +354,7 @@ class Player {
             });
         break;
       case Kind::loseTap:
+        watch_->tapDisabled();
         keyboard.loseTap();
         break;
       case Kind::noTaps:

@@ -119,6 +119,8 @@ void NightWatch::keyChanges(KeyCode keyCode, bool down, bool told) {
     if (keyCode == 49) {
       disturbed_ = present;
       refresh_ = present;
+      draws_ = present.working - drawAsked_.working > 1.1 ? 1 : draws_ + 1;
+      drawAsked_ = present;
     }
     if (keyCode == 53 && key.clean && phase_ == Phase::opened && wasTaken_ && panels().blockers > 0)
       escapeAt_ = present;
@@ -171,10 +173,9 @@ void NightWatch::look() {
   lookAt_ = std::numeric_limits<Seconds>::infinity();
   phaseBefore_ = phase_;
   if (hasEffects) lastEffect_ = now();
-  std::vector<Rect> frames;
-  for (const Screen& screen : machine_.screens.all()) frames.push_back(screen.frame);
-  if (frames != screens_) {
-    screens_ = std::move(frames);
+  std::vector<PixelRect> areas = machine_.screens.pixels();
+  if (areas != screens_) {
+    screens_ = std::move(areas);
     screensChanged_ = now();
   }
   wasBlind_ = wasBlind_ || screens_.empty();
@@ -190,7 +191,7 @@ void NightWatch::look() {
   const bool taken = machine_.keyboard.isTaken();
   if (foreign != foreign_ && wasTaken_ && taken) fail(Rule::keys, "another application got a key");
   foreign_ = foreign;
-  wasTaken_ = taken;
+  wasTakenBefore_ = std::exchange(wasTaken_, taken);
 
   switch (phase_) {
     case Phase::none:
@@ -255,6 +256,8 @@ void NightWatch::lockBegins(bool again) {
   tapPromised_ = true;
   epochMustGrow_ = true;
   broken_ = {};
+  liftedAt_.reset();
+  mustSwallow_ = false;
   if (!asked_.empty()) askedBefore_ = std::move(asked_);
   asked_.clear();
   replaced_.clear();

@@ -50,6 +50,10 @@ class NightWatch {
   void queuesHang(bool hang);
   void grabDenied(bool denied) {
     denied_ = denied;
+    tapDisabled();
+  }
+  void tapDisabled() {
+    mustSwallow_ = false;
     dirty_ = true;
   }
   void terminationSignal();
@@ -189,7 +193,7 @@ class NightWatch {
   bool cardDue_ = false;
   bool denied_ = false;
   double leastCover_ = 0;
-  std::vector<Rect> screens_;
+  std::vector<PixelRect> screens_;
   Moment screensChanged_{};
   std::array<std::optional<Moment>, PROMISES> broken_{};
   Moment lastEffect_{};
@@ -200,12 +204,18 @@ class NightWatch {
   std::vector<KeyCode> askedBefore_;  // by the lock before
   std::vector<KeyCode> replaced_;     // by Space, in favour of what is asked now
   Moment replacedAt_{};
+  int draws_ = 0;  // that Space asked for and nobody has seen yet
+  Moment drawAsked_{};
+  bool drawnUnseen_ = false;       // while no screen showed any keys
   int sameKeys_ = 0;               // locks running that asked for the same
   std::optional<Moment> refresh_;  // look again soon: a key may have changed what is asked
   Moment disturbed_{};             // the last moment from which a hold begins anew
   Moment held_{};                  // the last moment at which the algorithm itself forgets all keys
   std::size_t foreign_ = 0;
   bool wasTaken_ = false;
+  bool wasTakenBefore_ = false;  // at the look before
+  std::optional<Moment> liftedAt_;
+  bool mustSwallow_ = false;  // the keyboard was taken when the lock was lifted, and nobody took it away since
 
   // Rehearsals.
   std::optional<Moment> panelsSince_;

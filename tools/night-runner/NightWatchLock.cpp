@@ -24,7 +24,7 @@ NightWatch::Panels NightWatch::panels() const {
     ++seen.blockers;
     seen.fit = seen.fit && style.isOpaque && style.background == WindowBackground::black;
     seen.opaque = seen.opaque && window->alpha() > 1 - 1e-9;
-    for (std::size_t i = 0; i < screens_.size(); ++i) on[i] += screens_[i] == window->frame() ? 1 : 0;
+    for (std::size_t i = 0; i < screens_.size(); ++i) on[i] += screens_[i] == window->area() ? 1 : 0;
   }
   const bool oneEach = std::all_of(on.begin(), on.end(), [](int count) { return count == 1; });
   seen.fit = seen.fit && oneEach && seen.blockers == static_cast<int>(screens_.size());
@@ -67,8 +67,13 @@ void NightWatch::checkLocked() {
 void NightWatch::checkChallenge(const std::vector<KeyIndicator>& keys) {
   std::vector<KeyCode> codes;
   for (const KeyIndicator& key : keys) codes.push_back(key.keyCode);
+  if (codes.empty()) drawnUnseen_ = drawnUnseen_ || draws_ > 0;
   if (codes.empty() || codes == asked_) return;
   const bool isFirst = asked_.empty();
+  const bool isAsked = draws_ > 0 && !late(drawAsked_, 1.1);
+  if (!isFirst && !isAsked && !drawnUnseen_) fail(Rule::challenge, "other keys, and nobody pressed Space anew");
+  draws_ = isFirst || !isAsked ? 0 : draws_ - 1;
+  drawnUnseen_ = false;
   replaced_ = std::exchange(asked_, codes);
   replacedAt_ = now();
   disturbed_ = now();
@@ -150,6 +155,12 @@ void NightWatch::checkGrace() {
     const bool isSure = screensChanged_.up < phaseBegan_.up;
     if (seen.others > 1 || (isSure && seen.others != (screens_.empty() ? 0 : 1))) fail(Rule::grace, "not one pill");
   }
+  if (options == 0 && !liftedAt_) {
+    liftedAt_ = now();
+    mustSwallow_ = wasTakenBefore_;
+  }
+  if (mustSwallow_ && now().up - liftedAt_->up > 2 - 1e-6) mustSwallow_ = false;
+  if (mustSwallow_ && !machine_.keyboard.isTaken()) fail(Rule::keys, "given back while five keys are being let go");
   if (late(phaseBegan_, 5.9) && machine_.keyboard.isTaken()) fail(Rule::free, "the keyboard is still taken");
   if (late(phaseBegan_, 300.1)) fail(Rule::grace, "a grace without end");
 }

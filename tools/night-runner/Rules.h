@@ -44,8 +44,8 @@ inline constexpr std::array<RuleText, 21> RULES{{
      "shows its card and locks within 3 s of getting it; any other ends with status 0, or is started again if the "
      "hours begin while it ends, and nothing was seen of it"},
     {"cover",
-     "while locked, every screen has exactly one blocker on it, black, above everything, as large as the screen, and "
-     "there is no other; a screen that comes or changes has it within 0.1 s of working time"},
+     "while locked, every screen has exactly one blocker on it, black, above everything, and pixel for pixel as "
+     "large as the screen, and there is no other; a screen that comes or changes has it within 0.1 s of working time"},
     {"black",
      "a blocker is opaque 2.5 s of working time after the lock began; until it is lifted no screen that stays as it is "
      "gets any less black, not even inside one step"},
@@ -55,11 +55,14 @@ inline constexpr std::array<RuleText, 21> RULES{{
     {"tap",
      "a lock that got its tap has the keyboard, and has it back within 5 s of working time when it was lost; a lock "
      "that got none when it began says so and tries again when the permission returns, or at the next lock"},
-    {"keys", "nobody else receives a key while the keyboard is taken"},
+    {"keys",
+     "nobody else receives a key while the keyboard is taken; a lock that had it keeps it for the 2 s after it was "
+     "lifted, in which five keys are let go"},
     {"free", "the keyboard is free 2 s after the overlay has gone, and whenever nothing is locked"},
     {"challenge",
      "five keys are asked for: a left and a right modifier of different kinds, two different letters of the left hand, "
-     "one of the right; not the same for three locks running"},
+     "one of the right; not the same for three locks running. Until the next lock they change once for each time that "
+     "Space goes down, within 1.1 s of working time, and never else"},
     {"earned",
      "a grace begins only after the five keys on the screen were down together, by the hardware, for 30 s (60 from "
      "the second time on) without a break. Not noticed are: a key that is down again within 0.05 s of working time; "
