@@ -12,17 +12,17 @@ TEST(KeyTracker, AKeyOnTwoKeyboardsIsOneKeyAndADepartedKeyboardLetsGo) {
   constexpr std::uint8_t A = 38;
   constexpr std::uint8_t LEFT_SHIFT = 50;
   KeyTracker keys;
-  EXPECT_TRUE(keys.press(7, A));
-  EXPECT_FALSE(keys.press(9, A));
+  EXPECT_TRUE(keys.press(7, A, 0));
+  EXPECT_FALSE(keys.press(9, A, 0));
   EXPECT_FALSE(keys.release(7, A));
   EXPECT_FALSE(keys.release(7, A)) << "told twice";
-  EXPECT_TRUE(keys.press(9, LEFT_SHIFT));
+  EXPECT_TRUE(keys.press(9, LEFT_SHIFT, 56));
   const auto released = keys.releaseAll(9);
   ASSERT_EQ(released.size(), 2U);
   EXPECT_EQ(released[0].type, EventType::keyUp);
   EXPECT_EQ(released[1].type, EventType::flagsChanged);
   EXPECT_EQ(released[1].flags, 0U);
-  EXPECT_TRUE(keys.press(7, A));
+  EXPECT_TRUE(keys.press(7, A, 0));
 }
 
 TEST(AlphaRegion, OutlinesWhatIsMoreOpaqueThanNot) {

@@ -27,7 +27,7 @@ struct Tapped {
   explicit Tapped(const XServer& server)
       : connection(server.client()),
         features(ServerFeatures::query(*connection)),
-        taps(connection, features),
+        taps(connection, features, TypingCare::create(connection, features)),
         tap((taps.setOnLost([this] { ++cuts; }), taps.create([this](const KeyEvent& event) {
           events.push_back(event);
           return TapVerdict::swallow;
@@ -153,7 +153,10 @@ TEST(HardwareKeys, KnowsWhatIsDownUnderAnyGrab) {
   const auto server = XServer::withTwoMonitors();
   Witness other(*server);
   ASSERT_TRUE(other.grabKeyboard());
-  const HardwareKeysX11 keys(server->client());
+  const auto connection = server->client();
+  const ServerFeatures features = ServerFeatures::query(*connection);
+  const KeyNumbering numbering(connection, features);
+  const HardwareKeysX11 keys(connection, features, numbering);
   EXPECT_FALSE(keys.isDown(0));
   server->press(KEY_A);
   server->press(KEY_RIGHT_CTRL);
@@ -162,6 +165,47 @@ TEST(HardwareKeys, KnowsWhatIsDownUnderAnyGrab) {
   EXPECT_FALSE(keys.isDown(59));
   server->release(KEY_A);
   EXPECT_FALSE(keys.isDown(0));
+
+  ASSERT_TRUE(server->run({"xinput", "create-master", "second"}));
+  server->typeOn("second keyboard");
+  server->press(KEY_A);
+  EXPECT_TRUE(keys.isDown(0)) << "a keyboard of its own";
+  server->release(KEY_A);
+  EXPECT_FALSE(keys.isDown(0));
+}
+
+TEST(KeyNumbering, KeysAreKnownByTheirNamesWhateverTheServerNumbersThem) {
+  const auto server = XServer::withTwoMonitors();
+  const auto connection = server->client();
+  connection->startPumping();
+  const ServerFeatures features = ServerFeatures::query(*connection);
+  const KeyNumbering numbering(connection, features);
+  const HardwareKeysX11 keys(connection, features, numbering);
+  const LayoutX11 layout(connection, features);
+  Tapped tapped(*server);
+  struct Numbers {
+    const char* keycodes;
+    int rightAlt, leftSuper, menu, up;  // X key codes less eight
+  };
+  for (const Numbers& n : {Numbers{"xfree86+aliases(qwerty)", 105, 107, 109, 90},
+                           Numbers{"evdev+aliases(qwerty)", KEY_RIGHT_ALT, KEY_LEFT_SUPER, KEY_MENU, 103}}) {
+    ASSERT_TRUE(server->run({"setxkbmap", "-keycodes", n.keycodes, "-layout", "us"}));
+    spin(100);
+    tapped.events.clear();
+    for (const int key : {n.rightAlt, n.leftSuper, n.menu, n.up, KEY_A}) {
+      server->press(key);
+      spin(10);
+      EXPECT_TRUE(keys.isDown(key == n.rightAlt    ? 61
+                              : key == n.leftSuper ? 55
+                              : key == n.menu      ? 54
+                              : key == n.up        ? 126
+                                                   : 0))
+          << n.keycodes << " " << key;
+      server->release(key);
+    }
+    EXPECT_TRUE(tapped.tells("~61:80040 ~61:0 ~55:100008 ~55:0 ~54:100010 ~54:0 v126 ^126 v0 ^0 ")) << n.keycodes;
+    EXPECT_EQ(layout.translate(0), "a");
+  }
 }
 
 TEST(InputIdle, CountsFromTheLastInput) {

@@ -2,6 +2,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <csignal>
 #include <cstdio>
 #include <thread>
@@ -99,7 +100,8 @@ TEST_F(LockdownTest, TheNextStartRepairsWhatACrashLeftAndNobodyDisturbsALivingLo
   const pid_t pid = fork();
   if (pid == 0) {
     const auto connection = server->client();
-    Lockdown lockdown(connection, ServerFeatures::query(*connection));
+    const ServerFeatures features = ServerFeatures::query(*connection);
+    Lockdown lockdown(connection, features, TypingCare::create(connection, features));
     lockdown.set(true);
     connection->sync();
     if (write(ready[1], "!", 1) == 1) pause();
@@ -145,6 +147,11 @@ TEST_F(LockdownTest, SlowKeysRestWhileItIsOnAndComeBackEvenAfterACrash) {
     EXPECT_TRUE(until([&] { return on() == 0; })) << "turned on meanwhile";
     desk.x11.setLockdown(false);
     EXPECT_EQ(on(), SLOW | BOUNCE);
+    const auto tap = desk.x11.eventTaps().create([](const KeyEvent&) { return TapVerdict::swallow; });
+    tap->enable(true);
+    EXPECT_EQ(on(), 0U) << "a rehearsal has a tap, and no lockdown";
+    tap->enable(false);
+    EXPECT_EQ(on(), SLOW | BOUNCE);
     desk.x11.setLockdown(true);
   }
   EXPECT_TRUE(until([&] { return on() == (SLOW | BOUNCE); }));
@@ -158,12 +165,101 @@ TEST_F(LockdownTest, SlowKeysRestWhileItIsOnAndComeBackEvenAfterACrash) {
   EXPECT_TRUE(until([&] { return on() == (SLOW | BOUNCE); })) << "the server does it, when nobody is left to";
 }
 
+TEST_F(LockdownTest, WhatKeysLockInTheServerIsAsBeforeWhenTheLockGoes) {
+  ASSERT_TRUE(server->run({"setxkbmap", "us,ru", "-option", "", "-option", "grp:alt_shift_toggle,ctrl:swapcaps"}));
+  const auto client = server->client();
+  ASSERT_TRUE(ServerFeatures::query(*client).xkb);
+  const auto locked = [&] {
+    const auto reply =
+        owned(xcb_xkb_get_state_reply(*client, xcb_xkb_get_state(*client, XCB_XKB_ID_USE_CORE_KBD), nullptr));
+    return std::pair(int{reply->lockedGroup}, int{reply->lockedMods});
+  };
+  const auto strike = [&](const std::vector<int>& keys) {
+    for (const int key : keys) server->press(key);
+    for (const int key : keys) server->release(key);
+  };
+  constexpr int LEFT_CONTROL = 29, LEFT_SHIFT = 42, LEFT_ALT = 56, NUM_LOCK = 69;
+  strike({NUM_LOCK});
+  strike({LEFT_ALT, LEFT_SHIFT});
+  const auto before = locked();
+  ASSERT_EQ(before.first, 1) << "the second layout";
+  ASSERT_NE(before.second, 0);
+  const auto pressAll = [&] {
+    strike({LEFT_ALT, LEFT_SHIFT});
+    strike({LEFT_CONTROL});  // which is Caps Lock
+    EXPECT_NE(locked().first, before.first);
+    EXPECT_NE(locked().second, before.second);
+  };
+  {
+    Desk desk(*server);
+    desk.x11.setLockdown(true);
+    const auto tap = desk.x11.eventTaps().create([](const KeyEvent&) { return TapVerdict::swallow; });
+    tap->enable(true);
+    desk.x11.setLockdown(false);
+    pressAll();  // the keys stay swallowed for a moment
+    tap->enable(false);
+    EXPECT_EQ(locked(), before);
+
+    tap->enable(true);
+    pressAll();
+    std::thread([&] { desk.x11.lastWill(); }).join();
+    EXPECT_EQ(locked(), before) << "by a process that ends";
+  }
+  const auto connection = server->client();
+  LockedState(connection, ServerFeatures::query(*connection)).remember();
+  pressAll();  // and that process died
+  { const Desk next(*server); }
+  EXPECT_EQ(locked(), before) << "by the next start";
+}
+
 TEST_F(LockdownTest, TheLastWillNeedsNoMainThread) {
   Desk desk(*server);
   desk.x11.setLockdown(true);
   ASSERT_EQ(waysOut(keyActions()), 0);
   std::thread([&] { desk.x11.lastWill(); }).join();
   EXPECT_EQ(keyActions(), before);
+}
+
+TEST_F(LockdownTest, TheLastWillStandsWhateverTheMainThreadIsDoing) {
+  bool isLost = false;
+  for (int round = 0; round < 5; ++round) {
+    Witness document(*server);
+    Desk desk(*server);
+    desk.x11.setOnServerLost([&] { isLost = true; });
+    auto windows = desk.blockers();
+    desk.cover(windows, 1);
+    desk.x11.setLockdown(true);
+    ASSERT_TRUE(until([&] { return waysOut(keyActions()) == 0; }));
+    std::atomic<bool> isDone = false;
+    std::thread end([&] {
+      desk.x11.lastWill();
+      isDone = true;
+    });
+    // The keymap that comes back is news to the main loop, which is used to taking the ways out of those.
+    EXPECT_TRUE(until([&] { return isDone.load(); }));
+    end.join();
+    spin(100);
+    EXPECT_EQ(keyActions(), before);
+    const auto focus =
+        owned(xcb_get_input_focus_reply(document.connection(), xcb_get_input_focus(document.connection()), nullptr));
+    EXPECT_EQ(focus->focus, document.window()) << "handed back";
+  }
+  EXPECT_FALSE(isLost) << "it is we who ended it";
+}
+
+TEST_F(LockdownTest, TheFocusGoesBackToWhoHadItBeforeTheLockThatEnds) {
+  Witness first(*server);
+  Desk desk(*server);
+  auto windows = desk.blockers();
+  desk.cover(windows, 1);
+  for (const auto& window : windows) window->orderOut();  // a grace begins, and somebody turns to something else
+  Witness second(*server);
+  desk.cover(windows, 1);
+  desk.x11.setLockdown(true);
+  std::thread([&] { desk.x11.lastWill(); }).join();
+  const auto focus =
+      owned(xcb_get_input_focus_reply(second.connection(), xcb_get_input_focus(second.connection()), nullptr));
+  EXPECT_EQ(focus->focus, second.window());
 }
 
 }  // namespace

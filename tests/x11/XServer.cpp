@@ -8,6 +8,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 #include <xcb/randr.h>
+#include <xcb/xinput.h>
 #include <xcb/xtest.h>
 
 #include <algorithm>
@@ -188,6 +189,22 @@ void XServer::fake(std::uint8_t type, std::uint8_t detail, int x, int y) {
   xcb_test_fake_input(*hand_, type, detail, XCB_CURRENT_TIME, hand_->root(), static_cast<std::int16_t>(x),
                       static_cast<std::int16_t>(y), 0);
   hand_->sync();
+}
+
+void XServer::typeOn(const std::string& keyboard) {
+  Connection& c = *hand_;
+  const auto devices =
+      owned(xcb_input_xi_query_device_reply(c, xcb_input_xi_query_device(c, XCB_INPUT_DEVICE_ALL_MASTER), nullptr));
+  for (auto it = xcb_input_xi_query_device_infos_iterator(devices.get()); it.rem > 0;
+       xcb_input_xi_device_info_next(&it)) {
+    const std::string name(xcb_input_xi_device_info_name(it.data),
+                           static_cast<std::size_t>(xcb_input_xi_device_info_name_length(it.data)));
+    if (name != keyboard) continue;
+    xcb_input_xi_set_client_pointer(c, XCB_NONE, it.data->attachment);  // which also chooses XTEST's keyboard
+    c.sync();
+    return;
+  }
+  throw std::runtime_error("no keyboard called " + keyboard);
 }
 
 void XServer::press(int evdev) { fake(XCB_KEY_PRESS, static_cast<std::uint8_t>(evdev + 8)); }

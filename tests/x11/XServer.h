@@ -66,6 +66,8 @@ class XServer {
   [[nodiscard]] std::shared_ptr<Connection> client() const { return Connection::open(loop(), display_); }
 
   // Keys and buttons through XTEST, by the kernel's codes.
+  /// From now on those of that master keyboard.
+  void typeOn(const std::string& keyboard);
   void press(int evdev);
   void release(int evdev);
   void movePointer(int x, int y);

@@ -150,7 +150,7 @@ void DraggingX11::handle(const xcb_generic_event_t& event) {
     }
     case XCB_KEY_PRESS: {
       const auto& press = reinterpret_cast<const xcb_key_press_event_t&>(event);
-      if (press.event == window_ && virtualKeyCode(press.detail) == ESCAPE) flyBack();
+      if (press.event == window_ && panels_.keyCode(press.detail) == ESCAPE) flyBack();
       break;
     }
     default:

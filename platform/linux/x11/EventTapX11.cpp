@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "platform/linux/x11/HardwareKeysX11.h"
+#include "platform/linux/x11/KeyNumbering.h"
 #include "platform/linux/x11/KeyTracker.h"
 #include "platform/linux/x11/KeyboardGrab.h"
 
@@ -13,10 +14,11 @@ namespace {
 
 class TapX11 : public std::enable_shared_from_this<TapX11> {
  public:
-  TapX11(std::shared_ptr<Connection> connection, std::uint8_t xinputOpcode,
+  TapX11(std::shared_ptr<Connection> connection, const ServerFeatures& features,
          std::function<TapVerdict(const KeyEvent&)> callback)
       : connection_(std::move(connection)),
-        xinputOpcode_(xinputOpcode),
+        xinputOpcode_(features.xinputOpcode),
+        numbering_(connection_, features),
         callback_(std::move(callback)),
         grab_(connection_, [this] {
           deliver({EventType::tapDisabledByUserInput, 0, 0});
@@ -24,7 +26,9 @@ class TapX11 : public std::enable_shared_from_this<TapX11> {
     selectRawKeys();
     subscription_ = connection_->subscribe([this](const xcb_generic_event_t& event) { handle(event); });
     // Asked for after the raw events: a key that moves in between is in both, and counts.
-    tracker_.seed(keysDown(*connection_));
+    for (const std::uint8_t down : keysDown(*connection_)) {
+      tracker_.seed(down, numbering_.usual().virtualKeyCode(down));
+    }
   }
 
   KeyboardGrab& grab() { return grab_; }
@@ -52,7 +56,9 @@ class TapX11 : public std::enable_shared_from_this<TapX11> {
     switch (generic.event_type) {
       case XCB_INPUT_RAW_KEY_PRESS: {
         const auto& raw = reinterpret_cast<const xcb_input_raw_key_press_event_t&>(event);
-        if (const auto key = tracker_.press(raw.sourceid, static_cast<std::uint8_t>(raw.detail))) deliver(*key);
+        const auto code = static_cast<std::uint8_t>(raw.detail);
+        const KeyCode meaning = numbering_.of(raw.sourceid).virtualKeyCode(code);
+        if (const auto key = tracker_.press(raw.sourceid, code, meaning)) deliver(*key);
         break;
       }
       case XCB_INPUT_RAW_KEY_RELEASE: {
@@ -61,6 +67,7 @@ class TapX11 : public std::enable_shared_from_this<TapX11> {
         break;
       }
       case XCB_INPUT_HIERARCHY:
+        numbering_.forget();
         forgetDepartedKeyboards(reinterpret_cast<const xcb_input_hierarchy_event_t&>(event));
         break;
       default:
@@ -81,6 +88,7 @@ class TapX11 : public std::enable_shared_from_this<TapX11> {
 
   std::shared_ptr<Connection> connection_;
   std::uint8_t xinputOpcode_;
+  KeyNumbering numbering_;
   std::function<TapVerdict(const KeyEvent&)> callback_;
   KeyTracker tracker_;
   Subscription subscription_;
@@ -100,25 +108,35 @@ class SourceX11 : public RunLoopSource {
 
 class EventTapX11 : public EventTap {
  public:
-  explicit EventTapX11(std::shared_ptr<TapX11> tap) : tap_(std::move(tap)) {}
+  EventTapX11(std::shared_ptr<TapX11> tap, std::shared_ptr<TypingCare> care)
+      : tap_(std::move(tap)), care_(std::move(care)) {}
   EventTapX11(const EventTapX11&) = delete;
   EventTapX11& operator=(const EventTapX11&) = delete;
-  ~EventTapX11() override { tap_->grab().want(false); }  // a source may keep the rest of it alive
+  ~EventTapX11() override { take(false); }  // a source may keep the rest of it alive
 
-  void enable(bool on) override { tap_->grab().want(on); }
+  void enable(bool on) override { take(on); }
   [[nodiscard]] bool isEnabled() const override { return tap_->grab().isHeld(); }
   [[nodiscard]] std::unique_ptr<RunLoopSource> makeRunLoopSource() override {
     return std::make_unique<SourceX11>(tap_);
   }
 
  private:
+  void take(bool on) {
+    if (on) careHold_ = care_->hold();  // before the first key is swallowed
+    tap_->grab().want(on);
+    if (!on) careHold_.reset();
+  }
+
   std::shared_ptr<TapX11> tap_;
+  std::shared_ptr<TypingCare> care_;
+  TypingCare::Hold careHold_;
 };
 
 }  // namespace
 
-EventTapsX11::EventTapsX11(std::shared_ptr<Connection> connection, const ServerFeatures& features)
-    : connection_(std::move(connection)), features_(features) {}
+EventTapsX11::EventTapsX11(std::shared_ptr<Connection> connection, const ServerFeatures& features,
+                           std::shared_ptr<TypingCare> care)
+    : connection_(std::move(connection)), features_(features), care_(std::move(care)) {}
 
 std::unique_ptr<EventTap> EventTapsX11::create(std::function<TapVerdict(const KeyEvent&)> callback) {
   if (!connection_ || !features_.xinput22 || features_.xwayland) return nullptr;
@@ -127,8 +145,7 @@ std::unique_ptr<EventTap> EventTapsX11::create(std::function<TapVerdict(const Ke
   const ServerFeatures input = ServerFeatures::queryInput(*own);
   if (!input.xinput22) return nullptr;
   own->setOnLost(onLost_);
-  return std::make_unique<EventTapX11>(
-      std::make_shared<TapX11>(std::move(own), input.xinputOpcode, std::move(callback)));
+  return std::make_unique<EventTapX11>(std::make_shared<TapX11>(std::move(own), input, std::move(callback)), care_);
 }
 
 }  // namespace dormel::x11

@@ -1,28 +1,72 @@
 #include "platform/linux/x11/HardwareKeysX11.h"
 
+#include <xcb/xinput.h>
+
 #include <algorithm>
 
-#include "platform/linux/x11/KeyCodes.h"
 #include "platform/linux/x11/Reply.h"
 
 namespace dormel::x11 {
+namespace {
+
+constexpr unsigned FIRST_KEY = 8;
+
+bool isSet(const std::uint8_t* bits, unsigned keycode) { return (bits[keycode / 8] >> (keycode % 8) & 1) != 0; }
+
+bool isAnyOf(const std::vector<xcb_keycode_t>& keycodes, const std::uint8_t* bits) {
+  return std::any_of(keycodes.begin(), keycodes.end(), [bits](xcb_keycode_t code) { return isSet(bits, code); });
+}
+
+}  // namespace
 
 std::vector<std::uint8_t> keysDown(Connection& connection) {
   std::vector<std::uint8_t> down;
   const auto reply = owned(xcb_query_keymap_reply(connection, xcb_query_keymap(connection), nullptr));
   if (!reply) return down;
-  for (unsigned keycode = 8; keycode < 256; ++keycode) {
-    if ((reply->keys[keycode / 8] >> (keycode % 8) & 1) != 0) down.push_back(static_cast<std::uint8_t>(keycode));
+  for (unsigned keycode = FIRST_KEY; keycode < 256; ++keycode) {
+    if (isSet(reply->keys, keycode)) down.push_back(static_cast<std::uint8_t>(keycode));
   }
   return down;
 }
 
 bool HardwareKeysX11::isDown(KeyCode keyCode) const {
   if (!connection_) return false;
-  const auto down = keysDown(*connection_);
-  const auto candidates = xKeyCodes(keyCode);
-  return std::any_of(candidates.begin(), candidates.end(),
-                     [&](xcb_keycode_t code) { return std::binary_search(down.begin(), down.end(), code); });
+  Connection& c = *connection_;
+  // Both questions in one round trip: this is asked many times a second.
+  const auto keysCookie = xcb_query_keymap(c);
+  xcb_input_xi_query_device_cookie_t mastersCookie{};
+  if (features_.xinput22) mastersCookie = xcb_input_xi_query_device(c, XCB_INPUT_DEVICE_ALL_MASTER);
+  const auto keys = owned(xcb_query_keymap_reply(c, keysCookie, nullptr));
+  if (keys && isAnyOf(numbering_.usual().xKeyCodes(keyCode), keys->keys)) {
+    if (features_.xinput22) xcb_discard_reply(c, mastersCookie.sequence);
+    return true;
+  }
+  if (!features_.xinput22) return false;
+  const auto masters = owned(xcb_input_xi_query_device_reply(c, mastersCookie, nullptr));
+  if (!masters) return false;
+  std::vector<std::uint16_t> keyboards;
+  for (auto it = xcb_input_xi_query_device_infos_iterator(masters.get()); it.rem > 0;
+       xcb_input_xi_device_info_next(&it)) {
+    if (it.data->type == XCB_INPUT_DEVICE_TYPE_MASTER_KEYBOARD) keyboards.push_back(it.data->deviceid);
+  }
+  // One keyboard is the usual one.
+  return keyboards.size() > 1 && std::any_of(keyboards.begin(), keyboards.end(), [&](std::uint16_t keyboard) {
+           return isDownElsewhere(keyCode, keyboard);
+         });
+}
+
+bool HardwareKeysX11::isDownElsewhere(KeyCode keyCode, std::uint16_t keyboard) const {
+  Connection& c = *connection_;
+  const auto cookie = xcb_input_query_device_state(c, static_cast<std::uint8_t>(keyboard));
+  const auto state = owned(xcb_input_query_device_state_reply(c, cookie, nullptr));
+  if (!state) return false;
+  for (auto it = xcb_input_query_device_state_classes_iterator(state.get()); it.rem > 0;
+       xcb_input_input_state_next(&it)) {
+    if (it.data->class_id != XCB_INPUT_INPUT_CLASS_KEY) continue;
+    const auto& keys = reinterpret_cast<const xcb_input_key_state_t&>(*it.data);
+    if (isAnyOf(numbering_.of(keyboard).xKeyCodes(keyCode), keys.keys)) return true;
+  }
+  return false;
 }
 
 }  // namespace dormel::x11

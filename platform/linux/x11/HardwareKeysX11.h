@@ -3,23 +3,33 @@
 
 #include <cstdint>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "platform/Keyboard.h"
 #include "platform/linux/x11/Connection.h"
+#include "platform/linux/x11/KeyNumbering.h"
+#include "platform/linux/x11/ServerFeatures.h"
 
 namespace dormel::x11 {
 
-/// The X key codes of all keys that are down now. Asks the server.
+/// The X key codes of all keys of the usual keyboard that are down now. Asks the server.
 [[nodiscard]] std::vector<std::uint8_t> keysDown(Connection& connection);
 
 class HardwareKeysX11 : public HardwareKeys {
  public:
-  explicit HardwareKeysX11(std::shared_ptr<Connection> connection) : connection_(std::move(connection)) {}
+  /// `numbering` of the same connection outlives it.
+  HardwareKeysX11(std::shared_ptr<Connection> connection, const ServerFeatures& features, const KeyNumbering& numbering)
+      : connection_(std::move(connection)), features_(features), numbering_(numbering) {}
+  /// On any keyboard: a server can have several that are independent of each other.
   [[nodiscard]] bool isDown(KeyCode keyCode) const override;
 
  private:
+  [[nodiscard]] bool isDownElsewhere(KeyCode keyCode, std::uint16_t keyboard) const;
+
   std::shared_ptr<Connection> connection_;
+  ServerFeatures features_;
+  const KeyNumbering& numbering_;
 };
 
 }  // namespace dormel::x11

@@ -73,6 +73,21 @@ std::vector<std::uint16_t> keyDevices(Connection& connection, const ServerFeatur
   return devices;
 }
 
+void selectHierarchy(Connection& connection, const ServerFeatures& features) {
+  if (!features.xinput22) return;
+  struct {
+    xcb_input_event_mask_t head;
+    std::uint32_t bits;
+  } mask{{XCB_INPUT_DEVICE_ALL, 1}, XCB_INPUT_XI_EVENT_MASK_HIERARCHY};
+  xcb_input_xi_select_events(connection, connection.root(), 1, &mask.head);
+}
+
+bool isHierarchyChange(const xcb_generic_event_t& event, const ServerFeatures& features) {
+  if ((event.response_type & 0x7f) != XCB_GE_GENERIC) return false;
+  const auto& generic = reinterpret_cast<const xcb_ge_generic_event_t&>(event);
+  return generic.extension == features.xinputOpcode && generic.event_type == XCB_INPUT_HIERARCHY;
+}
+
 std::vector<KeyActions::Keymap> KeyActions::keymaps(const std::vector<std::uint16_t>& devices) {
   std::vector<xcb_xkb_get_map_cookie_t> cookies;
   cookies.reserve(devices.size());
@@ -204,9 +219,7 @@ bool KeyActions::concerns(const xcb_generic_event_t& event) const {
   if (features_.xkb && type == features_.xkbEvent) {
     return event.pad0 == XCB_XKB_NEW_KEYBOARD_NOTIFY || event.pad0 == XCB_XKB_MAP_NOTIFY;
   }
-  if (type != XCB_GE_GENERIC) return false;
-  const auto& generic = reinterpret_cast<const xcb_ge_generic_event_t&>(event);
-  return generic.extension == features_.xinputOpcode && generic.event_type == XCB_INPUT_HIERARCHY;
+  return isHierarchyChange(event, features_);
 }
 
 }  // namespace dormel::x11

@@ -17,6 +17,10 @@ namespace dormel::x11 {
 /// forget who did, and when it is to end it goes round in circles over that.
 [[nodiscard]] std::vector<std::uint16_t> keyDevices(Connection& connection, const ServerFeatures& features);
 
+/// Asks for the events that tell of keyboards which come or go.
+void selectHierarchy(Connection& connection, const ServerFeatures& features);
+[[nodiscard]] bool isHierarchyChange(const xcb_generic_event_t& event, const ServerFeatures& features);
+
 class KeyActions {
  public:
   KeyActions(std::shared_ptr<Connection> connection, const ServerFeatures& features);

@@ -12,19 +12,29 @@ constexpr KeyCode OTHER_KEYS = 512;
 struct Row {
   KeyCode keyCode;
   std::uint8_t evdev;
+  const char* name;
+  const char* otherName = nullptr;
 };
 
-// Few PC keyboards have a right Super key: Menu (127) and right Control (97) count as right Command as well. The last
-// 22 are in no challenge, but may share a label with a key that one asks for.
+// Few PC keyboards have a right Super key: Menu and right Control count as right Command as well. The last 22 are in no
+// challenge, but may share a label with a key that one asks for.
 constexpr std::array ROWS{
-    Row{0, 30},  Row{1, 31},  Row{2, 32},  Row{3, 33},  Row{4, 35},   Row{5, 34},   Row{6, 44},    Row{7, 45},
-    Row{8, 46},  Row{9, 47},  Row{11, 48}, Row{12, 16}, Row{13, 17},  Row{14, 18},  Row{15, 19},   Row{16, 21},
-    Row{17, 20}, Row{31, 24}, Row{32, 22}, Row{34, 23}, Row{35, 25},  Row{37, 38},  Row{38, 36},   Row{40, 37},
-    Row{45, 49}, Row{46, 50}, Row{49, 57}, Row{53, 1},  Row{54, 126}, Row{54, 127}, Row{54, 97},   Row{55, 125},
-    Row{56, 42}, Row{57, 58}, Row{58, 56}, Row{59, 29}, Row{60, 54},  Row{61, 100}, Row{125, 108}, Row{126, 103},
-    Row{18, 2},  Row{19, 3},  Row{20, 4},  Row{21, 5},  Row{23, 6},   Row{22, 7},   Row{26, 8},    Row{28, 9},
-    Row{25, 10}, Row{29, 11}, Row{27, 12}, Row{24, 13}, Row{33, 26},  Row{30, 27},  Row{41, 39},   Row{39, 40},
-    Row{42, 43}, Row{43, 51}, Row{47, 52}, Row{44, 53}, Row{50, 41},  Row{10, 86},
+    Row{0, 30, "AC01"},           Row{1, 31, "AC02"},           Row{2, 32, "AC03"},    Row{3, 33, "AC04"},
+    Row{4, 35, "AC06"},           Row{5, 34, "AC05"},           Row{6, 44, "AB01"},    Row{7, 45, "AB02"},
+    Row{8, 46, "AB03"},           Row{9, 47, "AB04"},           Row{11, 48, "AB05"},   Row{12, 16, "AD01"},
+    Row{13, 17, "AD02"},          Row{14, 18, "AD03"},          Row{15, 19, "AD04"},   Row{16, 21, "AD06"},
+    Row{17, 20, "AD05"},          Row{31, 24, "AD09"},          Row{32, 22, "AD07"},   Row{34, 23, "AD08"},
+    Row{35, 25, "AD10"},          Row{37, 38, "AC09"},          Row{38, 36, "AC07"},   Row{40, 37, "AC08"},
+    Row{45, 49, "AB06"},          Row{46, 50, "AB07"},          Row{49, 57, "SPCE"},   Row{53, 1, "ESC"},
+    Row{54, 126, "RWIN", "RMTA"}, Row{54, 127, "COMP", "MENU"}, Row{54, 97, "RCTL"},   Row{55, 125, "LWIN", "LMTA"},
+    Row{56, 42, "LFSH"},          Row{57, 58, "CAPS"},          Row{58, 56, "LALT"},   Row{59, 29, "LCTL"},
+    Row{60, 54, "RTSH"},          Row{61, 100, "RALT", "ALGR"}, Row{125, 108, "DOWN"}, Row{126, 103, "UP"},
+    Row{18, 2, "AE01"},           Row{19, 3, "AE02"},           Row{20, 4, "AE03"},    Row{21, 5, "AE04"},
+    Row{23, 6, "AE05"},           Row{22, 7, "AE06"},           Row{26, 8, "AE07"},    Row{28, 9, "AE08"},
+    Row{25, 10, "AE09"},          Row{29, 11, "AE10"},          Row{27, 12, "AE11"},   Row{24, 13, "AE12"},
+    Row{33, 26, "AD11"},          Row{30, 27, "AD12"},          Row{41, 39, "AC10"},   Row{39, 40, "AC11"},
+    Row{42, 43, "BKSL", "AC12"},  Row{43, 51, "AB08"},          Row{47, 52, "AB09"},   Row{44, 53, "AB10"},
+    Row{50, 41, "TLDE"},          Row{10, 86, "LSGT"},
 };
 
 struct ModifierBits {
@@ -52,18 +62,42 @@ const ModifierBits* findModifier(KeyCode keyCode) {
 
 }  // namespace
 
-KeyCode virtualKeyCode(xcb_keycode_t keycode) {
-  const int evdev = keycode - EVDEV_OFFSET;
-  const auto* const at = std::find_if(ROWS.begin(), ROWS.end(), [&](const Row& row) { return row.evdev == evdev; });
-  return at == ROWS.end() ? static_cast<KeyCode>(OTHER_KEYS + keycode) : at->keyCode;
+KeyCodes::KeyCodes() {
+  for (std::size_t code = 0; code < virtual_.size(); ++code) virtual_[code] = static_cast<KeyCode>(OTHER_KEYS + code);
+  for (const Row& row : ROWS) virtual_.at(row.evdev + EVDEV_OFFSET) = row.keyCode;
 }
 
-std::vector<xcb_keycode_t> xKeyCodes(KeyCode keyCode) {
-  std::vector<xcb_keycode_t> codes;
+KeyCodes::KeyCodes(const std::map<std::string, xcb_keycode_t>& names) : KeyCodes() {
+  std::array<KeyCode, 256> named{};
+  for (std::size_t code = 0; code < named.size(); ++code) named[code] = static_cast<KeyCode>(OTHER_KEYS + code);
+  bool isKnown = false;
   for (const Row& row : ROWS) {
-    if (row.keyCode == keyCode) codes.push_back(static_cast<xcb_keycode_t>(row.evdev + EVDEV_OFFSET));
+    for (const char* name : {row.name, row.otherName}) {
+      const auto key = name == nullptr ? names.end() : names.find(name);
+      if (key == names.end()) continue;
+      named.at(key->second) = row.keyCode;
+      isKnown = true;
+    }
+  }
+  if (isKnown) virtual_ = named;
+}
+
+std::vector<xcb_keycode_t> KeyCodes::xKeyCodes(KeyCode keyCode) const {
+  std::vector<xcb_keycode_t> codes;
+  for (std::size_t code = 0; code < virtual_.size(); ++code) {
+    if (virtual_[code] == keyCode) codes.push_back(static_cast<xcb_keycode_t>(code));
   }
   return codes;
+}
+
+std::vector<const char*> keyNames(KeyCode keyCode) {
+  std::vector<const char*> names;
+  for (const Row& row : ROWS) {
+    if (row.keyCode != keyCode) continue;
+    names.push_back(row.name);
+    if (row.otherName != nullptr) names.push_back(row.otherName);
+  }
+  return names;
 }
 
 bool isModifierKey(KeyCode keyCode) { return findModifier(keyCode) != nullptr; }

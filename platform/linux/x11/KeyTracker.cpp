@@ -6,30 +6,31 @@
 
 namespace dormel::x11 {
 
-void KeyTracker::seed(const std::vector<std::uint8_t>& keycodes) {
-  for (const std::uint8_t keycode : keycodes) held_.emplace(SEEDED, keycode);
-}
+void KeyTracker::seed(std::uint8_t keycode, KeyCode keyCode) { held_.emplace(std::pair(SEEDED, keycode), keyCode); }
 
-std::optional<KeyEvent> KeyTracker::press(Source source, std::uint8_t keycode) {
-  const KeyCode keyCode = virtualKeyCode(keycode);
+std::optional<KeyEvent> KeyTracker::press(Source source, std::uint8_t keycode, KeyCode keyCode) {
   held_.erase({SEEDED, keycode});  // pressed again: it must have been up
   const bool wasDown = isDown(keyCode, false);
-  held_.emplace(source, keycode);
+  held_.emplace(std::pair(source, keycode), keyCode);
   if (wasDown) return std::nullopt;
   return event(keyCode, true);
 }
 
 std::optional<KeyEvent> KeyTracker::release(Source source, std::uint8_t keycode) {
-  const KeyCode keyCode = virtualKeyCode(keycode);
-  const auto erased = held_.erase({source, keycode}) + held_.erase({SEEDED, keycode});
-  if (erased == 0 || isDown(keyCode, true)) return std::nullopt;
+  auto held = held_.find({source, keycode});
+  if (held == held_.end()) held = held_.find({SEEDED, keycode});
+  if (held == held_.end()) return std::nullopt;
+  const KeyCode keyCode = held->second;
+  held_.erase({source, keycode});
+  held_.erase({SEEDED, keycode});
+  if (isDown(keyCode, true)) return std::nullopt;
   return event(keyCode, false);
 }
 
 std::vector<KeyEvent> KeyTracker::releaseAll(Source source) {
   std::vector<std::uint8_t> keycodes;
-  for (const auto& [from, keycode] : held_) {
-    if (from == source) keycodes.push_back(keycode);
+  for (const auto& [key, keyCode] : held_) {
+    if (key.first == source) keycodes.push_back(key.second);
   }
   std::vector<KeyEvent> events;
   for (const std::uint8_t keycode : keycodes) {
@@ -40,7 +41,7 @@ std::vector<KeyEvent> KeyTracker::releaseAll(Source source) {
 
 bool KeyTracker::isDown(KeyCode keyCode, bool seededToo) const {
   return std::any_of(held_.begin(), held_.end(), [&](const auto& held) {
-    return (seededToo || held.first != SEEDED) && virtualKeyCode(held.second) == keyCode;
+    return (seededToo || held.first.first != SEEDED) && held.second == keyCode;
   });
 }
 
@@ -51,7 +52,7 @@ KeyEvent KeyTracker::event(KeyCode keyCode, bool down) const {
 
 EventFlags KeyTracker::flags() const {
   EventFlags flags = 0;
-  for (const auto& held : held_) flags |= modifierFlags(virtualKeyCode(held.second));
+  for (const auto& held : held_) flags |= modifierFlags(held.second);
   return flags;
 }
 

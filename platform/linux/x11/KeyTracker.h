@@ -4,8 +4,8 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <optional>
-#include <set>
 #include <utility>
 #include <vector>
 
@@ -17,12 +17,13 @@ class KeyTracker {
  public:
   using Source = std::uint16_t;  ///< a keyboard's device id, never 0
 
-  /// Keys held already, by their X key code: they show in the flags and are released in the usual way, but they
-  /// do not count as pressed.
-  void seed(const std::vector<std::uint8_t>& keycodes);
+  /// A key held already, by its X key code and what that means: it shows in the flags and is released in the usual way,
+  /// but it does not count as pressed.
+  void seed(std::uint8_t keycode, KeyCode keyCode);
 
-  /// The event to pass on, if the press or release makes one.
-  [[nodiscard]] std::optional<KeyEvent> press(Source source, std::uint8_t keycode);
+  /// The event to pass on, if the press or release makes one. What is pressed as `keyCode` is released as that,
+  /// whatever the keyboard's numbers mean by then.
+  [[nodiscard]] std::optional<KeyEvent> press(Source source, std::uint8_t keycode, KeyCode keyCode);
   [[nodiscard]] std::optional<KeyEvent> release(Source source, std::uint8_t keycode);
   /// The releases of a keyboard that went away.
   [[nodiscard]] std::vector<KeyEvent> releaseAll(Source source);
@@ -36,7 +37,7 @@ class KeyTracker {
   [[nodiscard]] KeyEvent event(KeyCode keyCode, bool down) const;
   [[nodiscard]] EventFlags flags() const;
 
-  std::set<std::pair<Source, std::uint8_t>> held_;
+  std::map<std::pair<Source, std::uint8_t>, KeyCode> held_;
 };
 
 }  // namespace dormel::x11

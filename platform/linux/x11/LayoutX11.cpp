@@ -59,14 +59,23 @@ void LayoutX11::fetch() const {
   xkb_state_unref(state);
 }
 
+std::uint32_t LayoutX11::xkbCode(KeyCode keyCode) const {
+  for (const char* name : keyNames(keyCode)) {
+    const xkb_keycode_t code = xkb_keymap_key_by_name(keymap_.get(), name);
+    if (code != XKB_KEYCODE_INVALID) return code;
+  }
+  const auto codes = KeyCodes().xKeyCodes(keyCode);
+  return codes.empty() ? XKB_KEYCODE_INVALID : codes.front();
+}
+
 std::optional<std::string> LayoutX11::translate(KeyCode keyCode) const {
   fetch();
-  const auto codes = xKeyCodes(keyCode);
-  if (!keymap_ || codes.empty()) return std::nullopt;
-  const xkb_layout_index_t layouts = xkb_keymap_num_layouts_for_key(keymap_.get(), codes.front());
+  const auto code = keymap_ ? xkbCode(keyCode) : XKB_KEYCODE_INVALID;
+  if (code == XKB_KEYCODE_INVALID) return std::nullopt;
+  const xkb_layout_index_t layouts = xkb_keymap_num_layouts_for_key(keymap_.get(), code);
   if (layouts == 0) return std::nullopt;
   const xkb_keysym_t* symbols = nullptr;
-  const int count = xkb_keymap_key_get_syms_by_level(keymap_.get(), codes.front(), layout_ % layouts, 0, &symbols);
+  const int count = xkb_keymap_key_get_syms_by_level(keymap_.get(), code, layout_ % layouts, 0, &symbols);
   std::string text;
   for (int i = 0; i < count; ++i) {
     std::array<char, 8> utf8{};

@@ -28,6 +28,8 @@ class LayoutX11 : public KeyboardLayout {
   };
   void handle(const xcb_generic_event_t& event);
   void fetch() const;
+  /// The fetched keymap's number for that key.
+  [[nodiscard]] std::uint32_t xkbCode(KeyCode keyCode) const;
 
   std::shared_ptr<Connection> connection_;
   ServerFeatures features_;

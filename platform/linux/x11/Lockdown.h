@@ -1,6 +1,6 @@
 // What the presentation options mean on X while a lock is up: the server's own ways out are dead keys, every
-// pointer and every further keyboard is ours, and the server delays no key. The desktop's shortcuts die with the
-// keyboard grab of the event tap. Main thread only.
+// pointer and every further keyboard is ours, and the server does nothing else with keys. The desktop's shortcuts die
+// with the keyboard grab of the event tap. Main thread only.
 #pragma once
 
 #include <memory>
@@ -10,14 +10,14 @@
 #include "platform/linux/x11/KeyActions.h"
 #include "platform/linux/x11/OtherHands.h"
 #include "platform/linux/x11/PointerGrab.h"
-#include "platform/linux/x11/TypingAids.h"
+#include "platform/linux/x11/TypingCare.h"
 
 namespace dormel::x11 {
 
 class Lockdown {
  public:
   /// Undoes what a process that died while locked left behind, unless another process of ours is locking now.
-  Lockdown(std::shared_ptr<Connection> connection, const ServerFeatures& features);
+  Lockdown(std::shared_ptr<Connection> connection, const ServerFeatures& features, std::shared_ptr<TypingCare> care);
   ~Lockdown();
   Lockdown(const Lockdown&) = delete;
   Lockdown& operator=(const Lockdown&) = delete;
@@ -25,9 +25,12 @@ class Lockdown {
   /// On: at once, and again with every keyboard or keymap that comes. Off: everything is given back.
   void set(bool on);
 
-  /// Gives back what belongs to the server (the keymaps' actions; everything else ends with the connection), over
-  /// a connection of its own: for the last moments of a process whose main thread may be stuck. Any thread.
-  static void giveBackKeys(const std::string& display);
+  /// The last moments of a process whose main thread may be stuck, or at work on the very same things: ends the
+  /// connection that `client` is a resource of, whatever it still has to say, and gives back over one of its own what
+  /// would stay (the keymaps' actions, what is locked, the input focus to `focus`). Any thread.
+  static void bequeath(const std::string& display, std::uint32_t client, xcb_window_t focus);
+  /// A resource of this lockdown's connection.
+  [[nodiscard]] std::uint32_t client() const { return client_; }
 
  private:
   void handle(const xcb_generic_event_t& event);
@@ -35,11 +38,13 @@ class Lockdown {
 
   std::shared_ptr<Connection> connection_;
   KeyActions keys_;
-  TypingAids aids_;
+  std::shared_ptr<TypingCare> care_;
+  TypingCare::Hold careHold_;
   PointerGrab pointer_;
   OtherHands otherHands_;
   ServerFeatures features_;
   xcb_window_t marker_;
+  xcb_pixmap_t client_;  ///< no window: other programs see those, and could destroy it
   xcb_atom_t selection_;
   bool isOn_ = false;
   Subscription subscription_;

@@ -66,7 +66,8 @@ PanelEnvironment::PanelEnvironment(std::shared_ptr<Connection> theConnection, co
       desktop(connection, visuals),
       stacking(connection, clock),
       focus(connection, clock),
-      blankCursor(makeBlankCursor(*connection)) {
+      blankCursor(makeBlankCursor(*connection)),
+      numbering(connection, features) {
   compositor.setOnChange([this] { compositorChanged(); });
   screens->setAfterChange([this] { placePanelsAnew(); });
   if (features.xkb) {
@@ -99,7 +100,7 @@ void PanelEnvironment::handle(const xcb_generic_event_t& event) {
   if ((event.response_type & 0x7f) == XCB_FOCUS_IN) {
     // What happened while the keys went elsewhere is not known: start from what is down now.
     keys.clear();
-    keys.seed(keysDown(*connection));
+    for (const std::uint8_t down : keysDown(*connection)) keys.seed(down, numbering.usual().virtualKeyCode(down));
     return;
   }
   if ((event.response_type & 0x7f) == XCB_BUTTON_PRESS) {

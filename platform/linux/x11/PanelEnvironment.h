@@ -9,6 +9,7 @@
 #include "platform/linux/Canvas.h"
 #include "platform/linux/x11/Compositor.h"
 #include "platform/linux/x11/DesktopPicture.h"
+#include "platform/linux/x11/KeyNumbering.h"
 #include "platform/linux/x11/KeyTracker.h"
 #include "platform/linux/x11/PanelFocus.h"
 #include "platform/linux/x11/ScreensX11.h"
@@ -55,6 +56,7 @@ struct PanelEnvironment {
   Stacking stacking;
   PanelFocus focus;
   xcb_cursor_t blankCursor;
+  KeyNumbering numbering;
   KeyTracker keys;                ///< of the key events that reach our windows
   xcb_timestamp_t lastPress = 0;  ///< of a button, in one of them
   std::map<xcb_window_t, std::weak_ptr<Panel>> panels;

@@ -21,7 +21,7 @@ void PanelFocus::focus(xcb_window_t window) {
 }
 
 void PanelFocus::makeKey(xcb_window_t window) {
-  if (keyWindows_.empty()) before_ = focused();
+  if (keyWindows_.empty()) owed_ = focused();
   std::erase(keyWindows_, window);
   keyWindows_.push_back(window);
   focus(window);
@@ -35,7 +35,8 @@ void PanelFocus::resign(xcb_window_t window) {
   }
   // Somebody may have been given it meanwhile; it is theirs then.
   const xcb_window_t current = focused();
-  if (current == window || current == XCB_NONE || current == XCB_INPUT_FOCUS_POINTER_ROOT) focus(before_);
+  if (current == window || current == XCB_NONE || current == XCB_INPUT_FOCUS_POINTER_ROOT) focus(owed_);
+  owed_ = XCB_NONE;
 }
 
 void PanelFocus::handle(const xcb_generic_event_t& event) {

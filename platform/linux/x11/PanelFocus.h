@@ -1,7 +1,8 @@
 // The input focus of key panels. Whoever had it before the first of them gets it back after the last one.
-// Main thread only.
+// Main thread only, but for `owed`.
 #pragma once
 
+#include <atomic>
 #include <memory>
 #include <vector>
 
@@ -19,6 +20,9 @@ class PanelFocus {
   /// Before `window` is unmapped or destroyed; any window may be named.
   void resign(xcb_window_t window);
 
+  /// Who is to get it back, while a panel has it; else none. Any thread.
+  [[nodiscard]] xcb_window_t owed() const { return owed_; }
+
  private:
   void handle(const xcb_generic_event_t& event);
   void focus(xcb_window_t window);
@@ -26,7 +30,7 @@ class PanelFocus {
 
   std::shared_ptr<Connection> connection_;
   std::vector<xcb_window_t> keyWindows_;  ///< the last one has the focus
-  xcb_window_t before_ = XCB_NONE;
+  std::atomic<xcb_window_t> owed_ = XCB_NONE;
   RateBudget budget_;
   Subscription subscription_;
 };

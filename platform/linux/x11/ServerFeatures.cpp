@@ -30,6 +30,13 @@ bool hasXInput22(xcb_connection_t* xcb, xcb_input_xi_query_version_cookie_t cook
   return reply && atLeast(reply->major_version, reply->minor_version, 2, 2);
 }
 
+void readXkb(ServerFeatures& features, xcb_connection_t* xcb, const xcb_query_extension_reply_t& xkb,
+             xcb_xkb_use_extension_cookie_t cookie) {
+  const auto reply = owned(xcb_xkb_use_extension_reply(xcb, cookie, nullptr));
+  features.xkb = reply && reply->supported != 0;
+  features.xkbEvent = xkb.first_event;
+}
+
 /// The outputs of a Wayland compositor's X bridge are named after it, also where it has no extension of its own.
 bool hasBridgedOutput(xcb_connection_t* xcb, xcb_window_t root) {
   const auto resources = owned(
@@ -101,21 +108,26 @@ ServerFeatures ServerFeatures::query(Connection& connection) {
     const auto reply = owned(xcb_render_query_version_reply(xcb, renderCookie, nullptr));
     features.render = reply && atLeast(reply->major_version, reply->minor_version, 0, 10);
   }
-  if (xkb != nullptr) {
-    const auto reply = owned(xcb_xkb_use_extension_reply(xcb, xkbCookie, nullptr));
-    features.xkb = reply && reply->supported != 0;
-    features.xkbEvent = xkb->first_event;
-  }
+  if (xkb != nullptr) readXkb(features, xcb, *xkb, xkbCookie);
   if (!features.xwayland && features.randr >= 3) features.xwayland = hasBridgedOutput(xcb, connection.root());
   return features;
 }
 
 ServerFeatures ServerFeatures::queryInput(Connection& connection) {
+  xcb_connection_t* xcb = connection;
+  for (xcb_extension_t* extension : {&xcb_input_id, &xcb_xkb_id}) xcb_prefetch_extension_data(xcb, extension);
   ServerFeatures features;
-  if (const auto* input = present(connection, xcb_input_id)) {
-    features.xinput22 = hasXInput22(connection, xcb_input_xi_query_version(connection, 2, 2));
+  const auto* input = present(xcb, xcb_input_id);
+  const auto* xkb = present(xcb, xcb_xkb_id);
+  xcb_input_xi_query_version_cookie_t inputCookie{};
+  xcb_xkb_use_extension_cookie_t xkbCookie{};
+  if (input != nullptr) inputCookie = xcb_input_xi_query_version(xcb, 2, 2);
+  if (xkb != nullptr) xkbCookie = xcb_xkb_use_extension(xcb, 1, 0);
+  if (input != nullptr) {
+    features.xinput22 = hasXInput22(xcb, inputCookie);
     features.xinputOpcode = input->major_opcode;
   }
+  if (xkb != nullptr) readXkb(features, xcb, *xkb, xkbCookie);
   return features;
 }
 

@@ -26,7 +26,7 @@ struct ServerFeatures {
   std::uint8_t xinputOpcode = 0;
 
   [[nodiscard]] static ServerFeatures query(Connection& connection);
-  /// Only what an event tap needs: XInput.
+  /// Only what an event tap needs: XInput, and the keyboard extension.
   [[nodiscard]] static ServerFeatures queryInput(Connection& connection);
 };
 

@@ -1,7 +1,7 @@
 // Aids for unsteady hands that the server itself offers: slow keys and bounce keys, and the gestures with Shift that
 // turn them on. They keep a key that is down from counting as down, some for a moment and some for good, so that nobody
 // could hold the keys of a challenge; and a challenge may ask to hold Shift for longer than the gesture takes. They
-// rest while a lockdown is on. The server itself turns them on again when our connection ends. Main thread only.
+// rest while keys are taken. The server itself turns them on again when our connection ends. Main thread only.
 #pragma once
 
 #include <cstdint>
@@ -21,7 +21,7 @@ class TypingAids {
   void suspend();
   /// Turns on again what was turned off.
   void resume();
-  /// Whether the event tells that one may have been turned on. (Keyboards that come are KeyActions' news.)
+  /// Whether the event tells that one may have been turned on. (Keyboards that come are other news.)
   [[nodiscard]] bool concerns(const xcb_generic_event_t& event) const;
 
  private:

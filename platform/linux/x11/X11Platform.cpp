@@ -20,9 +20,11 @@ X11Platform::X11Platform(EventLoop& loop, CanvasFactory& canvases, const Clock& 
     : connection_(Connection::open(loop, display)),
       features_(connection_ ? ServerFeatures::query(*connection_) : ServerFeatures{}),
       screens_(std::make_shared<ScreensX11>(loop, connection_, features_)),
+      numbering_(connection_, features_),
+      typingCare_(connection_ ? TypingCare::create(connection_, features_) : nullptr),
       accessibility_(connection_, features_),
-      eventTaps_(connection_, features_),
-      hardwareKeys_(connection_),
+      eventTaps_(connection_, features_, typingCare_),
+      hardwareKeys_(connection_, features_, numbering_),
       inputIdle_(connection_, features_),
       layout_(connection_, features_),
       windows_(loop, connection_, features_, screens_, canvases, clock),
@@ -30,7 +32,7 @@ X11Platform::X11Platform(EventLoop& loop, CanvasFactory& canvases, const Clock& 
       windowList_(connection_, screens_),
       dragging_(loop, connection_, windows_, clock),
       managedWindows_(connection_),
-      lockdown_(connection_ ? std::make_unique<Lockdown>(connection_, features_) : nullptr),
+      lockdown_(connection_ ? std::make_unique<Lockdown>(connection_, features_, typingCare_) : nullptr),
       display_(display) {
   if (connection_) connection_->startPumping();
 }
@@ -43,16 +45,18 @@ void X11Platform::setOnServerLost(Task onLost) {
   if (!connection_) return;
   // Somebody may cut a tap's connection alone, and the lock would stand with the keyboard open until morning.
   eventTaps_.setOnLost([this, onLost] {
-    if (isLockedDown_) onLost();
+    if (isLockedDown_ && !isEnding_) onLost();
   });
-  connection_->setOnLost(std::move(onLost));
+  connection_->setOnLost([this, onLost = std::move(onLost)] {
+    if (!isEnding_) onLost();
+  });
 }
 
 void X11Platform::setOnScreensChanged(Task onChange) { screens_->setOnChange(std::move(onChange)); }
 
 bool X11Platform::isKeyDownSwallowed(unsigned keycode) {
   if (keycode > std::numeric_limits<xcb_keycode_t>::max()) return false;
-  const KeyCode key = virtualKeyCode(static_cast<xcb_keycode_t>(keycode));
+  const KeyCode key = windows_.keyCode(static_cast<xcb_keycode_t>(keycode));
   return windows_.isSwallowed({isModifierKey(key) ? EventType::flagsChanged : EventType::keyDown, key, 0});
 }
 
@@ -63,14 +67,15 @@ void X11Platform::setLockdown(bool on) {
   if (!on) isLockedDown_ = false;
 }
 
-void X11Platform::lastWill() const {
-  if (!isLockedDown_) return;
+void X11Platform::lastWill() {
+  if (!isLockedDown_ && !(typingCare_ && typingCare_->isHeld())) return;
+  isEnding_ = true;
   // A server that does not answer must not keep the process from ending.
   auto given = std::make_shared<std::promise<void>>();
   auto isGiven = given->get_future();
   try {
-    std::thread([given, display = display_] {
-      Lockdown::giveBackKeys(display);
+    std::thread([given, display = display_, client = lockdown_->client(), focus = windows_.focusOwed()] {
+      Lockdown::bequeath(display, client, focus);
       given->set_value();
     }).detach();
   } catch (const std::system_error&) {

@@ -59,13 +59,16 @@ class X11Platform {
   /// On for any presentation options, off for none.
   void setLockdown(bool on);
   /// Gives back what must not be left behind by a process that ends without coming back to the main loop; to be
-  /// called right before it exits. Takes half a second at most, whatever the server does. Any thread.
-  void lastWill() const;
+  /// called right before it exits: where keys are taken, it ends the connection to the server, and that is not reported
+  /// as lost. Takes half a second at most, whatever the server does. Any thread.
+  void lastWill();
 
  private:
   std::shared_ptr<Connection> connection_;
   ServerFeatures features_;
   std::shared_ptr<ScreensX11> screens_;
+  KeyNumbering numbering_;
+  std::shared_ptr<TypingCare> typingCare_;
   AccessibilityX11 accessibility_;
   EventTapsX11 eventTaps_;
   HardwareKeysX11 hardwareKeys_;
@@ -78,6 +81,7 @@ class X11Platform {
   ManagedWindows managedWindows_;
   std::unique_ptr<Lockdown> lockdown_;
   std::atomic<bool> isLockedDown_ = false;
+  std::atomic<bool> isEnding_ = false;
   const std::string display_;
 };
 

@@ -1,0 +1,52 @@
+#include "platform/linux/x11/TypingCare.h"
+
+#include <utility>
+
+#include "platform/linux/x11/KeyActions.h"
+
+namespace dormel::x11 {
+
+std::shared_ptr<TypingCare> TypingCare::create(const std::shared_ptr<Connection>& connection,
+                                               const ServerFeatures& features) {
+  return std::shared_ptr<TypingCare>(new TypingCare(connection, features));
+}
+
+TypingCare::TypingCare(std::shared_ptr<Connection> connection, const ServerFeatures& features)
+    : connection_(std::move(connection)),
+      features_(features),
+      aids_(connection_, features),
+      locked_(connection_, features),
+      check_(connection_->loop(), [this] {
+        if (isHeld_) aids_.suspend();
+      }) {}
+
+TypingCare::Hold TypingCare::hold() {
+  if (Hold present = held_.lock()) return present;
+  begin();
+  const Hold first(this, [self = shared_from_this()](const void*) { self->end(); });
+  held_ = first;
+  return first;
+}
+
+void TypingCare::begin() {
+  isHeld_ = true;  // before anything changes in the server
+  subscription_ = connection_->subscribe([this](const xcb_generic_event_t& event) { handle(event); });
+  selectHierarchy(*connection_, features_);
+  locked_.remember();
+  aids_.suspend();
+}
+
+void TypingCare::end() {
+  subscription_.reset();
+  check_.forget();
+  aids_.resume();
+  locked_.restore();
+  isHeld_ = false;
+}
+
+void TypingCare::handle(const xcb_generic_event_t& event) {
+  // A change comes as a burst, and our own is among them: look once, after it.
+  if (aids_.concerns(event) || isHierarchyChange(event, features_)) check_.ask();
+}
+
+}  // namespace dormel::x11
