@@ -78,7 +78,6 @@ class FirstRun:
         self.process = None
 
     def open(self):
-        self._desk.server.use_common_keymap()
         self.process = self._bundle.start(environment=self._reader.environment(), output=subprocess.DEVNULL)
 
     def window(self):

@@ -88,6 +88,7 @@ class Server:
                 os.close(writing)
         self.display = f":{number}"
         _write_xauthority(self.xauthority, cookie, number)
+        self._use_common_keymap()
         for index, (width, height) in enumerate(self._monitors):
             self.plug(index, width, height)
         return self
@@ -127,8 +128,8 @@ class Server:
         finally:
             connection.close()
 
-    def use_common_keymap(self):
-        """Keys mean what they mean where a real keyboard is plugged in. Without one the server takes the keys beyond
+    def _use_common_keymap(self):
+        """Keys are numbered as they are where a real keyboard is plugged in. Without one the server takes those beyond
         the letters by the numbers of another age, by which Up is Print.
         """
         subprocess.run(["setxkbmap", "-rules", "evdev", "-model", "pc105", "-layout", "us"], check=True, timeout=20,
