@@ -1,0 +1,124 @@
+"""A whole private desktop on a Wayland compositor, put up and taken down as one."""
+
+import os
+import shutil
+import signal
+import tempfile
+import time
+
+from .. import processes, scheduler
+from ..eyes import Eyes
+from ..home import Home
+from ..wait import No, NotSeen, until
+from . import compositors
+from .input import Keyboard
+from .witness import Witness
+
+
+class Looks:
+    """What can be seen without asking anybody for windows: pictures of whole monitors."""
+
+    edge_points = staticmethod(Eyes.edge_points)
+
+    def __init__(self, compositor):
+        self._compositor = compositor
+
+    def monitors(self):
+        return self._compositor.monitors()
+
+    def primary(self):
+        monitors = self.monitors()
+        return next((m for m in monitors if m.primary), monitors[0])
+
+    def picture(self, monitor):
+        return self._compositor.picture(monitor)
+
+    def dark(self, monitors=None, level=12):
+        """True when every monitor is black at its edges."""
+        for monitor in monitors if monitors is not None else self.monitors():
+            shot = self.picture(monitor)
+            for x, y in self.edge_points(type(monitor)(monitor.name, 0, 0, shot.width, shot.height, False)):
+                if max(shot.pixel(x, y)) > level:
+                    return No(f"{monitor.name} at {x},{y} shows {shot.pixel(x, y)}")
+        return True
+
+
+class WaylandDesk:
+    """Monitors, a home, somebody working in a document, hands and eyes: as desk.Desk has them.
+
+    compositor: "sway", "labwc" or "kwin". manager: as on desk.Desk.
+    """
+
+    def __init__(self, compositor, monitors=((1920, 1080), (1280, 1024)), manager=False, extra=None):
+        self.folder = tempfile.mkdtemp(prefix="dormel-")
+        self.home = Home(self.folder)
+        self.server = compositors.make(compositor, self.folder, monitors)
+        self.manager = self.manager_missing = None
+        self._want_manager = manager
+        self._extra = dict(extra or {})
+        self._open = []
+
+    def __enter__(self):
+        try:
+            self.server.start()
+            self.eyes = Looks(self.server)
+            self.keyboard = self._keep(Keyboard(self.server))
+            self.witness = self._keep(Witness(self.server.path))
+            if self._want_manager:
+                manager = scheduler.UserManager(self.home, self.folder, self._extra)
+                try:
+                    self.manager = manager.start()
+                except NotSeen as missing:
+                    self.manager_missing = str(missing)
+        except BaseException:
+            self.close()
+            raise
+        return self
+
+    def __exit__(self, *_):
+        self.close()
+
+    def _keep(self, thing):
+        self._open.append(thing)
+        return thing
+
+    def environment(self):
+        environment = {**self.home.environment(), **self.server.environment(), **self._extra}
+        if self.manager is None:
+            environment.pop("DBUS_SESSION_BUS_ADDRESS")
+        return environment
+
+    def keys_reach_the_document(self, key=67):
+        """Taps F9 and says whether the document heard it."""
+        mark = self.witness.mark()
+        self.keyboard.tap(key)
+        try:
+            until("a key", lambda: any(k[2] == key for k in self.witness.heard(mark)), 0.3)
+            return True
+        except NotSeen:
+            return False
+
+    def keyboard_lost_at(self, since):
+        """When the document lost the keyboard for the first time after the moment `since`; None if it did not."""
+        return next((at for at, focused in self.witness.focus if at >= since and not focused), None)
+
+    def close(self):
+        if self.manager is not None:
+            self.manager.stop()
+        deadline = time.monotonic() + 5
+        while time.monotonic() < deadline:
+            left = processes.of_home(self.home.path)
+            left.pop(os.getpid(), None)
+            if not left:
+                break
+            for pid in left:
+                try:
+                    os.kill(pid, signal.SIGKILL)
+                except ProcessLookupError:
+                    pass
+            time.sleep(0.05)
+        for thing in reversed(self._open):
+            thing.close()
+        self.server.stop()
+        if os.environ.get("DORMEL_KEEP") != "1":
+            shutil.rmtree(self.folder, ignore_errors=True)

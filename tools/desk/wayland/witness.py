@@ -1,0 +1,119 @@
+"""An ordinary application that fills every monitor and writes down every key that reaches it, and when it has the
+keyboard."""
+
+import mmap
+import os
+import struct
+import threading
+import time
+
+from ..wait import until
+from .wire import Connection
+
+
+class Witness:
+    """`colour` fills its windows. One more window opens on every monitor that comes."""
+
+    def __init__(self, path, colour=0xE8E4DC):
+        self.keys = []      # (time, "press" or "release", Linux key number)
+        self.focus = []     # (time, whether it has the keyboard from then on)
+        self.ended = None
+        self._lock = threading.Lock()
+        self._colour = 0xFF000000 | colour
+        self._connection = connection = Connection(path)
+        self._compositor = connection.bind("wl_compositor", 4)
+        self._shm = connection.bind("wl_shm")
+        self._shell = connection.bind("xdg_wm_base")
+        self._shell.on["ping"] = lambda serial: self._shell.pong(serial)
+        self._seat = connection.bind("wl_seat", 4)
+        self._keyboard = None
+        self._seat.on["capabilities"] = self._capable
+        self._windows = {}
+        self._shown = 0
+        self._closing = False
+        connection.roundtrip()
+        self._look()
+        self._thread = threading.Thread(target=self._run, name="witness", daemon=True)
+        self._thread.start()
+        until("the document fills every monitor and has the keyboard",
+              lambda: self.focused and self._shown >= len(self._windows), 5)
+
+    @property
+    def focused(self):
+        return bool(self.focus) and self.focus[-1][1]
+
+    def _capable(self, capabilities):
+        if capabilities & 2 and self._keyboard is None:
+            self._keyboard = self._seat.get_keyboard()
+            self._keyboard.on["keymap"] = lambda kind, fd, size: os.close(fd)
+            self._keyboard.on["enter"] = lambda serial, surface, keys: self._note(True)
+            self._keyboard.on["leave"] = lambda serial, surface: self._note(False)
+            self._keyboard.on["key"] = self._key
+
+    def _note(self, focused):
+        with self._lock:
+            self.focus.append((time.monotonic(), focused))
+
+    def _key(self, serial, at, key, state):
+        with self._lock:
+            self.keys.append((time.monotonic(), "press" if state else "release", key))
+
+    def _look(self):
+        for number in self._connection.names("wl_output"):
+            if number not in self._windows:
+                self._windows[number] = self._open(self._connection.bind("wl_output", 2, number))
+        for number in [n for n in self._windows if n not in self._connection.globals]:
+            del self._windows[number]
+
+    def _open(self, output):
+        surface = self._compositor.create_surface()
+        xdg = self._shell.get_xdg_surface(surface)
+        window = xdg.get_toplevel()
+        size = [640, 480]
+        window.set_title("Chapter seven")
+        window.set_fullscreen(output)
+        window.on["configure"] = lambda width, height, states: size.__setitem__(slice(None), [width or 640,
+                                                                                              height or 480])
+
+        def configured(serial):
+            xdg.ack_configure(serial)
+            surface.attach(self._buffer(*size), 0, 0)
+            surface.damage(0, 0, *size)
+            surface.commit()
+            self._shown += 1
+
+        xdg.on["configure"] = configured
+        surface.commit()
+        return window
+
+    def _buffer(self, width, height):
+        memory = os.memfd_create("window")
+        os.ftruncate(memory, width * height * 4)
+        with mmap.mmap(memory, width * height * 4) as pixels:
+            pixels.write(struct.pack("=I", self._colour) * (width * height))
+        pool = self._shm.create_pool(memory, width * height * 4)
+        buffer = pool.create_buffer(0, width, height, width * 4, 1)
+        pool.destroy()
+        os.close(memory)
+        return buffer
+
+    def _run(self):
+        try:
+            while not self._closing:
+                self._connection.dispatch(0.2)
+                self._look()
+        except OSError:
+            self.ended = time.monotonic()
+
+    def mark(self):
+        with self._lock:
+            return len(self.keys)
+
+    def heard(self, since=0):
+        with self._lock:
+            return list(self.keys[since:])
+
+    def close(self):
+        self._closing = True
+        self._thread.join(2)
+        self._connection.close()
