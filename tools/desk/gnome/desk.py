@@ -1,0 +1,112 @@
+"""A whole private GNOME session, put up and taken down as one."""
+
+import os
+import shutil
+import signal
+import tempfile
+import time
+
+from .. import processes
+from ..home import Home
+from ..wait import NotSeen, until
+from ..wayland.desk import Looks
+from ..wayland.witness import Witness
+from .remote import Keyboard
+from .shell import GnomeShell
+
+
+class GnomeDesk:
+    """Monitors, a home, the real shell, and hands and eyes; with somebody working in a document if `document`.
+
+    DORMEL_LOGS names a folder that the shell's output is copied into at the end.
+    prepare(desk): called before the shell starts, to put into the home what it is to find.
+    """
+
+    def __init__(self, monitors=((1920, 1080), (1280, 1024)), document=True, prepare=None):
+        self.folder = tempfile.mkdtemp(prefix="dormel-")
+        self.home = Home(self.folder)
+        self.server = GnomeShell(self.folder, self.home, monitors)
+        self._document, self._prepare = document, prepare
+        self._open = []
+
+    def __enter__(self):
+        try:
+            if self._prepare:
+                self._prepare(self)
+            self.server.start()
+            self._sit_down()
+            if self._document:
+                self.sit_at_the_document()
+        except BaseException:
+            self.close()
+            raise
+        return self
+
+    def __exit__(self, *_):
+        self.close()
+
+    def _sit_down(self):
+        # The shell opens its overview at every login, and shows no window full size while it is open.
+        self.close_overview()
+        self.eyes = Looks(self.server)
+        self.keyboard = Keyboard(self.server)
+        self._open = [self.keyboard]
+
+    def sit_at_the_document(self):
+        self.witness = Witness(self.server.path)
+        self._open.append(self.witness)
+
+    def log_in_again(self):
+        """After the shell was killed; without a document."""
+        self._get_up()
+        self.server.start_shell()
+        self._sit_down()
+
+    def close_overview(self):
+        until("the overview is closed", self._overview_closed, 15, 0.1)
+
+    def _overview_closed(self):
+        properties = "org.freedesktop.DBus.Properties"
+        place = "org.gnome.Shell", "/org/gnome/Shell"
+        if not self.server.call(*place, properties + ".Get", "org.gnome.Shell", "OverviewActive"):
+            return True
+        self.server.call(*place, properties + ".Set", "org.gnome.Shell", "OverviewActive", False)
+        return False
+
+    def environment(self):
+        return self.server.environment()
+
+    def keys_reach_the_document(self, key=67):
+        """Taps F9 and says whether the document heard it."""
+        mark = self.witness.mark()
+        self.keyboard.tap(key)
+        try:
+            until("a key", lambda: any(k[2] == key for k in self.witness.heard(mark)), 0.5)
+            return True
+        except NotSeen:
+            return False
+
+    def _get_up(self):
+        for thing in reversed(self._open):
+            thing.close()
+        self._open = []
+
+    def close(self):
+        self._get_up()
+        self.server.stop()
+        deadline = time.monotonic() + 5
+        while time.monotonic() < deadline:
+            left = processes.of_home(self.home.path)
+            left.pop(os.getpid(), None)
+            if not left:
+                break
+            for pid in left:
+                try:
+                    os.kill(pid, signal.SIGKILL)
+                except ProcessLookupError:
+                    pass
+            time.sleep(0.05)
+        if "DORMEL_LOGS" in os.environ:
+            shutil.copy(os.path.join(self.folder, "gnome-shell.out"), os.environ["DORMEL_LOGS"])
+        if os.environ.get("DORMEL_KEEP") != "1":
+            shutil.rmtree(self.folder, ignore_errors=True)
