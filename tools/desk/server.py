@@ -147,7 +147,7 @@ class Server:
         elif right_of is not None:
             place = ["--right-of", f"DUMMY{right_of}"]
         elif index > 0:
-            place = ["--pos", f"{self._right_edge()}x0"]
+            place = ["--pos", "{}x{}".format(*self.free_place())]
         self._xrandr("--output", f"DUMMY{index}", "--mode", mode, *place, *(["--primary"] if index == 0 else []))
 
     def pull(self, index):
@@ -157,6 +157,24 @@ class Server:
         mode = self._mode(width, height)
         self._xrandr("--addmode", f"DUMMY{index}", mode)
         self._xrandr("--output", f"DUMMY{index}", "--mode", mode)
+
+    def configure(self, index, at):
+        """One raw request, as a program sends it that is not xrandr: nothing beside it is changed, and nobody holds the
+        server meanwhile. Puts what the monitor shows at (x, y); turns it off where that is None."""
+        connection = self.open()
+        try:
+            resources = connection.screen().root.xrandr_get_screen_resources_current()
+            stamp = resources.config_timestamp
+            output = next(o for o in resources.outputs
+                          if connection.xrandr_get_output_info(o, stamp).name == f"DUMMY{index}")
+            crtc = connection.xrandr_get_output_info(output, stamp).crtc
+            shown = connection.xrandr_get_crtc_info(crtc, stamp)
+            (x, y), mode, outputs = (at, shown.mode, [output]) if at is not None else ((0, 0), 0, [])
+            done = connection.xrandr_set_crtc_config(crtc, stamp, x, y, mode, shown.rotation, outputs)
+            if done.status != 0:
+                raise RuntimeError(f"DUMMY{index} at {at}: status {done.status}")
+        finally:
+            connection.close()
 
     def rotate(self, index):
         """Stands the monitor on its side, or lays it back.
@@ -172,11 +190,12 @@ class Server:
             connection.close()
         self.resize(index, monitor.height_in_pixels, monitor.width_in_pixels)
 
-    def _right_edge(self):
+    def free_place(self):
+        """Right of everything."""
         connection = self.open()
         try:
             return max((m.x + m.width_in_pixels for m in connection.screen().root.xrandr_get_monitors().monitors),
-                       default=0)
+                       default=0), 0
         finally:
             connection.close()
 
