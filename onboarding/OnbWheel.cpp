@@ -15,6 +15,9 @@ constexpr KeyCode DOWN_ARROW = 125;
 constexpr KeyCode UP_ARROW = 126;
 constexpr double LEAST_DELTA = 2.0;
 constexpr Seconds LEAST_INTERVAL = 0.12;
+constexpr double NOTCH = 120;  // eighths of a degree
+constexpr double NOTCH_AS_POINTS = 15;
+constexpr Seconds PAUSE = 1;
 
 }  // namespace
 
@@ -22,7 +25,8 @@ OnbWheel::OnbWheel(OnboardingScreen& screen, Seconds delay, std::vector<Option> 
     : options_(std::move(options)),
       selection_(&screen, selection),
       reveal_(screen, delay),
-      lastStep_(-std::numeric_limits<Seconds>::infinity()) {
+      lastStep_(-std::numeric_limits<Seconds>::infinity()),
+      lastTurn_(lastStep_) {
   screen.wheels_.push_back(this);
 }
 
@@ -65,6 +69,17 @@ void OnbWheel::scroll(double delta) {
   if (!(now - lastStep_ > LEAST_INTERVAL)) return;
   lastStep_ = now;
   step(delta < 0 ? 1 : -1);
+}
+
+void OnbWheel::turn(double eighths) {
+  if (eighths == 0 || !std::isfinite(eighths)) return;
+  const Seconds now = platform().clock.uptime();
+  const bool away = eighths > 0;
+  if (now - std::exchange(lastTurn_, now) > PAUSE || std::exchange(turnedAway_, away) != away) turned_ = 0;
+  turned_ += std::abs(eighths);
+  if (turned_ < NOTCH / 2) return;
+  turned_ -= NOTCH * std::floor(turned_ / NOTCH + 0.5);
+  scroll(away ? NOTCH_AS_POINTS : -NOTCH_AS_POINTS);
 }
 
 bool OnbWheel::keyDown(KeyCode keyCode) {

@@ -38,6 +38,10 @@ class OnbWheel {
   /// touchpad reports, or 15 for one notch of a scroll wheel; positive when the content moves down (the wheel is turned
   /// away from the user). Small ones and quick successions have no effect.
   void scroll(double delta);
+  /// A scroll wheel of any fineness was turned, in eighths of a degree; positive away from the user. One row for each
+  /// notch of 120, counted as soon as half of it is done. What is left of a notch is forgotten when the direction
+  /// changes and after a pause.
+  void turn(double eighths);
   /// A key-down of this application; true when the wheel took it. It sees the keys by itself (addLocalKeyDownMonitor);
   /// nobody needs to hand them in where the platform has such a monitor.
   bool keyDown(KeyCode keyCode);
@@ -53,6 +57,9 @@ class OnbWheel {
   OnbReveal reveal_;
   bool isShown_ = false;
   Seconds lastStep_;
+  Seconds lastTurn_;
+  double turned_ = 0;  // since the last counted notch, from -60, in the direction of the last turn
+  bool turnedAway_ = false;
   std::unique_ptr<Registration> keyMonitor_;
 };
 

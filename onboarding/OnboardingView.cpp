@@ -1,5 +1,6 @@
 #include "onboarding/OnboardingView.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "onboarding/OnboardingOptions.h"
@@ -12,6 +13,13 @@ namespace {
 
 constexpr int FIRST_LATE = 25;
 constexpr int FIRST_WANT = 24;
+
+/// The hour that a wheel starts at: the answer given before, if the wheel has it (what is stored may be any number).
+int startOf(const std::vector<OnbWheel::Option>& options, const std::optional<int>& answer, int first) {
+  const bool isOffered = std::any_of(options.begin(), options.end(),
+                                     [&](const OnbWheel::Option& option) { return option.value == answer; });
+  return isOffered ? *answer : first;
+}
 
 }  // namespace
 
@@ -85,7 +93,8 @@ std::shared_ptr<OnboardingScreen> OnboardingView::makeScreen(OnboardingBeat beat
       return std::make_shared<PromiseBeat>(going(Beat::q1Latest));
     case Beat::q1Latest:
       return std::make_shared<WheelQuestionBeat>(
-          beat, "What's the latest you go to bed?", onboardingOptions::latest(), model_->late->value_or(FIRST_LATE),
+          beat, "What's the latest you go to bed?", onboardingOptions::latest(),
+          startOf(onboardingOptions::latest(), model_->late, FIRST_LATE),
           answering<int>([](OnboardingModel& model, int hour) { model.late = hour; }, Beat::q2Nights));
     case Beat::q2Nights:
       return std::make_shared<QuestionBeat>(
@@ -93,7 +102,8 @@ std::shared_ptr<OnboardingScreen> OnboardingView::makeScreen(OnboardingBeat beat
           answering<double>([](OnboardingModel& model, double nights) { model.nightsFactor = nights; }, Beat::q3Want));
     case Beat::q3Want:
       return std::make_shared<WheelQuestionBeat>(
-          beat, "When do you *want* to be asleep?", onboardingOptions::want(), model_->want->value_or(FIRST_WANT),
+          beat, "When do you *want* to be asleep?", onboardingOptions::want(),
+          startOf(onboardingOptions::want(), model_->want, FIRST_WANT),
           answering<int>([](OnboardingModel& model, int hour) { model.want = hour; }, Beat::q4Keeps));
     case Beat::q4Keeps:
       return std::make_shared<KeepsBeat>(

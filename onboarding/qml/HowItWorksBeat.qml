@@ -25,12 +25,12 @@ OnbBeat {
     }
     Item {
         width: 1
-        height: 32
+        height: Math.round(32 * root.room)
     }
     Item {
         anchors.horizontalCenter: parent.horizontalCenter
         width: root.beat.stageWidth
-        height: root.beat.stageHeight
+        height: root.beat.stageHeight - Math.round(60 * (1 - root.room))
 
         OnbPhase {
             phase: 1

@@ -6,6 +6,7 @@ FocusScope {
 
     property string name
     property OnbPill pill: null
+    readonly property real room: OnbRoom.inside(height)
     default property alias content: stack.content
     // What lies behind the stack, all over the screen.
     property alias backdrop: backdrop.data

@@ -6,14 +6,13 @@ Item {
 
     default property alias content: stack.data
     readonly property real horizontalPadding: 72
-    readonly property real verticalPadding: 40
 
     anchors.fill: parent
 
     Column {
         id: stack
         x: root.horizontalPadding
-        y: Math.max(root.verticalPadding, Math.round((root.height - height) / 2))
+        y: Math.max(0, Math.round((root.height - height) / 2))
         width: root.width - 2 * root.horizontalPadding
     }
 }

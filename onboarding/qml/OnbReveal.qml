@@ -7,8 +7,9 @@ Item {
     id: root
 
     property bool on: true
-    // The space between it and what stands above it in a stack.
+    // The space between it and what stands above it in a stack, as far as there is room for it.
     property real above: 0
+    readonly property real gap: Math.round(above * OnbRoom.inside(Window.height))
     default property alias content: holder.data
 
     // How far it has come, 0 to 1.
@@ -16,7 +17,7 @@ Item {
 
     anchors.horizontalCenter: parent ? parent.horizontalCenter : undefined
     implicitWidth: holder.width
-    implicitHeight: above + holder.height
+    implicitHeight: gap + holder.height
 
     Behavior on progress {
         NumberAnimation {
@@ -27,7 +28,7 @@ Item {
     }
 
     OnbDrift {
-        y: root.above
+        y: root.gap
         width: holder.width
         height: holder.height
         enabled: root.on

@@ -1,4 +1,4 @@
-// A wheel of options that rolls until the selected one stands in the middle.
+// A wheel of options, all of them to be seen: the selected one is the brightest, the farthest from it the dimmest.
 //
 // It is one stop of the Tab key, at the selected row. Who turns it is left to the one that placed it.
 import QtQuick
@@ -15,12 +15,10 @@ FocusScope {
     // Return or Enter, which a row has no use for.
     signal confirmed
 
-    readonly property real rowHeight: 56
-    // Beyond this many rows from the selected one they have faded away.
-    readonly property int reach: 2
+    property real rowHeight: 52
 
     implicitWidth: 420
-    implicitHeight: (2 * reach + 1) * rowHeight
+    implicitHeight: labels.length * rowHeight
 
     Accessible.role: Accessible.List
     Accessible.name: name
@@ -29,13 +27,7 @@ FocusScope {
     onPositionChanged: if (activeFocus) rows.itemAt(position).forceActiveFocus(Qt.TabFocusReason)
 
     Column {
-        id: column
         width: parent.width
-        y: (root.reach - root.position) * root.rowHeight
-
-        Behavior on y {
-            OnbWheelMotion {}
-        }
 
         Repeater {
             id: rows
@@ -44,14 +36,10 @@ FocusScope {
             OnbWheelRow {
                 required property string modelData
                 required property int index
-                readonly property int distance: Math.abs(index - root.position)
-
                 width: root.width
                 height: root.rowHeight
                 label: modelData
-                selected: distance === 0
-                near: distance === 1
-                away: distance > root.reach
+                distance: Math.abs(index - root.position)
                 focus: selected
                 onClicked: root.selected(index)
                 onConfirmed: root.confirmed()

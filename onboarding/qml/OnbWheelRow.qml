@@ -1,4 +1,4 @@
-// One row of a wheel: brightest and largest when it is the selected one, dimmer beside it, dimmest further away.
+// One row of a wheel: brightest and largest when it is the selected one, dimmer and smaller the further away it is.
 import QtQuick
 import Dormel.Ui
 
@@ -6,17 +6,16 @@ Pressable {
     id: root
 
     required property string label
-    property bool selected: false
-    property bool near: false
-    // Too far away to be seen, so the pointer goes through it; assistive tools can choose it all the same.
-    property bool away: false
+    // From the selected row.
+    required property int distance
+    readonly property bool selected: distance === 0
+    readonly property bool near: distance === 1
     property bool hovering: hovered
     property bool ringed: focusVisible
 
     signal confirmed
 
     activeFocusOnTab: selected
-    underPointer: !away
 
     Accessible.role: Accessible.ListItem
     Accessible.name: label
@@ -39,8 +38,8 @@ Pressable {
         anchors.centerIn: parent
         width: text.implicitWidth
         height: text.implicitHeight
-        scale: root.selected ? 1 : root.near ? 0.72 : 0.58
-        opacity: root.selected ? 1 : root.away ? 0 : root.hovering ? 0.7 : root.near ? 0.36 : 0.14
+        scale: root.height / 52 * (root.selected ? 1 : root.near ? 0.72 : 0.58)
+        opacity: root.selected ? 1 : root.hovering ? 0.7 : root.near ? 0.46 : 0.16 + 0.28 / root.distance
 
         Behavior on scale {
             OnbWheelMotion {}

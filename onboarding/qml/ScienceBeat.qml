@@ -40,7 +40,7 @@ OnbBeat {
     }
     Item {
         width: 1
-        height: 16
+        height: Math.round(16 * root.room)
     }
     Repeater {
         model: root.beat.facts

@@ -36,6 +36,7 @@ OnbBeat {
         on: root.beat.wheelOn
 
         OnbWheel {
+            rowHeight: Math.round(30 + 22 * root.room)
             name: root.beat.headline.text
             labels: root.beat.labels
             position: root.beat.position

@@ -1,16 +1,12 @@
 #include "onboarding/qml/WheelBridge.h"
 
 #include <QGuiApplication>
-#include <cmath>
-#include <utility>
 
 namespace dormel {
 namespace {
 
 // A notch of a common wheel is 120 eighths of a degree and counts as 15 points.
 constexpr double ANGLE_PER_POINT = 8;
-// A wheel that reports parts of a notch has been turned once they come to this.
-constexpr double PART_OF_NOTCH = 5;
 
 /// On X11 the number of pixels is whatever the driver takes for one.
 bool knowsPixels() { return QGuiApplication::platformName() != QLatin1String("xcb"); }
@@ -40,12 +36,11 @@ OnbTextValue WheelBridge::whisper() const {
 void WheelBridge::select(int row) { wheel_.select(wheel_.options().at(static_cast<std::size_t>(row)).value); }
 
 void WheelBridge::scroll(const QPointF& pixels, const QPointF& angle, bool byTicks) {
-  if (!byTicks) {
+  if (byTicks) {
+    wheel_.turn(angle.y());
+  } else {
     wheel_.scroll(knowsPixels() && !pixels.isNull() ? pixels.y() : angle.y() / ANGLE_PER_POINT);
-    return;
   }
-  ticks_ += angle.y() / ANGLE_PER_POINT;
-  if (std::abs(ticks_) >= PART_OF_NOTCH) wheel_.scroll(std::exchange(ticks_, 0));
 }
 
 }  // namespace dormel

@@ -40,7 +40,6 @@ class WheelBridge : public BeatBridge {
  private:
   OnbWheel& wheel_;
   const OnbText* whisper_;
-  double ticks_ = 0;  // what a finely divided wheel has been turned since it last counted, points
 };
 
 }  // namespace dormel

@@ -61,7 +61,7 @@ TEST_F(OnboardingPictureTest, EachScreenShowsItsWordsInTheirOrder) {
       {promise, 5, {"Your Mac locks at your bedtime.", "No willpower needed.", "Continue"}},
       {q1Latest,
        4,
-       {"What's the latest you go to bed?", "Midnight", "1 AM", "2 AM", "3 AM", "4 AM or later", "Continue"}},
+       {"What's the latest you go to bed?", "11 PM", "Midnight", "1 AM", "2 AM", "3 AM", "4 AM or later", "Continue"}},
       {q2Nights, 4, {"How often do you sleep this late?", "1–2 nights", "3–4 nights", "Most nights"}},
       {q3Want, 4, {"When do you <i>want</i> to be asleep?", "10 PM", "11 PM", "Midnight", "1 AM", "Continue"}},
       {q4Keeps,
@@ -85,7 +85,7 @@ TEST_F(OnboardingPictureTest, EachScreenShowsItsWordsInTheirOrder) {
         "−48% risk of early death", "same bedtime every night", "Continue"}},
       {schedule,
        5,
-       {"When should your Mac lock?", "10 PM", "11 PM", "Midnight", "1 AM", "Set my dormel",
+       {"When should your Mac lock?", "10 PM", "11 PM", "Midnight", "1 AM", "2 AM", "Set my dormel",
         "You can change this anytime."}},
       {finale,
        8,
@@ -132,13 +132,23 @@ TEST_F(OnboardingPictureTest, ElementsComeUpOneAfterTheOther) {
   EXPECT_EQ(view->beat(), science);
 }
 
-TEST_F(OnboardingPictureTest, OptionsTooFarAwayToBeSeenAreNotPressed) {
+TEST_F(OnboardingPictureTest, EveryOptionIsSeenAndPressedTheFarthestDimmest) {
   enter(q1Latest, 4);
   const OnbWheel& wheel = static_cast<WheelQuestionBeat&>(*view->screen()).wheel;
-  click(boxOf(QStringLiteral("What's the latest you go to bed?")).center());  // a row lies there
-  EXPECT_EQ(wheel.selection(), 26);
-  click(boxOf(QStringLiteral("1 AM")).center());
-  EXPECT_EQ(wheel.selection(), 25);
+  for (const char* option : {"11 PM", "4 AM or later"}) {
+    click(boxOf(QString::fromUtf8(option)).center());
+    desk.pass(0.6);
+    drawn.picture();
+    EXPECT_EQ(wheel.options()[static_cast<std::size_t>(wheel.position())].label, option);
+    double last = 2;
+    for (std::size_t away = 0; away < wheel.options().size(); ++away) {
+      const std::size_t row = wheel.position() == 0 ? away : wheel.options().size() - 1 - away;
+      const double opacity = opacityOf(QString::fromStdString(wheel.options()[row].label));
+      EXPECT_LT(opacity, last) << option << " " << away;
+      EXPECT_GE(opacity, 0.2);
+      last = opacity;
+    }
+  }
 }
 
 class OnboardingWindowTest : public testing::Test {

@@ -133,10 +133,19 @@ TEST(OnboardingScreens, HeadlinesMarkEmphasisWithAsterisks) {
 TEST(OnboardingScreens, TheWheelTurnsByRowsScrollingAndArrows) {
   constexpr KeyCode DOWN = 125;
   constexpr KeyCode UP = 126;
-  enum Kind { scroll, key, row, wait };
+  enum Kind { scroll, turn, key, row, wait };
   struct Act {
     Kind kind;
     double value;
+  };
+  const auto both = [](std::vector<Act> first, const std::vector<Act>& then) {
+    first.insert(first.end(), then.begin(), then.end());
+    return first;
+  };
+  const auto parts = [](int count, double eighths, double pause) {
+    std::vector<Act> acts;
+    for (int i = 0; i < count; ++i) acts.insert(acts.end(), {{turn, eighths}, {wait, pause}});
+    return acts;
   };
   const struct {
     const char* name;
@@ -158,7 +167,13 @@ TEST(OnboardingScreens, TheWheelTurnsByRowsScrollingAndArrows) {
       {"two after 0.13 s are two", 25, {{scroll, -9}, {wait, 0.13}, {scroll, -9}}, 27},
       {"a small one does not delay", 25, {{scroll, 1}, {wait, 0.05}, {scroll, -9}}, 26},
       {"keys are not slowed", 23, {{key, DOWN}, {key, DOWN}, {key, DOWN}}, 26},
-      {"not a number", 25, {{scroll, std::nan("")}}, 25},
+      {"not a number", 25, {{scroll, std::nan("")}, {turn, std::nan("")}}, 25},
+      {"a whole notch", 25, {{turn, -120}, {wait, 0.2}, {turn, 120}, {wait, 0.2}, {turn, 120}}, 24},
+      {"a notch in eight parts, however slowly", 25, parts(8, -15, 0.15), 26},
+      {"three notches in parts", 23, parts(24, -15, 0.15), 26},
+      {"three parts of eight", 25, parts(3, -15, 0.15), 25},
+      {"three parts, and later three", 25, both(parts(3, -15, 0.15), {{wait, 1.1}, {turn, -45}}), 25},
+      {"back and forth", 25, both(parts(3, -15, 0.15), both(parts(3, 15, 0.15), parts(3, -15, 0.15))), 25},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.name);
@@ -169,6 +184,7 @@ TEST(OnboardingScreens, TheWheelTurnsByRowsScrollingAndArrows) {
     const auto act = [&] {
       for (const Act& each : row.acts) {
         if (each.kind == Kind::scroll) screen.wheel.scroll(each.value);
+        if (each.kind == Kind::turn) screen.wheel.turn(each.value);
         if (each.kind == Kind::key) press(static_cast<KeyCode>(each.value));
         if (each.kind == Kind::row) screen.wheel.select(static_cast<int>(each.value));
         if (each.kind == Kind::wait) machine.advance(each.value);

@@ -115,6 +115,28 @@ TEST(OnboardingModel, DamagedAnswersReadAsAbsent) {
   }
 }
 
+TEST(Onboarding, WheelsStartAtAnAnswerThatTheyOffer) {
+  const struct {
+    std::int64_t late, want;
+    int lateStart, wantStart;
+  } rows[] = {{26, 22, 26, 22}, {22, 26, 25, 24}, {77, 1, 25, 24}, {-1, -1, 25, 24}};
+  for (const auto& row : rows) {
+    SimMachine machine;
+    machine.defaults.putInteger(defaultsKey::onboardingLate, row.late);
+    machine.defaults.putInteger(defaultsKey::onboardingWant, row.want);
+    const auto view = OnboardingView::create({});
+    view->onAppear();
+    for (const auto& [beat, start] : {std::pair{Beat::q1Latest, row.lateStart}, {Beat::q3Want, row.wantStart}}) {
+      view->advance(beat);
+      machine.advance(5);
+      const auto& screen = static_cast<WheelQuestionBeat&>(*view->screen());
+      EXPECT_EQ(screen.wheel.selection(), start);
+      screen.button.press();
+    }
+    EXPECT_EQ(*view->model().late, row.lateStart) << "what was shown is handed over";
+  }
+}
+
 TEST(Onboarding, ResumesAtTheLastOfThreePlaces) {
   for (std::int64_t raw = -3; raw <= 16; ++raw) {
     SimMachine machine;

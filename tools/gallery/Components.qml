@@ -93,11 +93,12 @@ Item {
             OnbWheel { width: 300; labels: ["11 PM", "Midnight", "1 AM", "2 AM", "3 AM", "4 AM or later"]; position: 2 }
             OnbWheel { width: 300; labels: ["10 PM", "11 PM", "Midnight", "1 AM"]; position: 0 }
             Column {
-                OnbWheelRow { width: 300; height: 56; label: "Selected"; selected: true }
-                OnbWheelRow { width: 300; height: 56; label: "Focused"; selected: true; ringed: true }
-                OnbWheelRow { width: 300; height: 56; label: "Near"; near: true }
-                OnbWheelRow { width: 300; height: 56; label: "Near, hovered"; near: true; hovering: true }
-                OnbWheelRow { width: 300; height: 56; label: "Far" }
+                OnbWheelRow { width: 300; height: 52; label: "Selected"; distance: 0 }
+                OnbWheelRow { width: 300; height: 52; label: "Focused"; distance: 0; ringed: true }
+                OnbWheelRow { width: 300; height: 52; label: "Near"; distance: 1 }
+                OnbWheelRow { width: 300; height: 52; label: "Near, hovered"; distance: 1; hovering: true }
+                OnbWheelRow { width: 300; height: 52; label: "Far"; distance: 2 }
+                OnbWheelRow { width: 300; height: 52; label: "Farthest"; distance: 5 }
             }
         }
         Kind {

@@ -22,6 +22,7 @@
 #include "settings/AccessibilityCardView.h"
 #include "settings/SettingsView.h"
 #include "tests/drawn/DrawnNight.h"
+#include "tests/drawn/StrangersScreens.h"
 
 using namespace dormel;
 
@@ -150,27 +151,38 @@ class Gallery {
     }
   }
 
-  /// A main window in its frame, once it came to rest; then `touch` does something to its scene, and it rests again.
+  /// A main window in its frame, once it came to rest; then `touch` does something to its scene, and it rests again. On
+  /// strangers' screens, too, as far as they have room for it.
   void showWindow(const char* name, const MakeView& make, const Touch& touch = {}, Docs docs = Docs::no) {
     for (const int scale : {1, 2}) {
-      DrawnMachine machine;
-      DrawnView drawn(machine.factory, make(machine), scale);
-      QQuickItem& root = lastScene();
-      const std::unique_ptr<QQuickItem> frame = machine.stage->makeWindowFrame(true);
-      frame->setParentItem(&root);
-      frame->setZ(1);
-      frame->setSize(root.size());
-      drawn.picture();
-      machine.pass(3);
-      if (touch) touch(root);
-      machine.pass(3);
-      const QImage window = withCutCorners(drawn.picture(), scale);
+      const QImage window = windowPicture(make, touch, scale, {});
       if (docs == Docs::yes && scale == 2) keep(name, window);
       save(QStringLiteral("%1-%2x").arg(QLatin1String(name)).arg(scale), onDesktop(window, scale));
+    }
+    for (const StrangersScreen& screen : STRANGERS_SCREENS) {
+      save(QStringLiteral("%1-%2").arg(QLatin1String(name), QLatin1String(screen.name)),
+           onDesktop(windowPicture(make, touch, screen.scale, screen), screen.scale));
     }
   }
 
  private:
+  [[nodiscard]] static QImage windowPicture(const MakeView& make, const Touch& touch, double scale,
+                                            const std::optional<StrangersScreen>& screen) {
+    DrawnMachine machine;
+    DrawnView drawn(machine.factory, make(machine), scale);
+    if (screen) drawn.canvas().resize(screen->sizeOf(drawn.canvas().fittingSize()), scale);
+    QQuickItem& root = lastScene();
+    const std::unique_ptr<QQuickItem> frame = machine.stage->makeWindowFrame(true);
+    frame->setParentItem(&root);
+    frame->setZ(1);
+    frame->setSize(root.size());
+    drawn.picture();
+    machine.pass(3);
+    if (touch) touch(root);
+    machine.pass(3);
+    return withCutCorners(drawn.picture(), scale);
+  }
+
   void save(const QString& name, const QImage& picture) {
     write(folder_.filePath(name + QStringLiteral(".png")), picture);
   }

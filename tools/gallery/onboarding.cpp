@@ -16,6 +16,7 @@
 #include "onboarding/qml/OnboardingScenes.h"
 #include "platform/linux/qt/AboutView.h"
 #include "tests/drawn/DrawnMachine.h"
+#include "tests/drawn/StrangersScreens.h"
 #include "ui/qml/UiModule.h"
 
 using namespace dormel;
@@ -29,6 +30,13 @@ struct Moment {
   bool onSheet = false;
   std::function<void(DrawnMachine&)> given = {};
 };
+
+void answer(DrawnMachine& desk) {
+  desk.store(defaultsKey::onboardingLate, {std::int64_t{26}});
+  desk.store(defaultsKey::onboardingNights, {4.0});
+  desk.store(defaultsKey::onboardingWant, {std::int64_t{23}});
+  desk.store(defaultsKey::onboardingKeeps, {PropertyListArray{{std::string("scrolling")}}});
+}
 
 void unanswered(DrawnMachine& desk) {
   for (const char* key : {defaultsKey::onboardingLate, defaultsKey::onboardingWant})
@@ -120,12 +128,24 @@ class Sheet {
   std::vector<QImage> tiles_;
 };
 
+/// A screen at rest, in the room that a stranger's screen has for it.
+bool drawForStranger(const QDir& folder, const Moment& moment, const StrangersScreen& screen) {
+  DrawnMachine desk;
+  answer(desk);
+  if (moment.given) moment.given(desk);
+  const auto view = OnboardingView::create({[](const auto&) { return true; }, [] {}});
+  DrawnView drawn(desk.factory, view, screen.scale, screen.sizeOf(OnboardingView::SIZE));
+  drawn.picture();
+  desk.pass(0.1);
+  view->advance(moment.beat);
+  desk.pass(moment.after);
+  return save(folder, QStringLiteral("first-run-%1-%2").arg(QLatin1String(moment.name), QLatin1String(screen.name)),
+              drawn.picture());
+}
+
 bool draw(const QDir& folder, const Moment& moment, int scale, Sheet& sheet) {
   DrawnMachine desk;
-  desk.store(defaultsKey::onboardingLate, {std::int64_t{26}});
-  desk.store(defaultsKey::onboardingNights, {4.0});
-  desk.store(defaultsKey::onboardingWant, {std::int64_t{23}});
-  desk.store(defaultsKey::onboardingKeeps, {PropertyListArray{{std::string("scrolling")}}});
+  answer(desk);
   if (moment.given) moment.given(desk);
   const auto view = OnboardingView::create({[](const auto&) { return true; }, [] {}});
   DrawnView drawn(desk.factory, view, scale);
@@ -163,6 +183,9 @@ int main(int argc, char** argv) {
   for (const int scale : {1, 2}) {
     saved = drawComponents(folder, scale) && saved;
     for (const Moment& moment : moments()) saved = draw(folder, moment, scale, sheet) && saved;
+  }
+  for (const StrangersScreen& screen : STRANGERS_SCREENS) {
+    for (const Moment& moment : moments()) saved = drawForStranger(folder, moment, screen) && saved;
   }
   saved = save(folder, QStringLiteral("first-run"), sheet.picture()) && saved;
   if (argc > 2)

@@ -11,14 +11,6 @@ Pressable::Pressable(QQuickItem* parent) : QQuickItem(parent) {
   setActiveFocusOnTab(true);
 }
 
-void Pressable::setUnderPointer(bool underPointer) {
-  if (underPointer == this->underPointer()) return;
-  setAcceptedMouseButtons(underPointer ? Qt::LeftButton : Qt::NoButton);
-  setAcceptHoverEvents(underPointer);
-  if (!underPointer) setHovered(false);
-  emit underPointerChanged();
-}
-
 void Pressable::click() {
   if (isEnabled()) emit clicked();
 }

@@ -10,8 +10,6 @@ namespace dormel {
 class Pressable : public QQuickItem {
   Q_OBJECT
   QML_ELEMENT
-  /// Whether the pointer can press it; otherwise it goes through to what lies behind. True at first.
-  Q_PROPERTY(bool underPointer READ underPointer WRITE setUnderPointer NOTIFY underPointerChanged)
   /// The pointer is over it.
   Q_PROPERTY(bool hovered READ hovered NOTIFY hoveredChanged)
   /// It is being pressed, and letting go now would count.
@@ -22,8 +20,6 @@ class Pressable : public QQuickItem {
  public:
   explicit Pressable(QQuickItem* parent = nullptr);
 
-  [[nodiscard]] bool underPointer() const { return acceptedMouseButtons() != Qt::NoButton; }
-  void setUnderPointer(bool underPointer);
   [[nodiscard]] bool hovered() const { return hovered_; }
   [[nodiscard]] bool down() const { return down_; }
   [[nodiscard]] bool focusVisible() const { return byKeyboard_ && hasActiveFocus(); }
@@ -33,7 +29,6 @@ class Pressable : public QQuickItem {
 
  signals:
   void clicked();
-  void underPointerChanged();
   void hoveredChanged();
   void downChanged();
   void focusVisibleChanged();

@@ -1,0 +1,138 @@
+// Every window and card on the screens of strangers: no control and no text lies outside of the window, or beneath
+// another control.
+#include "tests/drawn/StrangersScreens.h"
+
+#include <gtest/gtest.h>
+
+#include <QGuiApplication>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <cmath>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "onboarding/OnboardingView.h"
+#include "platform/linux/qt/AboutView.h"
+#include "platform/linux/qt/AlertView.h"
+#include "settings/AccessibilityCardView.h"
+#include "settings/SettingsView.h"
+#include "tests/drawn/DrawnMachine.h"
+#include "ui/qml/Pressable.h"
+
+namespace dormel {
+namespace {
+
+struct Part {
+  QString what;
+  QRectF box;  // in its page: the window, or what can be scrolled into it
+  QSizeF page;
+  bool isControl;
+};
+
+void collect(const QQuickItem& item, const QQuickItem& page, std::vector<Part>& found) {
+  if (!item.isVisible() || item.opacity() < 0.004) return;
+  const bool isControl = qobject_cast<const Pressable*>(&item) != nullptr;
+  if (isControl || (item.inherits("QQuickText") && !item.property("text").toString().isEmpty())) {
+    QString what = item.property(isControl ? "title" : "text").toString();
+    if (what.isEmpty()) what = QString::fromLatin1(item.metaObject()->className());
+    found.push_back({what, item.mapRectToItem(&page, {0, 0, item.width(), item.height()}), page.size(), isControl});
+  }
+  // What overflows a scroll area is scrolled into it.
+  const bool scrolls = item.inherits("QQuickFlickable");
+  for (const QQuickItem* child : item.childItems()) collect(*child, scrolls ? *child : page, found);
+}
+
+std::vector<Part> partsOf() {
+  std::vector<Part> found;
+  const QQuickItem& root =
+      *static_cast<QQuickWindow*>(QGuiApplication::allWindows().constLast())->contentItem()->childItems().constFirst();
+  collect(root, root, found);
+  return found;
+}
+
+void expectAllInside(const std::string& where) {
+  const std::vector<Part> parts = partsOf();
+  for (const Part& part : parts) {
+    const QRectF page = QRectF({0, 0}, part.page).adjusted(-0.5, -0.5, 0.5, 0.5);
+    EXPECT_TRUE(page.contains(part.box)) << where << ": " << qPrintable(part.what) << " at " << part.box.x() << ","
+                                         << part.box.y() << " " << part.box.width() << "x" << part.box.height()
+                                         << " of " << part.page.width() << "x" << part.page.height();
+    for (const Part& other : parts) {
+      if (&other == &part || !part.isControl || !other.isControl || other.page != part.page) continue;
+      EXPECT_FALSE(part.box.adjusted(1, 1, -1, -1).intersects(other.box))
+          << where << ": " << qPrintable(part.what) << " and " << qPrintable(other.what);
+    }
+  }
+}
+
+TEST(StrangersScreens, HaveRoomForEveryScreenOfTheFirstRun) {
+  for (const StrangersScreen& screen : STRANGERS_SCREENS) {
+    DrawnMachine desk;
+    desk.machine.accessibility.setTrusted(false);
+    desk.store(defaultsKey::onboardingLate, {std::int64_t{26}});
+    desk.store(defaultsKey::onboardingNights, {4.0});
+    desk.store(defaultsKey::onboardingWant, {std::int64_t{23}});
+    desk.store(defaultsKey::onboardingKeeps, {PropertyListArray{{std::string("movies & shows")}}});
+    const auto view = OnboardingView::create({[](const auto&) { return true; }, [] {}});
+    DrawnView drawn(desk.factory, view, screen.scale, screen.sizeOf(OnboardingView::SIZE));
+    for (const OnboardingBeat beat : ONBOARDING_BEATS) {
+      drawn.picture();
+      desk.pass(0.1);
+      view->advance(beat);
+      for (const Seconds moment : {1.7, 6.7, 11.6}) {  // while it comes in, and at each scene of the longest
+        desk.pass(moment);
+        drawn.picture();
+        expectAllInside(std::string(screen.name) + ", screen " + std::to_string(rawValue(beat)));
+      }
+      EXPECT_FALSE(partsOf().empty()) << rawValue(beat);
+    }
+  }
+}
+
+TEST(StrangersScreens, HaveRoomForEveryOtherWindow) {
+  using Make = std::function<std::shared_ptr<View>(DrawnMachine&)>;
+  const struct {
+    const char* name;
+    Make make;
+    std::optional<Size> wanted;  // else what fits
+  } windows[] = {
+      {"settings",
+       [](DrawnMachine& desk) {
+         desk.machine.accessibility.setTrusted(false);
+         desk.machine.updater.setStatus("Dormel 1.1 is ready and will be installed when you open Dormel again.");
+         return SettingsView::create(desk.machine.updater, {});
+       },
+       Size{460, 660}},
+      {"card", [](DrawnMachine&) { return AccessibilityCardView::create([] {}); }, {}},
+      {"about", [](DrawnMachine&) { return std::make_shared<AboutView>(); }, {}},
+      {"alert",
+       [](DrawnMachine&) {
+         return std::make_shared<AlertView>(
+             Alert{AlertStyle::warning,
+                   "Dormel is switched off",
+                   "Dormel was turned off in System Settings → Login Items & Extensions, so it will not lock at night. "
+                   "macOS only lets you flip that switch yourself.\n\nIn the list, find \"Dormel\" and turn it back on "
+                   "— you may need to scroll down. Then come back here, and Dormel re-arms itself.",
+                   {"Open Login Items", "Not Now"}},
+             [](std::size_t) {});
+       },
+       {}},
+  };
+  for (const StrangersScreen& screen : STRANGERS_SCREENS) {
+    for (const auto& window : windows) {
+      DrawnMachine desk;
+      const auto view = window.make(desk);
+      const Size wanted = window.wanted ? *window.wanted : QmlCanvas(desk.stage, view).fittingSize();
+      DrawnView drawn(desk.factory, view, screen.scale, screen.sizeOf(wanted));
+      drawn.picture();
+      desk.pass(3);
+      drawn.picture();
+      expectAllInside(std::string(screen.name) + ", " + window.name);
+      EXPECT_FALSE(partsOf().empty()) << window.name;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace dormel
