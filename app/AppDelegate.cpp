@@ -145,7 +145,12 @@ void AppDelegate::beginLoginItemsRecovery() {
 
 void AppDelegate::recoveryAnswered(int button) {
   recoveryAlert_.reset();
-  if (button == 0) platform().loginItems.openSettings();
+  if (button != 0 || platform().loginItems.openSettings()) return;
+  recoveryAlert_ =
+      platform().alerts.show({AlertStyle::informational, "Switch Dormel on", platform().loginItems.advice(), {"OK"}},
+                             [weak = weak_from_this()](int) {
+                               if (const auto self = weak.lock()) self->recoveryAlert_.reset();
+                             });
 }
 
 void AppDelegate::didBecomeActive() {

@@ -2,6 +2,7 @@
 
 #include "assistant/OverlayWindowController.h"
 #include "assistant/SettingsWindowLocator.h"
+#include "platform/Alerts.h"
 #include "platform/Platform.h"
 #include "platform/RunningApplications.h"
 #include "platform/Windows.h"
@@ -43,7 +44,13 @@ void AssentaAssistant::present(AssentaPanel panel, const AssentaHostApp& hostApp
   overlayController_ = OverlayWindowController::create(hostApp, panel, [weak = weak_from_this()] {
     if (const auto self = weak.lock()) self->dismiss();
   });
-  platform().workspace.open(settingsURL(panel));
+  if (!platform().workspace.open(settingsURL(panel))) {
+    advice_ = platform().alerts.show(
+        {AlertStyle::informational, "Open your settings", platform().workspace.adviceFor(settingsURL(panel)), {"OK"}},
+        [weak = weak_from_this()](int) {
+          if (const auto self = weak.lock()) self->advice_.reset();
+        });
+  }
   startTracking();
 }
 
@@ -84,6 +91,7 @@ void AssentaAssistant::refreshPosition() {
 void AssentaAssistant::dismiss() {
   trackingTimer_.invalidate();
   activationObserver_.reset();
+  advice_.reset();
   if (const auto controller = std::move(overlayController_)) controller->close();
   overlayController_.reset();
   activePanel_.reset();

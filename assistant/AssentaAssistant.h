@@ -14,6 +14,7 @@ namespace dormel {
 
 class OverlayWindowController;
 class Registration;
+class ShownAlert;
 
 class AssentaAssistant : public std::enable_shared_from_this<AssentaAssistant> {
  public:
@@ -24,7 +25,8 @@ class AssentaAssistant : public std::enable_shared_from_this<AssentaAssistant> {
   ~AssentaAssistant();
 
   /// Shows the guide for a page in place of any other, and opens that page. With a source rectangle (in screen
-  /// coordinates) the guide flies in from there. It is seen while the settings program is in front.
+  /// coordinates) the guide flies in from there. It is seen while the settings program is in front. Where the page
+  /// cannot be opened an alert says where to look instead.
   void present(AssentaPanel panel, const AssentaHostApp& hostApp, const std::optional<Rect>& sourceFrameInScreen);
   /// Closes any guide and stops all tracking. Safe when nothing is shown.
   void dismiss();
@@ -42,6 +44,7 @@ class AssentaAssistant : public std::enable_shared_from_this<AssentaAssistant> {
   std::shared_ptr<OverlayWindowController> overlayController_;
   Timer trackingTimer_;
   std::unique_ptr<Registration> activationObserver_;
+  std::unique_ptr<ShownAlert> advice_;
   std::optional<AssentaPanel> activePanel_;
   std::optional<Rect> pendingSourceFrameInScreen_;
   bool didPresentCurrentOverlay_ = false;

@@ -22,10 +22,14 @@ double commonArea(const Rect& a, const Rect& b) {
   return width > 0 && height > 0 ? width * height : 0;
 }
 
-/// A settings program may run a second process that never shows anything.
+/// The one in front, of several settings programs. A settings program may run a second process that never shows
+/// anything.
 std::optional<RunningApplication> settingsApplication() {
+  const auto frontmost = platform().runningApplications.frontmost();
   std::optional<RunningApplication> chosen;
   for (const RunningApplication& one : platform().runningApplications.withBundleIdentifier(SYSTEM_SETTINGS)) {
+    const bool isShown = one.activationPolicy != ActivationPolicy::prohibited;
+    if (isShown && frontmost && one.processIdentifier == frontmost->processIdentifier) return one;
     const bool isBetter = chosen && chosen->activationPolicy == ActivationPolicy::prohibited &&
                           one.activationPolicy != ActivationPolicy::prohibited;
     if (!chosen || isBetter) chosen = one;

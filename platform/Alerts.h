@@ -14,7 +14,8 @@ struct Alert {
   AlertStyle style = AlertStyle::informational;
   std::string message;
   std::string informativeText;
-  /// The first is the default and answers Return. A button named "Cancel", "Quit" or "Not Now" answers Escape.
+  /// The first is the default and answers Return. A button named "Cancel", "Quit" or "Not Now" answers Escape, and
+  /// so does the only one.
   std::vector<std::string> buttons{"OK"};
 };
 

@@ -21,6 +21,8 @@ class Updater {
   [[nodiscard]] virtual bool automaticallyDownloadsUpdates() const = 0;
   virtual void setAutomaticallyDownloadsUpdates(bool on) = 0;
 
+  /// Whether there is anywhere to look: without a feed no switch and no button does anything.
+  [[nodiscard]] virtual bool hasFeed() const = 0;
   /// False during a check, and where there is nowhere to look.
   [[nodiscard]] virtual bool canCheckForUpdates() const = 0;
   /// Calls `handler` after every change of `canCheckForUpdates` and `status` while the registration lives.
@@ -29,7 +31,8 @@ class Updater {
   /// Looks now, because the user asked: what comes of it, good or bad, is told in `status`.
   virtual void checkForUpdates() = 0;
 
-  /// Puts an update that was fetched earlier in the place of the running bundle. True: what stands at the bundle's path
+  /// Puts an update that was fetched earlier in the place of the running bundle, unless it was fetched by itself and
+  /// this was switched off since. True: what stands at the bundle's path
   /// now is the new one, and the caller starts it and ends. False: there was none, or it could not be (see `status`).
   /// Costs nothing without one; else blocks for about a second.
   virtual bool installStagedUpdate() = 0;

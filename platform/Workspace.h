@@ -44,6 +44,8 @@ class Workspace {
   [[nodiscard]] virtual std::string iconForFile(const std::string& path) const = 0;
   /// Opens an application bundle, a file or an address the way the desktop does; false when it cannot.
   virtual bool open(const std::string& pathOrAddress) = 0;
+  /// Where to look instead, in words for people, when `open` could not open the address of a settings page.
+  [[nodiscard]] virtual std::string adviceFor(const std::string& settingsAddress) const = 0;
 
   /// Lists the application in the desktop's menus, under its own icon and at the place where `bundle` stands now.
   /// Costs nothing when it is listed so already; a failure is ignored.
@@ -65,8 +67,10 @@ class LoginItems {
   /// What the desktop thinks of the job whose property list is at `path`. Only requiresApproval is special: the
   /// user switched the program off in the desktop's own settings, and only the user can switch it on again.
   [[nodiscard]] virtual LoginItemStatus status(const std::string& path) const = 0;
-  /// Opens the settings page with that switch.
-  virtual void openSettings() = 0;
+  /// Opens the settings page with that switch; false when it cannot.
+  virtual bool openSettings() = 0;
+  /// Where to switch it on instead, in words for people.
+  [[nodiscard]] virtual std::string advice() const = 0;
 };
 
 }  // namespace dormel

@@ -74,11 +74,28 @@ void SettingsView::refresh() {
 
 void SettingsView::lookAtTheHours() { blockingNow_ = isBlockingNow(); }
 
+bool SettingsView::store(const char* key, PropertyListValue value) {
+  DefaultsStore& defaults = platform().defaults;
+  const auto before = defaults.object(key);
+  defaults.set(key, std::move(value));
+  const bool kept = defaults.synchronize();
+  if (!kept) {
+    // The night is another process: what holds only here would be no setting but a promise that is broken.
+    if (before) {
+      defaults.set(key, *before);
+    } else {
+      defaults.remove(key);
+    }
+  }
+  unsaved_ = kept ? std::string() : std::string(key);
+  return kept;
+}
+
 void SettingsView::setEnabled(bool enabled) {
   lookAtTheHours();  // they may have begun since the last look
   if (enabled == enabled_ || (!enabled && isLockedIn())) return;
+  if (!store(defaultsKey::blockingEnabled, {enabled})) return;
   enabled_ = enabled;
-  platform().defaults.set(defaultsKey::blockingEnabled, {enabled});
   trace(std::string("dormel ") + (enabled ? "enabled" : "disabled") + " by user");
 }
 
@@ -101,7 +118,10 @@ void SettingsView::commitStartHour() {
     return;
   }
   const int hour = startHour_;
-  platform().defaults.set(defaultsKey::blockStartHour, {std::int64_t{hour}});
+  if (!store(defaultsKey::blockStartHour, {std::int64_t{hour}})) {
+    startHour_ = Config::startHour();
+    return;
+  }
   platform().defaults.set(defaultsKey::blockEndHour, {std::int64_t{UNLOCK_HOUR}});
   if (Config::onboardingComplete() && !hooks_.installAgent()) hooks_.onAgentNotInstalled();
   trace("schedule updated → lock " + hourLabel(hour));
@@ -114,9 +134,8 @@ std::string SettingsView::scheduleText() const {
 }
 
 void SettingsView::setUse24Hour(bool on) {
-  if (on == use24Hour_) return;
+  if (on == use24Hour_ || !store(defaultsKey::use24HourClock, {on})) return;
   use24Hour_ = on;
-  platform().defaults.set(defaultsKey::use24HourClock, {on});
 }
 
 std::string SettingsView::permissionText() const {
@@ -136,6 +155,7 @@ void SettingsView::setAutoUpdates(bool on) {
 }
 
 std::string SettingsView::autoUpdatesText() const {
+  if (!canUpdate()) return "This copy doesn't look for updates. To update it, open a newer copy.";
   return autoUpdates_ ? "Dormel updates itself overnight. Nothing to click."
                       : "Updates arrive only when you check by hand.";
 }

@@ -13,6 +13,7 @@
 
 #include "core/Observable.h"
 #include "platform/Geometry.h"
+#include "platform/PropertyList.h"
 #include "platform/RunLoop.h"
 #include "platform/Updater.h"
 #include "platform/View.h"
@@ -40,6 +41,11 @@ class SettingsView : public View, public Observable, public std::enable_shared_f
   /// The window goes; so does the guide to the permission.
   void onDisappear();
 
+  /// What the user changed last could not be written, so it is as it was before: the controls show what is stored.
+  [[nodiscard]] bool isUnsaved(const char* key) const { return *unsaved_ == key; }
+  /// Said beside the control of that key.
+  [[nodiscard]] static std::string unsavedText() { return "Your settings can't be saved. Nothing was changed."; }
+
   [[nodiscard]] bool isEnabled() const { return enabled_; }
   /// The master switch. Switching off while locked in does nothing.
   void setEnabled(bool enabled);
@@ -64,6 +70,8 @@ class SettingsView : public View, public Observable, public std::enable_shared_f
   /// Leads to the permission. `from` is where on the screens the user asked for it, if that is known.
   void openAccessibilitySettings(const std::optional<Rect>& from) const;
 
+  /// Whether this copy can be updated at all: otherwise the text says so, and nothing is offered.
+  [[nodiscard]] bool canUpdate() const { return updater_.hasFeed(); }
   [[nodiscard]] bool autoUpdates() const { return autoUpdates_; }
   void setAutoUpdates(bool on);
   [[nodiscard]] std::string autoUpdatesText() const;
@@ -84,6 +92,7 @@ class SettingsView : public View, public Observable, public std::enable_shared_f
   void refresh();
   void lookAtTheHours();
   void commitStartHour();
+  bool store(const char* key, PropertyListValue value);
   void followUpdater();
 
   Updater& updater_;
@@ -93,6 +102,7 @@ class SettingsView : public View, public Observable, public std::enable_shared_f
   Published<bool> enabled_;
   Published<bool> blockingNow_;
   Published<bool> use24Hour_;
+  Published<std::string> unsaved_{this, {}};  // the key
   Published<bool> autoUpdates_{this, true};
   Published<bool> canCheckForUpdates_{this, false};
   Published<std::string> updateStatus_{this, {}};

@@ -25,7 +25,8 @@ class SimUpdater : public Updater {
     journal_.note("automatic downloads ", on ? "on" : "off");
     downloads_ = on;
   }
-  [[nodiscard]] bool canCheckForUpdates() const override { return canCheck_; }
+  [[nodiscard]] bool hasFeed() const override { return hasFeed_; }
+  [[nodiscard]] bool canCheckForUpdates() const override { return canCheck_ && hasFeed_; }
   [[nodiscard]] std::unique_ptr<Registration> observe(Task handler) override {
     return observers_.add(std::move(handler));
   }
@@ -38,6 +39,7 @@ class SimUpdater : public Updater {
   [[nodiscard]] std::string status() const override { return status_; }
 
   // The world's side.
+  void setHasFeed(bool has) { hasFeed_ = has; }
   void setCanCheck(bool can) {
     canCheck_ = can;
     observers_.call();
@@ -60,6 +62,7 @@ class SimUpdater : public Updater {
   bool checks_ = true;
   bool downloads_ = true;
   bool canCheck_ = true;
+  bool hasFeed_ = true;
   bool staged_ = false;
   std::string status_;
   HandlerList observers_;

@@ -28,7 +28,7 @@ bool SimWorkspace::isOnReadOnlyImage(const std::string& path) const {
 
 bool SimWorkspace::open(const std::string& pathOrAddress) {
   journal_.note("open ", pathOrAddress);
-  return true;
+  return hasSettings_ || !pathOrAddress.starts_with("x-apple.systempreferences:");
 }
 
 void SimWorkspace::registerApplication(const std::string& bundle) {

@@ -28,12 +28,17 @@ class SimWorkspace : public Workspace {
   [[nodiscard]] std::vector<std::string> runningBundles() const override { return running_; }
   [[nodiscard]] std::string iconForFile(const std::string& path) const override { return path + "/icon.png"; }
   bool open(const std::string& pathOrAddress) override;
+  [[nodiscard]] std::string adviceFor(const std::string& settingsAddress) const override {
+    return "Look for " + settingsAddress.substr(settingsAddress.find('?') + 1) + ".";
+  }
   void registerApplication(const std::string& bundle) override;
   void forgetApplication() override;
   /// Only recorded: nothing on the disk changes.
   std::optional<AuthorizationError> runAsAdministrator(const std::string& command) override;
 
   // The world's side.
+  /// Whether this desktop has settings pages that can be opened.
+  void setHasSettings(bool has) { hasSettings_ = has; }
   /// Where a program moves itself to; nothing for no such place.
   void setLocalApplicationsDirectory(std::optional<std::string> folder) { localFolder_ = std::move(folder); }
   /// A symbolic link to a folder.
@@ -54,6 +59,7 @@ class SimWorkspace : public Workspace {
   std::map<std::string, std::string> links_;
   std::vector<std::string> images_;
   std::vector<std::string> running_;
+  bool hasSettings_ = true;
   std::optional<AuthorizationError> answer_;
   std::string listed_;
 };
@@ -63,13 +69,19 @@ class SimLoginItems : public LoginItems {
   explicit SimLoginItems(SimJournal& journal) : journal_(journal) {}
 
   [[nodiscard]] LoginItemStatus status(const std::string& /*path*/) const override { return status_; }
-  void openSettings() override { journal_.note("login items page opened"); }
+  bool openSettings() override {
+    if (hasSettings_) journal_.note("login items page opened");
+    return hasSettings_;
+  }
+  [[nodiscard]] std::string advice() const override { return "Look among what starts at login."; }
 
   void setStatus(LoginItemStatus status) { status_ = status; }
+  void setHasSettings(bool has) { hasSettings_ = has; }
 
  private:
   SimJournal& journal_;
   LoginItemStatus status_ = LoginItemStatus::enabled;
+  bool hasSettings_ = true;
 };
 
 }  // namespace dormel

@@ -5,6 +5,7 @@
 #include <QQuickItem>
 #include <memory>
 
+#include "core/Config.h"
 #include "platform/linux/qt/ViewBridge.h"
 #include "settings/SettingsView.h"
 
@@ -24,6 +25,11 @@ class SettingsBridge : public ViewBridge {
   Q_PROPERTY(bool use24Hour READ use24Hour NOTIFY changed)
   Q_PROPERTY(bool trusted READ trusted NOTIFY changed)
   Q_PROPERTY(QString permissionText READ permissionText NOTIFY changed)
+  /// Beside the control whose change could not be saved; empty otherwise.
+  Q_PROPERTY(QString switchUnsaved READ switchUnsaved NOTIFY changed)
+  Q_PROPERTY(QString hourUnsaved READ hourUnsaved NOTIFY changed)
+  Q_PROPERTY(QString clockUnsaved READ clockUnsaved NOTIFY changed)
+  Q_PROPERTY(bool canUpdate READ canUpdate CONSTANT)
   Q_PROPERTY(bool autoUpdates READ autoUpdates NOTIFY changed)
   Q_PROPERTY(QString autoUpdatesText READ autoUpdatesText NOTIFY changed)
   Q_PROPERTY(bool canCheckForUpdates READ canCheckForUpdates NOTIFY changed)
@@ -50,6 +56,10 @@ class SettingsBridge : public ViewBridge {
   [[nodiscard]] bool use24Hour() const { return settings_->use24Hour(); }
   [[nodiscard]] bool trusted() const { return settings_->isTrusted(); }
   [[nodiscard]] QString permissionText() const { return QString::fromStdString(settings_->permissionText()); }
+  [[nodiscard]] QString switchUnsaved() const { return unsaved(defaultsKey::blockingEnabled); }
+  [[nodiscard]] QString hourUnsaved() const { return unsaved(defaultsKey::blockStartHour); }
+  [[nodiscard]] QString clockUnsaved() const { return unsaved(defaultsKey::use24HourClock); }
+  [[nodiscard]] bool canUpdate() const { return settings_->canUpdate(); }
   [[nodiscard]] bool autoUpdates() const { return settings_->autoUpdates(); }
   [[nodiscard]] QString autoUpdatesText() const { return QString::fromStdString(settings_->autoUpdatesText()); }
   [[nodiscard]] bool canCheckForUpdates() const { return settings_->canCheckForUpdates(); }
@@ -72,6 +82,10 @@ class SettingsBridge : public ViewBridge {
   void appear() override { settings_->onAppear(); }
 
  private:
+  [[nodiscard]] QString unsaved(const char* key) const {
+    return settings_->isUnsaved(key) ? QString::fromStdString(SettingsView::unsavedText()) : QString();
+  }
+
   std::shared_ptr<SettingsView> settings_;
   Observation observation_;
 };

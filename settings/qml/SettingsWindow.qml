@@ -86,6 +86,12 @@ Item {
                     visible: root.view.lockedIn
                     text: "Can't turn Dormel off during blocking hours."
                 }
+                CardNote {
+                    x: 24
+                    width: parent.width - x
+                    visible: text !== ""
+                    text: root.view.switchUnsaved
+                }
             }
             SectionCard {
                 width: parent.width
@@ -111,6 +117,10 @@ Item {
                     visible: root.view.lockedIn
                     text: "Can't change the schedule during blocking hours."
                 }
+                CardNote {
+                    visible: text !== ""
+                    text: root.view.hourUnsaved
+                }
             }
             SectionCard {
                 width: parent.width
@@ -125,6 +135,10 @@ Item {
                         current: root.view.use24Hour ? 0 : 1
                         onChosen: index => root.view.setUse24Hour(index === 0)
                     }
+                }
+                CardNote {
+                    visible: text !== ""
+                    text: root.view.clockUnsaved
                 }
             }
             SectionCard {
@@ -153,6 +167,7 @@ Item {
                     spacing: 4
 
                     CardLine {
+                        visible: root.view.canUpdate
                         title: "Install updates automatically"
                         height: 24
 
@@ -166,8 +181,11 @@ Item {
                         text: root.view.autoUpdatesText
                     }
                 }
-                CardHairline {}
+                CardHairline {
+                    visible: root.view.canUpdate
+                }
                 PushButton {
+                    visible: root.view.canUpdate
                     text: "Check for Updates…"
                     enabled: root.view.canCheckForUpdates
                     onClicked: root.view.checkForUpdates()

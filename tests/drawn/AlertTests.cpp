@@ -13,6 +13,7 @@ namespace {
 
 const Alert MOVE{AlertStyle::informational, "Move?", "To the folder.", {"Move", "Quit"}};
 const Alert THREE{AlertStyle::warning, "Which?", "", {"Save", "Cancel", "Discard"}};
+const Alert BOTH{AlertStyle::warning, "Which?", "", {"This", "That"}};
 const Alert PLAIN{AlertStyle::critical, "It failed.", "", {"OK"}};
 
 TEST(AlertTest, IsAnsweredByTheKeyboard) {
@@ -32,7 +33,8 @@ TEST(AlertTest, IsAnsweredByTheKeyboard) {
            Case{"Enter", PLAIN, tap({Qt::Key_Enter}), 0},
            Case{"Escape", MOVE, tap({Qt::Key_Escape}), 1},
            Case{"Escape past others", THREE, tap({Qt::Key_Escape}), 1},
-           Case{"Escape without a cancelling button", PLAIN, tap({Qt::Key_Escape}), std::nullopt},
+           Case{"Escape at the only button", PLAIN, tap({Qt::Key_Escape}), 0},
+           Case{"Escape without a cancelling button", BOTH, tap({Qt::Key_Escape}), std::nullopt},
            Case{"Tab, Space", MOVE, tap({Qt::Key_Tab, Qt::Key_Space}), 1},
            Case{"Tab twice, Return", THREE, tap({Qt::Key_Tab, Qt::Key_Tab, Qt::Key_Return}), 2},
            Case{"Tab round", MOVE, tap({Qt::Key_Tab, Qt::Key_Tab, Qt::Key_Return}), 0},
@@ -71,7 +73,8 @@ TEST(AlertTest, AssistiveToolsCanReadAndPressIt) {
 }
 
 TEST(AlertTest, TheDesktopsCloseCancelsOrDoesNothing) {
-  for (const auto& [alert, answer] : {std::pair{MOVE, std::vector<int>{1}}, {PLAIN, std::vector<int>{}}}) {
+  for (const auto& [alert, answer] :
+       {std::pair{MOVE, std::vector<int>{1}}, {PLAIN, std::vector<int>{0}}, {BOTH, std::vector<int>{}}}) {
     OpenWindows windows;
     QtAlerts alerts(windows.group);
     std::vector<int> answers;

@@ -253,6 +253,25 @@ TEST_F(SettingsWindowTest, ShowsWhereThingsStand) {
   EXPECT_FALSE(desk.isAnimating()) << "it rests";
 }
 
+TEST_F(SettingsWindowTest, OffersNoUpdatesWithoutAFeedAndSaysWhatWasNotSaved) {
+  desk.machine.updater.setHasFeed(false);
+  open();
+  for (const char* name : {"Install updates automatically", "Check for Updates…"}) {
+    const QQuickItem* offered = control(name);
+    EXPECT_TRUE(offered == nullptr || !offered->isVisible()) << name;
+  }
+  const auto warned = [&] {
+    rest();
+    const QQuickItem* note = control("Your settings can't be saved. Nothing was changed.");
+    return note != nullptr && note->isVisible();
+  };
+  EXPECT_FALSE(warned());
+  desk.machine.defaults.setWritable(false);
+  view->setEnabled(false);
+  EXPECT_TRUE(warned());
+  EXPECT_TRUE(control("Enabled")->isVisible());
+}
+
 TEST_F(SettingsWindowTest, ScrollsByWheelAndIsDraggedByItsBackground) {
   open();
   EXPECT_EQ(grabberOfPressAt({10, 400}), nullptr);

@@ -140,8 +140,24 @@ TEST_F(AssistantTest, ChoosesTheWindow) {
   }
   EXPECT_EQ(SettingsWindowLocator::userInterfaceGeometry({1820, -100, 600, 500}).visibleFrame,
             (Rect{1920, 300, 1280, 976}));
+  machine.others.setRunning({SETTINGS, second});
+  machine.others.setWindows({{{71, 0, Rect{300, 180, 980, 700}}, WINDOW}});
+  front(second);
+  EXPECT_EQ(SettingsWindowLocator::frontmostWindow()->pid, 71) << "of two settings programs the one in front";
   front(EDITOR);
   EXPECT_FALSE(SettingsWindowLocator::frontmostWindow());
+}
+
+TEST_F(AssistantTest, SaysWhereToLookWhereThePageCannotBeOpened) {
+  machine.workspace.setHasSettings(false);
+  present();
+  ASSERT_EQ(machine.alerts.shown().size(), 1U);
+  EXPECT_EQ(machine.alerts.shown().front().informativeText, "Look for Privacy_Accessibility.");
+  assistant().dismiss();
+  EXPECT_TRUE(machine.alerts.shown().empty());
+  machine.workspace.setHasSettings(true);
+  present();
+  EXPECT_TRUE(machine.alerts.shown().empty());
 }
 
 TEST_F(AssistantTest, FollowsHidesAndReturns) {

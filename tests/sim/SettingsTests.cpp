@@ -110,6 +110,49 @@ TEST(Settings, WhatTheUserChoosesIsStoredAndSaidUnlessItLoosensTheLock) {
   }
 }
 
+TEST(Settings, AWriteThatFailsChangesNothingAndSaysSo) {
+  const struct {
+    const char* key;
+    std::function<void(SettingsView&)> change;
+  } rows[] = {
+      {defaultsKey::blockingEnabled, [](SettingsView& view) { view.setEnabled(!view.isEnabled()); }},
+      {defaultsKey::blockStartHour, [](SettingsView& view) { view.setStartHour(21); }},
+      {defaultsKey::use24HourClock, [](SettingsView& view) { view.setUse24Hour(!view.use24Hour()); }},
+  };
+  for (const auto& row : rows) {
+    for (const bool enabled : {true, false}) {
+      Page page({"12:00:00", enabled});
+      const std::string before = page.shown();
+      const bool use24Hour = page.view->use24Hour();
+      page.machine.defaults.setWritable(false);
+      row.change(*page.view);
+      EXPECT_EQ(page.shown(), before) << row.key;
+      EXPECT_EQ(page.view->use24Hour(), use24Hour);
+      EXPECT_TRUE(page.view->isUnsaved(row.key));
+      EXPECT_EQ(Config::blockingEnabled(), enabled) << "nor for this process alone";
+      EXPECT_EQ(Config::startHour(), 22);
+      EXPECT_EQ(page.effects().find("armed"), std::string::npos);
+      page.machine.defaults.setWritable(true);
+      row.change(*page.view);
+      EXPECT_FALSE(page.view->isUnsaved(row.key));
+      EXPECT_TRUE(page.shown() != before || page.view->use24Hour() != use24Hour) << row.key;
+    }
+  }
+}
+
+TEST(Settings, ACopyWithoutAFeedOffersNoUpdates) {
+  for (const bool hasFeed : {true, false}) {
+    SimMachine machine;
+    machine.updater.setHasFeed(hasFeed);
+    const auto view = SettingsView::create(machine.updater, {});
+    view->onAppear();
+    EXPECT_EQ(view->canUpdate(), hasFeed);
+    EXPECT_EQ(view->autoUpdatesText(), hasFeed
+                                           ? "Dormel updates itself overnight. Nothing to click."
+                                           : "This copy doesn't look for updates. To update it, open a newer copy.");
+  }
+}
+
 TEST(Settings, FollowsTheMachineWithinTwoSeconds) {
   Page page({"12:00:00"});
   AssentaAssistant& guide = AssentaAssistant::shared();

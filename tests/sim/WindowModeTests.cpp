@@ -165,6 +165,21 @@ TEST(WindowMode, LooksForTheSwitchWheneverTheUserComesBack) {
   }
 }
 
+TEST(WindowMode, SaysWhereToLookWhereNoSettingsPageCanBeOpened) {
+  Program program;
+  program.machine.scheduler.setSwitchedOff(true);
+  program.machine.loginItems.setStatus(Status::requiresApproval);
+  program.machine.loginItems.setHasSettings(false);
+  program.open();
+  program.answer("Open Login Items");
+  const auto shown = program.machine.alerts.shown();
+  ASSERT_EQ(shown.size(), 1U);
+  EXPECT_EQ(shown.front().informativeText, program.machine.loginItems.advice());
+  program.answer("OK");
+  EXPECT_TRUE(program.machine.alerts.shown().empty());
+  EXPECT_TRUE(program.delegate().awaitingLoginItemsFix());
+}
+
 TEST(WindowMode, TheAlertOfARefusedJobWaitsForItsReader) {
   Program program;
   program.machine.scheduler.setBootstrapFailure(5);

@@ -134,13 +134,43 @@ TEST_F(UpdaterTest, KnowsWhatWaitsAndForgetsIt) {
   EXPECT_FALSE(updater->canCheckForUpdates() || machine.defaults.object(updateKey::lastCheck));
 }
 
+TEST_F(UpdaterTest, WhatWasFetchedBeforeItWasSwitchedOffStaysWhereItIs) {
+  const std::string ready = "Dormel 1.1 is ready and will be installed when you open Dormel again.";
+  helper.staged = "1.1";
+  helper.placed = {Kind::installed, "1.1"};
+  start();
+  EXPECT_EQ(updater->status(), ready);
+  updater->setAutomaticallyDownloadsUpdates(false);
+  EXPECT_EQ(updater->status(), "");
+  EXPECT_FALSE(updater->installStagedUpdate());
+  start();
+  EXPECT_EQ(updater->status(), "");
+  EXPECT_FALSE(updater->installStagedUpdate()) << "nor in the next process";
+  updater->setAutomaticallyDownloadsUpdates(true);
+  EXPECT_EQ(updater->status(), ready);
+
+  machine.advance(10);
+  updater->setAutomaticallyDownloadsUpdates(false);  // in the middle of a download
+  EXPECT_EQ(after({{Kind::fetching, "1.1"}, {Kind::ready, "1.1"}}), "");
+  EXPECT_FALSE(updater->installStagedUpdate());
+
+  updater->checkForUpdates();
+  EXPECT_EQ(after({{Kind::ready, "1.1"}}), ready);
+  start();
+  EXPECT_EQ(updater->status(), ready);
+  EXPECT_TRUE(updater->installStagedUpdate()) << "the user asked for this one";
+  helper.staged = "1.2";  // the job's process fetched it meanwhile
+  start();
+  EXPECT_FALSE(updater->installStagedUpdate()) << "but not for that one";
+}
+
 TEST_F(UpdaterTest, NothingIsAskedWithoutAFeed) {
   helper.staged = "1.1";
   helper.placed = {Kind::installed, "1.1"};
   start(false);
   machine.advance(24 * HOUR);
   updater->checkForUpdates();
-  EXPECT_FALSE(updater->installStagedUpdate() || updater->canCheckForUpdates());
+  EXPECT_FALSE(updater->installStagedUpdate() || updater->canCheckForUpdates() || updater->hasFeed());
   EXPECT_EQ(helper.asked(), Asked{});
   EXPECT_EQ(updater->status(), "");
 }

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 
+#include "platform/Identifiers.h"
 #include "platform/linux/freedesktop/AutostartEntry.h"
 
 namespace dormel::freedesktop {
@@ -21,6 +22,11 @@ LoginItemStatus AutostartLoginItems::status(const std::string& path) const {
   return ::access(path.c_str(), F_OK) == 0 ? LoginItemStatus::notRegistered : LoginItemStatus::notFound;
 }
 
-void AutostartLoginItems::openSettings() { static_cast<void>(opener_.openSettings(SettingsPage::autostart)); }
+bool AutostartLoginItems::openSettings() { return opener_.openSettings(SettingsPage::autostart); }
+
+std::string AutostartLoginItems::advice() const {
+  return settingsAdvice(SettingsPage::autostart) + " Where there is no such page, delete the file " +
+         AutostartEntry(BUNDLE_IDENTIFIER).path() + " and open Dormel again.";
+}
 
 }  // namespace dormel::freedesktop

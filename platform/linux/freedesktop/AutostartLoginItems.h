@@ -12,7 +12,8 @@ class AutostartLoginItems final : public LoginItems {
   AutostartLoginItems(ChildProcesses& children, StandardOutput& output) : opener_(children, output) {}
 
   [[nodiscard]] LoginItemStatus status(const std::string& path) const override;
-  void openSettings() override;
+  bool openSettings() override;
+  [[nodiscard]] std::string advice() const override;
 
  private:
   Opener opener_;

@@ -114,6 +114,10 @@ std::string DesktopWorkspace::iconForFile(const std::string& path) const {
 
 bool DesktopWorkspace::open(const std::string& pathOrAddress) { return opener_.open(pathOrAddress); }
 
+std::string DesktopWorkspace::adviceFor(const std::string& settingsAddress) const {
+  return settingsAdvice(settingsPageAt(settingsAddress).value_or(SettingsPage::accessibility));
+}
+
 void DesktopWorkspace::registerApplication(const std::string& bundle) {
   if (const auto error = ApplicationEntry(BUNDLE_IDENTIFIER).write(bundle)) {
     output_.printError("Dormel: cannot be listed among the applications: " + error->message);

@@ -32,6 +32,7 @@ class DesktopWorkspace final : public Workspace {
   /// A bundle's own picture; of anything else the desktop's theme decides.
   [[nodiscard]] std::string iconForFile(const std::string& path) const override;
   bool open(const std::string& pathOrAddress) override;
+  [[nodiscard]] std::string adviceFor(const std::string& settingsAddress) const override;
   void registerApplication(const std::string& bundle) override;
   void forgetApplication() override;
   /// Through polkit, whose dialogue shows on the desktop (or in the terminal, where there is none).

@@ -136,6 +136,21 @@ std::vector<Command> settingsCommands(SettingsPage page, std::string_view curren
   return commands;
 }
 
+std::string settingsAdvice(SettingsPage page) {
+  const std::string opening = "Dormel does not know the settings of this desktop. Open them yourself, and look for ";
+  switch (page) {
+    case SettingsPage::accessibility:
+      return opening + "what programs may do with the keyboard; it often goes by Accessibility or Privacy.";
+    case SettingsPage::screenRecording:
+      return opening + "which programs may see the screen; it often goes by Privacy.";
+    case SettingsPage::appManagement:
+      return opening + "what the installed programs may do; it often goes by Applications.";
+    case SettingsPage::autostart:
+      break;
+  }
+  return opening + "what starts when you log in, and switch Dormel on there.";
+}
+
 bool isSettingsProgram(std::string_view windowName) {
   // Cinnamon's, opened on one page, has the page in its name: "cinnamon-settings universal-access".
   windowName = windowName.substr(0, windowName.find(' '));

@@ -26,6 +26,9 @@ enum class SettingsPage {
 [[nodiscard]] std::vector<std::vector<std::string>> settingsCommands(SettingsPage page,
                                                                      std::string_view currentDesktop);
 
+/// Where to look, in words for people, on a desktop that has no such page for us to open.
+[[nodiscard]] std::string settingsAdvice(SettingsPage page);
+
 /// Whether a window with that name in its WM_CLASS (or a program with that desktop id) is one of those settings
 /// programs, on whichever desktop: some are used on several. Case does not count.
 [[nodiscard]] bool isSettingsProgram(std::string_view windowName);

@@ -8,7 +8,8 @@ std::optional<std::size_t> AlertView::cancelButton() const {
       if (alert_.buttons[i] == cancelling) return i;
     }
   }
-  return std::nullopt;
+  // Nothing to decide: every way out of it is the same.
+  return alert_.buttons.size() == 1 ? std::optional<std::size_t>(0) : std::nullopt;
 }
 
 }  // namespace dormel

@@ -26,7 +26,7 @@ BundleUpdater::BundleUpdater(Clock& clock, RunLoop& loop, DefaultsStore& default
       self_(std::make_shared<BundleUpdater*>(this)) {
   if (!options_.enabled) return;
   options_.interval = std::max(options_.interval, SHORTEST_INTERVAL);
-  if (auto version = helper_.waiting()) say({Verdict::Kind::ready, std::move(*version)});
+  sayWhatWaits();
   lookLater(options_.firstLook);
 }
 
@@ -40,18 +40,23 @@ bool BundleUpdater::automaticallyDownloadsUpdates() const {
   return defaults_.boolean(updateKey::downloads).value_or(true);
 }
 
-void BundleUpdater::setAutomaticallyDownloadsUpdates(bool on) { defaults_.set(updateKey::downloads, {on}); }
+void BundleUpdater::setAutomaticallyDownloadsUpdates(bool on) {
+  defaults_.set(updateKey::downloads, {on});
+  if (options_.enabled && !looking_) sayWhatWaits();
+}
 
 bool BundleUpdater::canCheckForUpdates() const { return options_.enabled && !looking_; }
 
 std::unique_ptr<Registration> BundleUpdater::observe(Task handler) { return observers_.add(std::move(handler)); }
 
 void BundleUpdater::checkForUpdates() {
-  if (canCheckForUpdates()) look(true);
+  if (canCheckForUpdates()) look(true, true);
 }
 
 bool BundleUpdater::installStagedUpdate() {
   if (!options_.enabled || looking_) return false;
+  const auto version = helper_.waiting();
+  if (version && !isWanted(*version)) return false;
   const Verdict verdict = helper_.install();
   say(verdict);  // nothing, too: what seemed to wait was of no use any more
   return verdict.kind == Verdict::Kind::installed;
@@ -75,13 +80,31 @@ void BundleUpdater::lookLater(Seconds delay) {
 void BundleUpdater::lookIfDue() {
   if (!options_.enabled) return;
   // Asked afresh: another process of ours may have looked, or the user switched it off there.
-  if (untilDue() <= 0 && !looking_ && automaticallyChecksForUpdates()) look(automaticallyDownloadsUpdates());
+  if (untilDue() <= 0 && !looking_ && automaticallyChecksForUpdates()) look(automaticallyDownloadsUpdates(), false);
   const std::int64_t rest = untilDue();
   lookLater(static_cast<Seconds>(rest > 0 ? std::min(rest, NAP) : NAP));
 }
 
-void BundleUpdater::look(bool fetch) {
+bool BundleUpdater::isWanted(const std::string& version) const {
+  if (automaticallyDownloadsUpdates()) return true;
+  const auto askedFor = defaults_.object(updateKey::askedFor);
+  const auto* text = askedFor ? askedFor->as<std::string>() : nullptr;
+  return text != nullptr && *text == version;
+}
+
+void BundleUpdater::sayWhatWaits() {
+  const auto version = helper_.waiting();
+  if (!version) return;
+  if (isWanted(*version)) {
+    say({Verdict::Kind::ready, *version});
+  } else {
+    say({Verdict::Kind::nothing});
+  }
+}
+
+void BundleUpdater::look(bool fetch, bool byHand) {
   looking_ = true;
+  byHand_ = byHand;
   heard_ = {};
   status_ = "Looking for updates…";
   // Noted before anything can go wrong: a server, or a program, that fails is not asked again at once.
@@ -104,7 +127,10 @@ void BundleUpdater::ended() {
   looking_ = false;
   // A helper that fell silent in the middle of a download: the verdict that it owes is that one.
   if (heard_.kind == Verdict::Kind::fetching) heard_.kind = Verdict::Kind::notFetched;
-  say(heard_);
+  if (heard_.kind == Verdict::Kind::ready && byHand_) defaults_.set(updateKey::askedFor, {heard_.version});
+  // Switched off while it was fetched: it is going to stay where it is.
+  const bool rests = heard_.kind == Verdict::Kind::ready && !isWanted(heard_.version);
+  say(rests ? Verdict{Verdict::Kind::nothing} : heard_);
 }
 
 void BundleUpdater::say(const Verdict& verdict) {

@@ -25,7 +25,8 @@ class UpdateHelper;
 namespace updateKey {
 inline constexpr const char* checks = "SUEnableAutomaticChecks";
 inline constexpr const char* downloads = "SUAutomaticallyUpdate";
-inline constexpr const char* lastCheck = "SULastCheckTime";  ///< whole seconds since 1970
+inline constexpr const char* lastCheck = "SULastCheckTime";   ///< whole seconds since 1970
+inline constexpr const char* askedFor = "SUAskedForVersion";  ///< what waits because the user looked by hand
 }  // namespace updateKey
 
 class BundleUpdater final : public Updater {
@@ -44,6 +45,7 @@ class BundleUpdater final : public Updater {
   void setAutomaticallyChecksForUpdates(bool on) override;
   [[nodiscard]] bool automaticallyDownloadsUpdates() const override;
   void setAutomaticallyDownloadsUpdates(bool on) override;
+  [[nodiscard]] bool hasFeed() const override { return options_.enabled; }
   [[nodiscard]] bool canCheckForUpdates() const override;
   [[nodiscard]] std::unique_ptr<Registration> observe(Task handler) override;
   void checkForUpdates() override;
@@ -54,7 +56,9 @@ class BundleUpdater final : public Updater {
  private:
   void lookLater(Seconds delay);
   void lookIfDue();
-  void look(bool fetch);
+  void look(bool fetch, bool byHand);
+  void sayWhatWaits();
+  [[nodiscard]] bool isWanted(const std::string& version) const;
   void heard(const Verdict& verdict);
   void ended();
   void say(const Verdict& verdict);
@@ -67,6 +71,7 @@ class BundleUpdater final : public Updater {
   UpdateHelper& helper_;
   Options options_;
   bool looking_ = false;
+  bool byHand_ = false;  // the look that is under way
   Verdict heard_;
   std::string status_;
   HandlerList observers_;
