@@ -71,17 +71,13 @@ void stripQuarantine(const std::string& path) {
 
 /// Replaces what stands at `destination` by the running bundle; what went wrong, if anything.
 std::optional<std::string> copyBundle(const std::string& folder, const std::string& destination) {
-  Files& files = platform().files;
   Workspace& workspace = platform().workspace;
-  const bool occupied = files.exists(destination);
+  if (workspace.isSameFile(bundlePath(), destination)) return {};  // another way to where it belongs
+  const bool occupied = platform().files.exists(destination);
   if (!workspace.isWritable(folder) || (occupied && !workspace.isWritable(destination))) {
-    return runAuthorized("rm -rf " + shellQuoted(destination) + " && cp -pR " + shellQuoted(bundlePath()) + " " +
-                         shellQuoted(destination));
+    return runAuthorized(replaceCommand(bundlePath(), destination));
   }
-  if (occupied) {
-    if (const auto error = workspace.moveToTrash(destination)) return error->message;
-  }
-  if (const auto error = workspace.copy(bundlePath(), destination)) return error->message;
+  if (const auto error = workspace.putCopy(bundlePath(), destination)) return error->message;
   return {};
 }
 
@@ -108,6 +104,12 @@ void move() {
   relaunch(destination);
 }
 
+/// Whoever renames the folder takes from it what makes it a bundle. What would be moved then is a folder inside it.
+void refuse() {
+  failInstallation(
+      "Dormel's folder needs a name that ends in \".app\". Rename it to \"Dormel.app\" and open it again.");
+}
+
 void offerToMove() {
   const std::string why = isRunningFromDMG()
                               ? "Dormel is running from a disk image. It needs to be in your Applications folder to "
@@ -124,6 +126,18 @@ void offerToMove() {
 }
 
 }  // namespace
+
+std::string replaceCommand(const std::string& from, const std::string& to) {
+  // The copy is whole and on the disk before anything is touched, and may be changed by its owner, which a disk image
+  // lets nobody.
+  constexpr const char* SCRIPT =
+      "t=$(mktemp -d \"${2%/*}/.${2##*/}.XXXXXX\") || exit; "
+      "cp -pR \"$1\" \"$t/new\" && chmod -R u+w \"$t/new\" && sync -f \"$t\" && "
+      "{ [ ! -e \"$2\" ] || mv -T \"$2\" \"$t/old\"; } && "
+      "{ mv -T \"$t/new\" \"$2\" || { mv -T \"$t/old\" \"$2\"; false; }; }; "
+      "s=$?; chmod -R u+w \"$t\"; [ -e \"$t/old\" ] && [ ! -e \"$2\" ] || rm -rf \"$t\"; exit $s";
+  return "sh -c " + shellQuoted(SCRIPT) + " sh " + shellQuoted(from) + " " + shellQuoted(to);
+}
 
 void relaunch(const std::string& path) {
   // Where the platform brings the tool along, the new copy's: the old one may be gone with its disk by then.
@@ -146,7 +160,7 @@ bool moveToApplicationsFolderIfNeeded(bool isScheduled) {
   platform().application.setActivationPolicy(ActivationPolicy::regular);
   platform().runLoop.asyncAfter(BECOME_REGULAR, [] {
     platform().application.activateIgnoringOthers();
-    platform().runLoop.asyncAfter(BECOME_ACTIVE, offerToMove);
+    platform().runLoop.asyncAfter(BECOME_ACTIVE, platform().bundle.executablePath() ? offerToMove : refuse);
   });
   return false;
 }

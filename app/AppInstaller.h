@@ -17,6 +17,10 @@ namespace dormel::AppInstaller {
 /// Whether the bundle runs from a read-only disk image.
 [[nodiscard]] bool isRunningFromDMG();
 
+/// What the administrator's shell is asked for: a copy of the bundle at `from` in the place of what stands at `to`,
+/// which is where it was when anything fails.
+[[nodiscard]] std::string replaceCommand(const std::string& from, const std::string& to);
+
 /// Ends the process, and has the bundle at `path` opened once it is gone.
 void relaunch(const std::string& path);
 

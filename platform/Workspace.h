@@ -33,10 +33,13 @@ class Workspace {
   /// Whether this user may delete the file or folder.
   [[nodiscard]] virtual bool isDeletable(const std::string& path) const = 0;
 
-  /// Moves a file or folder to the desktop's trash.
-  virtual FileResult moveToTrash(const std::string& path) = 0;
-  /// Copies a file or folder with all it holds, permissions and links kept. Nothing may exist at `to`.
-  virtual FileResult copy(const std::string& from, const std::string& to) = 0;
+  /// Whether both paths lead to one file or folder, be it that one disk is mounted at two places.
+  [[nodiscard]] virtual bool isSameFile(const std::string& a, const std::string& b) const = 0;
+
+  /// Puts a copy of a file or folder with all it holds at `to`, links kept and permissions too, but that its owner may
+  /// change it. It appears there whole and safely on the disk. What stood there goes to the desktop's trash, or is
+  /// where it was when anything fails.
+  virtual FileResult putCopy(const std::string& from, const std::string& to) = 0;
 
   /// The bundles of the applications that this user is running now, this process left out.
   [[nodiscard]] virtual std::vector<std::string> runningBundles() const = 0;

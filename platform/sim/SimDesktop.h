@@ -80,7 +80,9 @@ class SimApplication : public Application {
 class SimBundle : public Bundle {
  public:
   [[nodiscard]] std::string path() const override { return path_; }
-  [[nodiscard]] std::optional<std::string> executablePath() const override { return path_ + "/Contents/Linux/Dormel"; }
+  [[nodiscard]] std::optional<std::string> executablePath() const override {
+    return path_.ends_with(".app") ? std::optional(path_ + "/Contents/Linux/Dormel") : std::nullopt;
+  }
   [[nodiscard]] std::optional<std::string> info(const std::string& key) const override {
     const auto found = info_.find(key);
     return found == info_.end() ? std::nullopt : std::optional(found->second);

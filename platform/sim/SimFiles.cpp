@@ -125,36 +125,40 @@ bool SimFiles::isWritable(const std::string& path) const { return (mode(path).va
 
 bool SimFiles::isDeletable(const std::string& path) const { return find(path) != nullptr && !blocked(path, true); }
 
-FileResult SimFiles::copy(const std::string& from, const std::string& to) {
+FileResult SimFiles::putCopy(const std::string& from, const std::string& to) {
   const char* const verb = "copy to ";
   if (!exists(from)) return noted(verb, to, failure(NO_SUCH));
-  if (find(to) != nullptr) return noted(verb, to, failure("File exists"));
   if (const auto error = blocked(to, true)) return noted(verb, to, error);
+  const std::string staging = to + ".copy";
   for (const std::string& path : tree(from)) {
-    const Node node = *find(path);
+    Node node = *find(path);
     if (const auto error = take(node.bytes.size())) {
-      erase(to);
+      erase(staging);
       return noted(verb, to, error);
     }
-    nodes_[to + path.substr(from.size())] = node;
+    node.mode |= node.isFolder ? OWNER_WRITE | OWNER_SEARCH : OWNER_WRITE;
+    nodes_[staging + path.substr(from.size())] = node;
   }
+  if (find(to) != nullptr) moveToTrash(to);
+  moveTree(staging, to);
   return noted(verb, to, {});
 }
 
-FileResult SimFiles::moveToTrash(const std::string& path) {
-  const char* const verb = "trash ";
-  if (find(path) == nullptr) return noted(verb, path, failure(NO_SUCH));
-  if (const auto error = blocked(path, true)) return noted(verb, path, error);
+void SimFiles::moveTree(const std::string& from, const std::string& to) {
+  for (const std::string& name : tree(from)) {
+    auto node = nodes_.extract(name);
+    node.key() = to + name.substr(from.size());
+    nodes_.insert(std::move(node));
+  }
+}
+
+void SimFiles::moveToTrash(const std::string& path) {
   const std::string trash = std::string(HOME) + "/.Trash";
   const std::string to = trash + path.substr(path.rfind('/'));
   putDirectory(trash, 0700);
   erase(to);
-  for (const std::string& name : tree(path)) {
-    auto node = nodes_.extract(name);
-    node.key() = to + name.substr(path.size());
-    nodes_.insert(std::move(node));
-  }
-  return noted(verb, path, {});
+  moveTree(path, to);
+  noted("trash ", path, {});
 }
 
 void SimFiles::put(const std::string& path, std::string_view bytes, unsigned mode) {

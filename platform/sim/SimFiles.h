@@ -30,10 +30,9 @@ class SimFiles : public Files {
   [[nodiscard]] bool isWritable(const std::string& path) const;
   /// Whether this user may take it out of its folder.
   [[nodiscard]] bool isDeletable(const std::string& path) const;
-  /// A file, or a folder with all it holds; nothing may stand at `to`. A copy that fails leaves nothing behind.
-  FileResult copy(const std::string& from, const std::string& to);
-  /// To ~/.Trash, whatever stood there under that name.
-  FileResult moveToTrash(const std::string& path);
+  /// A file, or a folder with all it holds. What stood there goes to ~/.Trash, whatever lay there under that name, once
+  /// the copy is whole. One that fails changes nothing.
+  FileResult putCopy(const std::string& from, const std::string& to);
 
   // The world's side: no permission is asked, nothing goes into the journal.
   /// Puts a file there, and the folders above it.
@@ -62,6 +61,8 @@ class SimFiles : public Files {
   /// Why `path` cannot be reached through its folders, or (`toChange`) its folder's entries cannot be changed.
   [[nodiscard]] FileResult blocked(const std::string& path, bool toChange) const;
   [[nodiscard]] FileResult take(std::size_t bytes);
+  void moveTree(const std::string& from, const std::string& to);
+  void moveToTrash(const std::string& path);
   /// The names of `path` and of all that lies below it.
   [[nodiscard]] std::vector<std::string> tree(const std::string& path) const;
   void giveBack(std::size_t bytes);

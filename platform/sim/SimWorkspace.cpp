@@ -26,6 +26,17 @@ bool SimWorkspace::isOnReadOnlyImage(const std::string& path) const {
                      [&](const std::string& image) { return isAtOrBelow(path, image); });
 }
 
+bool SimWorkspace::isSameFile(const std::string& a, const std::string& b) const {
+  const auto onDisk = [this](const std::string& path) {
+    std::string plain = standardized(path);
+    for (const auto& [mount, folder] : mounts_) {
+      if (isAtOrBelow(plain, mount)) return folder + plain.substr(mount.size());
+    }
+    return plain;
+  };
+  return onDisk(a) == onDisk(b);
+}
+
 bool SimWorkspace::open(const std::string& pathOrAddress) {
   journal_.note("open ", pathOrAddress);
   return hasSettings_ || !pathOrAddress.starts_with("x-apple.systempreferences:");

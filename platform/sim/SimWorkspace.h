@@ -23,8 +23,8 @@ class SimWorkspace : public Workspace {
   [[nodiscard]] bool isOnReadOnlyImage(const std::string& path) const override;
   [[nodiscard]] bool isWritable(const std::string& path) const override { return files_.isWritable(path); }
   [[nodiscard]] bool isDeletable(const std::string& path) const override { return files_.isDeletable(path); }
-  FileResult moveToTrash(const std::string& path) override { return files_.moveToTrash(path); }
-  FileResult copy(const std::string& from, const std::string& to) override { return files_.copy(from, to); }
+  [[nodiscard]] bool isSameFile(const std::string& a, const std::string& b) const override;
+  FileResult putCopy(const std::string& from, const std::string& to) override { return files_.putCopy(from, to); }
   [[nodiscard]] std::vector<std::string> runningBundles() const override { return running_; }
   [[nodiscard]] std::string iconForFile(const std::string& path) const override { return path + "/icon.png"; }
   bool open(const std::string& pathOrAddress) override;
@@ -43,6 +43,8 @@ class SimWorkspace : public Workspace {
   void setLocalApplicationsDirectory(std::optional<std::string> folder) { localFolder_ = std::move(folder); }
   /// A symbolic link to a folder.
   void link(const std::string& path, const std::string& target) { links_[path] = target; }
+  /// The folder's disk is mounted there a second time, which no look at the path tells.
+  void mountAgain(const std::string& path, const std::string& folder) { mounts_[path] = folder; }
   /// A read-only disk image is mounted there.
   void mountImage(const std::string& path);
   void setRunningBundles(std::vector<std::string> bundles) { running_ = std::move(bundles); }
@@ -57,6 +59,7 @@ class SimWorkspace : public Workspace {
   std::vector<std::string> folders_{"/home/user/Applications", "/Applications"};
   std::optional<std::string> localFolder_ = "/Applications";
   std::map<std::string, std::string> links_;
+  std::map<std::string, std::string> mounts_;
   std::vector<std::string> images_;
   std::vector<std::string> running_;
   bool hasSettings_ = true;

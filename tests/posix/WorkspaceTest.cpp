@@ -8,10 +8,13 @@
 #include <map>
 #include <thread>
 
+#include "app/AppInstaller.h"
 #include "platform/Identifiers.h"
 #include "platform/linux/freedesktop/AutostartLoginItems.h"
 #include "platform/linux/freedesktop/DesktopWorkspace.h"
 #include "platform/linux/freedesktop/TextFile.h"
+#include "platform/linux/freedesktop/Trash.h"
+#include "platform/linux/freedesktop/Tree.h"
 #include "platform/linux/posix/PosixChildProcesses.h"
 #include "tests/posix/Child.h"
 #include "tests/posix/TemporaryHome.h"
@@ -20,6 +23,8 @@ namespace dormel {
 namespace {
 
 namespace fs = std::filesystem;
+using freedesktop::copyTree;
+using freedesktop::moveToTrash;
 
 class Recorder final : public StandardOutput {
  public:
@@ -103,15 +108,15 @@ TEST_F(WorkspaceTest, CopiesWholeOrNotAtAll) {
   for (const char* name : {"copy.app", "-rf.app", "two\nlines.app", "übung 'n so.app"}) {
     fs::create_directories(in("Applications"));
     const std::string to = in("Applications") + "/" + name;
-    const auto error = workspace.copy(from, to);
+    const auto error = copyTree(children, from, to);
     EXPECT_FALSE(error) << error->message;
     EXPECT_EQ(listing(to), wanted);
-    EXPECT_TRUE(workspace.copy(from, to)) << "something stands there";
+    EXPECT_TRUE(copyTree(children, from, to)) << "something stands there";
     EXPECT_EQ(listing(to), wanted);
     fs::remove_all(to);
   }
   fs::create_directories(in("Applications/empty.app"));
-  EXPECT_TRUE(workspace.copy(from, in("Applications/empty.app"))) << "an empty folder is something, too";
+  EXPECT_TRUE(copyTree(children, from, in("Applications/empty.app"))) << "an empty folder is something, too";
   EXPECT_TRUE(fs::remove(in("Applications/empty.app"))) << "it is empty still";
   put(from + "/Contents/Resources/large", std::string(20'000, 'x'));
   rlimit limit{};
@@ -119,13 +124,84 @@ TEST_F(WorkspaceTest, CopiesWholeOrNotAtAll) {
   ::signal(SIGXFSZ, SIG_IGN);
   const rlimit tight{8192, limit.rlim_max};
   ::setrlimit(RLIMIT_FSIZE, &tight);
-  const auto full = workspace.copy(from, in("Applications/new.app"));
+  const auto full = copyTree(children, from, in("Applications/new.app"));
   ::setrlimit(RLIMIT_FSIZE, &limit);
   ASSERT_TRUE(full);
   EXPECT_NE(full->message.find("large"), std::string::npos) << full->message;
-  EXPECT_TRUE(workspace.copy(in("missing.app"), in("Applications/new.app")));
-  EXPECT_TRUE(workspace.copy(from, in("missing/new.app")));
+  EXPECT_TRUE(copyTree(children, in("missing.app"), in("Applications/new.app")));
+  EXPECT_TRUE(copyTree(children, from, in("missing/new.app")));
   EXPECT_TRUE(fs::is_empty(in("Applications")));
+}
+
+/// Takes every write permission from a folder and all that it holds, as an image has it.
+void freeze(const std::string& folder) {
+  for (const auto& entry : fs::recursive_directory_iterator(folder)) {
+    if (!entry.is_symlink()) fs::permissions(entry, fs::perms(0222), fs::perm_options::remove);
+  }
+  fs::permissions(folder, fs::perms(0222), fs::perm_options::remove);
+}
+
+TEST_F(WorkspaceTest, MovesOutOfAReadOnlyImageOrLeavesEverythingAsItWas) {
+  const std::string image = in("image/Night's Dormel.app");
+  const std::string place = in("mine/Night's Dormel.app");
+  application(image);
+  ::chmod((image + "/Contents/Linux/Dormel").c_str(), 0755);  // everybody's to read
+  put(image + "/Contents/Resources/large", std::string(20'000, 'x'));
+  freeze(in("image"));
+  ::chmod(home.path().c_str(), 0755);
+  fs::create_directories(in("mine"));
+  const Variable ownData("XDG_DATA_HOME", in("mine/.data"));
+  const auto byHand = [&] { return !workspace.putCopy(image, place); };
+  const auto byAdministrator = [&] {
+    return children.runHearingErrors("/bin/sh", {"-c", AppInstaller::replaceCommand(image, place)}).status == 0;
+  };
+  for (const auto& move : {std::function<bool()>(byHand), std::function<bool()>(byAdministrator)}) {
+    const int status = statusAsOrdinaryUser(in("mine"), [&] {
+      if (!move()) return 1;
+      if (contents(place + "/Contents/Linux/Dormel") != "program") return 2;
+      if (!workspace.isDeletable(place)) return 3;
+      put(place + "/old", "old");
+      if (!move()) return 4;
+      if (fs::exists(place + "/old")) return 5;
+      // From here on the disk is full.
+      put(place + "/old", "old");
+      const auto before = listing(place);
+      ::signal(SIGXFSZ, SIG_IGN);
+      const rlimit tight{8192, 8192};
+      ::setrlimit(RLIMIT_FSIZE, &tight);
+      if (move()) return 6;
+      if (listing(place) != before) return 7;
+      fs::remove_all(in("mine/.data"));
+      return std::distance(fs::directory_iterator(in("mine")), fs::directory_iterator()) == 1 ? 0 : 8;
+    });
+    EXPECT_EQ(status, 0);
+    fs::remove_all(place);
+  }
+}
+
+TEST_F(WorkspaceTest, WhatWentToTheTrashInVainIsPutBack) {
+  const std::string path = in("Night's Dormel.app");
+  application(path);
+  const auto wanted = listing(path);
+  std::optional<freedesktop::Trashed> what;
+  ASSERT_FALSE(moveToTrash(children, path, &what));
+  ASSERT_TRUE(what);
+  freedesktop::putBack(children, *what);
+  EXPECT_EQ(listing(path), wanted);
+  EXPECT_TRUE(fs::is_empty(in(".local/share/Trash/info")) && fs::is_empty(in(".local/share/Trash/files")));
+}
+
+TEST_F(WorkspaceTest, KnowsOneFolderAtTwoPlaces) {
+  fs::create_directories(in("a"));
+  fs::create_directories(in("b"));
+  EXPECT_FALSE(workspace.isSameFile(in("a"), in("b")));
+  EXPECT_FALSE(workspace.isSameFile(in("a"), in("missing")));
+  const int status = statusOf([&] {
+    if (!ownMounts() || ::mount(in("a").c_str(), in("b").c_str(), nullptr, MS_BIND, nullptr) != 0) return 77;
+    return workspace.isSameFile(in("a"), in("b")) ? 0 : 1;
+  });
+  if (status == 77) GTEST_SKIP() << "no mounts of one's own here";
+  EXPECT_EQ(status, 0);
 }
 
 TEST_F(WorkspaceTest, TrashKeepsWhatAndWhereItWas) {
@@ -134,7 +210,7 @@ TEST_F(WorkspaceTest, TrashKeepsWhatAndWhereItWas) {
   for (const char* name : {"Night's 100% ü", "Night's 100% ü 2"}) {
     application(path);
     const auto wanted = listing(path);
-    const auto error = workspace.moveToTrash(path);
+    const auto error = moveToTrash(children, path);
     ASSERT_FALSE(error) << error->message;
     EXPECT_FALSE(fs::exists(path));
     EXPECT_EQ(listing(can + "/files/" + name + ".app"), wanted);
@@ -143,7 +219,7 @@ TEST_F(WorkspaceTest, TrashKeepsWhatAndWhereItWas) {
         info.starts_with("[Trash Info]\nPath=" + home.path() + "/Night%27s%20100%25%20%C3%BC.app\nDeletionDate=2"))
         << info;
   }
-  EXPECT_TRUE(workspace.moveToTrash(path)) << "there is nothing any more";
+  EXPECT_TRUE(moveToTrash(children, path)) << "there is nothing any more";
   EXPECT_EQ(std::distance(fs::directory_iterator(can + "/info"), fs::directory_iterator()), 2);
 }
 
@@ -157,7 +233,7 @@ TEST_F(WorkspaceTest, TrashOfAnotherDiskAndWithoutPermission) {
     if (!ownMounts() || ::mount("disk", in("disk").c_str(), "tmpfs", 0, owner.c_str()) != 0) return 77;
     // Its own trash, where one may be made at the top of the disk.
     application(in("disk/top.app"));
-    if (workspace.moveToTrash(in("disk/top.app"))) return 1;
+    if (moveToTrash(children, in("disk/top.app"))) return 1;
     const std::string can = in("disk/.Trash-" + std::to_string(::geteuid()));
     if (!fs::exists(can + "/files/top.app/Contents/Linux/Dormel")) return 2;
     if (contents(can + "/info/top.app.trashinfo").find("\nPath=top.app\n") == std::string::npos) return 3;
@@ -168,7 +244,7 @@ TEST_F(WorkspaceTest, TrashOfAnotherDiskAndWithoutPermission) {
       const auto wanted = listing(in("disk/mine/own.app"));
       const Variable ownData("XDG_DATA_HOME", in("nobody"));
       if (::geteuid() != NOBODY) return 0;  // everything is ours here
-      if (workspace.moveToTrash(in("disk/mine/own.app"))) return 4;
+      if (moveToTrash(children, in("disk/mine/own.app"))) return 4;
       if (fs::exists(in("disk/mine/own.app")) || listing(in("nobody/Trash/files/own.app")) != wanted) return 5;
       return 0;
     });
@@ -212,7 +288,7 @@ TEST_F(WorkspaceTest, WhatAnOrdinaryUserMayDo) {
     ::chmod(in("mine/Dormel.app/Contents/Linux").c_str(), 0500);
     if (workspace.isDeletable(in("mine/Dormel.app"))) return 200;
     const Variable ownData("XDG_DATA_HOME", in("mine/data"));
-    if (!workspace.moveToTrash(theirs + "/Dormel.app")) return 201;
+    if (!moveToTrash(children, theirs + "/Dormel.app")) return 201;
     if (!fs::exists(theirs + "/Dormel.app")) return 202;
     return fs::is_empty(in("mine/data/Trash/info")) ? 0 : 203;
   });

@@ -46,7 +46,7 @@ class Program {
     });
     // What main does.
     machine.setProgram([this](const Lines& arguments) -> std::shared_ptr<void> {
-      cliArgs = {*machine.bundle.executablePath()};
+      cliArgs = {machine.bundle.path() + "/Contents/Linux/Dormel"};
       cliArgs.insert(cliArgs.end(), arguments.begin(), arguments.end());
       EntryPoint::runOneShotCommand();
       auto delegate = EntryPoint::startApplication();

@@ -72,7 +72,7 @@ TEST(Relocation, EveryWayItGoes) {
   const std::string from = "/home/user/Downloads/Dormel.app";
   const std::string to = "/Applications/Dormel.app";
   const std::string strip = "run /usr/bin/xattr -d -r com.apple.quarantine " + to + " = 0";
-  const std::string asRoot = "rm -rf '" + to + "' && cp -pR '" + from + "' '" + to + "'";
+  const std::string asRoot = AppInstaller::replaceCommand(from, to);
   const Lines moved{"copy to " + to, strip, relaunch("'" + to + "'"), "exit 0"};
   const auto occupied = [to](Program& p) { p.machine.files.put(to + "/old", "old"); };
 
@@ -123,6 +123,20 @@ TEST(Relocation, EveryWayItGoes) {
        {"copy to " + to + ": No space left on device",
         failed("Could not move Dormel to Applications: No space left on device")},
        1},
+      {"the disk is full, and an old copy stands there",
+       [=](Program& p) {
+         occupied(p);
+         p.machine.files.setFreeBytes(3);
+       },
+       {"copy to " + to + ": No space left on device",
+        failed("Could not move Dormel to Applications: No space left on device")},
+       1},
+      {"the same bundle by another way",
+       [=](Program& p) {
+         p.machine.files.put(to + "/Contents/Linux/Dormel", "program");
+         p.machine.workspace.mountAgain("/home/user/Downloads", "/Applications");
+       },
+       {strip, relaunch("'" + to + "'"), "exit 0"}},
       {"there is no such folder",
        [](Program& p) { p.machine.workspace.setLocalApplicationsDirectory({}); },
        {failed("Could not find the Applications folder.")},
@@ -156,6 +170,17 @@ TEST(Relocation, EveryWayItGoes) {
     EXPECT_EQ(program.machine.exitStatus(), row.status) << row.name;
     EXPECT_TRUE(program.machine.files.exists(from + "/Contents/Linux/Dormel")) << row.name << ": the source is gone";
   }
+}
+
+TEST(Relocation, ABundleThatLostItsNameIsRefused) {
+  Program program("/home/user/Downloads/Dormel/Contents/Linux");
+  program.open();
+  program.machine.advance(0.4);
+  EXPECT_EQ(program.machine.journal.lines().back(),
+            "12:00:00.400 " + failed("Dormel's folder needs a name that ends in \".app\". Rename it to "
+                                     "\"Dormel.app\" and open it again."));
+  program.answer("OK");
+  EXPECT_EQ(program.machine.exitStatus(), 1);
 }
 
 TEST(Relocation, TheJobNamesTheCopyThatStaysSoThatTheVeryNextRunLocks) {

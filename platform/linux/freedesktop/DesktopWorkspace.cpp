@@ -83,10 +83,22 @@ bool DesktopWorkspace::isWritable(const std::string& path) const {
 
 bool DesktopWorkspace::isDeletable(const std::string& path) const { return isTreeDeletable(path); }
 
-FileResult DesktopWorkspace::moveToTrash(const std::string& path) { return freedesktop::moveToTrash(children_, path); }
+bool DesktopWorkspace::isSameFile(const std::string& a, const std::string& b) const {
+  struct stat first {};
+  struct stat second {};
+  return ::stat(a.c_str(), &first) == 0 && ::stat(b.c_str(), &second) == 0 && first.st_dev == second.st_dev &&
+         first.st_ino == second.st_ino;
+}
 
-FileResult DesktopWorkspace::copy(const std::string& from, const std::string& to) {
-  return copyTree(children_, from, to);
+FileResult DesktopWorkspace::putCopy(const std::string& from, const std::string& to) {
+  std::optional<Trashed> old;
+  auto error = copyTree(children_, from, to, [&]() -> FileResult {
+    std::error_code ignored;
+    if (!fs::exists(fs::symlink_status(to, ignored))) return {};
+    return moveToTrash(children_, to, &old);
+  });
+  if (error && old) putBack(children_, *old);
+  return error;
 }
 
 std::vector<std::string> DesktopWorkspace::runningBundles() const {

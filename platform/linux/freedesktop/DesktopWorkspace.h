@@ -26,8 +26,8 @@ class DesktopWorkspace final : public Workspace {
   [[nodiscard]] bool isOnReadOnlyImage(const std::string& path) const override;
   [[nodiscard]] bool isWritable(const std::string& path) const override;
   [[nodiscard]] bool isDeletable(const std::string& path) const override;
-  FileResult moveToTrash(const std::string& path) override;
-  FileResult copy(const std::string& from, const std::string& to) override;
+  [[nodiscard]] bool isSameFile(const std::string& a, const std::string& b) const override;
+  FileResult putCopy(const std::string& from, const std::string& to) override;
   [[nodiscard]] std::vector<std::string> runningBundles() const override;
   /// A bundle's own picture; of anything else the desktop's theme decides.
   [[nodiscard]] std::string iconForFile(const std::string& path) const override;

@@ -81,7 +81,8 @@ FileResult moveOrCopy(posix::PosixChildProcesses& children, const std::string& f
   return FileError{error.message()};
 }
 
-FileResult put(posix::PosixChildProcesses& children, const std::string& path, const TrashCan& can) {
+FileResult put(posix::PosixChildProcesses& children, const std::string& path, const TrashCan& can,
+               std::optional<Trashed>* what) {
   for (const char* part : {"", "/info", "/files"}) {
     if (auto error = createFolders(can.folder + part, 0700)) return error;
   }
@@ -106,7 +107,11 @@ FileResult put(posix::PosixChildProcesses& children, const std::string& path, co
     } else {
       result = moveOrCopy(children, path, place);
     }
-    if (result) ::unlink(info.c_str());
+    if (result) {
+      ::unlink(info.c_str());
+    } else if (what != nullptr) {
+      *what = Trashed{path, place, info};
+    }
     return result;
   }
   return FileError{std::generic_category().message(EEXIST)};
@@ -114,7 +119,7 @@ FileResult put(posix::PosixChildProcesses& children, const std::string& path, co
 
 }  // namespace
 
-FileResult moveToTrash(posix::PosixChildProcesses& children, const std::string& path) {
+FileResult moveToTrash(posix::PosixChildProcesses& children, const std::string& path, std::optional<Trashed>* what) {
   std::error_code error;
   // The folder resolved, but not a link that the path itself may be.
   const fs::path folder = fs::canonical(fs::path(path).parent_path(), error);
@@ -125,9 +130,13 @@ FileResult moveToTrash(posix::PosixChildProcesses& children, const std::string& 
   const TrashCan home = homeTrash(resolved);
   if (auto failed = createFolders(home.folder, 0700)) return failed;
   if (!onOneDisk(folder.string(), home.folder)) {
-    if (const auto disk = diskTrash(resolved); disk && !put(children, resolved, *disk)) return {};
+    if (const auto disk = diskTrash(resolved); disk && !put(children, resolved, *disk, what)) return {};
   }
-  return put(children, resolved, home);
+  return put(children, resolved, home, what);
+}
+
+void putBack(posix::PosixChildProcesses& children, const Trashed& what) {
+  if (!moveOrCopy(children, what.place, what.original)) ::unlink(what.record.c_str());
 }
 
 }  // namespace dormel::freedesktop

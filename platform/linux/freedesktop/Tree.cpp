@@ -37,6 +37,30 @@ bool moveToFreeName(const std::string& from, const std::string& to) {
   return ::rename(from.c_str(), to.c_str()) == 0;
 }
 
+/// What came from a read-only disk lacks the rights to be renamed (a folder's ".." is an entry of its own), to be
+/// updated and to be deleted. Errors are found by whoever then tries.
+void giveOwnerWriteAccess(const std::string& tree) {
+  namespace fs = std::filesystem;
+  std::error_code ignored;
+  const auto give = [&](const fs::path& path, const fs::file_status& status) {
+    if (fs::is_symlink(status)) return;
+    const auto rights = fs::is_directory(status) ? fs::perms::owner_all : fs::perms::owner_write;
+    if ((status.permissions() & rights) != rights) fs::permissions(path, rights, fs::perm_options::add, ignored);
+  };
+  give(tree, fs::symlink_status(tree, ignored));
+  for (auto entry = fs::recursive_directory_iterator(tree, ignored); entry != fs::end(entry);
+       entry.increment(ignored)) {
+    give(entry->path(), entry->symlink_status(ignored));
+  }
+}
+
+/// Everything on the disk that the folder lies on is safe there.
+FileResult flushDisk(const std::string& folder) {
+  const posix::FileDescriptor disk(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (!disk.valid() || ::syncfs(disk.get()) != 0) return lastError();
+  return {};
+}
+
 bool inSticky(const struct stat& folder, const struct stat& entry) {
   return (folder.st_mode & S_ISVTX) != 0 && ::geteuid() != 0 && ::geteuid() != folder.st_uid &&
          ::geteuid() != entry.st_uid;
@@ -51,7 +75,8 @@ bool canTakeFrom(const std::string& folder, const std::string& entry) {
 
 }  // namespace
 
-FileResult copyTree(posix::PosixChildProcesses& children, const std::string& from, const std::string& to) {
+FileResult copyTree(posix::PosixChildProcesses& children, const std::string& from, const std::string& to,
+                    const std::function<FileResult()>& makeRoom) {
   namespace fs = std::filesystem;
   const fs::path destination = to;
   std::string staging = (destination.parent_path() / ("." + destination.filename().string() + ".XXXXXX")).string();
@@ -60,15 +85,13 @@ FileResult copyTree(posix::PosixChildProcesses& children, const std::string& fro
 
   const auto outcome =
       children.runHearingErrors("/bin/cp", {"-pR", "--no-target-directory", "--", from, copy.string()});
+  giveOwnerWriteAccess(copy.string());  // of half a copy, too, which is to be deleted
   FileResult result;
-  if (outcome.status != 0) {
-    result = FileError{complaint(outcome.errors, "/bin/cp")};
-  } else {
-    // The scheduler will name this copy: a power cut must not turn it into empty files.
-    const posix::FileDescriptor disk(::open(staging.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (disk.valid()) ::syncfs(disk.get());
-    if (!moveToFreeName(copy.string(), to)) result = lastError();
-  }
+  if (outcome.status != 0) result = FileError{complaint(outcome.errors, "/bin/cp")};
+  // The scheduler will name this copy: a power cut must not turn it into empty files.
+  if (!result) result = flushDisk(staging);
+  if (!result && makeRoom) result = makeRoom();
+  if (!result && !moveToFreeName(copy.string(), to)) result = lastError();
   std::error_code ignored;
   fs::remove_all(staging, ignored);
   return result;
