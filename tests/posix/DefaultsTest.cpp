@@ -114,6 +114,23 @@ TEST_F(DefaultsTest, LeavesAnUnreadableFileAlone) {
   EXPECT_EQ(open().integer("a"), 2);
 }
 
+TEST_F(DefaultsTest, ALookThatFailsRemovesNothing) {
+  auto defaults = open();
+  defaults.set("hour", {std::int64_t{22}});
+  const std::string folder = home.path() + "/Library/Preferences";
+  std::filesystem::rename(folder, folder + ".aside");
+  std::filesystem::create_symlink(folder, folder);  // a look ends in ELOOP, for root, too
+  EXPECT_EQ(defaults.integer("hour"), 22) << "who has read them goes by them";
+  EXPECT_EQ(output.errors.size(), 1U);
+  EXPECT_EQ(open().integer("hour"), std::nullopt);
+  std::filesystem::remove(folder);
+  std::filesystem::rename(folder + ".aside", folder);
+  EXPECT_EQ(open().integer("hour"), 22);
+  std::filesystem::remove(file());
+  std::filesystem::remove(file() + ".good");
+  EXPECT_EQ(defaults.integer("hour"), std::nullopt) << "removed";
+}
+
 TEST_F(DefaultsTest, AFullDiskLosesNothing) {
   auto defaults = open();
   defaults.set("old", {std::string(600, 'x')});

@@ -46,8 +46,8 @@ std::optional<PropertyListDictionary> dictionaryIn(const std::optional<std::stri
 }  // namespace
 
 bool PropertyListDefaults::Identity::operator==(const Identity& other) const {
-  return std::tie(device, inode, size, modified.tv_sec, modified.tv_nsec) ==
-         std::tie(other.device, other.inode, other.size, other.modified.tv_sec, other.modified.tv_nsec);
+  return std::tie(error, device, inode, size, modified.tv_sec, modified.tv_nsec) ==
+         std::tie(other.error, other.device, other.inode, other.size, other.modified.tv_sec, other.modified.tv_nsec);
 }
 
 PropertyListDefaults::PropertyListDefaults(Files& files, StandardOutput& output, const std::string& domain)
@@ -104,32 +104,32 @@ bool PropertyListDefaults::synchronize() {
   return unwritten_.empty() || flush();
 }
 
-std::optional<PropertyListDefaults::Identity> PropertyListDefaults::identity() const {
+PropertyListDefaults::Identity PropertyListDefaults::identityOf(const std::string& path) {
   struct stat info {};
-  if (::stat(path_.c_str(), &info) != 0) return {};
-  return Identity{info.st_dev, info.st_ino, info.st_size, info.st_mtim};
+  if (::stat(path.c_str(), &info) != 0) return {.error = errno};
+  return {0, info.st_dev, info.st_ino, info.st_size, info.st_mtim};
 }
 
 void PropertyListDefaults::refresh() const {
-  const auto present = identity();
-  if (loaded_ && present == known_) return;
+  if (loaded_ && identity() == known_) return;
   load(false);
 }
 
 bool PropertyListDefaults::load(bool isLocked) const {
   loaded_ = true;
   known_ = identity();
-  const auto bytes = known_ ? files_.read(path_) : std::nullopt;
+  const auto bytes = known_.error == 0 ? files_.read(path_) : std::nullopt;
   if (auto entries = dictionaryIn(bytes)) {
     stored_ = std::move(*entries);
     isWhole_ = true;
     lastComplaint_.clear();
     return true;
   }
-  const bool isUnreadable = known_ && !bytes;
+  const bool isUnreadable = !known_.isGone() && !bytes;
   const auto copy = files_.read(copyPath_);
+  const bool isCopyGone = !copy && identityOf(copyPath_).isGone();
   if (identity() != known_) return load(isLocked);  // another process replaced it meanwhile
-  if (!known_ && !copy) {                           // nothing was ever stored, or it was removed
+  if (known_.isGone() && isCopyGone) {              // nothing was ever stored, or it was removed
     stored_.clear();
     isWhole_ = false;
     return true;
@@ -137,7 +137,7 @@ bool PropertyListDefaults::load(bool isLocked) const {
   std::optional<std::string> trouble;
   if (isUnreadable) {
     trouble = "cannot be read";
-  } else if (known_) {
+  } else if (!known_.isGone()) {
     trouble = keepAside(isLocked);
   } else if (!isWhole_) {
     trouble = "is gone";

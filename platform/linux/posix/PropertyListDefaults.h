@@ -5,16 +5,18 @@
 // answer and reads it again only when another process replaced it.
 //
 // Each change is written twice: to the file, then to "<file>.good" beside it. A damaged file is kept aside as
-// "<file>.damaged" (a number added when that is taken); one that cannot be read is left alone. For either, and for one
-// that is gone, stands what this process read of it last, else the second copy, else nothing: a byte on the disk must
-// not decide the hours. It is said once, in one line on standard error. A change puts the file back. What cannot be
-// written holds for this process until it can be.
+// "<file>.damaged" (a number added when that is taken); one that cannot be read, or not even be looked at (a home
+// folder on a server that does not answer), is left alone. For either, and for one that is gone, stands what this
+// process read of it last, else the second copy, else nothing: a byte on the disk must not decide the hours. Removed
+// are the settings only when the file system says that there is neither file. It is said once, in one line on standard
+// error. A change puts the file back. What cannot be written holds for this process until it can be.
 //
 // Reading waits for no other process and writes nothing: a process that hangs with the lock held stops nobody.
 #pragma once
 
 #include <sys/stat.h>
 
+#include <cerrno>
 #include <map>
 #include <mutex>
 #include <optional>
@@ -40,16 +42,20 @@ class PropertyListDefaults final : public DefaultsStore {
   bool synchronize() override;
 
  private:
-  /// What tells one version of the file from another.
+  /// What tells one version of a file from another; or why there is nothing to tell.
   struct Identity {
+    int error = 0;  ///< errno; the rest is empty then
     dev_t device = 0;
     ino_t inode = 0;
     off_t size = -1;
     timespec modified{};
     bool operator==(const Identity& other) const;
+    /// Any other error says nothing about the file.
+    [[nodiscard]] bool isGone() const { return error == ENOENT; }
   };
 
-  [[nodiscard]] std::optional<Identity> identity() const;
+  [[nodiscard]] static Identity identityOf(const std::string& path);
+  [[nodiscard]] Identity identity() const { return identityOf(path_); }
   void refresh() const;
   /// Reads the settings into `stored_`, from wherever they are whole; false when the file must not be replaced.
   bool load(bool isLocked) const;
@@ -66,7 +72,7 @@ class PropertyListDefaults final : public DefaultsStore {
   std::string lockPath_;
 
   mutable std::mutex mutex_;
-  mutable std::optional<Identity> known_;
+  mutable Identity known_;
   mutable bool loaded_ = false;
   mutable PropertyListDictionary stored_;
   mutable bool isWhole_ = false;       // `stored_` is what one of the files said
