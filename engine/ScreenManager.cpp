@@ -15,9 +15,12 @@ namespace {
 constexpr Seconds TIME_CHECK_INTERVAL = 30.0;
 constexpr Seconds ACCESSIBILITY_INTERVAL = 3.0;
 constexpr Seconds WATCHDOG_INTERVAL = 10.0;
-/// After the hours' end, should the watchdog itself be stuck: a home folder on a server that is gone, a stopped
-/// process.
+/// After the end of the hours or of a rehearsal's time, should the watchdog itself be stuck: a home folder on a server
+/// that is gone, a stopped process.
 constexpr Seconds LAST_RESORT = 20.0;
+
+/// A rehearsal that the main thread did not end by now never will: it is stuck.
+constexpr Seconds REHEARSAL_SLACK = 10.0;
 
 void print(const std::string& line) { platform().output.print(line); }
 
@@ -181,6 +184,15 @@ void ScreenManager::startWatchdog() {
     if (isBlockingNow()) return limitTheNight();
     print("[watchdog] Outside blocking hours. Force exiting.");
     exitCleanly();
+  });
+}
+
+void ScreenManager::startRehearsalWatchdog(Seconds limit) {
+  const Seconds late = limit + REHEARSAL_SLACK;
+  platform().process.endWithin(late + LAST_RESORT);
+  watchdogTimer_ = platform().queues.makeBackgroundTimer(late, late, [] {
+    print("[watchdog] The rehearsal does not end. Force exiting.");
+    platform().process.exit(1);
   });
 }
 

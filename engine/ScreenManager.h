@@ -54,6 +54,7 @@ class ScreenManager : public OverlaySession, public std::enable_shared_from_this
   /// Rehearses the whole cycle with short times and without the lockdown options: a 5 s hold, 10 s of grace, a
   /// 12 s hold. Escape, or 90 s without progress, cancels. `onEnd` runs once, in a later turn, after the session
   /// is idle again. Ignored (and `onEnd` not called) unless idle. Switches the debug log on, for good.
+  /// Should the main thread hang, the watchdog ends the process 10 s after the rehearsal's own limit.
   void startTest(bool hasAccessibility, std::function<void()> onEnd);
 
   /// A single 5 s hold with a 30 s backstop. False, and nothing happens, unless idle and permitted to take keys.
@@ -93,6 +94,7 @@ class ScreenManager : public OverlaySession, public std::enable_shared_from_this
   void startAccessibilityWatch();
   void pollAccessibility();
   void startWatchdog();
+  void startRehearsalWatchdog(Seconds limit);
   void stopWatchdog();
   void registerObservers();
   void willSleep();
@@ -122,6 +124,7 @@ class ScreenManager : public OverlaySession, public std::enable_shared_from_this
   void reBlockTest();
   void startTestInterceptor();
   void rearmTestTimeout();
+  void setTestTimeout(Seconds limit, std::function<void()> action);
   void armDemoBackstop();
   void demoBackstopFired();
   void installTestEscapeMonitor();

@@ -84,7 +84,12 @@ void ScreenManager::reBlockTest() {
   rearmTestTimeout();
 }
 
-void ScreenManager::rearmTestTimeout() { testTimeout_ = Timer::once(TEST_TIMEOUT, endTestAction(false)); }
+void ScreenManager::setTestTimeout(Seconds limit, std::function<void()> action) {
+  testTimeout_ = Timer::once(limit, std::move(action));
+  startRehearsalWatchdog(limit);
+}
+
+void ScreenManager::rearmTestTimeout() { setTestTimeout(TEST_TIMEOUT, endTestAction(false)); }
 
 void ScreenManager::installTestEscapeMonitor() {
   testEscapeMonitor_ = platform().windows.addLocalKeyDownMonitor([end = endTestAction(false)](const KeyEvent& event) {
@@ -103,6 +108,7 @@ void ScreenManager::endTest(bool completed) {
   isFadingOut_ = false;
   showUnlockConfirm_ = false;
   testTimeout_.invalidate();
+  stopWatchdog();
   // The monitor may be the caller; it is let go of once this turn is over.
   if (testEscapeMonitor_) {
     platform().runLoop.async([monitor = std::shared_ptr<Registration>(std::move(testEscapeMonitor_))] {});
@@ -137,7 +143,7 @@ bool ScreenManager::startOnboardingDemo(std::function<void()> onEnd) {
 }
 
 void ScreenManager::armDemoBackstop() {
-  testTimeout_ = Timer::once(DEMO_BACKSTOP_DURATION, weakly(&ScreenManager::demoBackstopFired));
+  setTestTimeout(DEMO_BACKSTOP_DURATION, weakly(&ScreenManager::demoBackstopFired));
 }
 
 void ScreenManager::demoBackstopFired() {

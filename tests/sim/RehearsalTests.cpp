@@ -127,6 +127,36 @@ TEST_F(RehearsalTest, EveryStepHasNinetySeconds) {
   expectOver(CANCELLED);
 }
 
+TEST_F(RehearsalTest, TheWatchdogEndsOneWhoseMainThreadIsStuck) {
+  const struct {
+    bool isDemo, watchdogIsStuckToo;
+    Seconds limit;
+    int status;
+  } cases[] = {{false, false, 100, 1}, {true, false, 40, 1}, {false, true, 120, 137}, {true, true, 60, 137}};
+  for (const auto& row : cases) {
+    SCOPED_TRACE(row.limit);
+    SimMachine fresh;
+    const auto stuck = ScreenManager::create();
+    if (row.isDemo) {
+      EXPECT_TRUE(stuck->startOnboardingDemo({}));
+    } else {
+      stuck->startTest(true, {});
+    }
+    fresh.settle();
+    if (row.watchdogIsStuckToo) {
+      fresh.timeline.stopProcess(7200);
+    } else {
+      fresh.stallMain(7200);
+    }
+    fresh.advance(row.limit - 0.1);
+    EXPECT_EQ(fresh.exitStatus(), std::nullopt);
+    fresh.advance(0.2);
+    EXPECT_EQ(fresh.exitStatus(), row.status);
+    EXPECT_EQ(fresh.windows.cover(), 0);
+    EXPECT_FALSE(fresh.keyboard.isTaken());
+  }
+}
+
 TEST_F(RehearsalTest, AnOldLoweringDoesNotEndTheNextRun) {
   for (const Seconds at : {1.0, 2.0, 3.0}) {
     EXPECT_TRUE(startDemo());
