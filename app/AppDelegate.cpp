@@ -15,6 +15,7 @@
 #include "platform/Files.h"
 #include "platform/Platform.h"
 #include "platform/Process.h"
+#include "platform/RunLoop.h"
 #include "platform/Updater.h"
 #include "platform/Workspace.h"
 #include "settings/AccessibilityCardView.h"
@@ -25,6 +26,11 @@ namespace {
 constexpr const char* ACCESSIBILITY_PAGE =
     "x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility";
 constexpr Size SETTINGS_SIZE{460, 660};
+
+// An end may take its time, on a hung disk or until the scheduler's kill, and nobody starts a run that ended with 0
+// again. Who holds the seat ten seconds later is not about to leave it.
+constexpr Seconds SEAT_PAUSE = 0.25;
+constexpr int SEAT_TRIES = 40;
 
 void print(const std::string& line) { platform().output.print(line); }
 
@@ -54,10 +60,21 @@ void AppDelegate::didFinishLaunching() {
 
 void AppDelegate::startScheduledBlock() {
   mode_ = Mode::scheduled;
-  if (!platform().process.claimSession()) {
+  claimNight(SEAT_TRIES);
+}
+
+void AppDelegate::claimNight(int triesLeft) {
+  if (platform().process.claimSession()) return beginNight();
+  if (triesLeft == 0) {
     print("Dormel is already watching this night in another process. Exiting.");
     platform().process.exit(0);
   }
+  platform().runLoop.asyncAfter(SEAT_PAUSE, [weak = weak_from_this(), triesLeft] {
+    if (const auto self = weak.lock()) self->claimNight(triesLeft - 1);
+  });
+}
+
+void AppDelegate::beginNight() {
   platform().application.setActivationPolicy(ActivationPolicy::accessory);
   platform().application.activateIgnoringOthers();
   const bool trusted = isTrusted();

@@ -60,6 +60,9 @@ class AppDelegate : public ApplicationDelegate, public std::enable_shared_from_t
  private:
   AppDelegate() = default;
   void startScheduledBlock();
+  /// Takes the seat of scheduled runs, once whoever is leaving it has left, or ends the process.
+  void claimNight(int triesLeft);
+  void beginNight();
   void startWindowMode();
   bool putUpdateInPlace();
   void installMainMenu();

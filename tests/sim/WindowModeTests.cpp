@@ -352,8 +352,18 @@ TEST(ScheduledRun, SaysWhatItFindsAndNeverOpensAWindow) {
   Program second;
   second.machine.process.setSeatTaken(true);
   second.open({"--scheduled"});
+  second.machine.advance(10);
   EXPECT_EQ(second.effects(),
             (Lines{start, "out: Dormel is already watching this night in another process. Exiting.", "exit 0"}));
+
+  Program successor;
+  successor.machine.setWallClock("2026-11-16 22:00:00");
+  successor.machine.process.setSeatTaken(true);  // by a run that is about to end, and will not be started again
+  successor.open({"--scheduled"});
+  successor.machine.advance(8);
+  successor.machine.process.setSeatTaken(false);
+  successor.machine.advance(1);
+  EXPECT_EQ(successor.delegate().screenManager()->state(), SessionState::blocked);
 
   Program untrusted;
   untrusted.machine.accessibility.setTrusted(false);
