@@ -46,13 +46,14 @@ void AppDelegate::uninstallAnswered(int button) {
   DebugLog::shared().setEnabled(false);
   awaitingLoginItemsFix_ = false;
   recoveryAlert_.reset();
-  platform().updater.forget();
   AgentManager::uninstall();
   platform().defaults.removeDomain();
   platform().defaults.synchronize();
   platform().files.remove(AppSupport::directory());
   platform().files.remove(Config::logDirectory());
   removeBundle();
+  // Only now: a download that another window began keeps nothing for a bundle that is gone.
+  platform().updater.forget();
   platform().workspace.forgetApplication();
   ask({AlertStyle::informational, "Dormel uninstalled", "Dormel has been removed from your Mac.", {"OK"}},
       &AppDelegate::uninstallDone);

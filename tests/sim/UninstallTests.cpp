@@ -28,13 +28,13 @@ class UninstallTest : public testing::Test {
   static Lines removal(const std::string& bundle) {
     return {"alert answered: Uninstall",
             "default debugLoggingEnabled = false",
-            "updates forgotten",
             BOOTOUT + " = 0",
             "remove ~/Library/LaunchAgents/" + std::string(BUNDLE_IDENTIFIER) + ".plist",
             "defaults removed",
             "remove ~/Library/Application Support/" + std::string(BUNDLE_IDENTIFIER),
             "remove ~/Library/Logs/Dormel",
             bundle,
+            "updates forgotten",
             "forgotten by the desktop",
             DONE};
   }

@@ -239,6 +239,18 @@ class UpdateHelperTest(unittest.TestCase):
         self.server.server_close()
         self.assertEqual(self.check(), ["unreachable"])
 
+    def test_a_bundle_that_is_uninstalled_during_the_download(self):
+        data = self.offer()
+
+        def uninstall_half_way(request):
+            request.give(data[:len(data) // 2], len(data))
+            shutil.rmtree(self.bundle)
+            request.wfile.write(data[len(data) // 2:])
+
+        self.server.answers["/archive"] = uninstall_half_way
+        self.assertEqual(self.check(), ["fetching 1.1", "nothing"])
+        self.assertEqual(os.listdir(self.applications), [])
+
     def test_what_waits_is_verified_again(self):
         def tamper():
             with open(os.path.join(self.store, "archive"), "r+b") as file:

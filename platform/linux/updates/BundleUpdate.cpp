@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <system_error>
 #include <utility>
@@ -93,6 +94,8 @@ Verdict BundleUpdate::fetchAndKeep(const Offer& offer, const Transfer& transfer)
     return {Kind::notGenuine, version};
   }
   const FolderLock lock(applications_);
+  if (!bundleStands())
+    return {Kind::nothing};  // uninstalled meanwhile: nobody would ever take away what is kept for it
   if (const auto waits = store_.staged(); waits && waits->build >= offer.build) {
     return {Kind::ready, waits->version.text()};  // another process of ours was quicker
   }
@@ -158,6 +161,8 @@ std::optional<std::string> BundleUpdate::unpack(const Offer& offer, const std::s
   verdict.kind = unpacked.disk ? Kind::notKept : Kind::unsuitable;
   return {};
 }
+
+bool BundleUpdate::bundleStands() const { return ::access(facts_.path.c_str(), F_OK) == 0 || errno != ENOENT; }
 
 bool BundleUpdate::isOurs() const {
   return ::access(applications_.c_str(), W_OK | X_OK) == 0 && freedesktop::isTreeDeletable(facts_.path);

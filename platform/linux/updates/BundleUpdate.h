@@ -50,6 +50,7 @@ class BundleUpdate {
   /// The announced bundle, unpacked into a folder of the store; otherwise the verdict.
   [[nodiscard]] std::optional<std::string> unpack(const Offer& offer, const std::string& archive,
                                                   const std::string& folder, Verdict& verdict) const;
+  [[nodiscard]] bool bundleStands() const;
   [[nodiscard]] bool isOurs() const;
 
   const BundleFacts facts_;

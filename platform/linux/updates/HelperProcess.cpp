@@ -89,6 +89,10 @@ Verdict HelperProcess::install() {
   return verdict;
 }
 
-void HelperProcess::clear() { store_.clear(); }
+void HelperProcess::clear() {
+  // Not in the middle of what another process's helper keeps.
+  const FolderLock lock(bundle_.substr(0, bundle_.rfind('/')));
+  store_.clear();
+}
 
 }  // namespace dormel::updates
