@@ -95,6 +95,7 @@ class JobModel:
     """The tests of both back ends. A back end gives `home`, `environment` and `say`."""
 
     tool = LAUNCHCTL
+    displays = 0
 
     # --- what the tests are made of
 
@@ -120,9 +121,9 @@ class JobModel:
     def bootstrap(self, job, **variables):
         return self.expect(0, "bootstrap", DOMAIN, job.plist, **variables)
 
-    def printed(self, job):
+    def printed(self, job, **variables):
         """What print tells, as a dictionary."""
-        text = self.expect(0, "print", job.target).stdout
+        text = self.expect(0, "print", job.target, **variables).stdout
         return dict(re.findall(r"^\t(.*?) = (.*)$", text, re.MULTILINE))
 
     def use_bundle_in(self, folder):
@@ -133,6 +134,16 @@ class JobModel:
 
     def left_behind(self, job):
         return [path for root in (".config", ".local") for path in (self.home / root).rglob(f"*{job.label}*")]
+
+    def display(self):
+        """The name of an X display that takes connections until the test's end."""
+        JobModel.displays += 1
+        number = 30000 + os.getpid() % 10000 * 3 + JobModel.displays
+        server = socket.socket(socket.AF_UNIX)
+        self.addCleanup(server.close)
+        server.bind(f"\0/tmp/.X11-unix/X{number}")
+        server.listen(100)
+        return f":{number}"
 
     # --- the tests
 
@@ -229,16 +240,15 @@ class JobModel:
         job.content["StartCalendarInterval"] = {"Hour": 23, "Minute": 45}
         job.write()
         self.expect(0, "login", DOMAIN, job.plist, DISPLAY="elsewhere:2")
-        self.assertIn(" 23:45:00", self.printed(job)["next start"])
-        self.assertEqual(self.printed(job)["pid"], str(moved))
+        self.assertIn(" 23:45:00", self.printed(job, DISPLAY="elsewhere:2")["next start"])
+        self.assertEqual(self.printed(job, DISPLAY="elsewhere:2")["pid"], str(moved))
         job.plist.unlink()
         self.expect(113, "login", DOMAIN, job.plist)
 
     def test_no_graphical_session(self):
         job = self.job()
-        self.forget_session()
         self.bootstrap(job, DISPLAY=None)
-        self.assertNotIn("pid", self.printed(job))
+        self.assertNotIn("pid", self.printed(job, DISPLAY=None))
         self.assertEqual(job.runs(), [])
         self.expect(0, "login", DOMAIN, job.plist, DISPLAY="somewhere:1")
         self.assertEqual(job.wait_for_run()[2], "somewhere:1")
@@ -255,11 +265,31 @@ class JobModel:
             self.addCleanup(os.unlink, path)
             time.sleep(0.2)  # a socket on which nobody listens yet
             self.assertEqual(job.runs(), [])
+            self.assertIn(f"Sleeper: :{number}.0 takes no connections; waiting", job.log.read_text())
             server.listen()
             begun = time.time()
             run = job.wait_for_run()
         self.assertEqual(run[1], pid)
         self.say(f"started {(run[0] - begun) * 1000:.0f} ms after its display came back")
+
+    def test_goes_by_another_hour_or_display(self):
+        """What the program asks when it is opened, and mends by loading the job anew."""
+        first, second = self.display(), self.display()
+        job = self.job(start=(22, 0))
+        self.bootstrap(job, DISPLAY=first)
+        pid = job.wait_for_run()[1]
+        for display in (first, None, "localhost:10.0"):  # the same, a terminal without one, ssh -X
+            self.assertEqual(self.printed(job, DISPLAY=display)["pid"], str(pid))
+        self.expect(0, "login", DOMAIN, job.plist, DISPLAY="localhost:10.0")
+        self.assertEqual(self.printed(job, DISPLAY=first)["pid"], str(pid))
+        self.expect(113, "print", job.target, DISPLAY=second)
+        self.bootstrap(job, DISPLAY=second)
+        self.assertEqual(job.wait_for_run(2)[2], second)
+        job.content["StartCalendarInterval"] = {"Hour": 23, "Minute": 0}
+        job.write()
+        self.expect(113, "print", job.target, DISPLAY=second)
+        self.bootstrap(job, DISPLAY=second)
+        self.assertIn(" 23:00:00", self.printed(job, DISPLAY=second)["next start"])
 
     def test_switched_off_by_the_user(self):
         for line in ("Hidden=true", "X-GNOME-Autostart-enabled = false"):
@@ -433,9 +463,38 @@ class OnSystemd(JobModel, unittest.TestCase):
         cls.manager.stop()
         shutil.rmtree(cls.folder, ignore_errors=True)
 
-    def forget_session(self):
-        """As after a boot, before anybody logs in to a desktop."""
-        self.manager.ask("unset-environment", "DISPLAY")
+    def variables_of(self, pid):
+        block = pathlib.Path(f"/proc/{pid}/environ").read_text()
+        return dict(entry.split("=", 1) for entry in block.split("\0") if entry)
+
+    def test_one_shells_variables_are_the_jobs_alone(self):
+        before = self.manager.ask("show-environment")
+        job = self.job()
+        odd = {"LC_ALL": "C.UTF-8", "LANG": "en_US 100% \"$HOME\" \\x41", "XDG_CURRENT_DESKTOP": "One:Two"}
+        self.bootstrap(job, **odd)
+        variables = self.variables_of(job.wait_for_run()[1])
+        self.assertEqual({name: variables.get(name) for name in odd}, odd)
+        self.assertEqual(self.manager.ask("show-environment"), before)
+
+    def test_the_zone_of_program_and_timer(self):
+        for zone, named in (("Pacific/Auckland", "Pacific/Auckland"), (":UTC", "UTC"), ("XYZ-14", None), (None, None)):
+            with self.subTest(zone):
+                job = self.job(start=(21, 5))
+                self.bootstrap(job, TZ=zone)
+                self.printed(job, TZ=zone)
+                timer = (self.home / ".config/systemd/user" / f"{job.label}.timer").read_text()
+                self.assertIn(f"\nOnCalendar=*-*-* 21:05:00{' ' + named if named else ''}\n", timer)
+                self.assertEqual(self.variables_of(job.wait_for_run()[1]).get("TZ"), zone if named else None)
+
+    def test_another_display_of_the_session(self):
+        """The one that it was loaded on is gone: a nested server that was closed."""
+        job = self.job()
+        session = self.display()
+        self.manager.ask("set-environment", f"DISPLAY={session}")
+        self.addCleanup(self.manager.ask, "unset-environment", "DISPLAY")
+        self.bootstrap(job, DISPLAY=":29999")
+        self.assertEqual(job.wait_for_run()[2], session)
+        self.assertIn(f":29999 takes no connections; going to {session}", job.log.read_text())
 
     def test_units(self):
         job = self.job(start=(21, 5))
@@ -459,6 +518,8 @@ class OnSystemd(JobModel, unittest.TestCase):
         self.bootstrap(job)
         job.wait_for_run()
         self.manager.ask("daemon-reload")
+        self.manager.ask("set-environment", "DISPLAY=nowhere:1")  # as desktops do
+        self.addCleanup(self.manager.ask, "unset-environment", "DISPLAY")
         escaped = job.label.replace("-", "\\x2d")
         self.manager.ask("start", f"app-{escaped}@autostart.service")
         job.wait_for_run(2)
@@ -486,9 +547,6 @@ class OnSupervisor(JobModel, unittest.TestCase):
     def tearDownClass(cls):
         cls.clear_away()
         shutil.rmtree(cls.folder, ignore_errors=True)
-
-    def forget_session(self):
-        """Each supervisor has the environment that it was started with."""
 
     def supervisor_of(self, job):
         return int(self.printed(job)["scheduler"].split()[1])

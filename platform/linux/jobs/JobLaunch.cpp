@@ -23,22 +23,28 @@ void appendTo(const std::string& path, int stream) {
   ::close(file);
 }
 
+/// Only what the file system says is not there is gone. Any other error is a disk's or a server's bad moment, in which
+/// the lock must come back all the same.
+bool isGone(const std::string& path) {
+  return ::access(path.c_str(), F_OK) != 0 && (errno == ENOENT || errno == ENOTDIR);
+}
+
 }  // namespace
 
 std::optional<std::string> reasonNotToStart(const std::string& label, const std::string& propertyList,
-                                            const std::string& program) {
+                                            const std::string& program, const SessionDisplays& others) {
   if (freedesktop::AutostartEntry(label).state() == freedesktop::AutostartEntry::Switch::off)
     return "switched off by the user";
-  if (::access(propertyList.c_str(), F_OK) != 0) return "its property list is gone: " + propertyList;
-  if (::access(program.c_str(), X_OK) != 0) return "its program is gone: " + program;
-  if (!namesDisplay(sessionEnvironment())) return "no graphical session";
+  if (isGone(propertyList)) return "its property list is gone: " + propertyList;
+  if (isGone(program)) return "its program is gone: " + program;
+  if (!namesDisplay(sessionEnvironment()) && others().empty()) return "no graphical session";
   return {};
 }
 
-int becomeJob(const Job& job) {
+int becomeJob(const Job& job, const SessionDisplays& others) {
   appendTo(job.standardOutput, STDOUT_FILENO);
   appendTo(job.standardError, STDERR_FILENO);
-  waitForDisplay();
+  waitForDisplay(job.displayName(), others);
   std::vector<char*> arguments;
   arguments.reserve(job.arguments.size() + 1);
   for (const std::string& argument : job.arguments) arguments.push_back(const_cast<char*>(argument.c_str()));

@@ -1,13 +1,22 @@
-// What every job scheduler offers. Calls block until the job is in the state they promise.
+// What both job schedulers offer, in the same words: `systemd/SystemdScheduler` and `supervisor/SupervisorScheduler`.
+// Calls block until the job is in the state they promise.
+//
+// find(label)     The job as the scheduler has it; nothing when it is not loaded whole, goes by an older property list,
+// or
+//                 belongs to another display than the one this process would give it.
+// load(job)       Brings the scheduler to what the job's property list says now, whatever it knew of it before, with
+// this
+//                 process's session environment for the job. A job that runs at load then runs; if it was running
+//                 already it keeps running, unless it runs on another display. Nothing on success, else why not.
+// unload(label)   Forgets the job and ends its process: a termination signal, five seconds later the kill. A process
+// that
+//                 the caller descends from is left to end by itself, without being started again: a job may take itself
+//                 out without being cut off half-way. False when there was nothing to forget.
 #pragma once
 
-#include <optional>
 #include <string>
-#include <string_view>
 #include <utility>
 #include <vector>
-
-#include "platform/linux/jobs/Job.h"
 
 namespace dormel::jobs {
 
@@ -24,23 +33,5 @@ inline constexpr int switchedOff = 125;
 
 /// What there is to say about a loaded job, in the order in which it is printed: names and values.
 using JobReport = std::vector<std::pair<std::string, std::string>>;
-
-class Scheduler {
- public:
-  virtual ~Scheduler() = default;
-
-  /// The job as this scheduler has it; nothing when it is not loaded whole.
-  [[nodiscard]] virtual std::optional<JobReport> find(const std::string& label) = 0;
-
-  /// Brings the scheduler to what the job's property list says now, whatever it knew of it before, and hands it
-  /// this process's session environment. A job that runs at load then runs; if it was running already it keeps
-  /// running, unless it runs on another display. Nothing on success, else why not.
-  [[nodiscard]] virtual std::optional<JobError> load(const Job& job) = 0;
-
-  /// Forgets the job and ends its process: a termination signal, five seconds later the kill. A process that
-  /// the caller descends from is left to end by itself, without being started again: a job may take itself out
-  /// without being cut off half-way. False when there was nothing to forget.
-  [[nodiscard]] virtual bool unload(const std::string& label) = 0;
-};
 
 }  // namespace dormel::jobs

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
-#include <optional>
 #include <string_view>
 
 #include "platform/linux/freedesktop/TextFile.h"
@@ -23,16 +22,10 @@ constexpr std::array OTHER_VARIABLES{"XDG_CURRENT_DESKTOP",
                                      "LC_ALL",
                                      "LC_CTYPE",
                                      "LC_MESSAGES",
-                                     "LC_TIME"};
+                                     "LC_TIME",
+                                     "TZ"};
 
-std::optional<std::string_view> valueIn(const std::vector<std::string>& environment, std::string_view name) {
-  for (const std::string& entry : environment) {
-    if (entry.size() > name.size() && entry[name.size()] == '=' && entry.starts_with(name)) {
-      return std::string_view(entry).substr(name.size() + 1);
-    }
-  }
-  return {};
-}
+}  // namespace
 
 std::vector<std::string> environmentOf(pid_t process) {
   std::vector<std::string> environment;
@@ -45,8 +38,6 @@ std::vector<std::string> environmentOf(pid_t process) {
   }
   return environment;
 }
-
-}  // namespace
 
 std::vector<std::string> sessionEnvironment() {
   std::vector<std::string> entries;
@@ -65,17 +56,54 @@ std::vector<std::string> sessionEnvironment() {
   return entries;
 }
 
+std::string valueIn(const std::vector<std::string>& environment, std::string_view name) {
+  for (const std::string& entry : environment) {
+    if (entry.size() > name.size() && entry[name.size()] == '=' && entry.starts_with(name)) {
+      return entry.substr(name.size() + 1);
+    }
+  }
+  return {};
+}
+
 bool namesDisplay(const std::vector<std::string>& ours) {
-  return !valueIn(ours, "DISPLAY").value_or("").empty() || !valueIn(ours, "WAYLAND_DISPLAY").value_or("").empty();
+  return !valueIn(ours, "DISPLAY").empty() || !valueIn(ours, "WAYLAND_DISPLAY").empty();
+}
+
+bool namesLocalDisplay(const std::vector<std::string>& ours) {
+  const std::string display = valueIn(ours, "DISPLAY");
+  return display.starts_with(':') || display.starts_with("unix:") || !valueIn(ours, "WAYLAND_DISPLAY").empty();
+}
+
+bool namesAnotherDisplay(const std::vector<std::string>& theirs, const std::vector<std::string>& ours) {
+  if (!namesDisplay(ours) || (namesLocalDisplay(theirs) && !namesLocalDisplay(ours))) return false;
+  return std::any_of(DISPLAY_VARIABLES.begin(), DISPLAY_VARIABLES.end(),
+                     [&](const char* name) { return valueIn(ours, name) != valueIn(theirs, name); });
 }
 
 bool runsOnAnotherDisplay(pid_t process, const std::vector<std::string>& ours) {
-  if (!namesDisplay(ours)) return false;
   const auto theirs = environmentOf(process);
-  if (theirs.empty()) return false;  // it ended just now, or is not ours to judge
-  return std::any_of(DISPLAY_VARIABLES.begin(), DISPLAY_VARIABLES.end(), [&](const char* name) {
-    return valueIn(ours, name).value_or("") != valueIn(theirs, name).value_or("");
-  });
+  return !theirs.empty() && namesAnotherDisplay(theirs, ours);
+}
+
+std::vector<std::string> keepingDisplay(std::vector<std::string> ours, const std::vector<std::string>& theirs) {
+  const bool isBetter =
+      namesLocalDisplay(theirs) ? !namesLocalDisplay(ours) : namesDisplay(theirs) && !namesDisplay(ours);
+  if (!isBetter) return ours;
+  for (const char* name : DISPLAY_VARIABLES) {
+    std::erase_if(ours, [&](const std::string& entry) { return entry.substr(0, entry.find('=')) == name; });
+  }
+  const auto display = displayVariables(theirs);
+  ours.insert(ours.end(), display.begin(), display.end());
+  return ours;
+}
+
+std::vector<std::string> displayVariables(const std::vector<std::string>& environment) {
+  std::vector<std::string> variables;
+  for (const char* name : DISPLAY_VARIABLES) {
+    std::string& variable = variables.emplace_back(name);
+    if (const std::string value = valueIn(environment, name); !value.empty()) variable.append("=").append(value);
+  }
+  return variables;
 }
 
 void adoptSessionEnvironment(const std::vector<std::string>& changes) {

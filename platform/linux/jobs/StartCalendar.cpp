@@ -1,5 +1,6 @@
 #include "platform/linux/jobs/StartCalendar.h"
 
+#include <array>
 #include <tuple>
 
 namespace dormel::jobs {
@@ -47,6 +48,18 @@ Day dayOf(std::time_t moment, int later) {
 }
 
 }  // namespace
+
+std::string clockText(StartTime start) {
+  const auto twoDigits = [](int number) { return (number < 10 ? "0" : "") + std::to_string(number); };
+  return twoDigits(start.hour) + ":" + twoDigits(start.minute);
+}
+
+std::string localTimeText(std::time_t moment) {
+  const std::tm local = localTime(moment);
+  std::array<char, 64> text{};
+  std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M:%S %Z", &local);
+  return text.data();
+}
 
 std::time_t nextStart(StartTime start, std::time_t after) {
   for (int later = 0;; ++later) {

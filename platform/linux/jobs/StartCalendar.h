@@ -5,6 +5,7 @@
 #pragma once
 
 #include <ctime>
+#include <string>
 #include <vector>
 
 #include "platform/linux/jobs/Job.h"
@@ -16,5 +17,10 @@ namespace dormel::jobs {
 
 /// The starts, from `from` on for `days` days, that fall on another time of day because theirs was skipped.
 [[nodiscard]] std::vector<std::time_t> displacedStarts(StartTime start, std::time_t from, int days);
+
+/// "22:05".
+[[nodiscard]] std::string clockText(StartTime start);
+/// "2026-11-23 22:05:00 CET".
+[[nodiscard]] std::string localTimeText(std::time_t moment);
 
 }  // namespace dormel::jobs

@@ -7,13 +7,14 @@
 #include <cerrno>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
+#include <cstdio>
 #include <cstring>
-#include <optional>
 #include <string>
-#include <string_view>
+#include <vector>
 
+#include "platform/linux/freedesktop/BaseDirectories.h"
 #include "platform/linux/jobs/JobLaunch.h"
+#include "platform/linux/jobs/SessionEnvironment.h"
 #include "platform/linux/posix/FileDescriptor.h"
 
 namespace dormel::jobs {
@@ -25,17 +26,13 @@ constexpr int SETTLE_TRIES = 100;
 // A server may listen without a socket file, and then nothing announces it.
 constexpr int LOOK_AGAIN_MS = 60'000;
 
-/// The number in ":0", ":0.1" or "unix:0"; nothing for a display that is not on this machine.
-std::optional<std::string> localDisplayNumber() {
-  const char* value = std::getenv("DISPLAY");
-  if (value == nullptr) return {};
-  std::string_view text = value;
-  if (text.starts_with("unix:")) text.remove_prefix(4);
+/// The number in ":0", ":0.1" or "unix:0"; empty for a display that is not on this machine.
+std::string localNumber(std::string text) {
+  if (text.starts_with("unix:")) text.erase(0, 4);
   if (!text.starts_with(':')) return {};
-  text.remove_prefix(1);
-  text = text.substr(0, text.find('.'));
-  if (text.empty() || text.size() > 5 || text.find_first_not_of("0123456789") != std::string_view::npos) return {};
-  return std::string(text);
+  text = text.substr(1, text.find('.') == std::string::npos ? text.npos : text.find('.') - 1);
+  if (text.size() > 5 || text.find_first_not_of("0123456789") != std::string::npos) return {};
+  return text;
 }
 
 bool accepts(const std::string& path, bool abstractName) {
@@ -43,6 +40,7 @@ bool accepts(const std::string& path, bool abstractName) {
   if (!connection.valid()) return true;  // not the server's fault
   sockaddr_un address{};
   address.sun_family = AF_UNIX;
+  if (path.size() + 2 > sizeof address.sun_path) return false;
   std::memcpy(&address.sun_path[abstractName ? 1 : 0], path.c_str(), path.size());
   const auto length = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + path.size() + 1);
   const bool refused = ::connect(connection.get(), reinterpret_cast<const sockaddr*>(&address), length) != 0 &&
@@ -50,18 +48,36 @@ bool accepts(const std::string& path, bool abstractName) {
   return !refused;
 }
 
-class FolderWatch {
+bool takesConnections(const std::vector<std::string>& display) {
+  if (const std::string wayland = valueIn(display, "WAYLAND_DISPLAY"); !wayland.empty()) {
+    if (accepts(wayland.starts_with('/') ? wayland : freedesktop::runtimeDirectory() + "/" + wayland, false))
+      return true;
+  }
+  const std::string number = localNumber(valueIn(display, "DISPLAY"));
+  const std::string path = std::string(SOCKET_FOLDER) + "/X" + number;
+  return !number.empty() && (accepts(path, true) || accepts(path, false));
+}
+
+std::string nameOf(const std::vector<std::string>& display) {
+  const std::string wayland = valueIn(display, "WAYLAND_DISPLAY");
+  return wayland.empty() ? valueIn(display, "DISPLAY") : wayland;
+}
+
+void say(const std::string& line) { std::fprintf(stderr, "%s\n", line.c_str()); }
+
+/// Waits for a display server's socket. Set before the look that it answers for.
+class SocketWatch {
  public:
-  FolderWatch() : watch_(::inotify_init1(IN_CLOEXEC | IN_NONBLOCK)) {
+  SocketWatch() : watch_(::inotify_init1(IN_CLOEXEC | IN_NONBLOCK)) {
     constexpr std::uint32_t arrivals = IN_CREATE | IN_MOVED_TO | IN_ATTRIB;
     if (::inotify_add_watch(watch_.get(), SOCKET_FOLDER, arrivals) < 0)
       ::inotify_add_watch(watch_.get(), "/tmp", arrivals);
+    ::inotify_add_watch(watch_.get(), freedesktop::runtimeDirectory().c_str(), arrivals);
   }
 
-  /// Waits for an arrival; false when none came.
-  [[nodiscard]] bool wait() const {
+  void wait() const {
     pollfd entry{watch_.get(), POLLIN, 0};
-    return ::poll(&entry, 1, LOOK_AGAIN_MS) > 0;
+    ::poll(&entry, 1, LOOK_AGAIN_MS);
   }
 
  private:
@@ -70,18 +86,28 @@ class FolderWatch {
 
 }  // namespace
 
-void waitForDisplay() {
-  const char* wayland = std::getenv("WAYLAND_DISPLAY");
-  const auto number = localDisplayNumber();
-  if ((wayland != nullptr && *wayland != '\0') || !number) return;
-  const std::string path = std::string(SOCKET_FOLDER) + "/X" + *number;
-  const auto listening = [&] { return accepts(path, true) || accepts(path, false); };
-  while (!listening()) {
-    const FolderWatch watch;  // set before the look that it answers for
-    if (listening()) return;
-    if (!watch.wait()) continue;
-    // The socket appears a moment before its server listens on it, and nothing announces that.
-    for (int i = 0; i < SETTLE_TRIES && !listening(); ++i) ::poll(nullptr, 0, SETTLE_MS);
+void waitForDisplay(const std::string& name, const SessionDisplays& others) {
+  const auto own = displayVariables(sessionEnvironment());
+  const auto found = [&] {
+    if (takesConnections(own)) return true;
+    for (const auto& other : others()) {
+      if (!takesConnections(other)) continue;
+      adoptSessionEnvironment(displayVariables(other));
+      if (namesDisplay(own)) say(name + ": " + nameOf(own) + " takes no connections; going to " + nameOf(other) + ".");
+      return true;
+    }
+    return !namesLocalDisplay(own);  // nothing on this machine to wait for
+  };
+  if (found()) return;
+  say(name + ": " + nameOf(own) + " takes no connections; waiting for a display of this user's session.");
+  for (;;) {
+    const SocketWatch watch;
+    // A socket appears a moment before its server listens on it, and nothing announces that.
+    for (int i = 0; i < SETTLE_TRIES; ++i) {
+      if (found()) return;
+      ::poll(nullptr, 0, SETTLE_MS);
+    }
+    watch.wait();
   }
 }
 

@@ -37,7 +37,9 @@
 #include "platform/linux/jobs/Job.h"
 #include "platform/linux/jobs/JobLaunch.h"
 #include "platform/linux/jobs/Scheduler.h"
+#include "platform/linux/supervisor/Supervisor.h"
 #include "platform/linux/supervisor/SupervisorScheduler.h"
+#include "platform/linux/systemd/SessionDisplays.h"
 #include "platform/linux/systemd/SystemdScheduler.h"
 
 namespace dormel::jobs {
@@ -165,7 +167,7 @@ int print(const std::string& label) {
 }
 
 int permit(const std::string& label, const std::string& propertyList, const std::string& program) {
-  const auto reason = reasonNotToStart(label, propertyList, program);
+  const auto reason = reasonNotToStart(label, propertyList, program, systemd::sessionDisplays);
   if (!reason) return 0;
   std::fprintf(stderr, "%s: not started: %s\n", label.c_str(), reason->c_str());
   return 1;
@@ -176,7 +178,7 @@ int execute(const HelperCommand& command) {
   job.standardOutput = command.standardOutput;
   job.standardError = command.standardError;
   job.arguments = command.job;
-  const int error = becomeJob(job);
+  const int error = becomeJob(job, systemd::sessionDisplays);
   std::fprintf(stderr, "%s: %s\n", job.program().c_str(), std::strerror(error));
   return error == ENOENT ? 127 : 126;
 }
@@ -199,7 +201,7 @@ int run(const Arguments& arguments) {
     case Verb::exec:
       return execute(*command);
     case Verb::supervise:
-      return supervisor::supervise(command->propertyList, command->descriptor);
+      return supervisor::supervise(command->propertyList, command->descriptor, systemd::sessionDisplays);
   }
   return usage();
 }

@@ -53,6 +53,4 @@ std::map<std::string, std::string> PosixBundle::tools() const {
           {"/usr/bin/xattr", "/bin/true"}};
 }
 
-std::string PosixBundle::resources() const { return path_ + (isBundle_ ? "/Contents/Resources" : ""); }
-
 }  // namespace dormel::posix

@@ -22,8 +22,6 @@ class PosixBundle final : public Bundle {
   [[nodiscard]] std::string helper(const std::string& name) const;
   /// The files that stand for the tools which programs expect of their platform.
   [[nodiscard]] std::map<std::string, std::string> tools() const;
-  /// ".../Contents/Resources".
-  [[nodiscard]] std::string resources() const;
 
  private:
   std::string executable_;

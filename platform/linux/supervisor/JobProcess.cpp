@@ -1,17 +1,17 @@
 #include "platform/linux/supervisor/JobProcess.h"
 
-#include <fcntl.h>
 #include <poll.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <charconv>
 #include <csignal>
 #include <cstdio>
 
 #include "platform/linux/freedesktop/BaseDirectories.h"
-#include "platform/linux/jobs/JobLaunch.h"
+#include "platform/linux/freedesktop/TextFile.h"
 #include "platform/linux/jobs/ProcessTable.h"
 
 namespace dormel::jobs::supervisor {
@@ -25,37 +25,42 @@ posix::FileDescriptor openProcess(pid_t process) {
 }
 void signalProcess(int handle, int signal) { ::syscall(SYS_pidfd_send_signal, handle, signal, nullptr, 0); }
 
-/// What the supervisor changed for itself is not the job's.
-void resetSignals() {
-  for (int signal = 1; signal < NSIG; ++signal) ::signal(signal, SIG_DFL);
-  sigset_t none;
-  sigemptyset(&none);
-  ::sigprocmask(SIG_SETMASK, &none, nullptr);
+bool endsWithin(int handle, int milliseconds) {
+  pollfd entry{handle, POLLIN, 0};
+  int result = 0;
+  do {
+    result = ::poll(&entry, 1, milliseconds);
+  } while (result < 0 && errno == EINTR);
+  return result > 0;
 }
 
-[[noreturn]] void runChild(const Job& job, const std::vector<std::string>& environment) {
+/// What names one process and no later one: process ids start anew when the machine does.
+std::string birthOf(pid_t process) {
+  const auto ticks = processStartTicks(process);
+  std::string boot = freedesktop::readTextFile("/proc/sys/kernel/random/boot_id").value_or("");
+  if (boot.ends_with('\n')) boot.pop_back();
+  return ticks ? std::to_string(*ticks) + " " + boot : std::string();
+}
+
+[[noreturn]] void runChild(const Job& job, const SessionDisplays& displays) {
   ::setsid();
-  resetSignals();
-  // A job that waits for its display is a copy of the supervisor for that long, and must not answer its callers.
+  // What the supervisor changed for itself is not the job's.
+  for (int signal = 1; signal < NSIG; ++signal) ::signal(signal, SIG_DFL);
+  // A job that waits for its display is a copy of the supervisor for that long.
   constexpr unsigned firstBeyondStreams = 3;
   ::close_range(firstBeyondStreams, ~0U, 0);
-  std::vector<char*> entries;
-  entries.reserve(environment.size() + 1);
-  for (const std::string& entry : environment) entries.push_back(const_cast<char*>(entry.c_str()));
-  entries.push_back(nullptr);
-  environ = entries.data();
   if (::chdir(freedesktop::homeDirectory().c_str()) != 0) errno = 0;
-  errno = becomeJob(job);
+  errno = becomeJob(job, displays);
   std::perror(job.program().c_str());
   ::_exit(127);
 }
 
 }  // namespace
 
-bool JobProcess::start(const Job& job, const std::vector<std::string>& environment) {
+bool JobProcess::start(const Job& job, const SessionDisplays& displays) {
   forget();
   const pid_t child = ::fork();
-  if (child == 0) runChild(job, environment);
+  if (child == 0) runChild(job, displays);
   if (child < 0) return false;
   id_ = child;
   child_ = true;
@@ -68,53 +73,43 @@ bool JobProcess::start(const Job& job, const std::vector<std::string>& environme
   return false;
 }
 
-bool JobProcess::adopt(const ProcessRecord& process) {
+bool JobProcess::adopt(const JobReport& report) {
   forget();
-  handle_ = openProcess(process.process);
-  if (!handle_.valid()) return false;
-  id_ = process.process;
+  std::string pid;
+  std::string birth;
+  for (const auto& [name, value] : report) {
+    if (name == "pid") pid = value;
+    if (name == "birth") birth = value;
+  }
+  std::from_chars(pid.data(), pid.data() + pid.size(), id_);
+  if (id_ <= 1) return false;
+  handle_ = openProcess(id_);
   // The id may have passed to another process before the handle was opened, but not since.
-  if (processStartTicks(process.process) == process.startTicks) return true;
+  if (handle_.valid() && !birth.empty() && birthOf(id_) == birth && !endsWithin(handle_.get(), 0)) return true;
   forget();
   return false;
 }
 
-std::optional<ProcessRecord> JobProcess::record() const {
-  if (!running()) return {};
-  const auto ticks = processStartTicks(id_);
-  if (!ticks) return {};
-  return ProcessRecord{id_, *ticks};
+void JobProcess::describe(JobReport& report) const {
+  if (!running()) return;
+  report.emplace_back("pid", std::to_string(id_));
+  report.emplace_back("birth", birthOf(id_));
 }
 
-std::optional<Ending> JobProcess::reap() {
-  if (!running()) return {};
-  if (!child_) {
-    pollfd entry{handle_.get(), POLLIN, 0};
-    if (::poll(&entry, 1, 0) <= 0) return {};
-    forget();
-    return Ending{false, false, 0};
-  }
+std::optional<std::string> JobProcess::reap() {
+  if (!running() || !endsWithin(handle_.get(), 0)) return {};
   siginfo_t info{};
-  if (::waitid(P_PIDFD, static_cast<id_t>(handle_.get()), &info, WEXITED | WNOHANG) != 0 || info.si_pid == 0) return {};
+  const bool known = child_ && ::waitid(P_PIDFD, static_cast<id_t>(handle_.get()), &info, WEXITED | WNOHANG) == 0;
   forget();
-  return Ending{true, info.si_code != CLD_EXITED, info.si_status};
+  if (!known) return "unknown";
+  return (info.si_code == CLD_EXITED ? "exit code " : "signal ") + std::to_string(info.si_status);
 }
 
 void JobProcess::stop() {
   if (!running()) return;
-  const auto ended = [&](int limit) {
-    pollfd entry{handle_.get(), POLLIN, 0};
-    int result = 0;
-    do {
-      result = ::poll(&entry, 1, limit);
-    } while (result < 0 && errno == EINTR);
-    return result > 0;
-  };
   signalProcess(handle_.get(), SIGTERM);
-  if (!ended(STOP_LIMIT_MS)) {
-    signalProcess(handle_.get(), SIGKILL);
-    (void)ended(STOP_LIMIT_MS);
-  }
+  if (!endsWithin(handle_.get(), STOP_LIMIT_MS)) signalProcess(handle_.get(), SIGKILL);
+  (void)endsWithin(handle_.get(), STOP_LIMIT_MS);
   (void)reap();
   forget();
 }
@@ -123,6 +118,13 @@ void JobProcess::forget() {
   handle_.reset();
   id_ = 0;
   child_ = false;
+}
+
+void killProcess(pid_t process, const std::function<bool()>& isStill) {
+  const auto handle = openProcess(process);
+  if (!handle.valid() || !isStill()) return;
+  signalProcess(handle.get(), SIGKILL);
+  (void)endsWithin(handle.get(), STOP_LIMIT_MS);
 }
 
 }  // namespace dormel::jobs::supervisor

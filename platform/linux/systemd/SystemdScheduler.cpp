@@ -10,6 +10,7 @@
 #include <cstring>
 #include <ctime>
 #include <utility>
+#include <variant>
 
 #include "platform/linux/freedesktop/BaseDirectories.h"
 #include "platform/linux/freedesktop/TextFile.h"
@@ -58,13 +59,32 @@ FileResult updateLink(const std::string& path, const std::string& target, bool& 
 
 bool removeFile(const std::string& path) { return ::unlink(path.c_str()) == 0; }
 
-std::string localTimeText(std::uint64_t microseconds) {
-  const auto moment = static_cast<std::time_t>(microseconds / 1'000'000);
-  std::tm local{};
-  localtime_r(&moment, &local);
-  std::array<char, 64> text{};
-  std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M:%S %Z", &local);
-  return text.data();
+/// This process's session as the job in the file is to have it, and the zone by which the job and its timer go. A zone
+/// that no calendar line can name is left to nobody: both then go by the machine's.
+struct Session {
+  explicit Session(const std::string& serviceFile)
+      : environment(
+            keepingDisplay(sessionEnvironment(), environmentIn(freedesktop::readTextFile(serviceFile).value_or("")))),
+        zone(zoneNamed(valueIn(environment, "TZ"))) {
+    if (!zone.empty()) return;
+    std::erase_if(environment, [](const std::string& entry) { return entry.starts_with("TZ="); });
+    environment.emplace_back("TZ");
+  }
+
+  std::vector<std::string> environment;
+  std::string zone;
+};
+
+/// Whether the units are those of the list as it is now, and for the display that this process would give them.
+bool isMeant(const std::string& propertyList, const std::string& serviceFile, const std::string& timerFile) {
+  const auto read = readJob(propertyList);
+  const Job* job = std::get_if<Job>(&read);
+  const auto service = freedesktop::readTextFile(serviceFile);
+  if (job == nullptr || !service) return false;
+  const Session session(serviceFile);
+  if (namesAnotherDisplay(environmentIn(*service), session.environment)) return false;
+  const auto timer = freedesktop::readTextFile(timerFile);
+  return job->start ? timer && timer->find(calendarLine(*job->start, session.zone)) != std::string::npos : !timer;
 }
 
 }  // namespace
@@ -92,6 +112,7 @@ std::optional<JobReport> SystemdScheduler::find(const std::string& label) {
     return {};
   }
   if (timed && (timer.active != "active" || ::access(units.timerLink.c_str(), F_OK) != 0)) return {};
+  if (!isMeant(service.source, units.serviceFile, units.timerFile)) return {};
 
   const ServiceState process = manager_->service(units.service);
   JobReport report{{"scheduler", "systemd --user"}, {"path", service.source}, {"state", service.sub}};
@@ -100,18 +121,21 @@ std::optional<JobReport> SystemdScheduler::find(const std::string& label) {
     report.emplace_back(process.exitCode == CLD_EXITED ? "last exit code" : "last terminating signal",
                         std::to_string(process.exitStatus));
   }
-  if (timed) report.emplace_back("next start", localTimeText(manager_->nextElapse(units.timer)));
+  if (timed)
+    report.emplace_back("next start",
+                        localTimeText(static_cast<std::time_t>(manager_->nextElapse(units.timer) / 1'000'000)));
   return report;
 }
 
 std::optional<JobError> SystemdScheduler::load(const Job& job) {
   if (!available()) return JobError{"no user manager that reads " + folder_};
   const Units units(folder_, job.label);
+  const Session session(units.serviceFile);
   bool changed = false;
-  FileResult error = update(units.serviceFile, serviceUnit(job, launcher_), changed);
+  FileResult error = update(units.serviceFile, serviceUnit(job, launcher_, session.environment), changed);
   if (job.start) {
     const auto displaced = displacedStarts(*job.start, std::time(nullptr), DAYS_AHEAD);
-    if (!error) error = update(units.timerFile, timerUnit(job, displaced), changed);
+    if (!error) error = update(units.timerFile, timerUnit(job, displaced, session.zone), changed);
     if (!error) error = updateLink(units.timerLink, units.timerFile, changed);
   } else if (removeFile(units.timerFile)) {
     changed = true;
@@ -127,8 +151,6 @@ std::optional<JobError> SystemdScheduler::load(const Job& job) {
   if (changed || unread(units.service) || (job.start && unread(units.timer))) {
     if (!manager_->reload()) return JobError{"the user manager does not read its units"};
   }
-  const auto environment = sessionEnvironment();
-  if (!manager_->changeEnvironment(environment)) return JobError{"the user manager does not take the environment"};
   // Where the manager keeps the time of the last start. It would make the folder too, but nobody would take it away.
   if (job.start) freedesktop::createFolders(freedesktop::dataHome() + "/systemd/timers", 0755);
   if (job.start && !(changed ? manager_->restart(units.timer) : manager_->start(units.timer))) {
@@ -136,7 +158,7 @@ std::optional<JobError> SystemdScheduler::load(const Job& job) {
   }
   if (!job.runAtLoad) return {};
   const pid_t running = manager_->service(units.service).mainProcess;
-  if (running != 0 && runsOnAnotherDisplay(running, environment)) {
+  if (running != 0 && runsOnAnotherDisplay(running, session.environment)) {
     manager_->restart(units.service);
   } else {
     // Whether this first start succeeds is the service's own business: it is tried again like any later one.

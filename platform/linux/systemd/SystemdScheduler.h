@@ -1,15 +1,18 @@
-// Jobs as units of the user's service manager: a service, and a timer for the start time.
+// Jobs as units of the user's service manager: a service, and a timer for the start time. See jobs/Scheduler.h for what
+// the calls promise.
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 
+#include "platform/linux/jobs/Job.h"
 #include "platform/linux/jobs/Scheduler.h"
 #include "platform/linux/systemd/UserManager.h"
 
 namespace dormel::jobs::systemd {
 
-class SystemdScheduler : public Scheduler {
+class SystemdScheduler {
  public:
   /// `launcher`: path of the program that the units start jobs through.
   explicit SystemdScheduler(std::string launcher);
@@ -17,9 +20,9 @@ class SystemdScheduler : public Scheduler {
   /// Whether a manager answers that can keep our jobs. Creates the folder of unit files to ask about it.
   [[nodiscard]] bool available();
 
-  [[nodiscard]] std::optional<JobReport> find(const std::string& label) override;
-  [[nodiscard]] std::optional<JobError> load(const Job& job) override;
-  [[nodiscard]] bool unload(const std::string& label) override;
+  [[nodiscard]] std::optional<JobReport> find(const std::string& label);
+  [[nodiscard]] std::optional<JobError> load(const Job& job);
+  [[nodiscard]] bool unload(const std::string& label);
 
  private:
   std::string launcher_;

@@ -1,12 +1,16 @@
 #include "platform/linux/systemd/UnitText.h"
 
+#include <sys/stat.h>
+
+#include <algorithm>
 #include <array>
+#include <cctype>
 #include <cstdio>
+
+#include "platform/linux/jobs/StartCalendar.h"
 
 namespace dormel::jobs::systemd {
 namespace {
-
-std::string twoDigits(int number) { return (number < 10 ? "0" : "") + std::to_string(number); }
 
 std::string calendarTime(std::time_t moment) {
   std::tm local{};
@@ -66,13 +70,47 @@ std::string plainValue(std::string_view text) {
   return value;
 }
 
-std::string serviceUnit(const Job& job, const std::string& launcher) {
+std::vector<std::string> environmentIn(std::string_view service) {
+  constexpr std::string_view LEAD = "\nEnvironment=\"";
+  std::vector<std::string> entries;
+  for (std::size_t at = service.find(LEAD); at != service.npos; at = service.find(LEAD, at)) {
+    at += LEAD.size();
+    std::string entry;
+    for (; at < service.size() && service[at] != '"' && service[at] != '\n'; ++at) {
+      if ((service[at] == '\\' || service[at] == '%') && at + 1 < service.size()) ++at;  // the second one is meant
+      entry += service[at];
+    }
+    entries.push_back(std::move(entry));
+  }
+  return entries;
+}
+
+std::string calendarLine(StartTime start, const std::string& zone) {
+  return "OnCalendar=*-*-* " + clockText(start) + ":00" + (zone.empty() ? "" : " " + zone) + "\n";
+}
+
+std::string zoneNamed(const std::string& tz) {
+  const std::string name = tz.starts_with(':') ? tz.substr(1) : tz;
+  const auto isOfNames = [](unsigned char c) {
+    return std::isalnum(c) != 0 || c == '_' || c == '+' || c == '-' || c == '/';
+  };
+  if (name.empty() || name.front() == '/' || !std::all_of(name.begin(), name.end(), isOfNames)) return {};
+  struct stat info {};
+  return ::stat(("/usr/share/zoneinfo/" + name).c_str(), &info) == 0 && S_ISREG(info.st_mode) ? name : "";
+}
+
+std::string serviceUnit(const Job& job, const std::string& launcher, const std::vector<std::string>& environment) {
   const std::string launch = commandStart(launcher);
   std::string condition = launch + " permit " + commandWord(job.label) + " " + commandWord(job.propertyList) + " " +
                           commandWord(job.program());
   std::string command = launch + " exec " + commandWord(pathOrDash(job.standardOutput)) + " " +
                         commandWord(pathOrDash(job.standardError));
   for (const std::string& argument : job.arguments) command += " " + commandWord(argument);
+  std::string variables;
+  for (const std::string& entry : environment) {
+    variables += entry.find('=') == std::string::npos ? "UnsetEnvironment=" + entry + "\n"
+                                                      : "Environment=" + commandWord(entry) + "\n";
+  }
   return "# Derived from the property list named below; changes made here are overwritten.\n"
          "[Unit]\n"
          "Description=" +
@@ -84,9 +122,8 @@ std::string serviceUnit(const Job& job, const std::string& launcher) {
          "StartLimitIntervalSec=0\n"
          "\n"
          "[Service]\n"
-         "Type=exec\n"
-         "ExecCondition=" +
-         condition +
+         "Type=exec\n" +
+         variables + "ExecCondition=" + condition +
          "\n"
          "ExecStart=" +
          command + "\n" + restartLines(job.restart) +
@@ -96,8 +133,7 @@ std::string serviceUnit(const Job& job, const std::string& launcher) {
          "TimeoutStopSec=5\n";
 }
 
-std::string timerUnit(const Job& job, const std::vector<std::time_t>& displaced) {
-  const StartTime start = job.start.value_or(StartTime{});
+std::string timerUnit(const Job& job, const std::vector<std::time_t>& displaced, const std::string& zone) {
   std::string text =
       "# Derived from the property list named below; changes made here are overwritten.\n"
       "[Unit]\n"
@@ -108,10 +144,11 @@ std::string timerUnit(const Job& job, const std::vector<std::time_t>& displaced)
       plainValue(job.propertyList) +
       "\n"
       "\n"
-      "[Timer]\n"
-      "OnCalendar=*-*-* " +
-      twoDigits(start.hour) + ":" + twoDigits(start.minute) + ":00\n";
-  for (const std::time_t moment : displaced) text += "OnCalendar=" + calendarTime(moment) + "\n";
+      "[Timer]\n" +
+      calendarLine(job.start.value_or(StartTime{}), zone);
+  for (const std::time_t moment : displaced) {
+    text += "OnCalendar=" + calendarTime(moment) + (zone.empty() ? "" : " " + zone) + "\n";
+  }
   return text +
          "AccuracySec=1us\n"
          "Persistent=true\n"

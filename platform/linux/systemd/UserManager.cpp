@@ -127,19 +127,16 @@ bool UserManager::reload() {
   return sd_bus_call_method(bus_, NAME, OBJECT, MANAGER, "Reload", nullptr, nullptr, "") >= 0;
 }
 
-bool UserManager::changeEnvironment(const std::vector<std::string>& changes) {
-  std::vector<char*> unset;
-  std::vector<char*> set;
-  for (const std::string& change : changes) {
-    (change.find('=') == std::string::npos ? unset : set).push_back(const_cast<char*>(change.c_str()));
+std::vector<std::string> UserManager::environment() {
+  std::vector<std::string> entries;
+  char** strings = nullptr;
+  if (sd_bus_get_property_strv(bus_, NAME, OBJECT, MANAGER, "Environment", nullptr, &strings) < 0) return entries;
+  for (char** entry = strings; entry != nullptr && *entry != nullptr; ++entry) {
+    entries.emplace_back(*entry);
+    std::free(*entry);
   }
-  unset.push_back(nullptr);
-  set.push_back(nullptr);
-  Message call;
-  return sd_bus_message_new_method_call(bus_, call.out(), NAME, OBJECT, MANAGER, "UnsetAndSetEnvironment") >= 0 &&
-         sd_bus_message_append_strv(call.get(), unset.data()) >= 0 &&
-         sd_bus_message_append_strv(call.get(), set.data()) >= 0 &&
-         sd_bus_call(bus_, call.get(), 0, nullptr, nullptr) >= 0;
+  std::free(strings);
+  return entries;
 }
 
 std::string UserManager::unitObject(const std::string& name) {

@@ -43,8 +43,8 @@ class UserManager {
 
   /// Reads all unit files afresh.
   bool reload();
-  /// For what it starts from now on: sets "NAME=value", unsets "NAME".
-  bool changeEnvironment(const std::vector<std::string>& changes);
+  /// What it gives to all that it starts: "NAME=value". Desktops put their display into it.
+  [[nodiscard]] std::vector<std::string> environment();
 
   [[nodiscard]] UnitState unit(const std::string& name);
   [[nodiscard]] ServiceState service(const std::string& name);
