@@ -1,7 +1,6 @@
 #include "challenge/BypassController.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstdio>
 #include <utility>
 
@@ -243,15 +242,9 @@ bool BypassController::allKeysHeld() const {
                      [this](const RequiredKey& key) { return pressedKeys_->contains(key.keyCode); });
 }
 
-double BypassController::liveProgress() const {
-  if (!*allHeldSince_) return 0;
-  return std::min(1.0, (uptime() - **allHeldSince_) / holdDuration_);
-}
+double BypassController::liveProgress() const { return hold().progress(uptime()); }
 
-int BypassController::liveSecondsRemaining() const {
-  if (!*allHeldSince_) return static_cast<int>(holdDuration_);
-  return std::max(0, static_cast<int>(std::ceil(holdDuration_ - (uptime() - **allHeldSince_))));
-}
+int BypassController::liveSecondsRemaining() const { return hold().secondsRemaining(uptime()); }
 
 std::string BypassController::label(KeyCode keyCode) const {
   for (const RequiredKey& key : *requiredKeys_) {

@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "challenge/Hold.h"
 #include "challenge/KeyLegends.h"
 #include "challenge/KeyPool.h"
 #include "core/Constants.h"
@@ -58,6 +59,8 @@ class BypassController : public Observable, public std::enable_shared_from_this<
   /// True for 1.5 s after a draw that Space asked for.
   [[nodiscard]] bool justReshuffled() const { return justReshuffled_; }
   [[nodiscard]] bool allKeysHeld() const;
+  /// The hold that runs, or how long the next one will have to be.
+  [[nodiscard]] Hold hold() const { return {*allHeldSince_, *holdDuration_}; }
   /// How much of the hold is done, 0 to 1, by the uptime of this moment.
   [[nodiscard]] double liveProgress() const;
   /// Whole seconds still to hold, rounded up; the whole hold when none runs.

@@ -34,6 +34,20 @@ std::optional<std::string> labelForKeyCode(KeyCode keyCode) {
   return label;
 }
 
+std::string usLabel(KeyCode keyCode) {
+  std::string found;
+  const auto look = [&](const auto& table, auto label) {
+    for (const auto& row : table) {
+      if (row.keyCode == keyCode) found = row.*label;
+    }
+  };
+  look(LEFT_MODIFIERS, &ModifierRow::label);
+  look(RIGHT_MODIFIERS, &ModifierRow::label);
+  look(LEFT_LETTERS, &LetterRow::fallbackLabel);
+  look(RIGHT_LETTERS, &LetterRow::fallbackLabel);
+  return found;
+}
+
 std::string modifierType(KeyCode keyCode) {
   switch (keyCode) {
     case 54:

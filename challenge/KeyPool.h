@@ -82,6 +82,10 @@ inline constexpr EventFlags command = 0x100000;
 /// letter or digit.
 [[nodiscard]] std::optional<std::string> labelForKeyCode(KeyCode keyCode);
 
+/// The key's name on a US keyboard, a modifier's label included: readable whatever the layout's alphabet is. Empty for
+/// a key that no challenge asks for.
+[[nodiscard]] std::string usLabel(KeyCode keyCode);
+
 /// "cmd", "shift", "opt" or "ctrl" for either side's key; "kc" and the code for any other.
 [[nodiscard]] std::string modifierType(KeyCode keyCode);
 

@@ -69,61 +69,48 @@ Seconds BlockerOverlayView::appearDuration() const {
   return session && session->overlayFadesIn() ? OVERLAY_FADE_IN_DURATION : 0;
 }
 
-bool BlockerOverlayView::isFadingOut() const {
-  const auto session = session_.lock();
-  return session && session->isFadingOut();
-}
-
 std::vector<KeyIndicator> BlockerOverlayView::keys() const {
   std::vector<KeyIndicator> caps;
   for (const RequiredKey& key : bypassController_->requiredKeys()) {
     caps.push_back(
         {key.label,
          key.isModifier ? platform().keyboardLayout.printedLegend(key.keyCode) : bypassController_->legend(key.keyCode),
-         key.keyCode, bypassController_->pressedKeys().contains(key.keyCode), key.isModifier});
+         usLabel(key.keyCode), key.keyCode, bypassController_->pressedKeys().contains(key.keyCode), key.isModifier});
   }
   return caps;
 }
 
-std::string BlockerOverlayView::statusText() const {
+std::string BlockerOverlayView::statusText(bool showUnlockConfirm) const {
   if (bypassController_->justReshuffled()) return "Keys reshuffled";
-  if (showUnlockConfirm()) return "";
-  if (allKeysHeld()) return "Keep holding...";
+  if (showUnlockConfirm) return "";
+  if (bypassController_->allKeysHeld()) return "Keep holding...";
   return "Good night. Time to sleep.";
 }
 
-Ink BlockerOverlayView::statusColor() const { return ink::white(bypassController_->justReshuffled() ? 0.60 : 0.40); }
-
-bool BlockerOverlayView::allKeysHeld() const { return bypassController_->allKeysHeld(); }
-
-double BlockerOverlayView::progress() const { return bypassController_->liveProgress(); }
-
-Ink BlockerOverlayView::progressColor() const {
-  const double done = progress();
-  if (done <= 0.4) return ink::white(0.30);
-  if (done <= 0.8) return ink::white(0.50);
-  return ink::red(0.80);
-}
-
-std::string BlockerOverlayView::secondsText() const {
-  return std::to_string(bypassController_->liveSecondsRemaining());
-}
-
-std::string BlockerOverlayView::clock() const { return clockText(platform().clock.now(), Config::use24HourClock()); }
-
-std::string BlockerOverlayView::amPm() const {
-  return Config::use24HourClock() ? std::string() : amPmText(platform().clock.now());
-}
-
-bool BlockerOverlayView::showUnlockConfirm() const {
+BlockerOverlayState BlockerOverlayView::state() const {
   const auto session = session_.lock();
-  return session && session->showUnlockConfirm();
+  BlockerOverlayState state;
+  state.appeared = appeared_;
+  state.appearDuration = appearDuration();
+  state.isFadingOut = session && session->isFadingOut();
+  state.keys = keys();
+  state.showUnlockConfirm = session && session->showUnlockConfirm();
+  state.statusText = statusText(state.showUnlockConfirm);
+  state.statusColor = ink::white(bypassController_->justReshuffled() ? 0.60 : 0.40);
+  state.allKeysHeld = bypassController_->allKeysHeld();
+  state.hold = bypassController_->hold();
+  const Date now = platform().clock.now();
+  const bool in24 = Config::use24HourClock();
+  state.clock = clockText(now, in24);
+  if (!in24) state.amPm = amPmText(now);
+  if (session && session->state() == SessionState::grace) {
+    state.relockText = "Relocking in " + graceCountdownText(session->graceSecondsRemaining());
+  }
+  return state;
 }
 
-std::string BlockerOverlayView::relockText() const {
-  const auto session = session_.lock();
-  if (!session || session->state() != SessionState::grace) return {};
-  return "Relocking in " + graceCountdownText(session->graceSecondsRemaining());
+std::vector<std::string> BlockerOverlayView::plainLines(const CanWrite& canWrite) const {
+  return state().plainLines(platform().clock.uptime(), canWrite);
 }
 
 }  // namespace dormel

@@ -14,24 +14,14 @@ std::shared_ptr<GraceCountdownView> GraceCountdownView::create(const std::shared
 
 GraceCountdownView::GraceCountdownView(const std::shared_ptr<OverlaySession>& session) : session_(session) {}
 
-int GraceCountdownView::secondsRemaining() const {
+GraceCountdownState GraceCountdownView::state() const {
   const auto session = session_.lock();
-  return session ? session->graceSecondsRemaining() : 0;
-}
-
-double GraceCountdownView::graceProgress() const {
-  const auto session = session_.lock();
-  return session && session->graceTotal() > 0 ? session->graceSecondsRemaining() / session->graceTotal() : 0;
-}
-
-Ink GraceCountdownView::urgencyColor() const {
-  if (secondsRemaining() > 60) return ink::white(0.60);
-  return secondsRemaining() > 30 ? ink::orange(1) : ink::red(1);
-}
-
-std::string GraceCountdownView::graceText() const {
-  const int seconds = secondsRemaining();
-  return (seconds < 60 ? std::to_string(seconds) + "s" : graceCountdownText(seconds)) + " remaining";
+  const int seconds = session ? session->graceSecondsRemaining() : 0;
+  GraceCountdownState state;
+  if (session && session->graceTotal() > 0) state.progress = seconds / session->graceTotal();
+  state.urgencyColor = seconds > 60 ? ink::white(0.60) : seconds > 30 ? ink::orange(1) : ink::red(1);
+  state.text = (seconds < 60 ? std::to_string(seconds) + "s" : graceCountdownText(seconds)) + " remaining";
+  return state;
 }
 
 }  // namespace dormel

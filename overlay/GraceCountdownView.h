@@ -4,30 +4,38 @@
 
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "core/Observable.h"
-#include "overlay/Ink.h"
+#include "overlay/GraceCountdownState.h"
 #include "overlay/OverlaySession.h"
-#include "platform/View.h"
+#include "platform/PaintedView.h"
 
 namespace dormel {
 
-class GraceCountdownView : public View, public Observable, public std::enable_shared_from_this<GraceCountdownView> {
+class GraceCountdownView : public PaintedView,
+                           public Observable,
+                           public std::enable_shared_from_this<GraceCountdownView> {
  public:
   [[nodiscard]] static std::shared_ptr<GraceCountdownView> create(const std::shared_ptr<OverlaySession>& session);
 
   [[nodiscard]] ViewKind kind() const override { return ViewKind::graceCountdown; }
 
-  /// How much of the grace period is left, 1 down to 0.
-  [[nodiscard]] double graceProgress() const;
-  /// White while there is time, orange in the last minute, red in its second half.
-  [[nodiscard]] Ink urgencyColor() const;
-  /// "4:05 remaining", "45s remaining".
-  [[nodiscard]] std::string graceText() const;
+  [[nodiscard]] GraceCountdownState state() const;
+
+  [[nodiscard]] std::string encodedState() const override { return encoded(state()); }
+  [[nodiscard]] std::shared_ptr<const void> observeState(Task handler) override {
+    return std::make_shared<Observation>(observe(std::move(handler)));
+  }
+  /// Room for the widest of its texts.
+  [[nodiscard]] Size fittingSize() const override { return {212, 56}; }
+  [[nodiscard]] std::vector<std::string> plainLines(const CanWrite& /*canWrite*/) const override {
+    return {state().text};
+  }
 
  private:
   explicit GraceCountdownView(const std::shared_ptr<OverlaySession>& session);
-  [[nodiscard]] int secondsRemaining() const;
 
   std::weak_ptr<OverlaySession> session_;
   Observation sessionObservation_;

@@ -23,4 +23,12 @@ void AccessibilityCardView::onAppear() {
   });
 }
 
+void AccessibilityCardView::act(std::uint32_t action) {
+  if (action == AccessibilityCardState::OPEN_SETTINGS) onOpenSettings_();
+}
+
+std::vector<std::string> AccessibilityCardView::plainLines(const CanWrite& /*canWrite*/) const {
+  return AccessibilityCardState::plainLines();
+}
+
 }  // namespace dormel

@@ -5,14 +5,18 @@
 
 #include <functional>
 #include <memory>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "core/Observable.h"
+#include "platform/PaintedView.h"
 #include "platform/RunLoop.h"
-#include "platform/View.h"
+#include "settings/AccessibilityCardState.h"
 
 namespace dormel {
 
-class AccessibilityCardView : public View,
+class AccessibilityCardView : public PaintedView,
                               public Observable,
                               public std::enable_shared_from_this<AccessibilityCardView> {
  public:
@@ -20,11 +24,17 @@ class AccessibilityCardView : public View,
 
   [[nodiscard]] ViewKind kind() const override { return ViewKind::accessibilityCard; }
 
-  /// Called by the drawing side when the card comes on screen: the switch in miniature begins to flip every 1.4 s.
-  void onAppear();
-  [[nodiscard]] bool toggleOn() const { return toggleOn_; }
-  /// The button.
-  void openSettings() const { onOpenSettings_(); }
+  [[nodiscard]] AccessibilityCardState state() const { return {toggleOn_}; }
+
+  /// The switch in miniature begins to flip every 1.4 s.
+  void onAppear() override;
+  [[nodiscard]] std::string encodedState() const override { return encoded(state()); }
+  [[nodiscard]] std::shared_ptr<const void> observeState(Task handler) override {
+    return std::make_shared<Observation>(observe(std::move(handler)));
+  }
+  [[nodiscard]] Size fittingSize() const override { return {440, 263.4}; }
+  void act(std::uint32_t action) override;
+  [[nodiscard]] std::vector<std::string> plainLines(const CanWrite& canWrite) const override;
 
  private:
   explicit AccessibilityCardView(std::function<void()> onOpenSettings);

@@ -6,43 +6,31 @@
 
 namespace dormel {
 
-BlockerOverlayBridge::BlockerOverlayBridge(std::shared_ptr<BlockerOverlayView> view) : view_(std::move(view)) {
-  observation_ = view_->observe([this] { refreshSoon(); });
-  keys_.update(view_->keys());
+BlockerOverlayBridge::BlockerOverlayBridge(std::shared_ptr<PaintedView> view) : StateBridge(std::move(view)) {
+  connect(this, &ViewBridge::changed, this, &BlockerOverlayBridge::advanced);
+  takeFirst();
 }
 
-void BlockerOverlayBridge::refreshSoon() {
-  if (willRefresh_) return;
-  willRefresh_ = true;
-  QMetaObject::invokeMethod(
-      this, [this] { refresh(); }, Qt::QueuedConnection);
+bool BlockerOverlayBridge::take(std::string_view state) {
+  auto next = decodedBlockerOverlay(state);
+  if (!next || (*next == state_ && !next->allKeysHeld)) return false;
+  state_ = std::move(*next);
+  keys_.update(state_.keys);
+  return true;
 }
 
-void BlockerOverlayBridge::refresh() {
-  willRefresh_ = false;
-  keys_.update(view_->keys());
-  emit changed();
-  emit advanced();
-}
+int BlockerOverlayBridge::appearDuration() const { return static_cast<int>(state_.appearDuration * 1000); }
 
-int BlockerOverlayBridge::appearDuration() const { return static_cast<int>(view_->appearDuration() * 1000); }
+QColor BlockerOverlayBridge::statusColor() const { return toColor(state_.statusColor); }
 
-QColor BlockerOverlayBridge::statusColor() const { return toColor(view_->statusColor()); }
-
-QColor BlockerOverlayBridge::progressColor() const { return toColor(view_->progressColor()); }
+QColor BlockerOverlayBridge::progressColor() const { return toColor(state_.progressColor(uptime())); }
 
 QStringList BlockerOverlayBridge::plainLines() const {
-  if (view_->showUnlockConfirm()) {
-    return {QStringLiteral("Unlocked. Let go."), relockText()};
+  QStringList lines;
+  for (const std::string& line : state_.plainLines(uptime(), [](std::string_view) { return true; })) {
+    lines << QString::fromStdString(line);
   }
-  QStringList labels;
-  for (const KeyIndicator& key : view_->keys()) {
-    QString label = QString::fromStdString(key.label);
-    if (!key.legend.empty()) label += QStringLiteral(" (%1)").arg(QString::fromStdString(key.legend));
-    labels << (key.isPressed ? QStringLiteral("[%1]").arg(label) : label);
-  }
-  return {QStringLiteral("DORMEL"), allKeysHeld() ? secondsText() : (clock() + QLatin1Char(' ') + amPm()).trimmed(),
-          labels.join(QStringLiteral("    ")), statusText(), QStringLiteral("Space to reshuffle keys")};
+  return lines;
 }
 
 }  // namespace dormel

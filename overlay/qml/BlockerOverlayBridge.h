@@ -1,4 +1,4 @@
-// Hands the overlay view to its QML scene. Main thread only.
+// Hands the overlay's state to its QML scene. Main thread only.
 #pragma once
 
 #include <QtQml/qqmlregistration.h>
@@ -6,13 +6,13 @@
 #include <memory>
 
 #include "core/Constants.h"
-#include "overlay/BlockerOverlayView.h"
+#include "overlay/BlockerOverlayState.h"
 #include "overlay/qml/KeyModel.h"
-#include "platform/linux/qt/ViewBridge.h"
+#include "platform/linux/qt/StateBridge.h"
 
 namespace dormel {
 
-class BlockerOverlayBridge : public ViewBridge {
+class BlockerOverlayBridge : public StateBridge {
   Q_OBJECT
   QML_ELEMENT
   QML_UNCREATABLE("Made by the canvas")
@@ -36,25 +36,25 @@ class BlockerOverlayBridge : public ViewBridge {
   Q_PROPERTY(QString secondsText READ secondsText NOTIFY advanced)
 
  public:
-  explicit BlockerOverlayBridge(std::shared_ptr<BlockerOverlayView> view);
+  explicit BlockerOverlayBridge(std::shared_ptr<PaintedView> view);
 
   [[nodiscard]] QStringList plainLines() const override;
 
-  [[nodiscard]] bool appeared() const { return view_->appeared(); }
+  [[nodiscard]] bool appeared() const { return state_.appeared; }
   [[nodiscard]] int appearDuration() const;
   [[nodiscard]] int fadeOutDuration() const { return static_cast<int>(OVERLAY_UI_FADE_OUT_DURATION * 1000); }
-  [[nodiscard]] bool fadingOut() const { return view_->isFadingOut(); }
+  [[nodiscard]] bool fadingOut() const { return state_.isFadingOut; }
   [[nodiscard]] QAbstractItemModel* keys() { return &keys_; }
-  [[nodiscard]] QString statusText() const { return QString::fromStdString(view_->statusText()); }
+  [[nodiscard]] QString statusText() const { return QString::fromStdString(state_.statusText); }
   [[nodiscard]] QColor statusColor() const;
-  [[nodiscard]] bool allKeysHeld() const { return view_->allKeysHeld(); }
-  [[nodiscard]] double progress() const { return view_->progress(); }
+  [[nodiscard]] bool allKeysHeld() const { return state_.allKeysHeld; }
+  [[nodiscard]] double progress() const { return state_.progress(uptime()); }
   [[nodiscard]] QColor progressColor() const;
-  [[nodiscard]] QString secondsText() const { return QString::fromStdString(view_->secondsText()); }
-  [[nodiscard]] QString clock() const { return QString::fromStdString(view_->clock()); }
-  [[nodiscard]] QString amPm() const { return QString::fromStdString(view_->amPm()); }
-  [[nodiscard]] bool showUnlockConfirm() const { return view_->showUnlockConfirm(); }
-  [[nodiscard]] QString relockText() const { return QString::fromStdString(view_->relockText()); }
+  [[nodiscard]] QString secondsText() const { return QString::fromStdString(state_.secondsText(uptime())); }
+  [[nodiscard]] QString clock() const { return QString::fromStdString(state_.clock); }
+  [[nodiscard]] QString amPm() const { return QString::fromStdString(state_.amPm); }
+  [[nodiscard]] bool showUnlockConfirm() const { return state_.showUnlockConfirm; }
+  [[nodiscard]] QString relockText() const { return QString::fromStdString(state_.relockText); }
 
   /// A display frame has passed.
   Q_INVOKABLE void advance() { emit advanced(); }
@@ -63,17 +63,11 @@ class BlockerOverlayBridge : public ViewBridge {
   void advanced();
 
  protected:
-  void appear() override { view_->onAppear(); }
+  bool take(std::string_view state) override;
 
  private:
-  /// Once for all that changes in a turn of the event loop: a storm of keys is drawn as it ends, not key by key.
-  void refreshSoon();
-  void refresh();
-
-  std::shared_ptr<BlockerOverlayView> view_;
+  BlockerOverlayState state_;
   KeyModel keys_;
-  Observation observation_;
-  bool willRefresh_ = false;
 };
 
 }  // namespace dormel

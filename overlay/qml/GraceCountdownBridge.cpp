@@ -6,10 +6,17 @@
 
 namespace dormel {
 
-GraceCountdownBridge::GraceCountdownBridge(std::shared_ptr<GraceCountdownView> view) : view_(std::move(view)) {
-  observation_ = view_->observe([this] { emit changed(); });
+GraceCountdownBridge::GraceCountdownBridge(std::shared_ptr<PaintedView> view) : StateBridge(std::move(view)) {
+  takeFirst();
 }
 
-QColor GraceCountdownBridge::urgencyColor() const { return toColor(view_->urgencyColor()); }
+bool GraceCountdownBridge::take(std::string_view state) {
+  auto next = decodedGraceCountdown(state);
+  if (!next || *next == state_) return false;
+  state_ = std::move(*next);
+  return true;
+}
+
+QColor GraceCountdownBridge::urgencyColor() const { return toColor(state_.urgencyColor); }
 
 }  // namespace dormel

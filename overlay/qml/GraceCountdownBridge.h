@@ -1,16 +1,16 @@
-// Hands the grace countdown to its QML scene. Main thread only.
+// Hands the grace countdown's state to its QML scene. Main thread only.
 #pragma once
 
 #include <QtQml/qqmlregistration.h>
 #include <QColor>
 #include <memory>
 
-#include "overlay/GraceCountdownView.h"
-#include "platform/linux/qt/ViewBridge.h"
+#include "overlay/GraceCountdownState.h"
+#include "platform/linux/qt/StateBridge.h"
 
 namespace dormel {
 
-class GraceCountdownBridge : public ViewBridge {
+class GraceCountdownBridge : public StateBridge {
   Q_OBJECT
   QML_ELEMENT
   QML_UNCREATABLE("Made by the canvas")
@@ -19,17 +19,19 @@ class GraceCountdownBridge : public ViewBridge {
   Q_PROPERTY(QString graceText READ graceText NOTIFY changed)
 
  public:
-  explicit GraceCountdownBridge(std::shared_ptr<GraceCountdownView> view);
+  explicit GraceCountdownBridge(std::shared_ptr<PaintedView> view);
 
   [[nodiscard]] QStringList plainLines() const override { return {graceText()}; }
 
-  [[nodiscard]] double graceProgress() const { return view_->graceProgress(); }
+  [[nodiscard]] double graceProgress() const { return state_.progress; }
   [[nodiscard]] QColor urgencyColor() const;
-  [[nodiscard]] QString graceText() const { return QString::fromStdString(view_->graceText()); }
+  [[nodiscard]] QString graceText() const { return QString::fromStdString(state_.text); }
+
+ protected:
+  bool take(std::string_view state) override;
 
  private:
-  std::shared_ptr<GraceCountdownView> view_;
-  Observation observation_;
+  GraceCountdownState state_;
 };
 
 }  // namespace dormel

@@ -5,7 +5,7 @@
 #include <QAbstractListModel>
 #include <vector>
 
-#include "overlay/BlockerOverlayView.h"
+#include "overlay/BlockerOverlayState.h"
 
 namespace dormel {
 

@@ -24,8 +24,8 @@ QmlScene scene(const char* name, const QColor& background) {
 void registerOverlayScenes(QmlSceneRegistry& registry) {
   [[gnu::used]] static void (*const keep)() = &qml_register_types_Dormel_Overlay;
   registry.prepareWith(loadUiModule);
-  registry.add(ViewKind::blockerOverlay, scene<BlockerOverlayBridge, BlockerOverlayView>("BlockerOverlay", Qt::black));
-  registry.add(ViewKind::graceCountdown, scene<GraceCountdownBridge, GraceCountdownView>("GracePill", Qt::transparent));
+  registry.add(ViewKind::blockerOverlay, scene<BlockerOverlayBridge, PaintedView>("BlockerOverlay", Qt::black));
+  registry.add(ViewKind::graceCountdown, scene<GraceCountdownBridge, PaintedView>("GracePill", Qt::transparent));
 }
 
 }  // namespace dormel

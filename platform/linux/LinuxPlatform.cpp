@@ -9,6 +9,7 @@
 
 #include "platform/Identifiers.h"
 #include "platform/RunningApplications.h"
+#include "platform/common/paint/PaintedCanvases.h"
 #include "platform/linux/DesktopApplication.h"
 #include "platform/linux/freedesktop/AutostartLoginItems.h"
 #include "platform/linux/freedesktop/CreatedFolders.h"
@@ -18,6 +19,7 @@
 #include "platform/linux/freedesktop/SettingsPages.h"
 #include "platform/linux/freedesktop/ShellOverview.h"
 #include "platform/linux/loop/EventLoop.h"
+#include "platform/linux/paint/PainterLauncher.h"
 #include "platform/linux/posix/PosixBundle.h"
 #include "platform/linux/posix/PosixChildProcesses.h"
 #include "platform/linux/posix/PosixClock.h"
@@ -44,6 +46,21 @@ namespace {
 MakeSceneRenderer sceneRenderer() { return SceneGraph::isSoftware() ? makeSoftwareRenderer : makeDriverRenderer; }
 
 constexpr std::int64_t UPDATE_INTERVAL = 21'600;  // where the bundle names none
+
+/// The panels are the painter's to draw. The guide at the settings window belongs to this process's own windows.
+class Canvases final : public CanvasFactory {
+ public:
+  Canvases(CanvasFactory& painted, CanvasFactory& own) : painted_(painted), own_(own) {}
+  [[nodiscard]] std::unique_ptr<Canvas> make(std::shared_ptr<View> view) override {
+    const ViewKind kind = view->kind();
+    const bool isOwn = kind == ViewKind::assistantGuide || kind == ViewKind::assistantDragRow;
+    return (isOwn ? own_ : painted_).make(std::move(view));
+  }
+
+ private:
+  CanvasFactory& painted_;
+  CanvasFactory& own_;
+};
 
 /// The permission as x11/ sees it, and the way back when there was no display at first.
 class DesktopAccessibility final : public Accessibility {
@@ -81,7 +98,10 @@ struct LinuxPlatform::Parts {
         children(bundle.tools()),
         defaults(files, output, BUNDLE_IDENTIFIER),
         stage(std::make_shared<QmlStage>(std::move(scenes), sceneRenderer())),
-        canvases(stage),
+        launcher(bundle.helper("paint"), loop),
+        painted(launcher),
+        ownCanvases(stage),
+        canvases(painted, ownCanvases),
         x11(loop, canvases, clock),
         accessibility(x11, process, output, kind),
         shellOverview(loop),
@@ -196,7 +216,10 @@ struct LinuxPlatform::Parts {
   posix::PosixChildProcesses children;
   posix::PropertyListDefaults defaults;
   std::shared_ptr<QmlStage> stage;
-  QmlCanvasFactory canvases;
+  paint::HelperLauncher launcher;
+  paint::PaintedCanvases painted;
+  QmlCanvasFactory ownCanvases;
+  Canvases canvases;
   x11::X11Platform x11;
   DesktopAccessibility accessibility;
   freedesktop::ShellOverview shellOverview;

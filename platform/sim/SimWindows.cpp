@@ -72,6 +72,32 @@ void SimWindow::setFrame(const Rect& frame) {
   server_.checkCover();
 }
 
+void SimWindow::setContent(std::shared_ptr<View> view) {
+  canvas_.reset();
+  content_ = std::move(view);
+  if (visible_) showContent();
+}
+
+void SimWindow::showContent() {
+  if (server_.canvases_ == nullptr || !content_) return;
+  // In a later turn, as the real ones do: covering waits for nothing.
+  server_.timeline_.addMain(0, 0, [weak = weak_from_this()] {
+    const auto self = weak.lock();
+    if (!self || !self->visible_) return;
+    if (!self->canvas_) {
+      self->canvas_ = self->server_.canvases_->make(self->content_);
+      // Few pixels: what matters is whose they are.
+      constexpr double SCALE = 0.1;
+      self->canvas_->resize(self->canvas_->fittingSize(), SCALE);
+      self->canvas_->setOnFrame([window = self.get()](const Pixels& pixels, const PixelRect& /*changed*/) {
+        window->corner_ = *pixels.data;
+        ++window->frames_;
+      });
+    }
+    self->canvas_->setShowing(true);
+  });
+}
+
 Size SimWindow::contentFittingSize() const {
   return content_ && server_.fittingSize_ ? server_.fittingSize_(*content_) : Size{};
 }
@@ -216,7 +242,10 @@ bool SimWindowServer::deliverKey(const KeyEvent& event) {
 
 void SimWindowServer::processEnded() {
   if (!order_.empty()) journal_.note("windows gone with the process");
-  for (SimWindow* window : order_) window->visible_ = false;
+  for (SimWindow* window : order_) {
+    window->visible_ = false;
+    window->canvas_.reset();
+  }
   order_.clear();
   keyWindow_ = nullptr;
   ordinaryFocus_ = false;
@@ -237,6 +266,7 @@ void SimWindowServer::show(SimWindow& window) {
   order_.push_back(&window);
   journal_.note("window ", window.number_, " in");
   checkCover();
+  window.showContent();
   if (window.content_ && !std::exchange(window.shownBefore_, true)) tellFirstShown(window.content_);
 }
 
@@ -251,6 +281,7 @@ void SimWindowServer::tellFirstShown(const std::weak_ptr<View>& content) {
 void SimWindowServer::hide(SimWindow& window) {
   if (!window.visible_) return;
   window.visible_ = false;
+  if (window.canvas_) window.canvas_->setShowing(false);
   std::erase(order_, &window);
   journal_.note("window ", window.number_, " out");
   if (keyWindow_ == &window) {

@@ -2,12 +2,14 @@
 // focus, and the question that matters: how black is each screen?
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "platform/Windows.h"
+#include "platform/common/Canvas.h"
 #include "platform/sim/SimJournal.h"
 #include "platform/sim/SimScreens.h"
 #include "platform/sim/SimTimeline.h"
@@ -16,7 +18,7 @@ namespace dormel {
 
 class SimWindowServer;
 
-class SimWindow : public Window {
+class SimWindow : public Window, public std::enable_shared_from_this<SimWindow> {
  public:
   SimWindow(SimWindowServer& server, int number, const WindowStyle& style, const Rect& frame);
   SimWindow(const SimWindow&) = delete;
@@ -25,7 +27,7 @@ class SimWindow : public Window {
 
   [[nodiscard]] Rect frame() const override { return frame_; }
   void setFrame(const Rect& frame) override;
-  void setContent(std::shared_ptr<View> view) override { content_ = std::move(view); }
+  void setContent(std::shared_ptr<View> view) override;
   [[nodiscard]] Size contentFittingSize() const override;
   [[nodiscard]] double alpha() const override;
   void setAlpha(double alpha) override;
@@ -41,10 +43,16 @@ class SimWindow : public Window {
   [[nodiscard]] int number() const { return number_; }
   [[nodiscard]] const WindowStyle& style() const { return style_; }
   [[nodiscard]] const std::shared_ptr<View>& content() const { return content_; }
+  /// The first pixel of its picture and how often it was drawn; nothing before there is one, and on a machine without
+  /// canvases.
+  [[nodiscard]] std::uint32_t corner() const { return corner_; }
+  [[nodiscard]] int frames() const { return frames_; }
 
  private:
   friend class SimWindowServer;
   void animate(double to, Seconds duration, TimingCurve curve);
+
+  void showContent();
 
   SimWindowServer& server_;
   int number_;
@@ -52,6 +60,9 @@ class SimWindow : public Window {
   Rect frame_;
   PixelRect area_;
   std::shared_ptr<View> content_;
+  std::unique_ptr<Canvas> canvas_;
+  std::uint32_t corner_ = 0;
+  int frames_ = 0;
   std::function<void(const KeyEvent&)> keyHandler_;
   bool visible_ = false;
   bool shownBefore_ = false;
@@ -106,6 +117,9 @@ class SimWindowServer : public WindowServer {
 
   /// The screens changed: every window goes where its frame is in pixels, in a turn after the notice.
   void screensChanged();
+  /// Has panels draw their content, by canvases of that maker; null for nobody. It outlives this.
+  void setCanvases(CanvasFactory* canvases) { canvases_ = canvases; }
+
   /// All windows are gone with their process.
   void processEnded();
 
@@ -125,6 +139,7 @@ class SimWindowServer : public WindowServer {
   SimWindow* keyWindow_ = nullptr;
   std::shared_ptr<std::vector<std::shared_ptr<std::function<bool(const KeyEvent&)>>>> monitors_ =
       std::make_shared<std::vector<std::shared_ptr<std::function<bool(const KeyEvent&)>>>>();
+  CanvasFactory* canvases_ = nullptr;
   std::function<void(View&)> firstShown_;
   std::function<Size(const View&)> fittingSize_;
   int lastNumber_ = 0;

@@ -4,14 +4,21 @@
 
 namespace dormel {
 
-AccessibilityCardBridge::AccessibilityCardBridge(std::shared_ptr<AccessibilityCardView> view) : view_(std::move(view)) {
-  observation_ = view_->observe([this] { emit changed(); });
+AccessibilityCardBridge::AccessibilityCardBridge(std::shared_ptr<PaintedView> view) : StateBridge(std::move(view)) {
+  takeFirst();
+}
+
+bool AccessibilityCardBridge::take(std::string_view state) {
+  const auto next = decodedAccessibilityCard(state);
+  if (!next || *next == state_) return false;
+  state_ = *next;
+  return true;
 }
 
 QStringList AccessibilityCardBridge::plainLines() const {
-  return {QStringLiteral("Dormel Requires Accessibility"),
-          QStringLiteral("Enable Accessibility in System Settings so Dormel can function properly."),
-          QStringLiteral("Dormel will start when enabled.")};
+  QStringList lines;
+  for (const std::string& line : AccessibilityCardState::plainLines()) lines << QString::fromStdString(line);
+  return lines;
 }
 
 }  // namespace dormel

@@ -1,34 +1,33 @@
-// Hands the accessibility card to its QML scene. Main thread only.
+// Hands the accessibility card's state to its QML scene. Main thread only.
 #pragma once
 
 #include <QtQml/qqmlregistration.h>
 #include <memory>
 
-#include "platform/linux/qt/ViewBridge.h"
-#include "settings/AccessibilityCardView.h"
+#include "platform/linux/qt/StateBridge.h"
+#include "settings/AccessibilityCardState.h"
 
 namespace dormel {
 
-class AccessibilityCardBridge : public ViewBridge {
+class AccessibilityCardBridge : public StateBridge {
   Q_OBJECT
   QML_ELEMENT
   QML_UNCREATABLE("Made by the stage")
   Q_PROPERTY(bool toggleOn READ toggleOn NOTIFY changed)
 
  public:
-  explicit AccessibilityCardBridge(std::shared_ptr<AccessibilityCardView> view);
+  explicit AccessibilityCardBridge(std::shared_ptr<PaintedView> view);
 
   [[nodiscard]] QStringList plainLines() const override;
 
-  [[nodiscard]] bool toggleOn() const { return view_->toggleOn(); }
-  Q_INVOKABLE void openSettings() { view_->openSettings(); }
+  [[nodiscard]] bool toggleOn() const { return state_.toggleOn; }
+  Q_INVOKABLE void openSettings() { act(AccessibilityCardState::OPEN_SETTINGS); }
 
  protected:
-  void appear() override { view_->onAppear(); }
+  bool take(std::string_view state) override;
 
  private:
-  std::shared_ptr<AccessibilityCardView> view_;
-  Observation observation_;
+  AccessibilityCardState state_;
 };
 
 }  // namespace dormel

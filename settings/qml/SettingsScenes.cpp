@@ -28,7 +28,7 @@ void registerSettingsScenes(QmlSceneRegistry& registry) {
   [[gnu::used]] static void (*const keep)() = &qml_register_types_Dormel_Settings;
   registry.prepareWith(loadUiModule);
   registry.add(ViewKind::accessibilityCard,
-               scene<AccessibilityCardBridge, AccessibilityCardView>("AccessibilityCard", Qt::transparent));
+               scene<AccessibilityCardBridge, PaintedView>("AccessibilityCard", Qt::transparent));
   registry.add(ViewKind::settings, scene<SettingsBridge, SettingsView>("SettingsWindow", Tone::background()));
 }
 

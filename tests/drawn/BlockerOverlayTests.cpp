@@ -177,6 +177,8 @@ TEST_F(BlockerOverlayTest, FitsEveryScaleAndSmallScreens) {
   appear();
   drawn.picture();
   const Size fitting = drawn.canvas().fittingSize();
+  EXPECT_EQ(fitting, std::static_pointer_cast<PaintedView>(night.view())->fittingSize())
+      << "as those say who cannot ask";
   for (const double scale : {1.25, 1.5, 2.0}) {
     drawn.canvas().resize(fitting, scale);
     const QImage& picture = drawn.picture();

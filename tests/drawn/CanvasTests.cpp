@@ -49,7 +49,7 @@ TEST(FallbackTest, ASceneThatCannotBeLoadedLeavesTheKeysReadable) {
   registry.add(ViewKind::blockerOverlay,
                {QUrl(QStringLiteral("qrc:/qt/qml/Dormel/Overlay/Nowhere.qml")),
                 [](const std::shared_ptr<View>& view) -> std::unique_ptr<ViewBridge> {
-                  return std::make_unique<BlockerOverlayBridge>(std::static_pointer_cast<BlockerOverlayView>(view));
+                  return std::make_unique<BlockerOverlayBridge>(std::static_pointer_cast<PaintedView>(view));
                 },
                 Qt::black});
   QmlCanvasFactory broken(std::move(registry));
@@ -57,7 +57,7 @@ TEST(FallbackTest, ASceneThatCannotBeLoadedLeavesTheKeysReadable) {
   EXPECT_EQ(night.machine.output.errors().size(), 1U);
   EXPECT_GT(brightPixels(drawn.picture()), 500);
 
-  const BlockerOverlayBridge bridge(std::static_pointer_cast<BlockerOverlayView>(night.view()));
+  const BlockerOverlayBridge bridge(std::static_pointer_cast<PaintedView>(night.view()));
   for (const RequiredKey& key : night.session->bypassController()->requiredKeys()) {
     EXPECT_TRUE(bridge.plainLines().join(u' ').contains(QString::fromStdString(key.label))) << key.label;
   }

@@ -3,6 +3,7 @@
 #include <array>
 #include <cmath>
 
+#include "platform/PaintedView.h"
 #include "tests/drawn/DrawnNight.h"
 #include "tests/drawn/SeenItems.h"
 
@@ -27,6 +28,10 @@ TEST_F(GracePillTest, FitsItsContentAndStaysInItsWindow) {
   DrawnView drawn(night.factory, night.view(), 1);
   const Size fitting = drawn.canvas().fittingSize();
   EXPECT_EQ(fitting.height, 56);  // the ring between its paddings
+  const Size told = std::static_pointer_cast<PaintedView>(night.view())->fittingSize();
+  EXPECT_EQ(told.height, fitting.height);
+  EXPECT_GT(told.width, fitting.width) << "with room for wider figures";
+  EXPECT_LE(told.width, 212) << "or the window would grow";
   const QImage& picture = drawn.picture();
   EXPECT_EQ(picture.pixelColor(0, 0).alpha(), 0);
   EXPECT_EQ(picture.pixelColor(picture.width() / 2, 5).alpha(), std::lround(0.75 * 255));

@@ -75,6 +75,7 @@ TEST_F(AccessibilityCardTest, LeadsToTheSettingsAndStays) {
 }
 
 TEST_F(AccessibilityCardTest, IsTranslucentWithRoundCorners) {
+  EXPECT_EQ(drawn.canvas().fittingSize(), AccessibilityCardView::create([] {})->fittingSize());
   const QImage& picture = drawn.picture();
   EXPECT_EQ(picture.pixelColor(0, 0).alpha(), 0);
   EXPECT_EQ(picture.pixelColor(picture.width() - 1, picture.height() - 1).alpha(), 0);

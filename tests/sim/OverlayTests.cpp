@@ -34,19 +34,19 @@ class OverlayTest : public testing::Test {
 };
 
 TEST_F(OverlayTest, StatusTellsWhatHappens) {
-  EXPECT_EQ(view->statusText(), "Good night. Time to sleep.");
-  EXPECT_EQ(view->statusColor(), ink::white(0.40));
+  EXPECT_EQ(view->state().statusText, "Good night. Time to sleep.");
+  EXPECT_EQ(view->state().statusColor, ink::white(0.40));
   hold();
-  EXPECT_EQ(view->statusText(), "Keep holding...");
+  EXPECT_EQ(view->state().statusText, "Keep holding...");
   session->controller->handleKeyUp(session->controller->requiredKeys()[4].keyCode);
-  EXPECT_EQ(view->statusText(), "Good night. Time to sleep.");
+  EXPECT_EQ(view->state().statusText, "Good night. Time to sleep.");
   session->confirm = true;
-  EXPECT_EQ(view->statusText(), "");
+  EXPECT_EQ(view->state().statusText, "");
   session->controller->handleKeyDown(49);
-  EXPECT_EQ(view->statusText(), "Keys reshuffled");
-  EXPECT_EQ(view->statusColor(), ink::white(0.60));
+  EXPECT_EQ(view->state().statusText, "Keys reshuffled");
+  EXPECT_EQ(view->state().statusColor, ink::white(0.60));
   machine.advance(1.5);
-  EXPECT_EQ(view->statusText(), "");
+  EXPECT_EQ(view->state().statusText, "");
 }
 
 TEST_F(OverlayTest, CapsSayMoreWhereTheirLabelsAreShared) {
@@ -69,28 +69,28 @@ TEST_F(OverlayTest, ClockInBothForms) {
   for (const auto& row : rows) {
     machine.advanceTo(row.moment);
     machine.defaults.putBoolean(defaultsKey::use24HourClock, true);
-    EXPECT_EQ(view->clock(), row.in24);
-    EXPECT_EQ(view->amPm(), "");
+    EXPECT_EQ(view->state().clock, row.in24);
+    EXPECT_EQ(view->state().amPm, "");
     machine.defaults.putBoolean(defaultsKey::use24HourClock, false);
-    EXPECT_EQ(view->clock(), row.in12);
-    EXPECT_EQ(view->amPm(), row.marker);
+    EXPECT_EQ(view->state().clock, row.in12);
+    EXPECT_EQ(view->state().amPm, row.marker);
   }
 }
 
 TEST_F(OverlayTest, AppearsHalfwayThroughTheFadeInOrAtOnce) {
   view->onAppear();
-  EXPECT_EQ(view->appearDuration(), 2.5);
+  EXPECT_EQ(view->state().appearDuration, 2.5);
   machine.advance(1.2499);
-  EXPECT_FALSE(view->appeared());
+  EXPECT_FALSE(view->state().appeared);
   machine.advance(0.0001);
-  EXPECT_TRUE(view->appeared());
+  EXPECT_TRUE(view->state().appeared);
 
   session->fadesIn = false;
   const auto rebuilt = BlockerOverlayView::create(session);
-  EXPECT_FALSE(rebuilt->appeared());
+  EXPECT_FALSE(rebuilt->state().appeared);
   rebuilt->onAppear();
-  EXPECT_TRUE(rebuilt->appeared());
-  EXPECT_EQ(rebuilt->appearDuration(), 0);
+  EXPECT_TRUE(rebuilt->state().appeared);
+  EXPECT_EQ(rebuilt->state().appearDuration, 0);
 }
 
 TEST_F(OverlayTest, WindowPassesKeysOnUntilTheSessionIsGone) {
@@ -111,8 +111,8 @@ TEST_F(OverlayTest, WindowPassesKeysOnUntilTheSessionIsGone) {
   session.reset();
   pressAll(machine, *controller);
   EXPECT_TRUE(controller->pressedKeys().empty());
-  EXPECT_EQ(view->statusText(), "Good night. Time to sleep.") << "the view stands still, and stands";
-  EXPECT_EQ(view->appearDuration(), 0);
+  EXPECT_EQ(view->state().statusText, "Good night. Time to sleep.") << "the view stands still, and stands";
+  EXPECT_EQ(view->state().appearDuration, 0);
 }
 
 }  // namespace

@@ -104,3 +104,16 @@ def effort(pids):
 def spent(before, after):
     """(seconds, wake-ups) between two efforts. What a thread did last that has ended in between is not in it."""
     return tuple(sum(now[i] - before.get(thread, (0.0, 0))[i] for thread, now in after.items()) for i in (0, 1))
+
+
+def painter_of(pid):
+    """The program that draws for the process; None while there is none."""
+    for child in tree(pid)[1:]:
+        try:
+            with open(f"/proc/{child}/cmdline", "rb") as file:
+                command = file.read().split(b"\0")
+        except OSError:
+            continue
+        if any(os.path.basename(part) == b"paint" for part in command[:2]) and alive(child):
+            return child
+    return None

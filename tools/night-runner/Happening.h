@@ -46,6 +46,8 @@ enum class Kind {
   full,
   folder,
   hang,
+  painter,
+  noPainter,
   // Another process.
   settings,
   hours,

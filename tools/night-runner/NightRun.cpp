@@ -11,7 +11,8 @@
 #include "app/EntryPoint.h"
 #include "core/AppSupport.h"
 #include "core/Config.h"
-#include "settings/AccessibilityCardView.h"
+#include "platform/common/paint/PaintedCanvases.h"
+#include "platform/sim/SimPainter.h"
 
 namespace dormel::nights {
 namespace {
@@ -89,10 +90,6 @@ class Player {
     machine_.keyboard.setSidesReported(night_.sidesReported);
     if (night_.screens == 0) machine_.screens.pull("DP-1");
     for (int place = 1; place < night_.screens; ++place) plug(place, 1280 + 320 * place, 1024);
-    machine_.windows.setFirstShown([](View& view) {
-      if (view.kind() == ViewKind::blockerOverlay) static_cast<BlockerOverlayView&>(view).onAppear();
-      if (view.kind() == ViewKind::accessibilityCard) static_cast<AccessibilityCardView&>(view).onAppear();
-    });
     machine_.setProgram([this](const std::vector<std::string>& arguments) { return program(arguments); });
     putRecords();
     // The user sets it up; what the scheduler starts at once comes when time begins.
@@ -128,6 +125,8 @@ class Player {
 
   /// What main does.
   std::shared_ptr<void> program(const std::vector<std::string>& arguments) {
+    canvases_ = std::make_unique<paint::PaintedCanvases>(painter_);
+    machine_.windows.setCanvases(canvases_.get());
     cliArgs = {*machine_.bundle.executablePath()};
     cliArgs.insert(cliArgs.end(), arguments.begin(), arguments.end());
     if (watch_ != nullptr) {
@@ -257,6 +256,24 @@ class Player {
     machine_.files.chmod(folder, h.n[1] == 0 ? 0 : 0555);
     diskTrouble(h.n[2], true);
     machine_.after(seconds(h.n[2]), [this, folder] { machine_.files.chmod(folder, 0700); });
+  }
+
+  void painterFails(const Happening& h) {
+    if (h.n[0] == 0) painter_.die();
+    if (h.n[0] == 1) painter_.hang();
+    if (h.n[0] == 2) painter_.lie(static_cast<SimPainter::Lie>(h.n[1]));
+  }
+
+  void noPainter(const Happening& h) {
+    constexpr std::array<SimPainter::Mood, 4> MOODS{SimPainter::Mood::dies, SimPainter::Mood::hangs,
+                                                    SimPainter::Mood::absent, SimPainter::Mood::babbles};
+    forAWhile(
+        paintless_, h.n[0],
+        [&] {
+          painter_.setMood(MOODS.at(static_cast<std::size_t>(h.n[1])));
+          painter_.die();
+        },
+        [this] { painter_.setMood(SimPainter::Mood::paints); });
   }
 
   void happen(const Happening& h) {
@@ -395,6 +412,12 @@ class Player {
               machine_.timeline.setSerialQueuesHang(false);
             });
         break;
+      case Kind::painter:
+        painterFails(h);
+        break;
+      case Kind::noPainter:
+        noPainter(h);
+        break;
       case Kind::settings:
         forAWhile(
             unwritable_, h.n[0], [this] { machine_.defaults.setWritable(false); },
@@ -423,11 +446,14 @@ class Player {
 
   const Night& night_;
   SimMachine machine_;
+  SimPainter painter_{machine_.timeline};
+  std::unique_ptr<paint::PaintedCanvases> canvases_;  // of the process that runs
   NightWatch* watch_ = nullptr;
   std::weak_ptr<AppDelegate> delegate_;
   std::vector<KeyCode> down_;
   Seconds origin_ = 0;  // the uptime at which the night begins
   bool byHand_ = false;
+  int paintless_ = 0;
   int denied_ = 0;
   int tapless_ = 0;
   int full_ = 0;

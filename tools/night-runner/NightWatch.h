@@ -106,7 +106,7 @@ class NightWatch {
     Moment at;
     bool isDue;
   };
-  enum Promise { covered, opaque, lockdown, tapped, granted, PROMISES };
+  enum Promise { covered, opaque, pictured, lockdown, tapped, granted, PROMISES };
 
   void afterEvent();
   [[nodiscard]] Moment now() const;
@@ -129,6 +129,7 @@ class NightWatch {
   void checkDegraded();
   void checkOpened();
   void checkNone();
+  void checkPictures();
   void checkChallenge(const std::vector<KeyIndicator>& keys);
   void checkEarned();
   void checkLetOut(const std::vector<KeyIndicator>& keys);

@@ -3,6 +3,8 @@
 #include <set>
 #include <utility>
 
+#include "platform/common/paint/PlainLines.h"
+#include "platform/sim/SimPainter.h"
 #include "tools/night-runner/NightWatch.h"
 
 namespace dormel::nights {
@@ -59,9 +61,22 @@ void NightWatch::checkLocked() {
   windows.watchCover();
   leastCover_ = windows.leastCover();
 
+  checkPictures();
   const std::vector<KeyIndicator> keys = shownKeys();
   checkChallenge(keys);
   checkLetOut(keys);
+}
+
+void NightWatch::checkPictures() {
+  bool isTrue = true;
+  for (const SimWindow* window : machine_.windows.visible()) {
+    const auto* view = dynamic_cast<const PaintedView*>(window->content().get());
+    if (view == nullptr || window->corner() == paint::PLAIN_GROUND) continue;  // plain lines are drawn at once
+    isTrue = isTrue && window->corner() == SimPainter::colorOf(view->encodedState());
+  }
+  // A true picture may have come and gone between two looks.
+  if (!isTrue) lookAt_ = std::min(lookAt_, now().up + 0.1);
+  promise(pictured, isTrue, 3.3, Rule::picture, "a blocker does not show what is true");
 }
 
 void NightWatch::checkChallenge(const std::vector<KeyIndicator>& keys) {

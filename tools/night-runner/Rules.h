@@ -13,6 +13,7 @@ enum class Rule {
   lock,
   cover,
   black,
+  picture,
   options,
   tap,
   keys,
@@ -38,7 +39,7 @@ struct RuleText {
   const char* meaning;
 };
 
-inline constexpr std::array<RuleText, 21> RULES{{
+inline constexpr std::array<RuleText, 22> RULES{{
     {"lock",
      "a scheduled run inside the hours, set up, switched on and permitted, locks at once; without the permission it "
      "shows its card and locks within 3 s of getting it; any other ends with status 0, or is started again if the "
@@ -49,6 +50,9 @@ inline constexpr std::array<RuleText, 21> RULES{{
     {"black",
      "a blocker is opaque 2.5 s of working time after the lock began; until it is lifted no screen that stays as it is "
      "gets any less black, not even inside one step"},
+    {"picture",
+     "while locked, every blocker shows what is true, the keys that are asked for above all: 3.3 s of working time "
+     "after something changed its picture says so, by the painter's hand or in plain lines, whatever the painter does"},
     {"options",
      "the presentation options are the lockdown set exactly from the lock's beginning until its overlay has gone, and "
      "are never touched by a night without the permission or by a rehearsal"},

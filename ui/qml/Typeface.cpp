@@ -6,10 +6,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "platform/Platform.h"
-#include "platform/Process.h"
-#include "platform/Windows.h"
-
 namespace dormel {
 namespace {
 
@@ -17,13 +13,13 @@ constexpr double DISPLAY_SIZE = 24;
 
 }  // namespace
 
-void Typeface::load() {
-  const QDir folder(QString::fromStdString(platform().bundle.path() + "/Contents/Resources/Fonts"));
+void Typeface::load(const DrawingServices& services) {
+  const QDir folder(QString::fromStdString(services.bundlePath() + "/Contents/Resources/Fonts"));
   int loaded = 0;
   for (const QString& file : folder.entryList({QStringLiteral("*.otf")}, QDir::Files)) {
     if (QFontDatabase::addApplicationFont(folder.filePath(file)) >= 0) ++loaded;
   }
-  if (loaded == 0) platform().output.printError("No fonts in " + folder.path().toStdString());
+  if (loaded == 0) services.printError("No fonts in " + folder.path().toStdString());
 }
 
 QFont Typeface::at(double size, int weight) const {

@@ -5,6 +5,8 @@
 #include <QFont>
 #include <QObject>
 
+#include "platform/linux/qt/DrawingServices.h"
+
 namespace dormel {
 
 class Typeface : public QObject {
@@ -15,7 +17,7 @@ class Typeface : public QObject {
  public:
   /// Makes the fonts of the bundle known to this process. Without them the desktop's Inter, or failing that its
   /// sans serif, takes over: that is said in one line on standard error and is no reason to stop.
-  static void load();
+  static void load(const DrawingServices& services);
 
   /// The font of `size` points in one of the weights that the bundle carries: QFont::Light, Medium and DemiBold, and
   /// from 24 points on ExtraLight in place of Light, and Bold.

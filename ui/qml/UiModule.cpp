@@ -14,9 +14,9 @@ void qml_register_types_Dormel_Ui();
 
 namespace dormel {
 
-void loadUiModule() {
+void loadUiModule(const DrawingServices& services) {
   [[gnu::used]] static void (*const keep)() = &qml_register_types_Dormel_Ui;
-  [[maybe_unused]] static const bool loaded = (Typeface::load(), installPressableAccessible(), true);
+  [[maybe_unused]] static const bool loaded = (Typeface::load(services), installPressableAccessible(), true);
 }
 
 void registerUiScenes(QmlSceneRegistry& registry) {

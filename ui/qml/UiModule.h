@@ -7,7 +7,7 @@ namespace dormel {
 
 /// Makes the module importable and its typeface known. To be called before the first scene that imports it loads;
 /// once is enough.
-void loadUiModule();
+void loadUiModule(const DrawingServices& services);
 
 /// Says how what every window of the program has in common looks: its frame, its alerts, its icon.
 void registerUiScenes(QmlSceneRegistry& registry);

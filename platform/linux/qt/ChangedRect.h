@@ -1,7 +1,7 @@
 // What differs between two pictures of the same size.
 #pragma once
 
-#include "platform/linux/Canvas.h"
+#include "platform/common/Canvas.h"
 
 namespace dormel {
 

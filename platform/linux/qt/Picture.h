@@ -3,9 +3,10 @@
 #pragma once
 
 #include <QImage>
+#include <vector>
 
 #include "platform/Geometry.h"
-#include "platform/linux/Canvas.h"
+#include "platform/common/Canvas.h"
 
 namespace dormel {
 
@@ -24,6 +25,9 @@ class Picture {
 
   /// Brings the target up to date. False when that cannot be done and will not work later either.
   [[nodiscard]] virtual bool draw() = 0;
+
+  /// Where a press is taken, in points from the top left.
+  [[nodiscard]] virtual std::vector<Rect> pressableAreas() const { return {}; }
 
   /// As Canvas::pointer.
   virtual bool pointer(PointerAction action, double x, double y) = 0;

@@ -1,10 +1,10 @@
 #include "platform/linux/qt/QmlCanvas.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstring>
 #include <utility>
 
+#include "platform/common/paint/Messages.h"
 #include "platform/linux/qt/ChangedRect.h"
 
 namespace dormel {
@@ -15,11 +15,6 @@ constexpr qint64 FRAME_INTERVAL = 16;  // ms
 Pixels pixelsOf(const QImage& image) {
   return {reinterpret_cast<const std::uint32_t*>(image.constBits()), image.width(), image.height(),
           image.bytesPerLine() / static_cast<qsizetype>(sizeof(std::uint32_t))};
-}
-
-int pixelLength(double points, double scale) {
-  // A length that is whole but for rounding must not grow by a pixel.
-  return std::max(1, static_cast<int>(std::ceil(points * scale - 1e-6)));
 }
 
 }  // namespace
@@ -40,8 +35,8 @@ Picture& QmlCanvas::picture() const {
 }
 
 void QmlCanvas::resize(const Size& size, double scale) {
-  const int width = pixelLength(size.width, scale);
-  const int height = pixelLength(size.height, scale);
+  const int width = paint::pixelLength(size.width, scale);
+  const int height = paint::pixelLength(size.height, scale);
   if (!image_.isNull() && size == size_ && scale == image_.devicePixelRatio()) return;
   size_ = size;
   image_ = QImage(width, height, QImage::Format_ARGB32_Premultiplied);
@@ -84,6 +79,7 @@ void QmlCanvas::drawFrame() {
     if (!picture_->draw()) return;
   }
   report();
+  if (onDrawn_) onDrawn_();
 }
 
 void QmlCanvas::report() {

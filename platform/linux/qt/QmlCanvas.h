@@ -7,9 +7,12 @@
 #include <QElapsedTimer>
 #include <QImage>
 #include <QTimer>
+#include <functional>
 #include <memory>
+#include <utility>
+#include <vector>
 
-#include "platform/linux/Canvas.h"
+#include "platform/common/Canvas.h"
 #include "platform/linux/qt/Picture.h"
 #include "platform/linux/qt/QmlStage.h"
 
@@ -28,6 +31,12 @@ class QmlCanvas : public Canvas {
   void setShowing(bool showing) override;
   bool pointer(PointerAction action, double x, double y) override { return picture().pointer(action, x, y); }
 
+  /// Called after each time it has drawn, whether a pixel differs or not.
+  void setOnDrawn(std::function<void()> onDrawn) { onDrawn_ = std::move(onDrawn); }
+  [[nodiscard]] std::vector<Rect> pressableAreas() const {
+    return picture_ ? picture_->pressableAreas() : std::vector<Rect>{};
+  }
+
   /// Whether a frame is going to be drawn. While it is not, this canvas costs nothing.
   [[nodiscard]] bool isFramePending() const { return frameTimer_.isActive(); }
 
@@ -40,6 +49,7 @@ class QmlCanvas : public Canvas {
   std::shared_ptr<QmlStage> stage_;
   std::shared_ptr<View> view_;
   std::function<void(const Pixels&, const PixelRect&)> onFrame_;
+  std::function<void()> onDrawn_;
   bool showing_ = false;
   Size size_;
   QImage image_;

@@ -5,7 +5,7 @@
 
 #include <memory>
 
-#include "platform/linux/Canvas.h"
+#include "platform/common/Canvas.h"
 #include "platform/linux/qt/QmlSceneRegistry.h"
 
 namespace dormel {

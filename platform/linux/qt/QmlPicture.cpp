@@ -21,6 +21,16 @@ QEvent::Type typeOf(PointerAction action) {
   return QEvent::MouseMove;
 }
 
+void collectPressable(const QQuickItem& item, std::vector<Rect>& areas) {
+  if (!item.isVisible() || !item.isEnabled()) return;
+  // A text takes the pointer for the sake of links, which ours have not.
+  if (item.acceptedMouseButtons().testFlag(Qt::LeftButton) && !item.inherits("QQuickText")) {
+    const QRectF box = item.mapRectToScene(item.boundingRect());
+    areas.push_back({box.x(), box.y(), box.width(), box.height()});
+  }
+  for (const QQuickItem* child : item.childItems()) collectPressable(*child, areas);
+}
+
 }  // namespace
 
 QmlPicture::QmlPicture(LoadedScene scene, std::unique_ptr<SceneRenderer> renderer,
@@ -48,6 +58,12 @@ void QmlPicture::setTarget(QImage& image, const Size& size) {
   bridge_->setPixelRatio(image.devicePixelRatio());
   root_->setSize({size.width, size.height});
   renderer_->setTarget(*window_, image);
+}
+
+std::vector<Rect> QmlPicture::pressableAreas() const {
+  std::vector<Rect> areas;
+  collectPressable(*root_, areas);
+  return areas;
 }
 
 bool QmlPicture::pointer(PointerAction action, double x, double y) {

@@ -9,8 +9,8 @@ const QmlScene* QmlSceneRegistry::find(ViewKind kind) const {
   return at == scenes_.end() ? nullptr : &at->second;
 }
 
-void QmlSceneRegistry::prepare() {
-  for (const auto& step : std::exchange(preparations_, {})) step();
+void QmlSceneRegistry::prepare(const DrawingServices& services) {
+  for (const auto& step : std::exchange(preparations_, {})) step(services);
 }
 
 }  // namespace dormel

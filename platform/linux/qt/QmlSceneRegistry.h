@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "platform/View.h"
+#include "platform/linux/qt/DrawingServices.h"
 #include "platform/linux/qt/ViewBridge.h"
 
 namespace dormel {
@@ -41,13 +42,13 @@ class QmlSceneRegistry {
   [[nodiscard]] QIcon icon() const { return makeIcon_ ? makeIcon_() : QIcon(); }
 
   /// Has `step` run once, before the first scene is loaded: fonts, say.
-  void prepareWith(std::function<void()> step) { preparations_.push_back(std::move(step)); }
+  void prepareWith(std::function<void(const DrawingServices&)> step) { preparations_.push_back(std::move(step)); }
   /// Runs the steps that have not run yet.
-  void prepare();
+  void prepare(const DrawingServices& services);
 
  private:
   std::map<ViewKind, QmlScene> scenes_;
-  std::vector<std::function<void()>> preparations_;
+  std::vector<std::function<void(const DrawingServices&)>> preparations_;
   QUrl windowFrame_;
   std::function<QIcon()> makeIcon_;
 };

@@ -6,25 +6,29 @@
 
 #include "platform/Platform.h"
 #include "platform/Process.h"
+#include "platform/Windows.h"
 #include "platform/linux/qt/PlainTextPicture.h"
 #include "platform/linux/qt/QmlPicture.h"
 #include "platform/linux/qt/SceneGraph.h"
 
 namespace dormel {
-namespace {
+namespace {}  // namespace
 
-void complain(const QString& reason) {
-  platform().output.printError("Cannot draw a screen as designed, showing its text only: " + reason.toStdString());
+DrawingServices DrawingServices::ofPlatform() {
+  return {[] { return platform().clock.uptime(); }, [](std::string_view line) { platform().output.printError(line); },
+          [] { return platform().bundle.path(); }};
 }
 
-}  // namespace
+void QmlStage::complain(const QString& reason) const {
+  services_.printError("Cannot draw a screen as designed, showing its text only: " + reason.toStdString());
+}
 
 QmlStage::QmlStage(QmlSceneRegistry registry) : QmlStage(std::move(registry), makeSoftwareRenderer) {
   SceneGraph::useSoftware();
 }
 
-QmlStage::QmlStage(QmlSceneRegistry registry, MakeSceneRenderer makeRenderer)
-    : registry_(std::move(registry)), makeRenderer_(std::move(makeRenderer)) {}
+QmlStage::QmlStage(QmlSceneRegistry registry, MakeSceneRenderer makeRenderer, DrawingServices services)
+    : registry_(std::move(registry)), makeRenderer_(std::move(makeRenderer)), services_(std::move(services)) {}
 
 QQmlEngine& QmlStage::engine() {
   if (!engine_) {
@@ -35,7 +39,7 @@ QQmlEngine& QmlStage::engine() {
 }
 
 std::unique_ptr<QQuickItem> QmlStage::create(const QUrl& source, const QVariantMap& properties) {
-  registry_.prepare();
+  registry_.prepare(services_);
   QQmlComponent component(&engine(), source);
   std::unique_ptr<QObject> root;
   if (!component.isError()) root.reset(component.createWithInitialProperties(properties));
@@ -55,6 +59,7 @@ LoadedScene QmlStage::load(const std::shared_ptr<View>& view) {
     return {};
   }
   LoadedScene loaded{scene->makeBridge(view), nullptr, scene->background};
+  loaded.bridge->setUptime(services_.uptime);
   QQmlEngine::setObjectOwnership(loaded.bridge.get(), QQmlEngine::CppOwnership);
   loaded.root = create(scene->source, {{QStringLiteral("view"), QVariant::fromValue<QObject*>(loaded.bridge.get())}});
   return loaded;
@@ -71,8 +76,10 @@ std::unique_ptr<Picture> QmlStage::makeTextPicture(const std::shared_ptr<View>& 
                                                    const std::function<void()>& onChange) {
   complain(QStringLiteral("the graphics driver does not answer"));
   const QmlScene* scene = registry_.find(view->kind());
-  return scene == nullptr ? std::make_unique<PlainTextPicture>(nullptr, Qt::transparent, onChange)
-                          : std::make_unique<PlainTextPicture>(scene->makeBridge(view), scene->background, onChange);
+  if (scene == nullptr) return std::make_unique<PlainTextPicture>(nullptr, Qt::transparent, onChange);
+  auto bridge = scene->makeBridge(view);
+  bridge->setUptime(services_.uptime);
+  return std::make_unique<PlainTextPicture>(std::move(bridge), scene->background, onChange);
 }
 
 std::unique_ptr<QQuickItem> QmlStage::makeWindowFrame(bool minimizable) {

@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 
+#include "platform/linux/qt/DrawingServices.h"
 #include "platform/linux/qt/LoadedScene.h"
 #include "platform/linux/qt/Picture.h"
 #include "platform/linux/qt/QmlSceneRegistry.h"
@@ -17,7 +18,8 @@ class QmlStage {
   /// Draws in software, and makes that the process's choice.
   explicit QmlStage(QmlSceneRegistry registry);
   /// `makeRenderer` fits what the process has chosen.
-  QmlStage(QmlSceneRegistry registry, MakeSceneRenderer makeRenderer);
+  QmlStage(QmlSceneRegistry registry, MakeSceneRenderer makeRenderer,
+           DrawingServices services = DrawingServices::ofPlatform());
 
   /// The scene of `view`. One that is missing or cannot be loaded is reported in one line on standard error.
   [[nodiscard]] LoadedScene load(const std::shared_ptr<View>& view);
@@ -37,10 +39,12 @@ class QmlStage {
 
  private:
   QQmlEngine& engine();
+  void complain(const QString& reason) const;
   std::unique_ptr<QQuickItem> create(const QUrl& source, const QVariantMap& properties);
 
   QmlSceneRegistry registry_;
   MakeSceneRenderer makeRenderer_;
+  DrawingServices services_;
   std::unique_ptr<QQmlEngine> engine_;  // made for the first scene
 };
 

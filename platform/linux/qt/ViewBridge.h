@@ -4,6 +4,10 @@
 
 #include <QObject>
 #include <QStringList>
+#include <functional>
+#include <utility>
+
+#include "platform/Time.h"
 
 namespace dormel {
 
@@ -23,6 +27,9 @@ class ViewBridge : public QObject {
   [[nodiscard]] double pixelRatio() const { return pixelRatio_; }
   void setPixelRatio(double ratio);
 
+  /// The clock that holds are measured by.
+  void setUptime(std::function<Seconds()> uptime) { uptime_ = std::move(uptime); }
+
   /// What the view says, line by line, for the case that its scene cannot be drawn. Nothing that the user needs
   /// to get out may be missing from it.
   [[nodiscard]] virtual QStringList plainLines() const { return {}; }
@@ -33,6 +40,7 @@ class ViewBridge : public QObject {
   void pixelRatioChanged();
 
  protected:
+  [[nodiscard]] Seconds uptime() const { return uptime_ ? uptime_() : 0; }
   /// The view comes on screen for the first time.
   virtual void appear() {}
 
@@ -40,6 +48,7 @@ class ViewBridge : public QObject {
   bool showing_ = false;
   bool appeared_ = false;
   double pixelRatio_ = 1;
+  std::function<Seconds()> uptime_;
 };
 
 }  // namespace dormel

@@ -6,7 +6,7 @@
 
 #include <vector>
 
-#include "platform/linux/Canvas.h"
+#include "platform/common/Canvas.h"
 
 namespace dormel::x11 {
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/linux/Canvas.h"
+#include "platform/common/Canvas.h"
 #include "platform/linux/x11/Connection.h"
 
 namespace dormel::x11 {

@@ -7,7 +7,7 @@
 #include <memory>
 #include <vector>
 
-#include "platform/linux/Canvas.h"
+#include "platform/common/Canvas.h"
 #include "platform/linux/x11/Connection.h"
 #include "platform/linux/x11/Visuals.h"
 

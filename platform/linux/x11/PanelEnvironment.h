@@ -6,7 +6,7 @@
 #include <memory>
 #include <vector>
 
-#include "platform/linux/Canvas.h"
+#include "platform/common/Canvas.h"
 #include "platform/linux/x11/Compositor.h"
 #include "platform/linux/x11/DesktopPicture.h"
 #include "platform/linux/x11/KeyNumbering.h"

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "platform/Windows.h"
-#include "platform/linux/Canvas.h"
+#include "platform/common/Canvas.h"
 #include "platform/linux/x11/ContentImage.h"
 #include "platform/linux/x11/PanelEnvironment.h"
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/linux/Canvas.h"
+#include "platform/common/Canvas.h"
 #include "platform/linux/display/Later.h"
 #include "platform/linux/x11/XdndTarget.h"
 
