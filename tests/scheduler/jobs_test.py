@@ -485,6 +485,12 @@ class OnSystemd(JobModel, unittest.TestCase):
                 timer = (self.home / ".config/systemd/user" / f"{job.label}.timer").read_text()
                 self.assertIn(f"\nOnCalendar=*-*-* 21:05:00{' ' + named if named else ''}\n", timer)
                 self.assertEqual(self.variables_of(job.wait_for_run()[1]).get("TZ"), zone if named else None)
+        self.manager.ask("set-environment", "TZ=Asia/Tokyo")
+        self.addCleanup(self.manager.ask, "unset-environment", "TZ")
+        job = self.job(start=(21, 5))
+        self.bootstrap(job, TZ=None)
+        self.assertEqual(self.variables_of(job.wait_for_run()[1]).get("TZ"), "Asia/Tokyo")
+        self.assertIn("21:05:00 Asia/Tokyo", (self.home / ".config/systemd/user" / f"{job.label}.timer").read_text())
 
     def test_another_display_of_the_session(self):
         """The one that it was loaded on is gone: a nested server that was closed."""

@@ -60,15 +60,15 @@ FileResult updateLink(const std::string& path, const std::string& target, bool& 
 bool removeFile(const std::string& path) { return ::unlink(path.c_str()) == 0; }
 
 /// This process's session as the job in the file is to have it, and the zone by which the job and its timer go. A zone
-/// that no calendar line can name is left to nobody: both then go by the machine's.
+/// that no calendar line can name is not handed on: both then go by the manager's.
 struct Session {
-  explicit Session(const std::string& serviceFile)
+  Session(const std::string& serviceFile, UserManager& manager)
       : environment(
             keepingDisplay(sessionEnvironment(), environmentIn(freedesktop::readTextFile(serviceFile).value_or("")))),
         zone(zoneNamed(valueIn(environment, "TZ"))) {
     if (!zone.empty()) return;
     std::erase_if(environment, [](const std::string& entry) { return entry.starts_with("TZ="); });
-    environment.emplace_back("TZ");
+    zone = zoneNamed(valueIn(manager.environment(), "TZ"));
   }
 
   std::vector<std::string> environment;
@@ -76,12 +76,13 @@ struct Session {
 };
 
 /// Whether the units are those of the list as it is now, and for the display that this process would give them.
-bool isMeant(const std::string& propertyList, const std::string& serviceFile, const std::string& timerFile) {
+bool isMeant(UserManager& manager, const std::string& propertyList, const std::string& serviceFile,
+             const std::string& timerFile) {
   const auto read = readJob(propertyList);
   const Job* job = std::get_if<Job>(&read);
   const auto service = freedesktop::readTextFile(serviceFile);
   if (job == nullptr || !service) return false;
-  const Session session(serviceFile);
+  const Session session(serviceFile, manager);
   if (namesAnotherDisplay(environmentIn(*service), session.environment)) return false;
   const auto timer = freedesktop::readTextFile(timerFile);
   return job->start ? timer && timer->find(calendarLine(*job->start, session.zone)) != std::string::npos : !timer;
@@ -112,7 +113,7 @@ std::optional<JobReport> SystemdScheduler::find(const std::string& label) {
     return {};
   }
   if (timed && (timer.active != "active" || ::access(units.timerLink.c_str(), F_OK) != 0)) return {};
-  if (!isMeant(service.source, units.serviceFile, units.timerFile)) return {};
+  if (!isMeant(*manager_, service.source, units.serviceFile, units.timerFile)) return {};
 
   const ServiceState process = manager_->service(units.service);
   JobReport report{{"scheduler", "systemd --user"}, {"path", service.source}, {"state", service.sub}};
@@ -130,7 +131,7 @@ std::optional<JobReport> SystemdScheduler::find(const std::string& label) {
 std::optional<JobError> SystemdScheduler::load(const Job& job) {
   if (!available()) return JobError{"no user manager that reads " + folder_};
   const Units units(folder_, job.label);
-  const Session session(units.serviceFile);
+  const Session session(units.serviceFile, *manager_);
   bool changed = false;
   FileResult error = update(units.serviceFile, serviceUnit(job, launcher_, session.environment), changed);
   if (job.start) {
