@@ -23,7 +23,7 @@ TypingCare::TypingCare(std::shared_ptr<Connection> connection, const ServerFeatu
 TypingCare::Hold TypingCare::hold() {
   if (Hold present = held_.lock()) return present;
   begin();
-  const Hold first(this, [self = shared_from_this()](const void*) { self->end(); });
+  Hold first(this, [self = shared_from_this()](const void*) { self->end(); });
   held_ = first;
   return first;
 }
