@@ -1,7 +1,13 @@
 // Servers that are missing, lacking, or dying.
 #include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <cstring>
+#include <thread>
 
 #include "tests/x11/Desk.h"
 
@@ -34,6 +40,36 @@ TEST(Server, WithoutADisplayThereAreNoScreensAndNoTrustAndWindowsThatNobodySees)
   EXPECT_FALSE(x11.runningApplications().frontmost());
   EXPECT_FALSE(x11.windowList().onScreen());
   EXPECT_FALSE(x11.dragging().begin({}, {}));
+}
+
+TEST(Server, OneThatRefusesIsLookedForWithoutAWord) {
+  const std::string path = "/tmp/.X11-unix/X978";
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  std::memcpy(&address.sun_path[1], path.c_str(), path.size());  // an abstract name, which leaves no file
+  const int listener = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  const auto length = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + path.size());
+  ASSERT_EQ(::bind(listener, reinterpret_cast<const sockaddr*>(&address), length), 0);
+  ASSERT_EQ(::listen(listener, 2), 0);
+  std::thread server([&] {
+    for (int i = 0; i < 2; ++i) {
+      const int client = ::accept(listener, nullptr, nullptr);
+      const unsigned char refusal[] = {0, 4, 11, 0, 0, 0, 1, 0, 'N', 'o', '.', '\n'};
+      static_cast<void>(!::write(client, refusal, sizeof refusal));
+      char rest[64];
+      while (::read(client, rest, sizeof rest) > 0) {
+      }
+      ::close(client);
+    }
+  });
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(Connection::open(":978"), nullptr);
+  EXPECT_TRUE(testing::internal::GetCapturedStderr().starts_with("No.")) << "as libxcb does by itself";
+  testing::internal::CaptureStderr();
+  EXPECT_FALSE(Connection::answers(":978"));
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+  server.join();
+  ::close(listener);
 }
 
 TEST(Server, WithoutRandRTheRootIsTheScreen) {

@@ -24,6 +24,9 @@ class Connection : public std::enable_shared_from_this<Connection> {
   [[nodiscard]] static std::shared_ptr<Connection> open(EventLoop& loop, const std::string& display = {});
   /// For requests and replies alone: there is no loop for its events. Any thread, but always the same one.
   [[nodiscard]] static std::shared_ptr<Connection> open(const std::string& display = {});
+  /// Whether a server can be connected to. Says nothing on standard error, where libxcb repeats a refusal each time;
+  /// what another thread says there in the same moment is lost with it.
+  [[nodiscard]] static bool answers(const std::string& display = {});
   Connection(const Connection&) = delete;
   Connection& operator=(const Connection&) = delete;
   ~Connection();
