@@ -7,7 +7,7 @@
 #include "assistant/AssentaAssistant.h"
 #include "assistant/qml/AssistantScenes.h"
 #include "platform/Platform.h"
-#include "platform/linux/LinuxPlatform.h"
+#include "platform/linux/WindowPlatform.h"
 #include "ui/qml/UiModule.h"
 
 namespace {
@@ -36,7 +36,7 @@ int main(int argc, char** argv) {
   QmlSceneRegistry scenes;
   registerUiScenes(scenes);
   registerAssistantScenes(scenes);
-  LinuxPlatform desktop(LaunchKind::windows, std::move(scenes));
+  WindowPlatform desktop(std::move(scenes));
   const PlatformScope inForce(desktop.services());
   Driver driver(from);
   desktop.run(driver);

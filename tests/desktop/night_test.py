@@ -1,5 +1,8 @@
 """One night through the real scheduler: locked, lifted by real keys, killed, locked again, over."""
 
+import os
+import re
+import subprocess
 import unittest
 
 from case import DesktopCase
@@ -29,6 +32,25 @@ class NightTest(DesktopCase):
         night.kill()
         night.kill()
         night.end()
+
+    def test_what_locks_loads_no_toolkit_whatever_the_desktop_asks_for(self):
+        desk = self.desk()
+        process = self.lock(desk, environment={"QT_QPA_PLATFORMTHEME": "gtk3", "QT_PLUGIN_PATH": "/usr/lib",
+                                               "GTK_MODULES": "gail:atk-bridge", "LD_BIND_NOW": "1"})
+        self.press_the_keys(desk)
+        with open(f"/proc/{process.pid}/maps", encoding="utf-8") as file:
+            loaded = {os.path.basename(line.split(maxsplit=5)[5].strip()) for line in file if len(line.split()) > 5}
+        self.assertIn("libxcb.so.1.1.0", loaded)
+        heavy = re.compile("Qt|icu|GL|drm|gtk|glib|python|png|jpe?g|webp|tiff|svg|font|freetype|harfbuzz", re.ASCII)
+        self.assertEqual([name for name in sorted(loaded) if heavy.search(name)], [])
+
+    def test_without_the_program_for_windows_it_says_so(self):
+        desk = self.desk()
+        os.remove(os.path.join(os.path.dirname(desk.bundle.program), "DormelWindow"))
+        opened = subprocess.run([desk.bundle.program], env=desk.environment(), capture_output=True, text=True,
+                                timeout=10, check=False)
+        self.assertEqual(opened.returncode, 1)
+        self.assertRegex(opened.stderr, "^Dormel: .*/Contents/Linux/DormelWindow: No such file or directory$")
 
 
 if __name__ == "__main__":

@@ -29,7 +29,9 @@ PosixBundle::PosixBundle() {
 
 std::optional<std::string> PosixBundle::executablePath() const {
   if (!isBundle_) return {};
-  return executable_;
+  // Another program beside it may be the one that runs: this is the one that others start.
+  const auto name = info("CFBundleExecutable");
+  return name ? executable_.substr(0, executable_.rfind('/') + 1) + *name : executable_;
 }
 
 std::optional<std::string> PosixBundle::info(const std::string& key) const {

@@ -1,4 +1,4 @@
-// The bundle this process runs from: ".../Dormel.app/Contents/{Info.plist,Linux/Dormel,Helpers/,Resources/}".
+// The bundle this process runs from: ".../Dormel.app/Contents/{Info.plist,Linux/,Helpers/,Resources/}".
 #pragma once
 
 #include <map>

@@ -21,21 +21,18 @@ bool hasWaylandPlugin() {
 }
 
 /// The toolkit's arguments are not the process's: those are ours.
-std::vector<std::string> argumentsFor(bool showsWindows) {
+std::vector<std::string> toolkitArguments() {
   // The name by which window managers find our desktop entry.
   std::vector<std::string> arguments{"Dormel", "-name", BUNDLE_IDENTIFIER};
-  const auto choose = [&](const char* platform) { arguments.insert(arguments.end(), {"-platform", platform}); };
-  if (!showsWindows) {
-    choose("offscreen");
-  } else if (isOnWayland() && !hasWaylandPlugin() && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
-    choose("xcb");  // as Qt would, after complaining
+  if (isOnWayland() && !hasWaylandPlugin() && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
+    arguments.insert(arguments.end(), {"-platform", "xcb"});  // as Qt would, after complaining
   }
   return arguments;
 }
 
 }  // namespace
 
-Toolkit::Toolkit(bool showsWindows) : arguments_(argumentsFor(showsWindows)) {
+Toolkit::Toolkit() : arguments_(toolkitArguments()) {
   for (std::string& argument : arguments_) argumentPointers_.push_back(argument.data());
   argumentCount_ = static_cast<int>(argumentPointers_.size());
   argumentPointers_.push_back(nullptr);
@@ -43,11 +40,7 @@ Toolkit::Toolkit(bool showsWindows) : arguments_(argumentsFor(showsWindows)) {
   QGuiApplication::setDesktopFileName(QLatin1String(BUNDLE_IDENTIFIER));
   QGuiApplication::setQuitOnLastWindowClosed(false);
   application_ = std::make_unique<QGuiApplication>(argumentCount_, argumentPointers_.data());
-  if (showsWindows) {
-    SceneGraph::chooseForWindows();
-  } else {
-    SceneGraph::useSoftware();  // no graphics driver can take the lock down
-  }
+  SceneGraph::chooseForWindows();
   // Qt adopts the user's locale for the whole process; the figures in our logs keep their decimal point.
   std::setlocale(LC_NUMERIC, "C");
 }

@@ -22,8 +22,7 @@ struct DesktopRequests {
 
 class Toolkit : public QObject {
  public:
-  /// Without windows it only draws: then no display is needed and none is talked to.
-  explicit Toolkit(bool showsWindows);
+  Toolkit();
   Toolkit(const Toolkit&) = delete;
   Toolkit& operator=(const Toolkit&) = delete;
   ~Toolkit() override;

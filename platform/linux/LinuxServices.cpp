@@ -1,16 +1,16 @@
-#include "platform/linux/LinuxPlatform.h"
+#include "platform/linux/LinuxServices.h"
 
 #include <sys/epoll.h>
 
-#include <QGuiApplication>
 #include <charconv>
 #include <csignal>
+#include <optional>
 #include <utility>
+#include <vector>
 
 #include "platform/Identifiers.h"
 #include "platform/RunningApplications.h"
 #include "platform/common/paint/PaintedCanvases.h"
-#include "platform/linux/DesktopApplication.h"
 #include "platform/linux/freedesktop/AutostartLoginItems.h"
 #include "platform/linux/freedesktop/CreatedFolders.h"
 #include "platform/linux/freedesktop/DesktopWorkspace.h"
@@ -18,48 +18,37 @@
 #include "platform/linux/freedesktop/SeatFiles.h"
 #include "platform/linux/freedesktop/SettingsPages.h"
 #include "platform/linux/freedesktop/ShellOverview.h"
-#include "platform/linux/loop/EventLoop.h"
 #include "platform/linux/paint/PainterLauncher.h"
 #include "platform/linux/posix/PosixBundle.h"
 #include "platform/linux/posix/PosixChildProcesses.h"
 #include "platform/linux/posix/PosixClock.h"
 #include "platform/linux/posix/PosixFiles.h"
-#include "platform/linux/posix/PosixProcess.h"
 #include "platform/linux/posix/PosixQueues.h"
 #include "platform/linux/posix/PropertyListDefaults.h"
 #include "platform/linux/posix/StandardDescriptors.h"
-#include "platform/linux/qt/EventLoopCarrier.h"
-#include "platform/linux/qt/QmlCanvasFactory.h"
-#include "platform/linux/qt/QmlStage.h"
-#include "platform/linux/qt/QtAlerts.h"
-#include "platform/linux/qt/QtMainMenu.h"
-#include "platform/linux/qt/QtMainWindows.h"
-#include "platform/linux/qt/SceneGraph.h"
-#include "platform/linux/qt/Toolkit.h"
 #include "platform/linux/updates/BundleUpdater.h"
 #include "platform/linux/updates/HelperProcess.h"
-#include "platform/linux/x11/X11Platform.h"
 
 namespace dormel {
 namespace {
 
-MakeSceneRenderer sceneRenderer() { return SceneGraph::isSoftware() ? makeSoftwareRenderer : makeDriverRenderer; }
-
 constexpr std::int64_t UPDATE_INTERVAL = 21'600;  // where the bundle names none
 
-/// The panels are the painter's to draw. The guide at the settings window belongs to this process's own windows.
+/// The panels are the painter's to draw. The guide at the settings window belongs to a process with windows.
 class Canvases final : public CanvasFactory {
  public:
-  Canvases(CanvasFactory& painted, CanvasFactory& own) : painted_(painted), own_(own) {}
+  explicit Canvases(CanvasFactory& painted) : painted_(painted) {}
+  void setOwn(CanvasFactory& own) { own_ = &own; }
+
   [[nodiscard]] std::unique_ptr<Canvas> make(std::shared_ptr<View> view) override {
     const ViewKind kind = view->kind();
     const bool isOwn = kind == ViewKind::assistantGuide || kind == ViewKind::assistantDragRow;
-    return (isOwn ? own_ : painted_).make(std::move(view));
+    return (isOwn && own_ != nullptr ? *own_ : painted_).make(std::move(view));
   }
 
  private:
   CanvasFactory& painted_;
-  CanvasFactory& own_;
+  CanvasFactory* own_ = nullptr;
 };
 
 /// The permission as x11/ sees it, and the way back when there was no display at first.
@@ -69,7 +58,7 @@ class DesktopAccessibility final : public Accessibility {
       : x11_(x11), process_(process), output_(output), isStartedAgain_(kind == LaunchKind::background) {}
 
   [[nodiscard]] bool isProcessTrusted() const override {
-    if (isStartedAgain_ && !x11_.hasDisplay() && x11::Connection::open()) {
+    if (isStartedAgain_ && !x11_.hasDisplay() && x11::Connection::answers()) {
       // Nothing of this process was built for a display. The scheduler's next start has one from the beginning.
       output_.print("A display has come up. Starting again on it.");
       process_.exit(1);
@@ -86,22 +75,17 @@ class DesktopAccessibility final : public Accessibility {
 
 }  // namespace
 
-struct LinuxPlatform::Parts {
-  Parts(LaunchKind kind, QmlSceneRegistry scenes)
+struct LinuxServices::Parts {
+  explicit Parts(LaunchKind kind)
       : kind(kind),
-        toolkit(kind == LaunchKind::command ? nullptr : std::make_unique<Toolkit>(kind == LaunchKind::windows)),
-        carrier(toolkit ? std::make_unique<qt::EventLoopCarrier>(loop) : nullptr),
-        icon(kind == LaunchKind::windows ? scenes.icon() : QIcon()),
         files(freedesktop::noteCreatedFolder),
         process(queues, freedesktop::seatFiles(),
                 [this](int fd, std::function<bool()> action) { watchReadable(fd, std::move(action)); }),
         children(bundle.tools()),
         defaults(files, output, BUNDLE_IDENTIFIER),
-        stage(std::make_shared<QmlStage>(std::move(scenes), sceneRenderer())),
         launcher(bundle.helper("paint"), loop),
         painted(launcher),
-        ownCanvases(stage),
-        canvases(painted, ownCanvases),
+        canvases(painted),
         x11(loop, canvases, clock),
         accessibility(x11, process, output, kind),
         shellOverview(loop),
@@ -112,41 +96,8 @@ struct LinuxPlatform::Parts {
                     }),
         workspace(children, output),
         loginItems(children, output),
-        windows(std::make_shared<WindowGroup>(stage, windowHelp())),
-        alerts(windows),
-        mainWindows(windows),
-        mainMenu(windows, otherApplications()),
         updateHelper(loop, bundle.helper("update"), bundle.path()),
-        updater(clock, loop, defaults, updateHelper, updateOptions()),
-        services{clock,
-                 calendar,
-                 loop,
-                 queues,
-                 defaults,
-                 files,
-                 process,
-                 children,
-                 output,
-                 random,
-                 accessibility,
-                 x11.eventTaps(),
-                 x11.hardwareKeys(),
-                 x11.inputIdle(),
-                 x11.keyboardLayout(),
-                 x11.screens(),
-                 x11.windows(),
-                 application,
-                 notices,
-                 bundle,
-                 alerts,
-                 mainWindows,
-                 mainMenu,
-                 workspace,
-                 loginItems,
-                 updater,
-                 x11.runningApplications(),
-                 x11.windowList(),
-                 x11.dragging()} {
+        updater(clock, loop, defaults, updateHelper, updateOptions()) {
     x11.setApplicationNaming([](const std::string& instance, const std::string& className) {
       const bool isSettings = freedesktop::isSettingsProgram(instance) || freedesktop::isSettingsProgram(className);
       return isSettings ? SYSTEM_SETTINGS : className;
@@ -164,24 +115,9 @@ struct LinuxPlatform::Parts {
     });
   }
 
-  /// Until the process ends, or the action says that there will be nothing any more.
+  /// Until the process ends.
   void watchReadable(int fd, std::function<bool()> action) {
-    auto watch = std::make_shared<EventLoop::Watch>();
-    *watch = loop.watch(fd, EPOLLIN, [watch, action = std::move(action)](std::uint32_t) {
-      if (!action()) watch->reset();
-    });
-  }
-
-  WindowHelp windowHelp() {
-    WindowHelp help;
-    help.isSwallowed = [this](unsigned key) { return x11.isKeyDownSwallowed(key); };
-    if (QGuiApplication::platformName() == QLatin1String("xcb")) {
-      help.activate = [this](WId window) { x11.managedWindows().activate(static_cast<std::uint32_t>(window)); };
-      help.canBlend = [this] { return x11.isCompositing(); };
-    } else {
-      help.canBlend = [] { return true; };
-    }
-    return help;
+    watches.push_back(loop.watch(fd, EPOLLIN, [action = std::move(action)](std::uint32_t) { action(); }));
   }
 
   /// Nowhere to look without a feed and a key in the bundle, and nobody who looks in a process without an event loop.
@@ -195,16 +131,9 @@ struct LinuxPlatform::Parts {
     return options;
   }
 
-  OtherApplications otherApplications() {
-    if (QGuiApplication::platformName() != QLatin1String("xcb") || !x11.managedWindows().canHideOthers()) return {};
-    return {[this] { x11.managedWindows().hideOthers(); }, [this] { x11.managedWindows().showOthers(); }};
-  }
-
   const LaunchKind kind;
-  std::unique_ptr<Toolkit> toolkit;
   EventLoop loop;
-  std::unique_ptr<qt::EventLoopCarrier> carrier;
-  QIcon icon;
+  std::vector<EventLoop::Watch> watches;
   posix::PosixClock clock;
   posix::PosixCalendar calendar;
   posix::PosixFiles files;
@@ -215,10 +144,8 @@ struct LinuxPlatform::Parts {
   posix::PosixProcess process;
   posix::PosixChildProcesses children;
   posix::PropertyListDefaults defaults;
-  std::shared_ptr<QmlStage> stage;
   paint::HelperLauncher launcher;
   paint::PaintedCanvases painted;
-  QmlCanvasFactory ownCanvases;
   Canvases canvases;
   x11::X11Platform x11;
   DesktopAccessibility accessibility;
@@ -228,38 +155,66 @@ struct LinuxPlatform::Parts {
   std::unique_ptr<freedesktop::Logind> logind;
   freedesktop::DesktopWorkspace workspace;
   freedesktop::AutostartLoginItems loginItems;
-  std::shared_ptr<WindowGroup> windows;
-  QtAlerts alerts;
-  QtMainWindows mainWindows;
-  QtMainMenu mainMenu;
   updates::HelperProcess updateHelper;
   updates::BundleUpdater updater;
-  Platform services;
+  std::optional<Platform> services;
 };
 
-LinuxPlatform::LinuxPlatform(LaunchKind kind, QmlSceneRegistry scenes)
-    : parts_((posix::holdStandardDescriptors(), std::make_unique<Parts>(kind, std::move(scenes)))) {}
+LinuxServices::LinuxServices(LaunchKind kind)
+    : parts_((posix::holdStandardDescriptors(), std::make_unique<Parts>(kind))) {}
 
-LinuxPlatform::~LinuxPlatform() = default;
+LinuxServices::~LinuxServices() = default;
 
-bool LinuxPlatform::hasDesktop() { return Toolkit::reachesWayland() || x11::Connection::open() != nullptr; }
+void LinuxServices::setOwnCanvases(CanvasFactory& own) { parts_->canvases.setOwn(own); }
 
-Platform& LinuxPlatform::services() { return parts_->services; }
+Platform& LinuxServices::with(Alerts& alerts, MainWindows& mainWindows, MainMenu& mainMenu) {
+  Parts& p = *parts_;
+  return p.services.emplace(Platform{p.clock,
+                                     p.calendar,
+                                     p.loop,
+                                     p.queues,
+                                     p.defaults,
+                                     p.files,
+                                     p.process,
+                                     p.children,
+                                     p.output,
+                                     p.random,
+                                     p.accessibility,
+                                     p.x11.eventTaps(),
+                                     p.x11.hardwareKeys(),
+                                     p.x11.inputIdle(),
+                                     p.x11.keyboardLayout(),
+                                     p.x11.screens(),
+                                     p.x11.windows(),
+                                     p.application,
+                                     p.notices,
+                                     p.bundle,
+                                     alerts,
+                                     mainWindows,
+                                     mainMenu,
+                                     p.workspace,
+                                     p.loginItems,
+                                     p.updater,
+                                     p.x11.runningApplications(),
+                                     p.x11.windowList(),
+                                     p.x11.dragging()});
+}
 
-void LinuxPlatform::run(ApplicationDelegate& delegate) {
+EventLoop& LinuxServices::loop() { return parts_->loop; }
+
+x11::X11Platform& LinuxServices::x11() { return parts_->x11; }
+
+DesktopApplication& LinuxServices::application() { return parts_->application; }
+
+posix::PosixProcess& LinuxServices::process() { return parts_->process; }
+
+void LinuxServices::launch(ApplicationDelegate& delegate) {
   parts_->application.setDelegate(&delegate);
   // Ctrl-C in a terminal and a closed terminal are quit requests, not kills: they meet the delegate's guard.
   for (const int signal : {SIGINT, SIGHUP}) {
     parts_->process.onSignal(signal, [this] { parts_->application.terminate(); });
   }
-  if (parts_->kind == LaunchKind::windows) {
-    parts_->toolkit->join(parts_->icon, {[this] { parts_->application.terminate(); },
-                                         [this] { return parts_->application.mayTerminate(); },
-                                         [&delegate] { delegate.didBecomeActive(); }});
-  }
   parts_->loop.async([&delegate] { delegate.didFinishLaunching(); });
-  QGuiApplication::exec();
-  parts_->process.exit(1);  // nobody leaves the loop on purpose
 }
 
 }  // namespace dormel
