@@ -2,10 +2,11 @@
 #pragma once
 
 #include <functional>
-#include <list>
+#include <map>
 #include <memory>
 
 #include "platform/Windows.h"
+#include "platform/common/HandlerList.h"
 
 namespace dormel {
 
@@ -38,9 +39,6 @@ class DesktopApplication final : public Application {
 /// Hands notices to whoever observes them. An observer may come or go while one is handed out.
 class DesktopNotices final : public Notices {
  public:
-  DesktopNotices();
-  ~DesktopNotices() override;
-
   [[nodiscard]] std::unique_ptr<Registration> observe(Notice notice, Task handler) override;
   void post(Notice notice);
 
@@ -49,9 +47,7 @@ class DesktopNotices final : public Notices {
   void setOnSleepWanted(Task onSleepWanted) { onSleepWanted_ = std::move(onSleepWanted); }
 
  private:
-  struct Observer;
-  class Membership;
-  std::shared_ptr<std::list<std::weak_ptr<Observer>>> observers_;
+  std::map<Notice, HandlerList> observers_;
   Task onSleepWanted_;
 };
 
