@@ -137,17 +137,24 @@ void Connection::sync() {
   static_cast<void>(owned(xcb_get_input_focus_reply(xcb_, xcb_get_input_focus(xcb_), nullptr)));
 }
 
-std::vector<xcb_atom_t> Connection::atoms(const std::vector<std::string>& names) {
-  std::vector<xcb_intern_atom_cookie_t> cookies;
-  cookies.reserve(names.size());
+void Connection::expectAtoms(const std::vector<std::string>& names) {
   for (const std::string& name : names) {
-    cookies.push_back(xcb_intern_atom(xcb_, 0, static_cast<std::uint16_t>(name.size()), name.data()));
+    if (atoms_.contains(name)) continue;
+    atoms_[name].asked = xcb_intern_atom(xcb_, 0, static_cast<std::uint16_t>(name.size()), name.data());
   }
+}
+
+std::vector<xcb_atom_t> Connection::atoms(const std::vector<std::string>& names) {
+  expectAtoms(names);
   std::vector<xcb_atom_t> atoms;
   atoms.reserve(names.size());
-  for (const auto& cookie : cookies) {
-    const auto reply = owned(xcb_intern_atom_reply(xcb_, cookie, nullptr));
-    atoms.push_back(reply ? reply->atom : static_cast<xcb_atom_t>(XCB_ATOM_NONE));
+  for (const std::string& name : names) {
+    Atom& atom = atoms_.at(name);
+    if (!atom.known) {
+      const auto reply = owned(xcb_intern_atom_reply(xcb_, atom.asked, nullptr));
+      atom.known = reply ? reply->atom : static_cast<xcb_atom_t>(XCB_ATOM_NONE);
+    }
+    atoms.push_back(*atom.known);
   }
   return atoms;
 }

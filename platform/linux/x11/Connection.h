@@ -5,7 +5,9 @@
 #include <xcb/xcb.h>
 
 #include <functional>
+#include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -63,8 +65,10 @@ class Connection : public std::enable_shared_from_this<Connection> {
 
   // What nearly everybody needs of the protocol.
   [[nodiscard]] xcb_atom_t atom(const std::string& name) { return atoms({name}).front(); }
-  /// In one round trip.
+  /// In one round trip, or in none for those that were asked for before.
   [[nodiscard]] std::vector<xcb_atom_t> atoms(const std::vector<std::string>& names);
+  /// Asks for atoms that will be needed, without waiting.
+  void expectAtoms(const std::vector<std::string>& names);
   /// A property's value as 32-bit items; empty when absent or of another format.
   [[nodiscard]] std::vector<std::uint32_t> property32(xcb_window_t window, xcb_atom_t property);
   /// A property's value as bytes.
@@ -80,6 +84,11 @@ class Connection : public std::enable_shared_from_this<Connection> {
   void dispatch(const xcb_generic_event_t& event);
   void checkLost();
 
+  struct Atom {
+    xcb_intern_atom_cookie_t asked;
+    std::optional<xcb_atom_t> known;
+  };
+
   xcb_connection_t* xcb_;
   xcb_screen_t* screen_ = nullptr;
   int screenNumber_;
@@ -87,6 +96,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
   std::string display_;
   std::vector<std::weak_ptr<const Handler>> handlers_;
   std::uint32_t rootEvents_ = 0;
+  std::map<std::string, Atom> atoms_;  ///< they stay the same as long as the server lives
   Task onLost_;
   bool lostReported_ = false;
   EventLoop::Watch socket_;

@@ -14,10 +14,44 @@ namespace {
 
 constexpr std::chrono::milliseconds LAST_WILL_LIMIT{500};
 
+/// The atoms of a start are asked for in its first message: each would be a question of its own else, for which the
+/// screens wait bare.
+std::shared_ptr<Connection> connect(EventLoop& loop, const std::string& display) {
+  auto connection = Connection::open(loop, display);
+  if (!connection) return nullptr;
+  connection->expectAtoms({"UTF8_STRING",
+                           "_DORMEL_KEY_ACTIONS",
+                           "_DORMEL_LOCKDOWN",
+                           "_DORMEL_LOCKED_STATE",
+                           "_GTK_FRAME_EXTENTS",
+                           "_NET_ACTIVE_WINDOW",
+                           "_NET_CLIENT_LIST",
+                           "_NET_CLIENT_LIST_STACKING",
+                           "_NET_CURRENT_DESKTOP",
+                           "_NET_FRAME_EXTENTS",
+                           "_NET_WM_CM_S" + std::to_string(connection->screenNumber()),
+                           "_NET_WM_DESKTOP",
+                           "_NET_WM_NAME",
+                           "_NET_WM_PID",
+                           "_NET_WM_STATE",
+                           "_NET_WM_STATE_HIDDEN",
+                           "_NET_WM_STATE_SKIP_TASKBAR",
+                           "_NET_WM_WINDOW_OPACITY",
+                           "_NET_WM_WINDOW_TYPE",
+                           "_NET_WM_WINDOW_TYPE_DESKTOP",
+                           "_NET_WM_WINDOW_TYPE_DIALOG",
+                           "_NET_WM_WINDOW_TYPE_DOCK",
+                           "_NET_WM_WINDOW_TYPE_NORMAL",
+                           "_NET_WM_WINDOW_TYPE_NOTIFICATION",
+                           "_NET_WM_WINDOW_TYPE_UTILITY",
+                           "_NET_WORKAREA"});
+  return connection;
+}
+
 }  // namespace
 
 X11Platform::X11Platform(EventLoop& loop, CanvasFactory& canvases, const Clock& clock, const std::string& display)
-    : connection_(Connection::open(loop, display)),
+    : connection_(connect(loop, display)),
       features_(connection_ ? ServerFeatures::query(*connection_) : ServerFeatures{}),
       screens_(std::make_shared<ScreensX11>(loop, connection_, features_)),
       numbering_(connection_, features_),
