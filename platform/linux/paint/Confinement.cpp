@@ -63,12 +63,15 @@ bool filterCalls() {
   for (const int call : {SCMP_SYS(openat2), SCMP_SYS(clone3)}) {
     seccomp_rule_add(context, SCMP_ACT_ERRNO(ENOSYS), call, 0);
   }
+  const auto denyWhere = [&](int call, const scmp_arg_cmp& argument) {
+    seccomp_rule_add_array(context, refuse, call, 1, &argument);
+  };
   // Threads may be made, processes may not.
-  seccomp_rule_add(context, refuse, SCMP_SYS(clone), 1, SCMP_A0(SCMP_CMP_MASKED_EQ, CLONE_THREAD, 0));
+  denyWhere(SCMP_SYS(clone), {0, SCMP_CMP_MASKED_EQ, CLONE_THREAD, 0});
   for (const std::uint64_t flag : {std::uint64_t{O_WRONLY}, std::uint64_t{O_RDWR}, std::uint64_t{O_CREAT},
                                    std::uint64_t{O_TRUNC}, std::uint64_t{O_APPEND}}) {
-    seccomp_rule_add(context, refuse, SCMP_SYS(open), 1, SCMP_A1(SCMP_CMP_MASKED_EQ, flag, flag));
-    seccomp_rule_add(context, refuse, SCMP_SYS(openat), 1, SCMP_A2(SCMP_CMP_MASKED_EQ, flag, flag));
+    denyWhere(SCMP_SYS(open), {1, SCMP_CMP_MASKED_EQ, flag, flag});
+    denyWhere(SCMP_SYS(openat), {2, SCMP_CMP_MASKED_EQ, flag, flag});
   }
   return seccomp_load(context) == 0;
 }
