@@ -7,6 +7,7 @@
 #include "app/AppInstaller.h"
 #include "app/CommandLine.h"
 #include "core/Config.h"
+#include "engine/NightReport.h"
 #include "platform/Accessibility.h"
 #include "platform/Defaults.h"
 #include "platform/Files.h"
@@ -37,6 +38,7 @@ void help() {
       "  --setup      arm the lock: every night at the stored hour\n"
       "  --uninstall  disarm it\n"
       "  --check-ax   say whether the keyboard can be taken here\n"
+      "  --nights     show the last ninety nights; --nights=json: for scripts\n"
       "  --scheduled  what the scheduler starts: lock now, if it is time\n"
       "  --version    print the version\n"
       "  --help       print this\n"
@@ -75,6 +77,22 @@ void checkAccessibility() {
   platform().process.exit(trusted ? 0 : 1);
 }
 
+NightHistory history() {
+  NightHistory read = NightHistory::read(platform().clock.now());
+  if (read.damaged) platform().output.printError(std::string("Dormel: ") + NightReport::DAMAGED);
+  return read;
+}
+
+void nights() {
+  print(NightReport::text(history(), platform().output.terminal(), Config::use24HourClock()));
+  platform().process.exit(0);
+}
+
+void nightsAsJson() {
+  print(NightReport::json(history()));
+  platform().process.exit(0);
+}
+
 struct Command {
   const char* argument;
   void (*run)();  // ends the process
@@ -83,7 +101,9 @@ constexpr Command COMMANDS[] = {{"--version", version},
                                 {"--help", help},
                                 {"--setup", setup},
                                 {"--uninstall", uninstall},
-                                {"--check-ax", checkAccessibility}};
+                                {"--check-ax", checkAccessibility},
+                                {"--nights", nights},
+                                {"--nights=json", nightsAsJson}};
 
 }  // namespace
 

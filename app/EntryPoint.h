@@ -12,8 +12,8 @@ namespace dormel {
 
 namespace EntryPoint {
 
-/// Runs the first of --version, --help, --setup, --uninstall and --check-ax that is among the arguments (in this
-/// order, at any position) and exits with its status; returns when there is none.
+/// Runs the first of --version, --help, --setup, --uninstall, --check-ax, --nights and --nights=json that is among the
+/// arguments (in this order, at any position) and exits with its status; returns when there is none.
 void runOneShotCommand();
 
 /// Whether these arguments hold one of the commands above. Needs no platform.

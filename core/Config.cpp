@@ -54,7 +54,9 @@ void seedClockFormatFromSystem() {
   defaults.set(defaultsKey::use24HourClock, {systemPrefers24HourClock()});
 }
 
-bool isBlockingNow(Date date) { return isBlocked(platform().calendar.localTime(date).hour, startHour(), endHour()); }
+bool isBlockingNow(Date date) { return isBlockingHour(platform().calendar.localTime(date).hour); }
+
+bool isBlockingHour(int hour) { return isBlocked(hour, startHour(), endHour()); }
 
 Seconds blockingTimeLeft(Date date) {
   const int start = startHour();

@@ -42,6 +42,8 @@ void seedClockFormatFromSystem();
 /// Whether `date` lies in the blocking hours: from the start hour's first second to the last second before the
 /// end hour, across midnight if need be. Equal hours mean never.
 [[nodiscard]] bool isBlockingNow(Date date);
+/// Whether this hour of the local day is one of them.
+[[nodiscard]] bool isBlockingHour(int hour);
 
 /// How long the blocking hours still last at `date`: until the first full hour outside them, as the calendar goes. 0
 /// outside them.

@@ -54,16 +54,6 @@ std::string isoText(Date date) {
   return text.data();
 }
 
-std::vector<NightRecord> read() {
-  const auto bytes = platform().files.read(AppSupport::url(FILE_NAME));
-  if (!bytes) return {};
-  try {
-    return nlohmann::json::parse(*bytes).get<std::vector<NightRecord>>();
-  } catch (const std::exception&) {  // malformed, or not an array of records
-    return {};
-  }
-}
-
 std::vector<NightRecord> prune(std::vector<NightRecord> records, Date now) {
   const auto cutOff = platform().calendar.addingDays(now, -RETENTION_DAYS);
   if (!cutOff) return records;
@@ -74,9 +64,29 @@ std::vector<NightRecord> prune(std::vector<NightRecord> records, Date now) {
 
 }  // namespace
 
+Stored stored() {
+  const Files& files = platform().files;
+  const std::string path = AppSupport::url(FILE_NAME);
+  const auto bytes = files.read(path);
+  if (!bytes) return {{}, files.exists(path)};
+  const nlohmann::json json = nlohmann::json::parse(*bytes, nullptr, false);
+  Stored found{{}, !json.is_array()};
+  if (found.damaged) return found;
+  for (const auto& record : json) {
+    try {
+      found.records.push_back(record.get<NightRecord>());
+    } catch (const std::exception&) {
+      found.damaged = true;
+    }
+  }
+  return found;
+}
+
 bool recordDormelFired(Date now, std::optional<Seconds> idle) {
   const std::string night = nightKey(now);
-  std::vector<NightRecord> records = read();
+  Stored before = stored();
+  // One record that cannot be read costs the others, too.
+  std::vector<NightRecord> records = before.damaged ? std::vector<NightRecord>() : std::move(before.records);
   for (const NightRecord& record : records) {
     if (record.night == night) return false;
   }

@@ -23,6 +23,14 @@ struct NightRecord {
 
 namespace NightLog {
 
+struct Stored {
+  std::vector<NightRecord> records;  ///< oldest first; those that could be decoded
+  bool damaged = false;              ///< the log, or a record in it, could not be read
+};
+
+/// What the log holds now; nothing, undamaged, when there is none. Only looks. Any thread.
+[[nodiscard]] Stored stored();
+
 /// Adds the record of the night that `now` belongs to, unless it has one already or the user has been idle for more
 /// than 300 s (`idle`, asked of the input devices when not given). True when a record was due, even if writing the
 /// file failed.

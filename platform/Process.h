@@ -65,12 +65,20 @@ class ChildProcesses {
   virtual bool start(const std::string& tool, const std::vector<std::string>& arguments) = 0;
 };
 
+/// What standard output is shown on.
+struct Terminal {
+  int columns = 80;
+  bool highlights = true;  ///< text may be bold or dim
+};
+
 /// The operator's log. Each call writes one whole line at once. Any thread. A closed stream loses the line only.
 class StandardOutput {
  public:
   virtual ~StandardOutput() = default;
   virtual void print(std::string_view line) = 0;
   virtual void printError(std::string_view line) = 0;
+  /// Nothing where standard output goes to a file or to another program.
+  [[nodiscard]] virtual std::optional<Terminal> terminal() const { return {}; }
 };
 
 }  // namespace dormel

@@ -55,6 +55,8 @@ class SimOutput : public StandardOutput {
 
   void print(std::string_view line) override { put("out: ", line, lines_); }
   void printError(std::string_view line) override { put("err: ", line, errors_); }
+  [[nodiscard]] std::optional<Terminal> terminal() const override { return terminal_; }
+  void setTerminal(std::optional<Terminal> terminal) { terminal_ = terminal; }
 
   [[nodiscard]] const std::vector<std::string>& lines() const { return lines_; }
   [[nodiscard]] const std::vector<std::string>& errors() const { return errors_; }
@@ -69,6 +71,7 @@ class SimOutput : public StandardOutput {
   std::string path_;
   std::vector<std::string> lines_;
   std::vector<std::string> errors_;
+  std::optional<Terminal> terminal_;
 };
 
 class SimChildProcesses : public ChildProcesses {

@@ -1,6 +1,9 @@
-// The record of the nights: any file is read or replaced, and tonight is recorded once.
+// The record of the nights: any file is read or replaced, tonight is recorded once, and any two logs make ninety
+// nights.
 #include "core/AppSupport.h"
+#include "core/Config.h"
 #include "engine/NightLog.h"
+#include "engine/NightReport.h"
 #include "platform/sim/SimMachine.h"
 #include "tests/fuzz/FuzzInput.h"
 
@@ -8,6 +11,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   using namespace dormel;
   SimMachine machine;
   machine.files.put(AppSupport::url("nights.json"), fuzz::text(data, size));
+  machine.files.put(Config::unlockLogPath(), fuzz::text(data, size));
+  NightHistory history;
+  machine.run([&] { history = NightHistory::read(machine.clock.now()); });
+  fuzz::require(history.nights.size() == NightHistory::NIGHTS, "there are ninety nights");
+  fuzz::require(!NightReport::text(history, {}, true).empty() && !NightReport::json(history).empty(), "they are told");
+  fuzz::require(machine.files.content(AppSupport::url("nights.json")) == fuzz::text(data, size),
+                "looking changes nothing");
   bool first = false;
   bool second = false;
   machine.run([&] {

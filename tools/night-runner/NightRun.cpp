@@ -60,6 +60,7 @@ class Player {
       }
       advanceTo(night_.length);
       watch->look();
+      watch->checkHistory();
     } catch (const std::exception& exception) {
       if (watch) watch->fail(Rule::sound, exception.what());
       outcome.fault = Fault{Rule::sound, exception.what()};

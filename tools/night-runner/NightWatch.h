@@ -38,6 +38,8 @@ class NightWatch {
 
   /// Looks at everything now.
   void look();
+  /// Holds what is told of the nights to what was seen of them.
+  void checkHistory();
 
   // What the world does, told when it does it.
   /// `byScheduler`: started again by it after a bad end.
@@ -89,8 +91,17 @@ class NightWatch {
     bool opaque = true;
     bool fit = true;
   };
+  struct SeenUnlock {
+    std::string stamp;  // "2026-11-16T23:41:07"
+    std::string night;
+    std::string otherNight;  // the other evening that it might belong to, by the date alone
+    int startHour;           // of that time
+    int endHour;
+    bool hoursOn;
+  };
   struct UnlockLine {
     std::string text;
+    SeenUnlock unlock;
     Moment at;
     bool isDue;  // false: it may be missing
   };
@@ -138,6 +149,7 @@ class NightWatch {
   void checkTimers();
   [[nodiscard]] bool isShowingSettings() const;
   void checkEpoch();
+  [[nodiscard]] static std::string dayText(std::chrono::sys_days day);
   void knowFiles();
   void checkFiles();
   [[nodiscard]] static std::vector<Record> decoded(const std::string& content);
@@ -228,7 +240,9 @@ class NightWatch {
   int troubles_ = 0;
   bool unreadable_ = false;
   bool hanging_ = false;
+  std::string unlockLogBefore_;  // all this
   std::string unlockLog_;
+  std::vector<SeenUnlock> seenUnlocks_;  // whose lines are there
   std::deque<UnlockLine> dueLines_;
   std::string recordFile_;
   std::vector<Record> records_;

@@ -14,24 +14,24 @@ namespace {
 
 using Days = std::chrono::sys_days;
 
-std::string dateText(Days day) {
+std::string utcTimeText(Date date) {
+  const auto ms =
+      std::chrono::floor<std::chrono::milliseconds>(date - std::chrono::floor<Days::duration>(date)).count();
+  std::array<char, 32> text{};
+  std::snprintf(text.data(), text.size(), "T%02d:%02d:%02d.%03dZ", static_cast<int>(ms / 3600000),
+                static_cast<int>(ms / 60000 % 60), static_cast<int>(ms / 1000 % 60), static_cast<int>(ms % 1000));
+  return text.data();
+}
+
+}  // namespace
+
+std::string NightWatch::dayText(Days day) {
   const std::chrono::year_month_day date(day);
   std::array<char, 32> text{};
   std::snprintf(text.data(), text.size(), "%04d-%02u-%02u", static_cast<int>(date.year()),
                 static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()));
   return text.data();
 }
-
-std::string utcText(Date date) {
-  const auto day = std::chrono::floor<std::chrono::days>(date);
-  const auto ms = std::chrono::floor<std::chrono::milliseconds>(date - day).count();
-  std::array<char, 32> text{};
-  std::snprintf(text.data(), text.size(), "T%02d:%02d:%02d.%03dZ", static_cast<int>(ms / 3600000),
-                static_cast<int>(ms / 60000 % 60), static_cast<int>(ms / 1000 % 60), static_cast<int>(ms % 1000));
-  return dateText(day) + text.data();
-}
-
-}  // namespace
 
 std::vector<NightWatch::Record> NightWatch::decoded(const std::string& content) {
   std::vector<Record> found;
@@ -46,14 +46,17 @@ std::vector<NightWatch::Record> NightWatch::decoded(const std::string& content) 
 }
 
 void NightWatch::knowFiles() {
-  unlockLog_ = machine_.files.content(Config::unlockLogPath());
+  unlockLogBefore_ = unlockLog_ = machine_.files.content(Config::unlockLogPath());
   recordFile_ = machine_.files.content(AppSupport::url("nights.json"));
   records_ = decoded(recordFile_);
 }
 
 void NightWatch::checkFiles() {
+  const std::size_t unlocks = seenUnlocks_.size();
+  const std::string records = recordFile_;
   checkUnlockLog();
   checkRecords();
+  if (seenUnlocks_.size() != unlocks || recordFile_ != records) checkHistory();
 }
 
 void NightWatch::checkUnlockLog() {
@@ -71,6 +74,7 @@ void NightWatch::checkUnlockLog() {
         return;
       }
       rest.erase(0, dueLines_.front().text.size());
+      seenUnlocks_.push_back(std::move(dueLines_.front().unlock));
       dueLines_.pop_front();
     }
   }
@@ -92,11 +96,12 @@ void NightWatch::expectRecord() {
   const LocalTime local = machine_.calendar.localTime(date);
   const Days today = std::chrono::year(local.year) / local.month / local.day;
   const Days night = local.hour >= storedHour(defaultsKey::blockEndHour, 6) ? today : today - std::chrono::days(1);
-  Record record{dateText(night), utcText(date), static_cast<std::int64_t>(idle.value_or(0))};
+  const Days utcDay = std::chrono::floor<Days::duration>(date);
+  Record record{dayText(night), dayText(utcDay) + utcTimeText(date), static_cast<std::int64_t>(idle.value_or(0))};
   const bool isNew =
       std::none_of(records_.begin(), records_.end(), [&](const Record& other) { return other.night == record.night; });
   // One that the night has already may still come: where the old ones cannot be read at that moment.
-  dueRecord_ = {std::move(record), dateText(today - std::chrono::days(90)), now(), isNew && troubles_ == 0};
+  dueRecord_ = {std::move(record), dayText(today - std::chrono::days(90)), now(), isNew && troubles_ == 0};
 }
 
 void NightWatch::checkRecords() {

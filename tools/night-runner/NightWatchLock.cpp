@@ -3,6 +3,7 @@
 #include <set>
 #include <utility>
 
+#include "core/Config.h"
 #include "platform/common/paint/PlainLines.h"
 #include "platform/sim/SimPainter.h"
 #include "tools/night-runner/NightWatch.h"
@@ -140,7 +141,17 @@ void NightWatch::unlockSeen(const std::string& line) {
   std::array<char, 96> text{};
   std::snprintf(text.data(), text.size(), "%04d-%02d-%02d %02d:%02d:%02d — unlocked (#%d, held %ds)\n", t.year, t.month,
                 t.day, t.hour, t.minute, t.second, unlocks_, held);
-  dueLines_.push_back({text.data(), now(), troubles_ == 0});
+  const std::chrono::sys_days today = std::chrono::year(t.year) / t.month / t.day;
+  const std::chrono::sys_days yesterday = today - std::chrono::days(1);
+  const int endHour = storedHour(defaultsKey::blockEndHour, 6);
+  const bool isToday = t.hour >= endHour;
+  SeenUnlock unlock{dayText(today) + "T" + std::string(text.data() + 11, 8),
+                    dayText(isToday ? today : yesterday),
+                    dayText(isToday ? yesterday : today),
+                    storedHour(defaultsKey::blockStartHour, 0),
+                    endHour,
+                    hoursAreOn(machine_.timeline.now())};
+  dueLines_.push_back({text.data(), std::move(unlock), now(), troubles_ == 0});
 }
 
 void NightWatch::checkEarned() {

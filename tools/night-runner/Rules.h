@@ -27,6 +27,7 @@ enum class Rule {
   restart,
   unlockLog,
   records,
+  history,
   epochs,
   timers,
   nothing,
@@ -39,7 +40,7 @@ struct RuleText {
   const char* meaning;
 };
 
-inline constexpr std::array<RuleText, 22> RULES{{
+inline constexpr std::array<RuleText, 23> RULES{{
     {"lock",
      "a scheduled run inside the hours, set up, switched on and permitted, locks at once; without the permission it "
      "shows its card and locks within 3 s of getting it; any other ends with status 0, or is started again if the "
@@ -93,6 +94,9 @@ inline constexpr std::array<RuleText, 22> RULES{{
      "a lock that began at a used computer adds the record of its night if the night has none; records older than 90 "
      "days go then, younger ones stay, and nothing else ever changes. A full, unwritable or hanging disk may cost the "
      "new record only; records that cannot be read or decoded are replaced"},
+    {"history",
+     "what --nights tells of the last ninety nights is what was seen: each evening once, its lock and its unlocks, and "
+     "figures that fit. An unlock under other hours than the present ones may be told on the evening beside its own"},
     {"epochs", "the generation of the overlay only grows, and does so with every lock and every unlock"},
     {"timers",
      "no timer survives its owner: as many repeat as the present state needs, and not one more, 0.25 s after anything"},

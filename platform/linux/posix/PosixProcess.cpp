@@ -5,7 +5,9 @@
 #include <signal.h>
 #include <sys/eventfd.h>
 #include <sys/file.h>
+#include <sys/ioctl.h>
 #include <sys/random.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -14,6 +16,7 @@
 #include <chrono>
 #include <cmath>
 #include <cstdlib>
+#include <string_view>
 #include <utility>
 
 #include "platform/linux/posix/LeakCheck.h"
@@ -126,6 +129,18 @@ bool PosixProcess::claimSession() {
 void PosixOutput::print(std::string_view line) { writeLine(STDOUT_FILENO, line); }
 
 void PosixOutput::printError(std::string_view line) { writeLine(STDERR_FILENO, line); }
+
+std::optional<Terminal> PosixOutput::terminal() const {
+  if (::isatty(STDOUT_FILENO) == 0) return {};
+  Terminal terminal;
+  winsize size{};
+  // A serial line says 0.
+  if (::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0) terminal.columns = size.ws_col;
+  const char* kind = std::getenv("TERM");
+  const char* noColour = std::getenv("NO_COLOR");
+  terminal.highlights = kind != nullptr && std::string_view(kind) != "dumb" && (!noColour || *noColour == '\0');
+  return terminal;
+}
 
 std::uint64_t PosixRandom::next() {
   std::uint64_t bits = 0;

@@ -63,6 +63,8 @@ class PosixOutput final : public StandardOutput {
  public:
   void print(std::string_view line) override;
   void printError(std::string_view line) override;
+  /// Plain where NO_COLOR is set, or TERM names a terminal that can do no more.
+  [[nodiscard]] std::optional<Terminal> terminal() const override;
 };
 
 class PosixRandom final : public SecureRandom {
