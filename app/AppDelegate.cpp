@@ -201,6 +201,20 @@ void AppDelegate::showSettings() {
                                       [] { platform().application.terminate(); }));
 }
 
+void AppDelegate::showNights() {
+  if (const auto nights = nights_.lock()) {
+    nights->refresh();
+  } else {
+    const std::shared_ptr<NightsView> view = NightsView::create();
+    nights_ = view;
+    nightsWindow_ =
+        platform().mainWindows.make({NightsView::SIZE, "Your nights", false}, view, [weak = weak_from_this()] {
+          if (const auto self = weak.lock()) self->nightsWindow_.reset();
+        });
+  }
+  nightsWindow_->bringToFront();
+}
+
 void AppDelegate::showOnboarding() {
   presentOnboarding(OnboardingView::create(onboardingHooks([](AppDelegate& self) { self.finishOnboarding(); })));
 }
@@ -236,7 +250,8 @@ SettingsView::Hooks AppDelegate::settingsHooks() {
           weakly(&AppDelegate::confirmUninstall),
           [] { return AgentManager::install(); },
           weakly(&AppDelegate::beginLoginItemsRecovery),
-          weakly(&AppDelegate::handleReopen)};
+          weakly(&AppDelegate::handleReopen),
+          weakly(&AppDelegate::showNights)};
 }
 
 void AppDelegate::ask(const Alert& alert, void (AppDelegate::*onAnswer)(int)) {

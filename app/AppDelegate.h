@@ -11,6 +11,7 @@
 #include "platform/Alerts.h"
 #include "platform/MainWindow.h"
 #include "platform/Windows.h"
+#include "settings/NightsView.h"
 #include "settings/SettingsView.h"
 
 namespace dormel {
@@ -35,6 +36,8 @@ class AppDelegate : public ApplicationDelegate, public std::enable_shared_from_t
   void handleReopen();
 
   void showSettings();
+  /// The page of the last ninety nights, in a window beside the settings; one at a time.
+  void showNights();
   /// The first run, from where it was left.
   void showOnboarding();
   /// The first run from its beginning, for a look: it changes nothing, and its end leads to the settings.
@@ -79,6 +82,8 @@ class AppDelegate : public ApplicationDelegate, public std::enable_shared_from_t
   Mode mode_ = Mode::window;
   std::shared_ptr<ScreenManager> screenManager_;
   std::unique_ptr<MainWindow> mainWindow_;
+  std::unique_ptr<MainWindow> nightsWindow_;
+  std::weak_ptr<NightsView> nights_;  // what it shows
   bool hasBeenActive_ = false;
   bool awaitingLoginItemsFix_ = false;
   bool switchSeenOff_ = false;  // when the recovery began: only then can the launch find it on again

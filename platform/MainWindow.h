@@ -17,6 +17,8 @@ namespace dormel {
 struct MainWindowStyle {
   Size contentSize;
   std::string title;
+  /// Whether alerts and the main menu belong to it. Another window comes up in the middle of that one.
+  bool isMain = true;
 };
 
 class MainWindow {

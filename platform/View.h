@@ -9,6 +9,7 @@ enum class ViewKind {
   graceCountdown,
   accessibilityCard,
   settings,
+  nights,
   assistantGuide,
   assistantDragRow,
   onboarding,

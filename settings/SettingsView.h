@@ -29,7 +29,8 @@ class SettingsView : public View, public Observable, public std::enable_shared_f
     std::function<void()> onUninstall;
     std::function<bool()> installAgent;  ///< arms the scheduler with the stored hour; false when it could not
     std::function<void()> onAgentNotInstalled;
-    std::function<void()> bringToFront;  ///< activates the application, this window in front
+    std::function<void()> bringToFront;    ///< activates the application, this window in front
+    std::function<void()> onShowNights{};  ///< may be empty: then nothing offers it
   };
 
   /// `updater` outlives the view.
@@ -85,6 +86,8 @@ class SettingsView : public View, public Observable, public std::enable_shared_f
   void testNow() const { hooks_.onTestNow(); }
   [[nodiscard]] bool canPreviewOnboarding() const { return hooks_.onPreviewOnboarding != nullptr; }
   void previewOnboarding() const { hooks_.onPreviewOnboarding(); }
+  [[nodiscard]] bool canShowNights() const { return hooks_.onShowNights != nullptr; }
+  void showNights() const { hooks_.onShowNights(); }
   void uninstall() const { hooks_.onUninstall(); }
 
  private:

@@ -36,6 +36,7 @@ class SettingsBridge : public ViewBridge {
   Q_PROPERTY(QString updateStatus READ updateStatus NOTIFY changed)
   Q_PROPERTY(QString versionText READ versionText CONSTANT)
   Q_PROPERTY(bool canPreviewOnboarding READ canPreviewOnboarding CONSTANT)
+  Q_PROPERTY(bool canShowNights READ canShowNights CONSTANT)
 
  public:
   explicit SettingsBridge(std::shared_ptr<SettingsView> settings);
@@ -66,6 +67,7 @@ class SettingsBridge : public ViewBridge {
   [[nodiscard]] QString updateStatus() const { return QString::fromStdString(settings_->updateStatus()); }
   [[nodiscard]] QString versionText() const { return QString::fromStdString(settings_->versionText()); }
   [[nodiscard]] bool canPreviewOnboarding() const { return settings_->canPreviewOnboarding(); }
+  [[nodiscard]] bool canShowNights() const { return settings_->canShowNights(); }
 
   Q_INVOKABLE void setLockEnabled(bool on) { settings_->setEnabled(on); }
   Q_INVOKABLE void chooseStartHour(int index);
@@ -76,6 +78,7 @@ class SettingsBridge : public ViewBridge {
   Q_INVOKABLE void checkForUpdates() { settings_->checkForUpdates(); }
   Q_INVOKABLE void testNow() { settings_->testNow(); }
   Q_INVOKABLE void previewOnboarding() { settings_->previewOnboarding(); }
+  Q_INVOKABLE void showNights() { settings_->showNights(); }
   Q_INVOKABLE void uninstall() { settings_->uninstall(); }
 
  protected:

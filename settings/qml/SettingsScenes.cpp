@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "settings/qml/AccessibilityCardBridge.h"
+#include "settings/qml/NightsBridge.h"
 #include "settings/qml/SettingsBridge.h"
 #include "ui/qml/Tone.h"
 #include "ui/qml/UiModule.h"
@@ -29,6 +30,7 @@ void registerSettingsScenes(QmlSceneRegistry& registry) {
   registry.prepareWith(loadUiModule);
   registry.add(ViewKind::accessibilityCard,
                scene<AccessibilityCardBridge, PaintedView>("AccessibilityCard", Qt::transparent));
+  registry.add(ViewKind::nights, scene<NightsBridge, NightsView>("NightsWindow", Tone::background()));
   registry.add(ViewKind::settings, scene<SettingsBridge, SettingsView>("SettingsWindow", Tone::background()));
 }
 

@@ -244,6 +244,11 @@ Item {
                         text: "Replay the introduction"
                         onClicked: root.view.previewOnboarding()
                     }
+                    PlainButton {
+                        visible: root.view.canShowNights
+                        text: "Your nights"
+                        onClicked: root.view.showNights()
+                    }
                 }
             }
             PlainButton {

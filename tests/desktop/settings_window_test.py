@@ -5,10 +5,11 @@ import json
 import time
 import unittest
 
-from case import ESCAPE, DesktopCase, until
+from case import ESCAPE, RETURN, TAB, DesktopCase, until
 from desk.screen_reader import ScreenReader
 
 WHEEL_DOWN = 5
+LEFT_SHIFT = 42
 
 
 class SettingsWindowTest(DesktopCase):
@@ -64,6 +65,34 @@ class SettingsWindowTest(DesktopCase):
         until("it is unchecked", lambda: "checked" not in self.control("Dormel", "check box").states, 3)
         self.control("Disabled. Dormel won't lock your screen.")
         self.setting("blockingEnabled", False)
+
+    def test_your_nights_by_keyboard(self):
+        desk = self.open()
+        evening = [time.strftime("%Y-%m-%d", time.gmtime(self.noon - days * 86400)) for days in (1, 2)]
+        desk.home.record("nights.json", json.dumps(
+            [{"night": day, "firedAt": f"{day}T12:00:00.000Z", "idleSeconds": 5} for day in evening]))
+        with open(desk.home.log_path("dormel-unlock.log"), "w", encoding="utf-8") as log:
+            log.write(f"{evening[1]} 23:41:07 — unlocked (#1, held 30s)\n")
+
+        # From its end, the link is the second control.
+        desk.keyboard.press(LEFT_SHIFT)
+        desk.keyboard.tap(TAB, TAB)
+        desk.keyboard.let_go()
+        until("the keyboard is at the link", lambda: self.reader.focused().name == "Your nights", 3)
+        desk.keyboard.tap(RETURN)
+        self.in_front(desk, self, "Your nights")
+        table = self.reader.wait_for("The last ninety nights", 5, "table")
+        nights = [e for e in self.reader.elements() if e.role == "cell"]
+        self.assertEqual(len(nights), 90)
+        self.assertTrue(nights[-1].name.endswith("not opened"), nights[-1])
+        desk.keyboard.tap(desk.keyboard.place_of("Up"))
+        focused = until("the keyboard is at a night", lambda: self.reader.focused().role == "cell"
+                        and self.reader.focused(), 3)
+        self.saw(f"{table.role}: {focused.name}")
+        self.assertTrue(focused.name.endswith("opened once at 23:41"), focused)
+        desk.keyboard.tap(ESCAPE)
+        self.in_front(desk, self, "Dormel")
+        until("the page is gone", lambda: len(desk.clients.of(self.pid)) == 1, 3)
 
     def test_by_mouse_alone(self):
         desk = self.open()

@@ -94,8 +94,8 @@ class SettingsWindowTest : public testing::Test {
     const auto noted = [this](const char* what) { return [this, what] { done << QLatin1String(what); }; };
     std::function<void()> preview;
     if (withPreview) preview = noted("introduction");
-    view = SettingsView::create(desk.machine.updater,
-                                {noted("test"), preview, noted("uninstall"), [] { return true; }, [] {}, [] {}});
+    view = SettingsView::create(desk.machine.updater, {noted("test"), preview, noted("uninstall"), [] { return true; },
+                                                       [] {}, [] {}, noted("nights")});
     window = QtMainWindows(desk.group).make({{460, 660}, "Dormel"}, view, [] {});
     window->bringToFront();
     rest();
@@ -145,7 +145,7 @@ TEST_F(SettingsWindowTest, TabPassesEveryControlOnceAndBringsItIntoView) {
   desk.machine.accessibility.setTrusted(false);
   open(true);
   QStringList seen;
-  for (int i = 0; i < 9; ++i) {
+  for (int i = 0; i < 10; ++i) {
     keys({Qt::Key_Tab});
     seen << ringed();
     const QQuickItem* at = control(qPrintable(ringed()));
@@ -156,9 +156,12 @@ TEST_F(SettingsWindowTest, TabPassesEveryControlOnceAndBringsItIntoView) {
   EXPECT_EQ(seen, QStringList({QStringLiteral("Dormel"), QStringLiteral("Lock at"), QStringLiteral("24-hour"),
                                QStringLiteral("Open Settings"), QStringLiteral("Install updates automatically"),
                                QStringLiteral("Check for Updates…"), QStringLiteral("Rehearse the lock"),
-                               QStringLiteral("Replay the introduction"), QStringLiteral("Uninstall Dormel")}));
-  keys({Qt::Key_Return, Qt::Key_Backtab, Qt::Key_Return, Qt::Key_Backtab, Qt::Key_Space});
-  EXPECT_EQ(done, QStringList({QStringLiteral("uninstall"), QStringLiteral("introduction"), QStringLiteral("test")}));
+                               QStringLiteral("Replay the introduction"), QStringLiteral("Your nights"),
+                               QStringLiteral("Uninstall Dormel")}));
+  keys({Qt::Key_Return, Qt::Key_Backtab, Qt::Key_Space, Qt::Key_Backtab, Qt::Key_Return, Qt::Key_Backtab,
+        Qt::Key_Space});
+  EXPECT_EQ(done, QStringList({QStringLiteral("uninstall"), QStringLiteral("nights"), QStringLiteral("introduction"),
+                               QStringLiteral("test")}));
   desk.machine.journal.clear();
   keys({Qt::Key_Backtab, Qt::Key_Return, Qt::Key_Backtab, Qt::Key_Space, Qt::Key_Backtab, Qt::Key_Return});
   EXPECT_FALSE(view->autoUpdates());

@@ -45,6 +45,26 @@ TEST(WindowMode, OpensWithItsMenuAndItsWindowInFront) {
   EXPECT_EQ(program.delegate().screenManager()->state(), SessionState::idle);
 }
 
+TEST(WindowMode, YourNightsAreAWindowBesideTheSettings) {
+  Program program;
+  program.arm();
+  program.open();
+  const auto nights = [&] { program.machine.run([&] { program.delegate().showNights(); }); };
+  const auto since = [&] {
+    program.machine.settle();
+    return effects(program);
+  };
+  static_cast<void>(since());
+  nights();
+  EXPECT_EQ(since(), (Lines{"main window 2 made, 460x552 Your nights", "main window 2 front"}));
+  nights();
+  EXPECT_EQ(since(), (Lines{"main window 2 front"})) << "one at a time";
+  program.machine.mainMenu.press("w");
+  EXPECT_EQ(since(), (Lines{"menu: Close", "main window 2 closed by the user"})) << "the program goes on";
+  nights();
+  EXPECT_EQ(since(), (Lines{"main window 3 made, 460x552 Your nights", "main window 3 front"}));
+}
+
 TEST(WindowMode, HealsALostJobOrAsksForTheSwitch) {
   const Lines healed{PRINT + " = 113", WRITE, BOOTOUT + " = 3", BOOTSTRAP + " = 0",
                      "out: Self-heal: LaunchAgent not loaded — re-armed."};

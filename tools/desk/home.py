@@ -61,6 +61,13 @@ class Home:
         hour = time.localtime().tm_hour
         self.change_settings(blockStartHour=(hour - 1) % 24, blockEndHour=hour)
 
+    def record(self, name, content):
+        """Puts a file into the folder of the records, as a night leaves it there."""
+        folder = os.path.join(self.path, "Library", "Application Support", IDENTIFIER)
+        os.makedirs(folder, mode=0o700, exist_ok=True)
+        with open(os.path.join(folder, name), "w", encoding="utf-8") as file:
+            file.write(content)
+
     # Logs.
 
     def log_path(self, name):

@@ -16,10 +16,12 @@
 
 #include "assistant/AssentaHostApp.h"
 #include "assistant/OverlayContentView.h"
+#include "core/AppSupport.h"
 #include "core/Config.h"
 #include "platform/linux/qt/AboutView.h"
 #include "platform/linux/qt/AlertView.h"
 #include "settings/AccessibilityCardView.h"
+#include "settings/NightsView.h"
 #include "settings/SettingsView.h"
 #include "tests/drawn/DrawnNight.h"
 #include "tests/drawn/StrangersScreens.h"
@@ -220,13 +222,21 @@ Gallery::MakeView settings(const std::function<void(DrawnMachine&)>& prepare = {
     if (prepare) prepare(desk);
     const auto nothing = [] {};
     return SettingsView::create(desk.machine.updater,
-                                {nothing, nothing, nothing, [] { return true; }, nothing, nothing});
+                                {nothing, nothing, nothing, [] { return true; }, nothing, nothing, nothing});
   };
 }
 
 void visit(QQuickItem& item, const std::function<void(QQuickItem&)>& see) {
   see(item);
   for (QQuickItem* child : item.childItems()) visit(*child, see);
+}
+
+std::vector<QQuickItem*> squaresOf(QQuickItem& root) {
+  std::vector<QQuickItem*> squares;
+  visit(root, [&](QQuickItem& item) {
+    if (item.property("place").isValid()) squares.push_back(&item);
+  });
+  return squares;
 }
 
 void scrollDown(QQuickItem& root) {
@@ -258,6 +268,53 @@ void showSettings(Gallery& gallery) {
   gallery.showWindow("settings-not-trusted",
                      settings([](DrawnMachine& desk) { desk.machine.accessibility.setTrusted(false); }), {}, Docs::yes);
   gallery.showWindow("settings-update", settings(update), scrollDown, Docs::yes);
+}
+
+/// The logs of ninety nights. With `mixed` some were opened, the newest ones not, and some are not recorded.
+void putNights(DrawnMachine& desk, bool mixed) {
+  const auto drawn = [](unsigned night, unsigned below) { return (night * 2654435761U >> 16U) % below; };
+  std::string nights;
+  std::string unlocks;
+  const std::chrono::sys_days today = std::chrono::floor<std::chrono::days>(desk.machine.clock.now());
+  for (unsigned i = 90; i > 0; --i) {
+    if (mixed && drawn(i, 13) == 2) continue;
+    const std::string day = dateText(std::chrono::local_days((today - std::chrono::days(i)).time_since_epoch()));
+    nights += (nights.empty() ? "[" : ",") + ("{\"night\":\"" + day) + "\",\"firedAt\":\"" + day +
+              "T21:00:04.512Z\",\"idleSeconds\":" + std::to_string(i * 7 % 240) + "}";
+    if (!mixed || i < 5 || drawn(i, 7) != 1) continue;
+    for (unsigned number = 1; number <= 1 + i % 4; ++number) {
+      unlocks += day + " 2" + std::to_string(2 + number / 3) + ":" + std::to_string(14 + 17 * (number % 3)) +
+                 ":07 — unlocked (#" + std::to_string(number) + ", held 30s)\n";
+    }
+  }
+  desk.machine.files.put(AppSupport::url("nights.json"), nights + "]");
+  desk.machine.files.put(Config::unlockLogPath(), unlocks);
+  desk.store(defaultsKey::use24HourClock, {true});
+}
+
+void showNights(Gallery& gallery) {
+  gallery.showWindow("nights-empty", [](DrawnMachine&) { return NightsView::create(); });
+  gallery.showWindow("nights-full", [](DrawnMachine& desk) {
+    putNights(desk, false);
+    return NightsView::create();
+  });
+  const auto mixed = [](DrawnMachine& desk) {
+    putNights(desk, true);
+    return NightsView::create();
+  };
+  gallery.showWindow("nights", mixed, {}, Docs::yes);
+  gallery.showWindow("nights-stepped", mixed, [](QQuickItem& root) {
+    for (QQuickItem* item : squaresOf(root)) {
+      if (item->property("text").toString().contains(QStringLiteral("4 times")))
+        item->forceActiveFocus(Qt::TabFocusReason);
+    }
+  });
+  gallery.showWindow("nights-damaged", [](DrawnMachine& desk) {
+    putNights(desk, true);
+    desk.machine.files.put(AppSupport::url("nights.json"), "[{");
+    desk.store(defaultsKey::use24HourClock, {false});
+    return NightsView::create();
+  });
 }
 
 void showWindows(Gallery& gallery) {
@@ -307,6 +364,7 @@ int main(int argc, char** argv) {
   Gallery gallery(folder, pictures);
 
   showSettings(gallery);
+  showNights(gallery);
   showWindows(gallery);
 
   const auto nothing = [](DrawnNight&) {};

@@ -28,9 +28,9 @@ std::unique_ptr<MainWindow> QtMainWindows::make(const MainWindowStyle& style, st
   window->setTitle(QString::fromStdString(style.title));
   window->fixSize(style.contentSize);
   window->wearFrame(true);
-  window->centre(nullptr);
+  window->centre(style.isMain ? nullptr : group_->mainWindow());
   window->setOnCloseRequest(std::move(onClose));
-  group_->setMainWindow(window.get());
+  if (style.isMain) group_->setMainWindow(window.get());
   return std::make_unique<QtMainWindow>(std::move(window));
 }
 
