@@ -11,6 +11,7 @@
 #include "platform/Identifiers.h"
 #include "platform/RunningApplications.h"
 #include "platform/common/paint/PaintedCanvases.h"
+#include "platform/linux/DisplayInForce.h"
 #include "platform/linux/freedesktop/AutostartLoginItems.h"
 #include "platform/linux/freedesktop/CreatedFolders.h"
 #include "platform/linux/freedesktop/DesktopWorkspace.h"
@@ -51,23 +52,23 @@ class Canvases final : public CanvasFactory {
   CanvasFactory* own_ = nullptr;
 };
 
-/// The permission as x11/ sees it, and the way back when there was no display at first.
+/// The permission as the display sees it, and the way back when there was no display at first.
 class DesktopAccessibility final : public Accessibility {
  public:
-  DesktopAccessibility(x11::X11Platform& x11, Process& process, StandardOutput& output, LaunchKind kind)
-      : x11_(x11), process_(process), output_(output), isStartedAgain_(kind == LaunchKind::background) {}
+  DesktopAccessibility(DisplayInForce& display, Process& process, StandardOutput& output, LaunchKind kind)
+      : display_(display), process_(process), output_(output), isStartedAgain_(kind == LaunchKind::background) {}
 
   [[nodiscard]] bool isProcessTrusted() const override {
-    if (isStartedAgain_ && !x11_.hasDisplay() && x11::Connection::answers()) {
+    if (isStartedAgain_ && display_.hasComeUp()) {
       // Nothing of this process was built for a display. The scheduler's next start has one from the beginning.
       output_.print("A display has come up. Starting again on it.");
       process_.exit(1);
     }
-    return x11_.accessibility().isProcessTrusted();
+    return display_.family().accessibility().isProcessTrusted();
   }
 
  private:
-  x11::X11Platform& x11_;
+  DisplayInForce& display_;
   Process& process_;
   StandardOutput& output_;
   const bool isStartedAgain_;
@@ -86,25 +87,27 @@ struct LinuxServices::Parts {
         launcher(bundle.helper("paint"), loop),
         painted(launcher),
         canvases(painted),
-        x11(loop, canvases, clock),
-        accessibility(x11, process, output, kind),
+        display(kind != LaunchKind::command, freedesktop::lockMarkFile(), loop, canvases, clock),
+        accessibility(display, process, output, kind),
         shellOverview(loop),
         application(process,
                     [this](bool on) {
-                      x11.setLockdown(on);
+                      display.family().setLockdown(on);
                       shellOverview.keepClosed(on);
                     }),
         workspace(children, output),
         loginItems(children, output),
         updateHelper(loop, bundle.helper("update"), bundle.path()),
         updater(clock, loop, defaults, updateHelper, updateOptions()) {
-    x11.setApplicationNaming([](const std::string& instance, const std::string& className) {
-      const bool isSettings = freedesktop::isSettingsProgram(instance) || freedesktop::isSettingsProgram(className);
-      return isSettings ? SYSTEM_SETTINGS : className;
-    });
-    process.beforeExit([this] { x11.lastWill(); });
-    x11.setOnScreensChanged([this] { notices.post(Notice::screenParametersChanged); });
-    x11.setOnServerLost([this] {
+    if (x11::X11Platform* const x11 = display.x11()) {
+      x11->setApplicationNaming([](const std::string& instance, const std::string& className) {
+        const bool isSettings = freedesktop::isSettingsProgram(instance) || freedesktop::isSettingsProgram(className);
+        return isSettings ? SYSTEM_SETTINGS : className;
+      });
+    }
+    process.beforeExit([this] { display.lastWill(); });
+    display.family().setOnScreensChanged([this] { notices.post(Notice::screenParametersChanged); });
+    display.family().setOnLost([this] {
       output.print("The display is gone. Exiting, to be started again.");
       process.exit(1);
     });
@@ -147,7 +150,7 @@ struct LinuxServices::Parts {
   paint::HelperLauncher launcher;
   paint::PaintedCanvases painted;
   Canvases canvases;
-  x11::X11Platform x11;
+  DisplayInForce display;
   DesktopAccessibility accessibility;
   freedesktop::ShellOverview shellOverview;
   DesktopApplication application;
@@ -180,12 +183,12 @@ Platform& LinuxServices::with(Alerts& alerts, MainWindows& mainWindows, MainMenu
                                      p.output,
                                      p.random,
                                      p.accessibility,
-                                     p.x11.eventTaps(),
-                                     p.x11.hardwareKeys(),
-                                     p.x11.inputIdle(),
-                                     p.x11.keyboardLayout(),
-                                     p.x11.screens(),
-                                     p.x11.windows(),
+                                     p.display.family().eventTaps(),
+                                     p.display.family().hardwareKeys(),
+                                     p.display.family().inputIdle(),
+                                     p.display.family().keyboardLayout(),
+                                     p.display.family().screens(),
+                                     p.display.family().windows(),
                                      p.application,
                                      p.notices,
                                      p.bundle,
@@ -195,14 +198,14 @@ Platform& LinuxServices::with(Alerts& alerts, MainWindows& mainWindows, MainMenu
                                      p.workspace,
                                      p.loginItems,
                                      p.updater,
-                                     p.x11.runningApplications(),
-                                     p.x11.windowList(),
-                                     p.x11.dragging()});
+                                     p.display.runningApplications(),
+                                     p.display.windowList(),
+                                     p.display.dragging()});
 }
 
 EventLoop& LinuxServices::loop() { return parts_->loop; }
 
-x11::X11Platform& LinuxServices::x11() { return parts_->x11; }
+x11::X11Platform* LinuxServices::x11() { return parts_->display.x11(); }
 
 DesktopApplication& LinuxServices::application() { return parts_->application; }
 
@@ -214,6 +217,7 @@ void LinuxServices::launch(ApplicationDelegate& delegate) {
   for (const int signal : {SIGINT, SIGHUP}) {
     parts_->process.onSignal(signal, [this] { parts_->application.terminate(); });
   }
+  if (parts_->kind == LaunchKind::background) parts_->output.print(parts_->display.description());
   parts_->loop.async([&delegate] { delegate.didFinishLaunching(); });
 }
 

@@ -35,7 +35,8 @@ class LinuxServices {
   [[nodiscard]] Platform& with(Alerts& alerts, MainWindows& mainWindows, MainMenu& mainMenu);
 
   [[nodiscard]] EventLoop& loop();
-  [[nodiscard]] x11::X11Platform& x11();
+  /// Null where another family of displays is in force.
+  [[nodiscard]] x11::X11Platform* x11();
   [[nodiscard]] DesktopApplication& application();
   [[nodiscard]] posix::PosixProcess& process();
 

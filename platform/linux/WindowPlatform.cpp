@@ -21,21 +21,21 @@ MakeSceneRenderer sceneRenderer() { return SceneGraph::isSoftware() ? makeSoftwa
 
 bool isOnX() { return QGuiApplication::platformName() == QLatin1String("xcb"); }
 
-WindowHelp windowHelp(x11::X11Platform& x11) {
+WindowHelp windowHelp(x11::X11Platform* x11) {
   WindowHelp help;
-  help.isSwallowed = [&x11](unsigned key) { return x11.isKeyDownSwallowed(key); };
-  if (isOnX()) {
-    help.activate = [&x11](WId window) { x11.managedWindows().activate(static_cast<std::uint32_t>(window)); };
-    help.canBlend = [&x11] { return x11.isCompositing(); };
+  help.isSwallowed = [x11](unsigned key) { return x11 != nullptr && x11->isKeyDownSwallowed(key); };
+  if (x11 != nullptr && isOnX()) {
+    help.activate = [x11](WId window) { x11->managedWindows().activate(static_cast<std::uint32_t>(window)); };
+    help.canBlend = [x11] { return x11->isCompositing(); };
   } else {
     help.canBlend = [] { return true; };
   }
   return help;
 }
 
-OtherApplications otherApplications(x11::X11Platform& x11) {
-  if (!isOnX() || !x11.managedWindows().canHideOthers()) return {};
-  return {[&x11] { x11.managedWindows().hideOthers(); }, [&x11] { x11.managedWindows().showOthers(); }};
+OtherApplications otherApplications(x11::X11Platform* x11) {
+  if (x11 == nullptr || !isOnX() || !x11->managedWindows().canHideOthers()) return {};
+  return {[x11] { x11->managedWindows().hideOthers(); }, [x11] { x11->managedWindows().showOthers(); }};
 }
 
 }  // namespace

@@ -1,9 +1,9 @@
 // What needs no server.
 #include <gtest/gtest.h>
 
+#include "platform/linux/display/KeyTracker.h"
 #include "platform/linux/display/TimingCurves.h"
 #include "platform/linux/x11/AlphaRegion.h"
-#include "platform/linux/x11/KeyTracker.h"
 
 namespace dormel::x11::test {
 namespace {

@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
 #include <xcb/xtest.h>
 
+#include "platform/linux/display/KeyTracker.h"
 #include "platform/linux/x11/EventTapX11.h"
 #include "platform/linux/x11/HardwareKeysX11.h"
 #include "platform/linux/x11/IdleX11.h"
-#include "platform/linux/x11/KeyTracker.h"
 #include "platform/linux/x11/LayoutX11.h"
 #include "platform/linux/x11/Reply.h"
 #include "tests/x11/XServer.h"

@@ -64,7 +64,7 @@ class LockdownTest : public testing::Test {
 TEST_F(LockdownTest, KillsTheServersEscapeKeysAndGivesThemBackExactly) {
   Desk desk(*server);
   bool isLost = false;
-  desk.x11.setOnServerLost([&] { isLost = true; });
+  desk.x11.setOnLost([&] { isLost = true; });
   desk.x11.setLockdown(true);
   EXPECT_EQ(waysOut(keyActions()), 0);
   EXPECT_FALSE(canGrabPointer());
@@ -225,7 +225,7 @@ TEST_F(LockdownTest, TheLastWillStandsWhateverTheMainThreadIsDoing) {
   for (int round = 0; round < 5; ++round) {
     Witness document(*server);
     Desk desk(*server);
-    desk.x11.setOnServerLost([&] { isLost = true; });
+    desk.x11.setOnLost([&] { isLost = true; });
     auto windows = desk.blockers();
     desk.cover(windows, 1);
     desk.x11.setLockdown(true);

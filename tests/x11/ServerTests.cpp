@@ -118,7 +118,7 @@ TEST(Server, ItsDeathIsToldOnce) {
   const auto server = XServer::withTwoMonitors();
   Desk desk(*server);
   int losses = 0;
-  desk.x11.setOnServerLost([&] { ++losses; });
+  desk.x11.setOnLost([&] { ++losses; });
   const auto windows = desk.blockers();
   desk.cover(windows, 1);
   const auto tap = desk.x11.eventTaps().create([](const KeyEvent&) { return TapVerdict::swallow; });

@@ -161,6 +161,19 @@ class Desk:
         except NotSeen:
             return False
 
+    def lock_covers(self, monitor, pid):
+        """Whether a window of the process covers the monitor."""
+        return any(w.pid == pid and monitor.contains(*w.rectangle) for w in self.eyes.stack())
+
+    def pill(self, pid):
+        """The process's small window in the upper right corner of the main screen, or None."""
+        main = self.eyes.primary()
+        for window in self.eyes.windows_of(pid):
+            if (window.x >= main.x + main.width // 2 and window.y < main.y + main.height // 4
+                    and window.width < main.width // 2 and window.height < main.height // 4):
+                return window
+        return None
+
     def close(self):
         for neighbour in self._neighbours:
             neighbour.end()

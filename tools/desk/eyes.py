@@ -27,6 +27,9 @@ class Monitor:
         return (x <= self.x and y <= self.y and x + width >= self.x + self.width
                 and y + height >= self.y + self.height)
 
+    def contains_point(self, x, y):
+        return self.x <= x < self.x + self.width and self.y <= y < self.y + self.height
+
     def overlaps(self, x, y, width, height):
         return (x < self.x + self.width and x + width > self.x and y < self.y + self.height and y + height > self.y)
 

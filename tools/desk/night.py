@@ -131,10 +131,10 @@ class Night:
             until("\"Unlocked. Let go.\" on every screen", lambda: self._confirmation(monitors), 2)
             self._report("unlock confirmed", "\"Unlocked. Let go.\"", time.monotonic(), "confirmed")
         desk.keyboard.let_go()
-        until("the lock is off every screen", lambda: not any(self._covers(m) for m in monitors), 8)
+        until("the lock is off every screen", lambda: not any(desk.lock_covers(m, self.pid) for m in monitors), 8)
         lifted = time.monotonic()
         self._report("screens free", f"{self._speed * (lifted - self.completed):.1f} s after the hold", lifted, None)
-        pill = until("the countdown pill", self._pill, 3)
+        pill = until("the countdown pill", lambda: desk.pill(self.pid), 3)
         self._report("countdown pill", f"{pill.width} × {pill.height} in the corner of the main screen",
                      time.monotonic(), "pill")
         desk.watcher.first("ungrab", mark, 6, "the keyboard is let go")
@@ -202,17 +202,6 @@ class Night:
                      "not started again (only a status of 0 does that)", time.monotonic(), None)
 
     # What the screens show.
-
-    def _covers(self, monitor):
-        return any(w.pid == self.pid and monitor.contains(*w.rectangle) for w in self.desk.eyes.stack())
-
-    def _pill(self):
-        main = self.desk.eyes.primary()
-        for window in self.desk.eyes.windows_of(self.pid):
-            if (window.x >= main.x + main.width // 2 and window.y < main.y + main.height // 4
-                    and window.width < main.width // 2 and window.height < main.height // 4):
-                return window
-        return None
 
     def _caps(self, monitors, bright, enough):
         """Enough bright pixels where the key caps stand, on every monitor."""

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <string>
 #include <system_error>
+#include <utility>
 
 #include "platform/Identifiers.h"
 #include "platform/linux/freedesktop/BaseDirectories.h"
@@ -21,19 +22,24 @@ std::string folder() {
 
 std::string prefix() { return std::string(".") + BUNDLE_IDENTIFIER; }
 
+std::string variable(const char* name) {
+  const char* value = std::getenv(name);
+  return value == nullptr ? std::string() : std::string(value);
+}
+
+std::string asFileName(std::string display) {
+  std::replace_if(
+      display.begin(), display.end(), [](char c) { return c == '/' || c == ':'; }, '_');
+  return display;
+}
+
 std::string displayName() {
-  const auto variable = [](const char* name) {
-    const char* value = std::getenv(name);
-    return value == nullptr ? std::string() : std::string(value);
-  };
   std::string display = variable("DISPLAY");
   // ":0.0" is a screen of ":0".
   const auto colon = display.rfind(':');
   if (colon != std::string::npos) display = display.substr(0, display.find('.', colon));
   if (display.empty()) display = variable("WAYLAND_DISPLAY");
-  std::replace_if(
-      display.begin(), display.end(), [](char c) { return c == '/' || c == ':'; }, '_');
-  return display;
+  return asFileName(std::move(display));
 }
 
 }  // namespace
@@ -42,6 +48,8 @@ posix::Seats seatFiles() {
   const std::string seat = folder() + "/" + prefix() + displayName();
   return {seat + ".session", seat + ".window"};
 }
+
+std::string lockMarkFile() { return folder() + "/" + prefix() + asFileName(variable("WAYLAND_DISPLAY")) + ".lock"; }
 
 void removeSeatFiles() {
   std::error_code error;

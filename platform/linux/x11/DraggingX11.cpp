@@ -3,8 +3,8 @@
 #include <utility>
 
 #include "platform/linux/display/DisplayLink.h"
+#include "platform/linux/display/KeyCodes.h"
 #include "platform/linux/display/TimingCurves.h"
-#include "platform/linux/x11/KeyCodes.h"
 #include "platform/linux/x11/Reply.h"
 
 namespace dormel::x11 {

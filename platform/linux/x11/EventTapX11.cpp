@@ -4,9 +4,9 @@
 
 #include <utility>
 
+#include "platform/linux/display/KeyTracker.h"
 #include "platform/linux/x11/HardwareKeysX11.h"
 #include "platform/linux/x11/KeyNumbering.h"
-#include "platform/linux/x11/KeyTracker.h"
 #include "platform/linux/x11/KeyboardGrab.h"
 
 namespace dormel::x11 {

@@ -6,8 +6,8 @@
 #include <memory>
 #include <set>
 
+#include "platform/linux/display/KeyCodes.h"
 #include "platform/linux/x11/Connection.h"
-#include "platform/linux/x11/KeyCodes.h"
 #include "platform/linux/x11/ServerFeatures.h"
 
 namespace dormel::x11 {

@@ -5,7 +5,7 @@
 
 #include <array>
 
-#include "platform/linux/x11/KeyCodes.h"
+#include "platform/linux/display/KeyCodes.h"
 #include "platform/linux/x11/Reply.h"
 #include "platform/linux/x11/Xkb.h"
 

@@ -7,10 +7,10 @@
 #include <vector>
 
 #include "platform/common/Canvas.h"
+#include "platform/linux/display/KeyTracker.h"
 #include "platform/linux/x11/Compositor.h"
 #include "platform/linux/x11/DesktopPicture.h"
 #include "platform/linux/x11/KeyNumbering.h"
-#include "platform/linux/x11/KeyTracker.h"
 #include "platform/linux/x11/PanelFocus.h"
 #include "platform/linux/x11/ScreensX11.h"
 #include "platform/linux/x11/Stacking.h"

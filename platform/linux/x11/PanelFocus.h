@@ -6,8 +6,8 @@
 #include <memory>
 #include <vector>
 
+#include "platform/linux/display/RateBudget.h"
 #include "platform/linux/x11/Connection.h"
-#include "platform/linux/x11/RateBudget.h"
 
 namespace dormel::x11 {
 

@@ -9,8 +9,8 @@
 
 #include "platform/Windows.h"
 #include "platform/linux/display/Later.h"
+#include "platform/linux/display/RateBudget.h"
 #include "platform/linux/x11/Connection.h"
-#include "platform/linux/x11/RateBudget.h"
 
 namespace dormel::x11 {
 

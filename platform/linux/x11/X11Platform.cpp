@@ -7,7 +7,7 @@
 #include <thread>
 #include <utility>
 
-#include "platform/linux/x11/KeyCodes.h"
+#include "platform/linux/display/KeyCodes.h"
 
 namespace dormel::x11 {
 namespace {
@@ -75,7 +75,7 @@ X11Platform::~X11Platform() {
   if (connection_) connection_->stopPumping();
 }
 
-void X11Platform::setOnServerLost(Task onLost) {
+void X11Platform::setOnLost(Task onLost) {
   if (!connection_) return;
   // Somebody may cut a tap's connection alone, and the lock would stand with the keyboard open until morning.
   eventTaps_.setOnLost([this, onLost] {

@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "platform/linux/DisplayFamily.h"
 #include "platform/linux/x11/AccessibilityX11.h"
 #include "platform/linux/x11/DraggingX11.h"
 #include "platform/linux/x11/EventTapX11.h"
@@ -21,28 +22,28 @@
 
 namespace dormel::x11 {
 
-class X11Platform {
+class X11Platform final : public DisplayFamily {
  public:
   /// Connects to `display` ($DISPLAY when empty) and delivers events on `loop`. Where that fails, all services are
   /// there, but there are no screens, no tap and no trust. What is handed over outlives it.
   X11Platform(EventLoop& loop, CanvasFactory& canvases, const Clock& clock, const std::string& display = {});
   X11Platform(const X11Platform&) = delete;
   X11Platform& operator=(const X11Platform&) = delete;
-  ~X11Platform();
+  ~X11Platform() override;
 
   [[nodiscard]] bool hasDisplay() const { return connection_ != nullptr; }
   /// Called when the server is gone (nothing shows any more and nothing will), and when a lockdown has lost the
   /// connection that takes the keyboard. Where one follows the other, for each.
-  void setOnServerLost(Task onLost);
-  void setOnScreensChanged(Task onChange);
+  void setOnLost(Task onLost) override;
+  void setOnScreensChanged(Task onChange) override;
 
-  [[nodiscard]] Accessibility& accessibility() { return accessibility_; }
-  [[nodiscard]] EventTaps& eventTaps() { return eventTaps_; }
-  [[nodiscard]] HardwareKeys& hardwareKeys() { return hardwareKeys_; }
-  [[nodiscard]] InputIdle& inputIdle() { return inputIdle_; }
-  [[nodiscard]] KeyboardLayout& keyboardLayout() { return layout_; }
-  [[nodiscard]] Screens& screens() { return *screens_; }
-  [[nodiscard]] WindowServer& windows() { return windows_; }
+  [[nodiscard]] Accessibility& accessibility() override { return accessibility_; }
+  [[nodiscard]] EventTaps& eventTaps() override { return eventTaps_; }
+  [[nodiscard]] HardwareKeys& hardwareKeys() override { return hardwareKeys_; }
+  [[nodiscard]] InputIdle& inputIdle() override { return inputIdle_; }
+  [[nodiscard]] KeyboardLayout& keyboardLayout() override { return layout_; }
+  [[nodiscard]] Screens& screens() override { return *screens_; }
+  [[nodiscard]] WindowServer& windows() override { return windows_; }
   [[nodiscard]] RunningApplications& runningApplications() { return runningApplications_; }
   [[nodiscard]] WindowList& windowList() { return windowList_; }
   [[nodiscard]] Dragging& dragging() { return dragging_; }
@@ -57,11 +58,11 @@ class X11Platform {
   [[nodiscard]] ManagedWindows& managedWindows() { return managedWindows_; }
 
   /// On for any presentation options, off for none.
-  void setLockdown(bool on);
+  void setLockdown(bool on) override;
   /// Gives back what must not be left behind by a process that ends without coming back to the main loop; to be
   /// called right before it exits: where keys are taken, it ends the connection to the server, and that is not reported
   /// as lost. Takes half a second at most, whatever the server does. Any thread.
-  void lastWill();
+  void lastWill() override;
 
  private:
   std::shared_ptr<Connection> connection_;

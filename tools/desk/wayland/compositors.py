@@ -177,7 +177,10 @@ class Sway(Compositor):
         return name
 
     def pull(self, name):
-        self.message("output", name, "unplug")
+        try:
+            self.message("output", name, "unplug")
+        except RuntimeError:  # sway 1.7 does not know that
+            self.message("output", name, "disable")
 
     def scale(self, name, factor):
         self.message("output", name, "scale", str(factor))

@@ -7,9 +7,10 @@ import tempfile
 import time
 
 from .. import processes, scheduler
-from ..eyes import Eyes
+from ..eyes import Eyes, Picture, TopWindow
 from ..home import Home
 from ..wait import No, NotSeen, until
+from ..watcher import Event
 from . import compositors
 from .input import Keyboard
 from .witness import Witness
@@ -33,6 +34,22 @@ class Looks:
     def picture(self, monitor):
         return self._compositor.picture(monitor)
 
+    def rectangle(self, x, y, width, height):
+        """Part of one monitor, at one pixel to the point."""
+        monitor = next(m for m in self.monitors() if m.contains_point(x, y))
+        shot, left = self.picture(monitor), x - monitor.x
+        rows = range(y - monitor.y, y - monitor.y + height)
+        return Picture(width, height, b"".join(
+            shot.data[(row * shot.width + left) * 4:(row * shot.width + left + width) * 4] for row in rows))
+
+    @staticmethod
+    def pid_of(window):
+        return 0
+
+    def covered(self, pids, monitors=None):
+        """Nobody tells whose a window is: what is black all around is covered."""
+        return self.dark(monitors)
+
     def dark(self, monitors=None, level=12):
         """True when every monitor is black at its edges."""
         for monitor in monitors if monitors is not None else self.monitors():
@@ -41,6 +58,27 @@ class Looks:
                 if max(shot.pixel(x, y)) > level:
                     return No(f"{monitor.name} at {x},{y} shows {shot.pixel(x, y)}")
         return True
+
+
+class FocusRecord:
+    """What the document hears of the keyboard, in the words of the X server's watcher. A mark is a moment."""
+
+    def __init__(self, witness, eyes):
+        self._witness, self._eyes = witness, eyes
+
+    def mark(self):
+        return time.monotonic()
+
+    def since(self, mark, *kinds):
+        events = [Event(at, "ungrab" if focused else "grab") for at, focused in list(self._witness.focus) if at >= mark]
+        return [event for event in events if not kinds or event.kind in kinds]
+
+    def first(self, kind, since, within, what=None):
+        until(what or kind, lambda: self.since(since, kind), within)
+        return self.since(since, kind)[0]
+
+    def covered_at(self, monitors, since, pid_of=None, pids=()):
+        return time.monotonic() if self._eyes.dark(monitors) else None
 
 
 class WaylandDesk:
@@ -64,6 +102,7 @@ class WaylandDesk:
             self.eyes = Looks(self.server)
             self.keyboard = self._keep(Keyboard(self.server))
             self.witness = self._keep(Witness(self.server.path))
+            self.watcher = FocusRecord(self.witness, self.eyes)
             if self._want_manager:
                 manager = scheduler.UserManager(self.home, self.folder, self._extra)
                 try:
@@ -97,6 +136,21 @@ class WaylandDesk:
             return True
         except NotSeen:
             return False
+
+    def lock_covers(self, monitor, pid):
+        return self.eyes.dark([monitor])
+
+    def pill(self, pid):
+        """What is dark in the upper right corner of the main screen, where the document is light; or None."""
+        main = self.eyes.primary()
+        shot = self.eyes.rectangle(main.x + main.width // 2, main.y, main.width // 2, main.height // 4)
+        dark = [(at % shot.width, at // shot.width) for at in range(shot.width * shot.height)
+                if shot.data[at * 4 + 1] < 90]
+        if not dark:
+            return None
+        (left, right), (top, bottom) = [(min(values), max(values)) for values in zip(*dark)]
+        return TopWindow(0, pid, main.x + main.width // 2 + left, main.y + top, right - left + 1, bottom - top + 1,
+                         True)
 
     def keyboard_lost_at(self, since):
         """When the document lost the keyboard for the first time after the moment `since`; None if it did not."""

@@ -14,7 +14,7 @@ from .wire import Connection
 class Witness:
     """`colour` fills its windows. One more window opens on every monitor that comes."""
 
-    def __init__(self, path, colour=0xE8E4DC):
+    def __init__(self, path, colour=0xE8E4DC, waits_for_keyboard=True):
         self.keys = []      # (time, "press" or "release", Linux key number)
         self.focus = []     # (time, whether it has the keyboard from then on)
         self.ended = None
@@ -29,14 +29,15 @@ class Witness:
         self._keyboard = None
         self._seat.on["capabilities"] = self._capable
         self._windows = {}
-        self._shown = 0
+        self.shown = set()  # the windows that fill their monitor
         self._closing = False
         connection.roundtrip()
         self._look()
         self._thread = threading.Thread(target=self._run, name="witness", daemon=True)
         self._thread.start()
-        until("the document fills every monitor and has the keyboard",
-              lambda: self.focused and self._shown >= len(self._windows), 5)
+        if waits_for_keyboard:
+            until("the document fills every monitor and has the keyboard",
+                  lambda: self.focused and len(self.shown) == len(self._windows), 5)
 
     @property
     def focused(self):
@@ -80,7 +81,8 @@ class Witness:
             surface.attach(self._buffer(*size), 0, 0)
             surface.damage(0, 0, *size)
             surface.commit()
-            self._shown += 1
+            if size != [640, 480]:
+                self.shown.add(window.id)
 
         xdg.on["configure"] = configured
         surface.commit()

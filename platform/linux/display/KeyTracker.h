@@ -11,22 +11,28 @@
 
 #include "platform/Keyboard.h"
 
-namespace dormel::x11 {
+namespace dormel {
 
 class KeyTracker {
  public:
   using Source = std::uint16_t;  ///< a keyboard's device id, never 0
 
-  /// A key held already, by its X key code and what that means: it shows in the flags and is released in the usual way,
-  /// but it does not count as pressed.
-  void seed(std::uint8_t keycode, KeyCode keyCode);
+  /// A key held already, by its keymap's code and what that means: it shows in the flags and is released in the usual
+  /// way, but it does not count as pressed.
+  void seed(std::uint32_t keycode, KeyCode keyCode);
 
   /// The event to pass on, if the press or release makes one. What is pressed as `keyCode` is released as that,
   /// whatever the keyboard's numbers mean by then.
-  [[nodiscard]] std::optional<KeyEvent> press(Source source, std::uint8_t keycode, KeyCode keyCode);
-  [[nodiscard]] std::optional<KeyEvent> release(Source source, std::uint8_t keycode);
+  [[nodiscard]] std::optional<KeyEvent> press(Source source, std::uint32_t keycode, KeyCode keyCode);
+  [[nodiscard]] std::optional<KeyEvent> release(Source source, std::uint32_t keycode);
+  /// What is really down on a keyboard of which nothing was heard for a while, by code and meaning: the releases that
+  /// were missed. Keys that have come to be held meanwhile count as seeded.
+  [[nodiscard]] std::vector<KeyEvent> reconcile(Source source, const std::map<std::uint32_t, KeyCode>& down);
   /// The releases of a keyboard that went away.
   [[nodiscard]] std::vector<KeyEvent> releaseAll(Source source);
+
+  /// Whether the key is down, seeded ones included.
+  [[nodiscard]] bool isHeld(KeyCode keyCode) const { return isDown(keyCode, true); }
 
   /// Forgets everything.
   void clear() { held_.clear(); }
@@ -37,7 +43,7 @@ class KeyTracker {
   [[nodiscard]] KeyEvent event(KeyCode keyCode, bool down) const;
   [[nodiscard]] EventFlags flags() const;
 
-  std::map<std::pair<Source, std::uint8_t>, KeyCode> held_;
+  std::map<std::pair<Source, std::uint32_t>, KeyCode> held_;
 };
 
-}  // namespace dormel::x11
+}  // namespace dormel

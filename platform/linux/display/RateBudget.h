@@ -6,7 +6,7 @@
 
 #include "platform/Time.h"
 
-namespace dormel::x11 {
+namespace dormel {
 
 class RateBudget {
  public:
@@ -28,4 +28,4 @@ class RateBudget {
   std::deque<Seconds> spent_;
 };
 
-}  // namespace dormel::x11
+}  // namespace dormel

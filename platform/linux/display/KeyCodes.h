@@ -3,8 +3,6 @@
 // keyboard extension ("AC01" is the letter right of Caps Lock) is the same everywhere. Plain computation.
 #pragma once
 
-#include <xcb/xcb.h>
-
 #include <array>
 #include <cstdint>
 #include <map>
@@ -13,7 +11,7 @@
 
 #include "platform/Keyboard.h"
 
-namespace dormel::x11 {
+namespace dormel {
 
 /// The numbering of one keyboard.
 class KeyCodes {
@@ -21,13 +19,13 @@ class KeyCodes {
   /// The kernel's codes plus eight.
   KeyCodes();
   /// As the names say, aliases among them. Names that this has never heard of leave the kernel's numbering.
-  explicit KeyCodes(const std::map<std::string, xcb_keycode_t>& names);
+  explicit KeyCodes(const std::map<std::string, std::uint8_t>& names);
 
   /// The position's virtual key code. Positions that have none (nothing of ours asks for them) get codes of their
   /// own from 512 on.
-  [[nodiscard]] KeyCode virtualKeyCode(xcb_keycode_t keycode) const { return virtual_.at(keycode); }
+  [[nodiscard]] KeyCode virtualKeyCode(std::uint8_t keycode) const { return virtual_.at(keycode); }
   /// The keys that count as `keyCode`; several for right Command, none for a code that this keyboard has no key for.
-  [[nodiscard]] std::vector<xcb_keycode_t> xKeyCodes(KeyCode keyCode) const;
+  [[nodiscard]] std::vector<std::uint8_t> xKeyCodes(KeyCode keyCode) const;
 
  private:
   std::array<KeyCode, 256> virtual_{};
@@ -42,4 +40,4 @@ class KeyCodes {
 /// The flag bits that stand while this key is down: its own side's and its kind's. 0 for other keys.
 [[nodiscard]] EventFlags modifierFlags(KeyCode keyCode);
 
-}  // namespace dormel::x11
+}  // namespace dormel

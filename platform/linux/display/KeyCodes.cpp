@@ -1,9 +1,9 @@
-#include "platform/linux/x11/KeyCodes.h"
+#include "platform/linux/display/KeyCodes.h"
 
 #include <algorithm>
 #include <array>
 
-namespace dormel::x11 {
+namespace dormel {
 namespace {
 
 constexpr int EVDEV_OFFSET = 8;
@@ -67,7 +67,7 @@ KeyCodes::KeyCodes() {
   for (const Row& row : ROWS) virtual_.at(row.evdev + EVDEV_OFFSET) = row.keyCode;
 }
 
-KeyCodes::KeyCodes(const std::map<std::string, xcb_keycode_t>& names) : KeyCodes() {
+KeyCodes::KeyCodes(const std::map<std::string, std::uint8_t>& names) : KeyCodes() {
   std::array<KeyCode, 256> named{};
   for (std::size_t code = 0; code < named.size(); ++code) named[code] = static_cast<KeyCode>(OTHER_KEYS + code);
   bool isKnown = false;
@@ -82,10 +82,10 @@ KeyCodes::KeyCodes(const std::map<std::string, xcb_keycode_t>& names) : KeyCodes
   if (isKnown) virtual_ = named;
 }
 
-std::vector<xcb_keycode_t> KeyCodes::xKeyCodes(KeyCode keyCode) const {
-  std::vector<xcb_keycode_t> codes;
+std::vector<std::uint8_t> KeyCodes::xKeyCodes(KeyCode keyCode) const {
+  std::vector<std::uint8_t> codes;
   for (std::size_t code = 0; code < virtual_.size(); ++code) {
-    if (virtual_[code] == keyCode) codes.push_back(static_cast<xcb_keycode_t>(code));
+    if (virtual_[code] == keyCode) codes.push_back(static_cast<std::uint8_t>(code));
   }
   return codes;
 }
@@ -107,4 +107,4 @@ EventFlags modifierFlags(KeyCode keyCode) {
   return modifier != nullptr ? modifier->bits : 0;
 }
 
-}  // namespace dormel::x11
+}  // namespace dormel

@@ -1,14 +1,14 @@
-#include "platform/linux/x11/KeyTracker.h"
+#include "platform/linux/display/KeyTracker.h"
 
 #include <algorithm>
 
-#include "platform/linux/x11/KeyCodes.h"
+#include "platform/linux/display/KeyCodes.h"
 
-namespace dormel::x11 {
+namespace dormel {
 
-void KeyTracker::seed(std::uint8_t keycode, KeyCode keyCode) { held_.emplace(std::pair(SEEDED, keycode), keyCode); }
+void KeyTracker::seed(std::uint32_t keycode, KeyCode keyCode) { held_.emplace(std::pair(SEEDED, keycode), keyCode); }
 
-std::optional<KeyEvent> KeyTracker::press(Source source, std::uint8_t keycode, KeyCode keyCode) {
+std::optional<KeyEvent> KeyTracker::press(Source source, std::uint32_t keycode, KeyCode keyCode) {
   held_.erase({SEEDED, keycode});  // pressed again: it must have been up
   const bool wasDown = isDown(keyCode, false);
   held_.emplace(std::pair(source, keycode), keyCode);
@@ -16,7 +16,7 @@ std::optional<KeyEvent> KeyTracker::press(Source source, std::uint8_t keycode, K
   return event(keyCode, true);
 }
 
-std::optional<KeyEvent> KeyTracker::release(Source source, std::uint8_t keycode) {
+std::optional<KeyEvent> KeyTracker::release(Source source, std::uint32_t keycode) {
   auto held = held_.find({source, keycode});
   if (held == held_.end()) held = held_.find({SEEDED, keycode});
   if (held == held_.end()) return std::nullopt;
@@ -27,13 +27,28 @@ std::optional<KeyEvent> KeyTracker::release(Source source, std::uint8_t keycode)
   return event(keyCode, false);
 }
 
+std::vector<KeyEvent> KeyTracker::reconcile(Source source, const std::map<std::uint32_t, KeyCode>& down) {
+  std::vector<std::uint32_t> gone;
+  for (const auto& [key, keyCode] : held_) {
+    if ((key.first == source || key.first == SEEDED) && !down.contains(key.second)) gone.push_back(key.second);
+  }
+  std::vector<KeyEvent> events;
+  for (const std::uint32_t keycode : gone) {
+    if (const auto released = release(source, keycode)) events.push_back(*released);
+  }
+  for (const auto& [keycode, keyCode] : down) {
+    if (!held_.contains({source, keycode})) seed(keycode, keyCode);
+  }
+  return events;
+}
+
 std::vector<KeyEvent> KeyTracker::releaseAll(Source source) {
-  std::vector<std::uint8_t> keycodes;
+  std::vector<std::uint32_t> keycodes;
   for (const auto& [key, keyCode] : held_) {
     if (key.first == source) keycodes.push_back(key.second);
   }
   std::vector<KeyEvent> events;
-  for (const std::uint8_t keycode : keycodes) {
+  for (const std::uint32_t keycode : keycodes) {
     if (const auto released = release(source, keycode)) events.push_back(*released);
   }
   return events;
@@ -56,4 +71,4 @@ EventFlags KeyTracker::flags() const {
   return flags;
 }
 
-}  // namespace dormel::x11
+}  // namespace dormel

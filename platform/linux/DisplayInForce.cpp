@@ -1,0 +1,118 @@
+#include "platform/linux/DisplayInForce.h"
+
+#include <chrono>
+#include <cstdlib>
+#include <future>
+#include <system_error>
+#include <thread>
+
+#include "platform/linux/wayland/LockMark.h"
+#include "platform/linux/wayland/LockRelease.h"
+#include "platform/linux/wayland/WaylandPlatform.h"
+
+namespace dormel {
+namespace {
+
+constexpr std::chrono::milliseconds RELEASE_LIMIT{2000};
+
+std::string variable(const char* name) {
+  const char* value = std::getenv(name);
+  return value == nullptr ? std::string() : std::string(value);
+}
+
+DisplayOffer offerOf(const wayland::Connection& connection) {
+  const wayland::Globals& globals = connection.globals();
+  DisplayOffer offer;
+  offer.overlay = globals.layerShell && globals.compositor && globals.subcompositor && globals.shm &&
+                  globals.viewporter && globals.outputManager;
+  offer.shortcutsInhibitor = globals.shortcutsInhibit != nullptr;
+  offer.sessionLock = globals.sessionLock != nullptr;
+  // Hyprland does so only where an option of its own says so.
+  offer.sessionLockIsTakenOver = variable("HYPRLAND_INSTANCE_SIGNATURE").empty();
+  return offer;
+}
+
+}  // namespace
+
+struct DisplayInForce::NoNeighbours final : RunningApplications, WindowList, Dragging {
+  [[nodiscard]] std::vector<RunningApplication> withBundleIdentifier(const std::string& /*identifier*/) const override {
+    return {};
+  }
+  [[nodiscard]] std::optional<RunningApplication> frontmost() const override { return std::nullopt; }
+  [[nodiscard]] std::unique_ptr<Registration> observeActivation(Task /*handler*/) override {
+    return std::make_unique<Registration>();
+  }
+  [[nodiscard]] std::optional<std::vector<ListedWindow>> onScreen() const override { return std::nullopt; }
+  bool begin(DragItem /*item*/, std::function<void(DragOperation)> /*onEnd*/) override { return false; }
+};
+
+DisplayInForce::DisplayInForce(bool mayLock, const std::string& lockMark, EventLoop& loop, CanvasFactory& canvases,
+                               const Clock& clock)
+    : lockMark_(lockMark), noNeighbours_(std::make_unique<NoNeighbours>()) {
+  auto connection = mayLock ? wayland::Connection::open() : nullptr;
+  DisplayOffer offer = connection ? offerOf(*connection) : DisplayOffer{};
+  kind_ = chooseDisplay(offer);
+  if (kind_ == DisplayKind::sessionLock || kind_ == DisplayKind::overlay) {
+    wayland_ = std::make_unique<wayland::WaylandPlatform>(
+        std::move(connection), kind_ == DisplayKind::sessionLock ? lockMark : std::string(), loop, canvases, clock);
+    return;
+  }
+  connection.reset();
+  x11_ = std::make_unique<x11::X11Platform>(loop, canvases, clock);
+  offer.x11 = x11_->hasDisplay();
+  kind_ = chooseDisplay(offer);
+}
+
+DisplayInForce::~DisplayInForce() = default;
+
+std::string DisplayInForce::description() const {
+  return describe(kind_, variable("WAYLAND_DISPLAY"), variable("DISPLAY"));
+}
+
+bool DisplayInForce::hasComeUp() const {
+  if (kind_ != DisplayKind::none) return false;
+  const auto connection = wayland::Connection::open();
+  DisplayOffer offer = connection ? offerOf(*connection) : DisplayOffer{};
+  offer.x11 = x11::Connection::answers();
+  return chooseDisplay(offer) != DisplayKind::none;
+}
+
+DisplayFamily& DisplayInForce::family() {
+  if (wayland_) return *wayland_;
+  return *x11_;
+}
+
+RunningApplications& DisplayInForce::runningApplications() {
+  if (x11_) return x11_->runningApplications();
+  return *noNeighbours_;
+}
+
+WindowList& DisplayInForce::windowList() {
+  if (x11_) return x11_->windowList();
+  return *noNeighbours_;
+}
+
+Dragging& DisplayInForce::dragging() {
+  if (x11_) return x11_->dragging();
+  return *noNeighbours_;
+}
+
+void DisplayInForce::lastWill() {
+  family().lastWill();
+  const auto mark = wayland::LockMark::read(lockMark_);
+  if (!mark || mark->owner.isAlive()) return;
+  // A compositor that does not answer must not keep the process from ending.
+  auto released = std::make_shared<std::promise<void>>();
+  auto isReleased = released->get_future();
+  try {
+    std::thread([released, path = lockMark_] {
+      static_cast<void>(wayland::releaseAbandonedLock(path, {}, RELEASE_LIMIT));
+      released->set_value();
+    }).detach();
+  } catch (const std::system_error&) {
+    return;  // no thread left on this machine: the process that watches over the lock ends it
+  }
+  isReleased.wait_for(RELEASE_LIMIT);
+}
+
+}  // namespace dormel

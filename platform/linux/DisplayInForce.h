@@ -1,0 +1,58 @@
+// The display of this process: the family that was chosen from what is there, and its services. Main thread only, but
+// for `lastWill`.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "platform/common/Canvas.h"
+#include "platform/linux/DisplayChoice.h"
+#include "platform/linux/DisplayFamily.h"
+#include "platform/linux/loop/EventLoop.h"
+#include "platform/linux/x11/X11Platform.h"
+
+namespace dormel {
+
+namespace wayland {
+class WaylandPlatform;
+}
+
+class DisplayInForce {
+ public:
+  /// `lockMark`: where the mark of a Wayland session lock is kept. `mayLock`: false in a process that shows nothing and
+  /// asks an X server at most. `loop`, `canvases` and `clock` outlive it.
+  DisplayInForce(bool mayLock, const std::string& lockMark, EventLoop& loop, CanvasFactory& canvases,
+                 const Clock& clock);
+  DisplayInForce(const DisplayInForce&) = delete;
+  DisplayInForce& operator=(const DisplayInForce&) = delete;
+  ~DisplayInForce();
+
+  [[nodiscard]] DisplayKind kind() const { return kind_; }
+  /// One line that says which family is in force.
+  [[nodiscard]] std::string description() const;
+  /// Whether there is a display now, in a process that found none at its start.
+  [[nodiscard]] bool hasComeUp() const;
+
+  [[nodiscard]] DisplayFamily& family();
+  [[nodiscard]] RunningApplications& runningApplications();
+  [[nodiscard]] WindowList& windowList();
+  [[nodiscard]] Dragging& dragging();
+  /// Null unless X11 is in force, with or without a display.
+  [[nodiscard]] x11::X11Platform* x11() { return x11_.get(); }
+
+  /// Gives back what must not be left behind, a session lock that one of us left behind included. Takes three seconds
+  /// at most. Any thread.
+  void lastWill();
+
+ private:
+  /// Where nobody tells what other programs show: nothing is known of them, and nothing can be dragged to them.
+  struct NoNeighbours;
+
+  const std::string lockMark_;
+  DisplayKind kind_ = DisplayKind::none;
+  std::unique_ptr<wayland::WaylandPlatform> wayland_;
+  std::unique_ptr<x11::X11Platform> x11_;
+  std::unique_ptr<NoNeighbours> noNeighbours_;
+};
+
+}  // namespace dormel

@@ -1,0 +1,401 @@
+#include "platform/linux/wayland/Panel.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "platform/linux/wayland/Protocols.h"
+
+namespace dormel::wayland {
+namespace {
+
+constexpr int PUT_BACK_LATER_MILLISECONDS = 100;
+constexpr std::size_t MOST_PUT_BACKS = 20;  // in a second
+
+}  // namespace
+
+PanelEnvironment::PanelEnvironment(Connection& theConnection, EventLoop& theLoop, Outputs& theOutputs,
+                                   Keyboard& theKeyboard, Pointer& thePointer, CanvasFactory& theCanvases,
+                                   const Clock& theClock, const std::string& lockMark)
+    : connection(theConnection),
+      loop(theLoop),
+      outputs(theOutputs),
+      keyboard(theKeyboard),
+      pointer(thePointer),
+      canvases(theCanvases),
+      clock(theClock),
+      shades(connection.globals().shm.get()),
+      inhibitors(connection, keyboard),
+      lock(connection, outputs, shades, loop, lockMark),
+      focus(clock, {[this] { return keyboard.isHeld(); },
+                    [this] {
+                      const auto visible = visiblePanels();
+                      const bool isAsked = std::any_of(visible.rbegin(), visible.rend(),
+                                                       [](const auto& panel) { return panel->askForKeyboardAgain(); });
+                      if (!isAsked && holder) holder->askForKeyboardAgain();
+                      if (!isAsked) updateHolder.ask();
+                    },
+                    [this] {
+                      isFreshHolderWanted = true;
+                      holder.reset();
+                      updateHolder.ask();
+                    }}),
+      updateHolder(loop, [this] { panelsChanged(); }) {
+  lock.setOnChange([this] { lockChanged(); });
+  lock.setOnSheet([this](wl_surface* surface, bool isThere) {
+    if (!isThere) return pointer.remove(surface);
+    Pointer::Target hidden;
+    hidden.isHidden = true;
+    pointer.add(surface, std::move(hidden));
+  });
+}
+
+std::vector<std::shared_ptr<Panel>> PanelEnvironment::visiblePanels() const {
+  std::vector<std::shared_ptr<Panel>> visible;
+  for (const auto& weak : panels) {
+    auto panel = weak.lock();
+    if (panel && panel->isVisible()) visible.push_back(std::move(panel));
+  }
+  return visible;
+}
+
+KeyboardUse PanelEnvironment::keyboardUse() const {
+  return lock.isRefused() ? KeyboardUse::none : KeyboardUse::exclusive;
+}
+
+void PanelEnvironment::panelsChanged() {
+  bool isAnyBlack = false;
+  bool isAllBlack = true;
+  bool isLowering = false;
+  bool keepsKeyboard = false;
+  for (const auto& panel : visiblePanels()) {
+    keepsKeyboard = keepsKeyboard || (panel->isKey() && !panel->isLowering());
+    if (!panel->isBlack()) continue;
+    isAnyBlack = true;
+    isAllBlack = isAllBlack && panel->alpha() >= 1;
+    isLowering = isLowering || panel->isLowering();
+  }
+  lock.stages().setCovered(isAnyBlack && isAllBlack);
+  lock.stages().setLowering(isLowering);
+  lock.apply();
+
+  if (!focus.isWanted()) isFreshHolderWanted = false;
+  const bool isWanted =
+      focus.isWanted() && !lock.isRefused() && (!keepsKeyboard || isFreshHolderWanted) && outputs.main();
+  if (!isWanted) {
+    if (holder) inhibitors.remove(holder->surface());
+    holder.reset();
+    return;
+  }
+  if (holder) return;
+  const auto output = outputs.showing(outputs.main()->frame);
+  if (!output) return;
+  // It is there before the last panel goes, so that no key falls between the two.
+  const Placement point{Placement::Corner{false, false, 0, 0, {1, 1}}};
+  holder = std::make_unique<LayerSheet>(connection, shades, output, point, KeyboardUse::exclusive, [this] {
+    loop.async([this] {
+      if (holder) inhibitors.remove(holder->surface());
+      holder.reset();
+      updateHolder.ask();
+    });
+  });
+  inhibitors.add(holder->surface());
+  connection.flush();
+}
+
+void PanelEnvironment::outputsChanged() {
+  lock.lookAtOutputs();
+  for (const auto& panel : visiblePanels()) panel->outputsChanged();
+  focus.look();
+}
+
+void PanelEnvironment::lockChanged() {
+  focus.setUnderLock(lock.isUp());
+  for (const auto& panel : visiblePanels()) {
+    panel->setKeyboardUse(keyboardUse());
+    panel->lockChanged();
+  }
+  focus.setYielding(lock.isRefused());
+  updateHolder.ask();
+  connection.flush();
+}
+
+void PanelEnvironment::keyboardChanged() { focus.look(); }
+
+bool PanelEnvironment::isSwallowed(const KeyEvent& event) {
+  std::erase_if(keyMonitors, [](const auto& weak) { return weak.expired(); });
+  const auto present = keyMonitors;
+  return std::any_of(present.begin(), present.end(), [&](const auto& weak) {
+    const auto monitor = weak.lock();
+    return monitor && (*monitor)(event);
+  });
+}
+
+void PanelEnvironment::deliver(const KeyEvent& event) {
+  const auto visible = visiblePanels();
+  const auto front = std::find_if(visible.rbegin(), visible.rend(), [](const auto& panel) { return panel->isKey(); });
+  if (event.type == EventType::keyDown && isSwallowed(event)) return;
+  if (front != visible.rend()) (*front)->key(event);
+}
+
+Panel::Panel(std::shared_ptr<PanelEnvironment> environment, const WindowStyle& style, const Rect& contentRect)
+    : env_(std::move(environment)),
+      style_(style),
+      frame_(contentRect),
+      content_(env_->connection, isBlack()),
+      putBackBudget_(env_->clock, MOST_PUT_BACKS, 1.0),
+      showContentLater_(env_->loop, [this] { showContent(); }),
+      layOutLater_(env_->loop, [this] { layOut(); }),
+      putBackLater_(
+          env_->loop,
+          [this] {
+            if (isVisible_ && !layer_) makeLayer();
+          },
+          PUT_BACK_LATER_MILLISECONDS) {}
+
+Panel::~Panel() { orderOut(); }
+
+Placement Panel::placement(const Output& output) const {
+  if (isBlack()) return {};
+  Rect screen = frame_;
+  for (const Screen& one : env_->outputs.all()) {
+    if (one.name == output.name) screen = one.frame;
+  }
+  const auto points = [](double distance) { return static_cast<int>(std::lround(distance)); };
+  Placement::Corner corner;
+  corner.size = {frame_.width, frame_.height};
+  corner.right = screen.right() - frame_.right() < frame_.x - screen.x;
+  corner.bottom = frame_.y - screen.y < screen.top() - frame_.top();
+  corner.horizontal = points(corner.right ? screen.right() - frame_.right() : frame_.x - screen.x);
+  corner.vertical = points(corner.bottom ? frame_.y - screen.y : screen.top() - frame_.top());
+  return {corner};
+}
+
+void Panel::makeLayer() {
+  const auto output = env_->outputs.showing(frame_);
+  if (!output) return;  // it comes up with the next output that shows its place
+  const KeyboardUse use = isKey() ? env_->keyboardUse() : KeyboardUse::none;
+  layer_ = std::make_unique<LayerSheet>(env_->connection, env_->shades, output, placement(*output), use, [this] {
+    // Not while the sheet itself is calling.
+    env_->loop.async([weak = weak_from_this()] {
+      const auto self = weak.lock();
+      if (!self || !self->layer_) return;
+      self->dropLayer();
+      if (self->putBackBudget_.spend()) self->putBackLater_.ask();
+    });
+  });
+  env_->pointer.add(layer_->surface(), target());
+  if (isKey()) env_->inhibitors.add(layer_->surface());
+  layer_->setBlack(isBlack() ? alpha_ : 0);
+  layer_->setOnLayout([this] { layOutLater_.ask(); });
+}
+
+void Panel::dropLayer() {
+  if (!layer_) return;
+  if (standing_ == layer_.get()) {
+    content_.standOn(nullptr);
+    standing_ = nullptr;
+  }
+  env_->pointer.remove(layer_->surface());
+  env_->inhibitors.remove(layer_->surface());
+  layer_.reset();
+}
+
+Pointer::Target Panel::target() {
+  Pointer::Target target;
+  target.isHidden = isBlack();
+  if (style_.ignoresMouseEvents) return target;
+  target.onButton = [this](double x, double y, bool isPress) {
+    if (!isPress) {
+      if (!std::exchange(drag_, std::nullopt)) tellCanvas(PointerAction::release, x, y);
+    } else if (!tellCanvas(PointerAction::press, x, y) && style_.isMovableByBackground) {
+      drag_ = Drag{x, y};
+    }
+  };
+  // A blocker has nothing that answers to a pointer passing by; why wake up for it.
+  if (isBlack()) return target;
+  target.onMove = [this](double x, double y) {
+    if (!drag_) {
+      tellCanvas(PointerAction::move, x, y);
+    } else if (const double dx = x - drag_->x, dy = y - drag_->y; std::abs(dx) >= 1 || std::abs(dy) >= 1) {
+      setFrame({frame_.x + dx, frame_.y - dy, frame_.width, frame_.height});
+    }
+  };
+  target.onLeave = [this] {
+    if (!drag_) tellCanvas(PointerAction::leave, 0, 0);
+  };
+  return target;
+}
+
+bool Panel::tellCanvas(PointerAction action, double x, double y) {
+  if (!canvas_) return false;
+  if (isBlack() && standing_ != nullptr) {
+    x -= std::floor((standing_->size().width - laidOut_.width) / 2);
+    y -= std::floor((standing_->size().height - laidOut_.height) / 2);
+  }
+  return canvas_->pointer(action, x, y);
+}
+
+void Panel::setFrame(const Rect& frame) {
+  frame_ = frame;
+  if (!layer_) return;
+  const auto output = env_->outputs.showing(frame_);
+  if (output && output == layer_->output()) {
+    layer_->place(placement(*output));
+  } else if (isVisible_) {
+    dropLayer();
+    makeLayer();
+    stand();
+  }
+  layOutLater_.ask();
+}
+
+void Panel::setContent(std::shared_ptr<View> view) {
+  canvas_.reset();
+  content_.clear();
+  laidOut_ = {};
+  view_ = std::move(view);
+  if (isVisible_) showContentLater_.ask();
+}
+
+Canvas* Panel::canvas() const {
+  if (!canvas_ && view_) canvas_ = env_->canvases.make(view_);
+  return canvas_.get();
+}
+
+Size Panel::contentFittingSize() const { return canvas() != nullptr ? canvas_->fittingSize() : Size{}; }
+
+void Panel::orderFrontRegardless() {
+  if (!std::exchange(isVisible_, true)) {
+    isLowering_ = false;
+    std::erase_if(env_->panels, [&](const auto& weak) { return weak.expired() || weak.lock().get() == this; });
+    env_->panels.push_back(weak_from_this());
+    makeLayer();
+    stand();
+    showContentLater_.ask();
+    env_->panelsChanged();
+  }
+  env_->connection.flush();
+}
+
+void Panel::orderOut() {
+  if (!std::exchange(isVisible_, false)) return;
+  drag_.reset();
+  env_->panelsChanged();
+  if (standing_ != nullptr) content_.standOn(nullptr);
+  standing_ = nullptr;
+  dropLayer();
+  putBackLater_.forget();
+  env_->connection.flush();
+  if (canvas_) canvas_->setShowing(false);
+}
+
+void Panel::setAlpha(double alpha) {
+  static_cast<void>(beginFade());
+  setFadedAlpha(alpha);
+}
+
+void Panel::setFadedAlpha(double alpha) {
+  alpha = std::clamp(alpha, 0.0, 1.0);
+  if (alpha != alpha_) isLowering_ = isVisible_ && alpha < alpha_;
+  alpha_ = alpha;
+  if (isBlack()) env_->panelsChanged();
+  paint();
+  env_->connection.flush();
+}
+
+void Panel::paint() {
+  const bool isUnderLock = standing_ != nullptr && standing_ != layer_.get();
+  content_.setAlpha(isUnderLock ? 1 : alpha_);
+  if (!layer_) return;
+  layer_->setBlack(isBlack() ? alpha_ : 0);
+  layer_->commit();
+}
+
+void Panel::outputsChanged() {
+  if (!isVisible_) return;
+  const auto output = env_->outputs.showing(frame_);
+  if (layer_ && (!output || output != layer_->output())) dropLayer();
+  if (!layer_) makeLayer();
+  stand();
+}
+
+void Panel::lockChanged() {
+  if (!isVisible_) return;
+  stand();
+  paint();
+}
+
+void Panel::setKeyboardUse(KeyboardUse use) {
+  if (!layer_ || !isKey()) return;
+  layer_->setKeyboardUse(use);
+  layer_->commit();
+}
+
+bool Panel::askForKeyboardAgain() {
+  if (!layer_ || !isKey() || env_->keyboardUse() == KeyboardUse::none) return false;
+  layer_->askForKeyboardAgain();
+  env_->connection.flush();
+  return true;
+}
+
+void Panel::stand() {
+  Sheet* sheet = layer_.get();
+  if (isBlack() && layer_) {
+    if (Sheet* const locked = env_->lock.sheetOn(*layer_->output())) sheet = locked;
+  }
+  if (sheet == standing_) return;
+  standing_ = sheet;
+  content_.standOn(sheet != nullptr ? sheet->surface() : nullptr);
+  if (sheet == nullptr) return;
+  // The lock's sheets outlive panels.
+  sheet->setOnLayout([weak = weak_from_this()] {
+    if (const auto self = weak.lock()) self->layOutLater_.ask();
+  });
+  layOut();
+}
+
+void Panel::layOut() {
+  if (standing_ == nullptr || standing_->size().width < 1) return;
+  if (canvas_) {
+    const Size& room = standing_->size();
+    Size size = room;
+    if (isBlack()) {
+      fitting_ = canvas_->fittingSize();
+      size = {std::min(fitting_.width, room.width), std::min(fitting_.height, room.height)};
+    }
+    if (size != laidOut_ || standing_->scale() != laidOutScale_) {
+      laidOut_ = size;
+      laidOutScale_ = standing_->scale();
+      canvas_->resize(size, laidOutScale_);
+    }
+  }
+  content_.layOut(standing_->size(), isBlack());
+  standing_->commit();
+  env_->connection.flush();
+}
+
+void Panel::showContent() {
+  if (!isVisible_ || canvas() == nullptr) return;
+  canvas_->setOnFrame([this](const Pixels& pixels, const PixelRect& changed) { onFrame(pixels, changed); });
+  layOut();
+  canvas_->setShowing(true);
+}
+
+void Panel::onFrame(const Pixels& pixels, const PixelRect& changed) {
+  content_.update(pixels, changed, laidOut_);
+  if (standing_ != nullptr && content_.isMoved(standing_->size(), isBlack())) {
+    content_.layOut(standing_->size(), isBlack());
+    standing_->commit();
+  }
+  env_->connection.flush();
+  // The content may have come to want another size; it is not asked to change while it is drawing.
+  if (isBlack() && canvas_ && canvas_->fittingSize() != fitting_) layOutLater_.ask();
+}
+
+void Panel::key(const KeyEvent& event) {
+  const auto handler = keyHandler_;
+  if (handler) handler(event);
+}
+
+}  // namespace dormel::wayland

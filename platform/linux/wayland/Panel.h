@@ -1,0 +1,137 @@
+// One panel: a sheet of the desktop's overlay on the output that it lies on, and, while the session lock is up, the
+// lock's own sheet there. Its picture stands on whichever of the two can be seen. Main thread only.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "platform/common/Canvas.h"
+#include "platform/linux/display/AlphaAnimator.h"
+#include "platform/linux/display/Later.h"
+#include "platform/linux/display/RateBudget.h"
+#include "platform/linux/wayland/Content.h"
+#include "platform/linux/wayland/FocusKeeper.h"
+#include "platform/linux/wayland/Inhibitors.h"
+#include "platform/linux/wayland/Keyboard.h"
+#include "platform/linux/wayland/Pointer.h"
+#include "platform/linux/wayland/SessionLock.h"
+
+namespace dormel::wayland {
+
+class Panel;
+
+using KeyMonitor = std::function<bool(const KeyEvent&)>;
+
+/// What all panels of one connection share. It outlives the last of them.
+struct PanelEnvironment {
+  PanelEnvironment(Connection& connection, EventLoop& loop, Outputs& outputs, Keyboard& keyboard, Pointer& pointer,
+                   CanvasFactory& canvases, const Clock& clock, const std::string& lockMark);
+  PanelEnvironment(const PanelEnvironment&) = delete;
+  PanelEnvironment& operator=(const PanelEnvironment&) = delete;
+
+  /// A panel came, went, or is black in another strength.
+  void panelsChanged();
+  void outputsChanged();
+  void lockChanged();
+  void keyboardChanged();
+  /// Whether the lock's surfaces may ask for the keyboard at all.
+  [[nodiscard]] KeyboardUse keyboardUse() const;
+  /// Shows a key-down to the local monitors; true when one swallows it.
+  [[nodiscard]] bool isSwallowed(const KeyEvent& event);
+  /// To the key panel that is in front.
+  void deliver(const KeyEvent& event);
+  [[nodiscard]] std::vector<std::shared_ptr<Panel>> visiblePanels() const;
+
+  Connection& connection;
+  EventLoop& loop;
+  Outputs& outputs;
+  Keyboard& keyboard;
+  Pointer& pointer;
+  CanvasFactory& canvases;
+  const Clock& clock;
+  Shades shades;
+  Inhibitors inhibitors;
+  SessionLock lock;
+  FocusKeeper focus;
+  std::unique_ptr<LayerSheet> holder;  ///< a clear point that has the keyboard where no panel can have it
+  Later updateHolder;
+  bool isFreshHolderWanted = false;
+  std::vector<std::weak_ptr<Panel>> panels;  ///< in the order in which they came up
+  std::vector<std::weak_ptr<KeyMonitor>> keyMonitors;
+};
+
+class Panel final : public FadingWindow, public std::enable_shared_from_this<Panel> {
+ public:
+  Panel(std::shared_ptr<PanelEnvironment> environment, const WindowStyle& style, const Rect& contentRect);
+  Panel(const Panel&) = delete;
+  Panel& operator=(const Panel&) = delete;
+  ~Panel() override;
+
+  [[nodiscard]] Rect frame() const override { return frame_; }
+  void setFrame(const Rect& frame) override;
+  /// A black panel's canvas is made only once the panel is up: covering waits for no toolkit.
+  void setContent(std::shared_ptr<View> view) override;
+  [[nodiscard]] Size contentFittingSize() const override;
+  [[nodiscard]] double alpha() const override { return alpha_; }
+  void setAlpha(double alpha) override;
+  void setFadedAlpha(double alpha) override;
+  void makeKeyAndOrderFront() override { orderFrontRegardless(); }
+  void orderFrontRegardless() override;
+  void orderOut() override;
+  [[nodiscard]] bool isVisible() const override { return isVisible_; }
+  void setKeyHandler(std::function<void(const KeyEvent&)> handler) override { keyHandler_ = std::move(handler); }
+
+  void key(const KeyEvent& event);
+  void outputsChanged();
+  void lockChanged();
+  /// The compositor is told whether the panel wants the keyboard, or asked for it once more.
+  void setKeyboardUse(KeyboardUse use);
+  bool askForKeyboardAgain();
+  [[nodiscard]] bool isBlack() const { return style_.background == WindowBackground::black; }
+  [[nodiscard]] bool isLowering() const { return isLowering_; }
+  [[nodiscard]] bool isKey() const { return style_.canBecomeKey; }
+
+ private:
+  struct Drag {
+    double x;
+    double y;
+  };
+
+  void makeLayer();
+  void dropLayer();
+  [[nodiscard]] Placement placement(const Output& output) const;
+  [[nodiscard]] Pointer::Target target();
+  /// Has the picture stand on the sheet that can be seen.
+  void stand();
+  void layOut();
+  void paint();
+  void showContent();
+  Canvas* canvas() const;
+  void onFrame(const Pixels& pixels, const PixelRect& changed);
+  bool tellCanvas(PointerAction action, double x, double y);
+
+  std::shared_ptr<PanelEnvironment> env_;
+  WindowStyle style_;
+  Rect frame_;
+  double alpha_ = 1;
+  bool isVisible_ = false;
+  bool isLowering_ = false;
+  std::unique_ptr<LayerSheet> layer_;
+  Sheet* standing_ = nullptr;  ///< the sheet that the picture is on
+  Content content_;
+  std::shared_ptr<View> view_;
+  mutable std::unique_ptr<Canvas> canvas_;
+  Size fitting_;  ///< as of the last layout
+  Size laidOut_;
+  double laidOutScale_ = 0;
+  std::optional<Drag> drag_;
+  std::function<void(const KeyEvent&)> keyHandler_;
+  RateBudget putBackBudget_;
+  Later showContentLater_;
+  Later layOutLater_;
+  Later putBackLater_;
+};
+
+}  // namespace dormel::wayland

@@ -1,0 +1,184 @@
+// What the Wayland family decides, without a compositor.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "platform/linux/DisplayChoice.h"
+#include "platform/linux/display/KeyTracker.h"
+#include "platform/linux/wayland/FocusKeeper.h"
+#include "platform/linux/wayland/LockMark.h"
+#include "platform/linux/wayland/LockStages.h"
+#include "platform/linux/wayland/Outputs.h"
+#include "platform/sim/SimMachine.h"
+
+namespace dormel::wayland::test {
+namespace {
+
+TEST(DisplayChoice, TheBestThatIsThere) {
+  struct Case {
+    const char* desktop;
+    DisplayOffer offer;  // overlay, inhibitor, session lock, taken over, X11
+    DisplayKind kind;
+  };
+  const std::vector<Case> cases{
+      {"sway 1.8 with its X bridge", {true, true, true, true, true}, DisplayKind::sessionLock},
+      {"labwc, whose shortcuts act over an overlay", {true, false, true, true, true}, DisplayKind::sessionLock},
+      {"KWin", {true, true, false, true, true}, DisplayKind::overlay},
+      {"Hyprland, which lets nobody take a lock over", {true, true, true, false, true}, DisplayKind::overlay},
+      {"an overlay without an inhibitor", {true, false, false, true, false}, DisplayKind::none},
+      {"the same with an X bridge", {true, false, false, true, true}, DisplayKind::x11},
+      {"a lock that nothing can fade into", {false, false, true, true, false}, DisplayKind::none},
+      {"an X server", {false, false, false, true, true}, DisplayKind::x11},
+      {"nothing", {}, DisplayKind::none},
+  };
+  for (const Case& c : cases) EXPECT_EQ(chooseDisplay(c.offer), c.kind) << c.desktop;
+}
+
+TEST(LockStages, TheLockIsUpOnlyWhileTheScreensAreBlack) {
+  using Step = LockStages::Step;
+  LockStages stages;
+  stages.setCovered(true);
+  EXPECT_EQ(stages.next(), Step::nothing) << "a rehearsal locks no session";
+  stages.setCovered(false);
+  stages.setLockdown(true);
+  EXPECT_EQ(stages.next(), Step::nothing) << "the fade in can be seen";
+  stages.setCovered(true);
+  EXPECT_EQ(stages.next(), Step::lock);
+  EXPECT_EQ(stages.next(), Step::nothing) << "asked for once";
+  stages.setLowering(true);
+  EXPECT_EQ(stages.next(), Step::nothing) << "what was not answered cannot be given back";
+  stages.locked();
+  EXPECT_EQ(stages.next(), Step::unlock);
+  stages.setLockdown(false);
+  stages.setLowering(false);
+  EXPECT_EQ(stages.next(), Step::nothing);
+}
+
+TEST(LockStages, NewPanelsThatAreNotBlackYetOpenNothing) {
+  LockStages stages;
+  stages.setLockdown(true);
+  stages.setCovered(true);
+  static_cast<void>(stages.next());
+  stages.locked();
+  stages.setCovered(false);
+  EXPECT_EQ(stages.next(), LockStages::Step::nothing);
+}
+
+TEST(LockStages, AnAbandonedLockIsTakenOverBeforeAnythingCanBeSeen) {
+  LockStages stages;
+  stages.setAbandoned();
+  EXPECT_EQ(stages.next(), LockStages::Step::nothing) << "there is nothing to lock yet";
+  stages.setLockdown(true);
+  EXPECT_EQ(stages.next(), LockStages::Step::lock);
+}
+
+TEST(LockStages, AnotherProgramsLockIsWaitedFor) {
+  LockStages stages;
+  stages.setLockdown(true);
+  stages.setCovered(true);
+  static_cast<void>(stages.next());
+  stages.finished();
+  EXPECT_EQ(stages.stage(), LockStages::Stage::refused);
+  EXPECT_EQ(stages.next(), LockStages::Step::nothing);
+  stages.retry();
+  EXPECT_EQ(stages.next(), LockStages::Step::lock);
+}
+
+struct Struggle {
+  SimMachine machine;
+  bool isHeld = true;
+  std::string asked;  // a: again, n: a new surface
+  FocusKeeper focus{machine.clock, {[this] { return isHeld; }, [this] { asked += 'a'; }, [this] { asked += 'n'; }}};
+};
+
+TEST(FocusKeeper, AsksAtOnceAndThenByTurns) {
+  Struggle s;
+  s.focus.want(true);
+  s.isHeld = false;
+  s.focus.look();
+  EXPECT_EQ(s.asked, "") << "not inside the event that told of it";
+  s.machine.advance(0.01);
+  EXPECT_EQ(s.asked, "a");
+  s.machine.advance(0.2);
+  EXPECT_EQ(s.asked, "ana");
+  s.isHeld = true;
+  s.focus.look();
+  s.machine.advance(5);
+  EXPECT_EQ(s.asked, "ana");
+}
+
+TEST(FocusKeeper, UnderALockOnlyANewSurfaceHelps) {
+  Struggle s;
+  s.focus.setUnderLock(true);
+  s.isHeld = false;
+  s.focus.want(true);
+  s.machine.advance(0.15);
+  EXPECT_EQ(s.asked, "nn");
+}
+
+TEST(FocusKeeper, DoesNotFightAtFullSpeedForEver) {
+  Struggle s;
+  s.focus.want(true);
+  for (int i = 0; i < 1000; ++i) {  // somebody takes it back each time it was had
+    s.isHeld = false;
+    s.focus.look();
+    s.machine.advance(0.001);
+    s.isHeld = true;
+    s.focus.look();
+  }
+  EXPECT_LE(s.asked.size(), 20U);
+  EXPECT_GE(s.asked.size(), 10U);
+}
+
+TEST(FocusKeeper, LeavesTheKeyboardToAnotherProgramsLock) {
+  Struggle s;
+  s.focus.want(true);
+  s.focus.setYielding(true);
+  s.isHeld = false;
+  s.focus.look();
+  s.machine.advance(3);
+  EXPECT_EQ(s.asked, "");
+  s.focus.setYielding(false);
+  s.machine.advance(0.01);
+  EXPECT_EQ(s.asked, "a");
+}
+
+TEST(Desk, OutputsAreScreensFromTheBottomLeftOfTheMainOne) {
+  const Desk desk{{{"right", {1920, -200, 1280, 1024}},
+                   {"main", {0, 0, 1920, 1080}},
+                   {"mirror", {0, 0, 1920, 1080}},
+                   {"off", {0, 0, 0, 0}},
+                   {"mad", {1 << 30, 0, 1 << 30, 1}}}};
+  const auto screens = desk.screens();
+  ASSERT_EQ(screens.size(), 2U);
+  EXPECT_EQ(screens[0].name, "main");
+  EXPECT_EQ(screens[0].frame, (Rect{0, 0, 1920, 1080}));
+  EXPECT_EQ(screens[1].frame, (Rect{1920, 256, 1280, 1024}));
+  EXPECT_EQ(*screens[1].displayBounds, (Rect{1920, -200, 1280, 1024}));
+}
+
+TEST(KeyTracker, AKeyboardThatIsHeardOfAgainLetsGoOfWhatWasMissed) {
+  constexpr std::uint32_t A = 38;
+  constexpr std::uint32_t S = 39;
+  constexpr std::uint32_t D = 40;
+  KeyTracker keys;
+  static_cast<void>(keys.press(1, A, 0));
+  static_cast<void>(keys.press(1, S, 1));
+  const auto events = keys.reconcile(1, {{S, 1}, {D, 2}});
+  ASSERT_EQ(events.size(), 1U);
+  EXPECT_EQ(events.front().type, EventType::keyUp);
+  EXPECT_EQ(events.front().keyCode, 0);
+  EXPECT_TRUE(keys.isHeld(1));
+  EXPECT_TRUE(keys.isHeld(2)) << "held, though nobody saw it go down";
+  EXPECT_TRUE(keys.release(1, S)) << "still the press that was seen";
+}
+
+TEST(LockMark, TextThatIsNoneIsNoMark) {
+  const LockMark mark{{12, 345}, {67, 890}};
+  EXPECT_EQ(LockMark::parse(mark.text()), mark);
+  for (const char* text : {"", "x", "12 345 67", "-1 2 3 4", "0 0 0 0"}) EXPECT_FALSE(LockMark::parse(text)) << text;
+}
+
+}  // namespace
+}  // namespace dormel::wayland::test
