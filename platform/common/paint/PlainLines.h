@@ -9,8 +9,8 @@
 
 namespace dormel::paint {
 
-/// What stands behind the lines.
-inline constexpr std::uint32_t PLAIN_GROUND = 0xFF0A0A0B;
+/// What stands behind the lines: as black as the window around them.
+inline constexpr std::uint32_t PLAIN_GROUND = 0xFF000000;
 
 /// Whether there are glyphs for all of it: Latin, Greek and Cyrillic letters.
 [[nodiscard]] bool canWritePlainly(std::string_view utf8);
