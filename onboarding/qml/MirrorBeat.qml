@@ -35,7 +35,7 @@ OnbBeat {
             color: "white"
 
             Accessible.role: Accessible.StaticText
-            Accessible.name: text
+            Accessible.name: root.beat.figureName
         }
     }
     OnbReveal {

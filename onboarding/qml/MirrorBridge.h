@@ -16,6 +16,8 @@ class MirrorBridge : public BeatBridge {
   Q_PROPERTY(bool ahead READ ahead CONSTANT)
   Q_PROPERTY(bool figureOn READ figureOn NOTIFY changed)
   Q_PROPERTY(QString figure READ figure NOTIFY changed)
+  /// What the figure comes to. A screen reader is told this once, and not each step of the counting.
+  Q_PROPERTY(QString figureName READ figureName CONSTANT)
   Q_PROPERTY(dormel::OnbTextValue unit READ unit NOTIFY changed)
   Q_PROPERTY(dormel::OnbTextValue promise READ promise NOTIFY changed)
 
@@ -29,6 +31,7 @@ class MirrorBridge : public BeatBridge {
   [[nodiscard]] bool ahead() const { return screen_->isAhead(); }
   [[nodiscard]] bool figureOn() const { return screen_->figure.on(); }
   [[nodiscard]] QString figure() const { return QString::number(screen_->shown()); }
+  [[nodiscard]] QString figureName() const { return QString::number(screen_->target()); }
   [[nodiscard]] OnbTextValue unit() const { return OnbTextValue::line(screen_->unit); }
   [[nodiscard]] OnbTextValue promise() const { return OnbTextValue::line(screen_->promise); }
 
