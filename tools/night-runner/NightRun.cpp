@@ -40,6 +40,12 @@ SimMachine::Options options(const Night& night) {
 class Player {
  public:
   explicit Player(const Night& night) : night_(night), machine_(options(night)) {}
+  Player(const Player&) = delete;
+  Player& operator=(const Player&) = delete;
+  ~Player() {
+    // What the process shows is drawn by the painter, which goes before the machine does.
+    if (machine_.timeline.processRuns()) machine_.timeline.killProcess(0);
+  }
 
   Outcome play(bool withJournal) {
     Outcome outcome;
