@@ -72,6 +72,7 @@ std::vector<std::string> environmentForIt() {
 
 std::vector<char*> pointers(std::vector<std::string>& texts) {
   std::vector<char*> array;
+  array.reserve(texts.size() + 1);
   for (std::string& text : texts) array.push_back(text.data());
   array.push_back(nullptr);
   return array;

@@ -8,6 +8,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cstdio>
@@ -49,7 +50,7 @@ void rename() {
   if (first == 0 || last <= first + length) return;
   auto* const arguments = reinterpret_cast<char*>(first);  // NOLINT(performance-no-int-to-ptr): our own command line
   std::memset(arguments, 0, last - first);
-  std::memcpy(arguments, NAME, length);
+  std::copy_n(NAME, length, arguments);
 }
 
 /// Keeps nothing of what the owner had open, its claims on files least of all.

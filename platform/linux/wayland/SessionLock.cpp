@@ -134,12 +134,12 @@ void SessionLock::lookAtOutputs() {
       isOther = true;
     }
   }
-  Sheets gone = std::exchange(sheets_, std::move(left));
+  const Sheets gone = std::exchange(sheets_, std::move(left));
   if (isOther || !gone.empty()) changed();
-  drop(std::move(gone));
+  drop(gone);
 }
 
-void SessionLock::drop(Sheets sheets) {
+void SessionLock::drop(const Sheets& sheets) {
   for (const auto& [number, sheet] : sheets) {
     if (onSheet_) onSheet_(sheet->surface(), false);
   }

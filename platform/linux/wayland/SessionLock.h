@@ -57,7 +57,7 @@ class SessionLock {
   void unlock();
   void retry();
   void changed();
-  void drop(Sheets sheets);
+  void drop(const Sheets& sheets);
 
   Connection& connection_;
   Outputs& outputs_;

@@ -14,7 +14,7 @@ namespace {
 
 constexpr int PIXEL = 4;
 constexpr int LARGER_SIDE = 4;
-constexpr std::size_t SQUARE = LARGER_SIDE * LARGER_SIDE;
+constexpr std::size_t SQUARE = std::size_t{LARGER_SIDE} * LARGER_SIDE;
 
 /// A file in memory of that size, which nobody can shrink under the compositor; -1 when there is none to be had.
 int makeFile(std::size_t size) {
