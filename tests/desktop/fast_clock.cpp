@@ -21,7 +21,7 @@ namespace {
 
 constexpr std::int64_t SECOND = 1'000'000'000;
 /// Moments that stand for "never" are not moved.
-constexpr std::int64_t NEVER = std::int64_t{1} << 60;
+constexpr std::int64_t NEVER = std::int64_t{1} << 62;
 
 struct Speed {
   long long factor = 1;
