@@ -1,6 +1,7 @@
 #include "platform/common/paint/PlainLines.h"
 
 #include <algorithm>
+#include <cmath>
 #include <optional>
 
 namespace dormel::paint {
@@ -99,7 +100,7 @@ class Picture {
     std::uint32_t mixed = 0xFF000000;
     for (const int shift : {0, 8, 16}) {
       const double ground = (pixel >> shift) & 0xFFU;
-      mixed |= static_cast<std::uint32_t>(ground + (255 - ground) * part + 0.5) << shift;
+      mixed |= static_cast<std::uint32_t>(std::lround(ground + (255 - ground) * part)) << shift;
     }
     pixel = mixed;
   }
