@@ -99,7 +99,7 @@ void AppDelegate::startWindowMode() {
     platform().process.exit(0);  // the running one comes to the front instead
   }
   if (putUpdateInPlace()) return;
-  if (AppInstaller::isInApplicationsFolder()) platform().workspace.registerApplication(platform().bundle.path());
+  AppInstaller::listInMenus();
   platform().application.setActivationPolicy(ActivationPolicy::regular);
   installMainMenu();
   platform().application.activateIgnoringOthers();
@@ -128,7 +128,7 @@ void AppDelegate::installMainMenu() {
 }
 
 void AppDelegate::selfHeal() {
-  if (!AppInstaller::isInApplicationsFolder() || AgentManager::isLoaded()) return;
+  if (!AppInstaller::isInItsPlace() || AgentManager::isLoaded()) return;
   if (needsApproval()) {
     trace("self-heal: Dormel is switched off in Login Items — asking the user");
     if (Config::blockingEnabled()) beginLoginItemsRecovery();

@@ -17,7 +17,15 @@
 namespace dormel {
 namespace {
 
+constexpr const char* QUESTION =
+    "This removes Dormel from this computer completely: the nightly lock, the application, and everything it saved, "
+    "settings and records included.";
+constexpr const char* QUESTION_PACKAGED =
+    "This removes the nightly lock and everything that Dormel saved for you, settings and records included. The "
+    "application itself stays: it belongs to your system, which removes it.";
+
 void removeBundle() {
+  if (platform().bundle.isPackaged()) return;
   const std::string path = platform().bundle.path();
   if (platform().workspace.isDeletable(path)) {
     platform().files.remove(path);
@@ -32,8 +40,7 @@ void removeBundle() {
 void AppDelegate::confirmUninstall() {
   ask({AlertStyle::warning,
        "Uninstall Dormel?",
-       "This removes Dormel from this computer completely: the nightly lock, the application, and everything it saved, "
-       "settings and records included.",
+       platform().bundle.isPackaged() ? QUESTION_PACKAGED : QUESTION,
        {"Uninstall", "Cancel"}},
       &AppDelegate::uninstallAnswered);
 }
@@ -55,8 +62,13 @@ void AppDelegate::uninstallAnswered(int button) {
   // Only now: a download that another window began keeps nothing for a bundle that is gone.
   platform().updater.forget();
   platform().workspace.forgetApplication();
-  ask({AlertStyle::informational, "Dormel uninstalled", "Dormel has been removed from your Mac.", {"OK"}},
-      &AppDelegate::uninstallDone);
+  const auto removal = platform().bundle.packageRemoval();
+  const std::string done =
+      removal ? "The nightly lock and everything that Dormel saved for you have been removed.\n\nTo remove the "
+                "application, too, type in a terminal: " +
+                    *removal
+              : "Dormel has been removed from your Mac.";
+  ask({AlertStyle::informational, "Dormel uninstalled", done, {"OK"}}, &AppDelegate::uninstallDone);
 }
 
 void AppDelegate::uninstallDone(int /*button*/) { platform().process.exit(0); }

@@ -151,7 +151,7 @@ void relaunch(const std::string& path) {
 }
 
 bool moveToApplicationsFolderIfNeeded(bool isScheduled) {
-  if (isInApplicationsFolder()) return true;
+  if (isInItsPlace()) return true;
   if (isScheduled) {
     platform().output.print("ERROR: Dormel launched --scheduled from " + bundlePath() + ", not /Applications.");
     exitWith(0);
@@ -173,7 +173,14 @@ bool isInApplicationsFolder() {
                      [&](const std::string& candidate) { return workspace.standardized(candidate) == folder; });
 }
 
+bool isInItsPlace() { return platform().bundle.isPackaged() || isInApplicationsFolder(); }
+
 bool isRunningFromDMG() { return platform().workspace.isOnReadOnlyImage(bundlePath()); }
+
+void listInMenus() {
+  if (platform().bundle.isPackaged() || !isInApplicationsFolder()) return;
+  platform().workspace.registerApplication(platform().bundle.path());
+}
 
 std::string shellQuoted(const std::string& text) {
   std::string quoted = "'";

@@ -14,8 +14,14 @@ namespace dormel::AppInstaller {
 /// Whether the bundle stands in one of the system's applications folders itself; sub-folders do not count.
 [[nodiscard]] bool isInApplicationsFolder();
 
+/// Whether the bundle may stay where it stands: there, or where the system's package put it.
+[[nodiscard]] bool isInItsPlace();
+
 /// Whether the bundle runs from a read-only disk image.
 [[nodiscard]] bool isRunningFromDMG();
+
+/// Lists the program in the desktop's menus, unless it stands in the wrong place or a package has listed it already.
+void listInMenus();
 
 /// What the administrator's shell is asked for: a copy of the bundle at `from` in the place of what stands at `to`,
 /// which is where it was when anything fails.

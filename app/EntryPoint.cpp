@@ -55,7 +55,7 @@ void setOnboardingComplete(bool complete) {
 void setup() {
   setOnboardingComplete(true);
   const bool installed = AgentManager::install();
-  if (AppInstaller::isInApplicationsFolder()) platform().workspace.registerApplication(platform().bundle.path());
+  AppInstaller::listInMenus();
   print(installed ? "Setup complete — agent installed." : "Setup FAILED — agent not installed.");
   platform().process.exit(installed ? 0 : 1);
 }

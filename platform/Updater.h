@@ -21,7 +21,8 @@ class Updater {
   [[nodiscard]] virtual bool automaticallyDownloadsUpdates() const = 0;
   virtual void setAutomaticallyDownloadsUpdates(bool on) = 0;
 
-  /// Whether there is anywhere to look: without a feed no switch and no button does anything.
+  /// Whether there is anywhere to look: without a feed no switch and no button does anything. A bundle that a package
+  /// brought has none.
   [[nodiscard]] virtual bool hasFeed() const = 0;
   /// False during a check, and where there is nowhere to look.
   [[nodiscard]] virtual bool canCheckForUpdates() const = 0;

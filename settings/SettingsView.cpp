@@ -155,7 +155,10 @@ void SettingsView::setAutoUpdates(bool on) {
 }
 
 std::string SettingsView::autoUpdatesText() const {
-  if (!canUpdate()) return "This copy doesn't look for updates. To update it, open a newer copy.";
+  if (!canUpdate()) {
+    return platform().bundle.isPackaged() ? "Updates come with your system's updates."
+                                          : "This copy doesn't look for updates. To update it, open a newer copy.";
+  }
   return autoUpdates_ ? "Dormel updates itself overnight. Nothing to click."
                       : "Updates arrive only when you check by hand.";
 }

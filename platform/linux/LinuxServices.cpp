@@ -123,10 +123,12 @@ struct LinuxServices::Parts {
     watches.push_back(loop.watch(fd, EPOLLIN, [action = std::move(action)](std::uint32_t) { action(); }));
   }
 
-  /// Nowhere to look without a feed and a key in the bundle, and nobody who looks in a process without an event loop.
+  /// Nowhere to look without a feed and a key in the bundle, and nobody who looks in a process without an event loop. A
+  /// package's files are the system's to replace.
   [[nodiscard]] updates::BundleUpdater::Options updateOptions() const {
     updates::BundleUpdater::Options options;
-    options.enabled = kind != LaunchKind::command && bundle.info("SUFeedURL") && bundle.info("SUPublicEDKey");
+    options.enabled =
+        kind != LaunchKind::command && !bundle.isPackaged() && bundle.info("SUFeedURL") && bundle.info("SUPublicEDKey");
     const std::string interval = bundle.info("SUScheduledCheckInterval").value_or("");
     options.interval = UPDATE_INTERVAL;
     std::from_chars(interval.data(), interval.data() + interval.size(), options.interval);

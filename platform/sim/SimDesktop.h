@@ -88,13 +88,17 @@ class SimBundle : public Bundle {
     return found == info_.end() ? std::nullopt : std::optional(found->second);
   }
 
+  [[nodiscard]] std::optional<std::string> packageRemoval() const override { return packageRemoval_; }
+
   void setPath(std::string path) { path_ = std::move(path); }
+  void setPackageRemoval(std::string command) { packageRemoval_ = std::move(command); }
   void setInfo(const std::string& key, std::string value) { info_[key] = std::move(value); }
   void removeInfo(const std::string& key) { info_.erase(key); }
 
  private:
   std::string path_ = "/Applications/Dormel.app";
   std::map<std::string, std::string> info_{{"CFBundleShortVersionString", "1.0"}, {"CFBundleVersion", "1"}};
+  std::optional<std::string> packageRemoval_;
 };
 
 }  // namespace dormel

@@ -59,6 +59,17 @@ TEST(Relocation, IsOfferedEverywhereButInAnApplicationsFolderItself) {
   }
 }
 
+TEST(Relocation, APackagedCopyStaysAndIsListedAlready) {
+  Program program("/usr/lib/dormel/Dormel.app");
+  program.machine.bundle.setPackageRemoval("sudo apt remove dormel");
+  program.machine.workspace.forgetApplication();
+  program.open();
+  EXPECT_NE(program.machine.mainWindows.front(), nullptr);
+  EXPECT_TRUE(program.machine.alerts.shown().empty());
+  EXPECT_TRUE(program.isArmed());
+  EXPECT_EQ(program.machine.workspace.listed(), "");
+}
+
 TEST(Relocation, AScheduledRunFromTheWrongPlaceEndsAtOnceAndTouchesNothing) {
   Program program("/home/user/Downloads/Dormel.app");
   program.open({"--scheduled"});

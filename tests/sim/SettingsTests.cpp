@@ -141,15 +141,21 @@ TEST(Settings, AWriteThatFailsChangesNothingAndSaysSo) {
 }
 
 TEST(Settings, ACopyWithoutAFeedOffersNoUpdates) {
-  for (const bool hasFeed : {true, false}) {
+  const struct {
+    bool hasFeed;
+    bool isPackaged;
+    const char* text;
+  } rows[] = {{true, false, "Dormel updates itself overnight. Nothing to click."},
+              {false, false, "This copy doesn't look for updates. To update it, open a newer copy."},
+              {false, true, "Updates come with your system's updates."}};
+  for (const auto& row : rows) {
     SimMachine machine;
-    machine.updater.setHasFeed(hasFeed);
+    machine.updater.setHasFeed(row.hasFeed);
+    if (row.isPackaged) machine.bundle.setPackageRemoval("sudo apt remove dormel");
     const auto view = SettingsView::create(machine.updater, {});
     view->onAppear();
-    EXPECT_EQ(view->canUpdate(), hasFeed);
-    EXPECT_EQ(view->autoUpdatesText(), hasFeed
-                                           ? "Dormel updates itself overnight. Nothing to click."
-                                           : "This copy doesn't look for updates. To update it, open a newer copy.");
+    EXPECT_EQ(view->canUpdate(), row.hasFeed);
+    EXPECT_EQ(view->autoUpdatesText(), row.text);
   }
 }
 

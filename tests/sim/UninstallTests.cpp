@@ -1,6 +1,8 @@
 // Removing the program: everything goes, or nothing.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "core/AppSupport.h"
 #include "tests/sim/Program.h"
 
@@ -89,6 +91,26 @@ TEST_F(UninstallTest, EveryWayItGoes) {
     program.machine.advanceTo("2026-11-17 23:00:00");
     EXPECT_TRUE(program.effects().empty()) << row.name << ": something of it still runs";
   }
+}
+
+TEST_F(UninstallTest, APackageIsTheSystemsToRemove) {
+  const std::string bundle = "/usr/lib/dormel/Dormel.app";
+  Program program(bundle);
+  program.machine.bundle.setPackageRemoval("sudo apt remove dormel");
+  prepare(program);
+  program.delegate().confirmUninstall();
+  EXPECT_EQ(program.effects(),
+            Lines{"alert, warning: Uninstall Dormel? / This removes the nightly lock and everything that Dormel saved "
+                  "for you, settings and records included. The application itself stays: it belongs to your system, "
+                  "which removes it. / [Uninstall] [Cancel]"});
+  program.answer("Uninstall");
+  Lines expected = removal("");
+  expected.erase(std::find(expected.begin(), expected.end(), ""));
+  expected.back() =
+      "alert, informational: Dormel uninstalled / The nightly lock and everything that Dormel saved for you have been "
+      "removed.\\n\\nTo remove the application, too, type in a terminal: sudo apt remove dormel / [OK]";
+  EXPECT_EQ(program.effects(), expected);
+  EXPECT_TRUE(program.machine.files.exists(bundle + "/Contents/Linux/Dormel"));
 }
 
 TEST_F(UninstallTest, WhatCannotBeRemovedStopsNothing) {

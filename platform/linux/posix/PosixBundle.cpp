@@ -43,6 +43,11 @@ std::optional<std::string> PosixBundle::info(const std::string& key) const {
   return number == nullptr ? std::nullopt : std::optional(std::to_string(*number));
 }
 
+std::optional<std::string> PosixBundle::packageRemoval() const {
+  // A copy of a packaged bundle says so, too, but no package knows of it.
+  return info("DormelPackagePlace") == path_ ? info("DormelPackageRemoval") : std::nullopt;
+}
+
 std::string PosixBundle::helper(const std::string& name) const {
   return path_ + (isBundle_ ? "/Contents/Helpers/" : "/") + name;
 }

@@ -17,6 +17,7 @@ class PosixBundle final : public Bundle {
   [[nodiscard]] std::string path() const override { return path_; }
   [[nodiscard]] std::optional<std::string> executablePath() const override;
   [[nodiscard]] std::optional<std::string> info(const std::string& key) const override;
+  [[nodiscard]] std::optional<std::string> packageRemoval() const override;
 
   /// ".../Contents/Helpers/<name>", beside the executable when it runs outside a bundle.
   [[nodiscard]] std::string helper(const std::string& name) const;
