@@ -133,6 +133,8 @@ class NightWatch {
   void lockBegins(bool again);
   void unlockSeen(const std::string& line);
   void processEnded();
+  /// Whether a rehearsal is on, and its watchdog has every reason to end the process.
+  [[nodiscard]] bool isHungRehearsal() const;
   void checkStart();
   void checkHours();
   void checkLocked();

@@ -84,7 +84,9 @@ inline constexpr std::array<RuleText, 23> RULES{{
     {"hours", "outside the hours the process has ended after 10 s, and the screens are free, whatever is stuck"},
     {"status",
      "status 0 exactly for planned ends (nothing to lock, the hours over, quit while nothing is locked), 1 after the "
-     "termination signal or when the hours begin in a run's last moments, and no end that nobody asked for"},
+     "termination signal, when the hours begin in a run's last moments, or when the main thread is stuck in a "
+     "rehearsal "
+     "10 s beyond its time, and no end that nobody asked for"},
     {"restart", "a scheduled run that ended in any other way runs again after a second"},
     {"unlock-log",
      "every unlock adds its line, with its number, its hold and its moment, in order; nothing else ever changes in "
