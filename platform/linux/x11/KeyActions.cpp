@@ -118,11 +118,11 @@ std::vector<KeyActions::Keymap> KeyActions::keymaps(const std::vector<std::uint1
 }
 
 void KeyActions::store(const Keymap& keymap) {
-  std::vector<std::uint8_t> values((keymap.counts.size() + 3) / 4 * 4);
+  const std::size_t actionsAt = (keymap.counts.size() + 3) / 4 * 4;
+  const auto* actions = reinterpret_cast<const std::uint8_t*>(keymap.actions.data());
+  std::vector<std::uint8_t> values(actionsAt + keymap.actions.size() * sizeof(xcb_xkb_action_t));
   std::copy(keymap.counts.begin(), keymap.counts.end(), values.begin());
-  const std::size_t actionsAt = values.size();
-  values.resize(actionsAt + keymap.actions.size() * sizeof(xcb_xkb_action_t));
-  std::memcpy(values.data() + actionsAt, keymap.actions.data(), keymap.actions.size() * sizeof(xcb_xkb_action_t));
+  std::copy_n(actions, values.size() - actionsAt, values.begin() + static_cast<std::ptrdiff_t>(actionsAt));
   xcb_xkb_set_map(*connection_, keymap.device, XCB_XKB_MAP_PART_KEY_ACTIONS, 0, keymap.minKeyCode, keymap.maxKeyCode, 0,
                   0, 0, 0, 0, keymap.firstKey, static_cast<std::uint8_t>(keymap.counts.size()),
                   static_cast<std::uint16_t>(keymap.actions.size()), 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0,
