@@ -1,7 +1,6 @@
 #include "assistant/SettingsWindowLocator.h"
 
-#include <algorithm>
-
+#include "platform/CommonArea.h"
 #include "platform/Platform.h"
 #include "platform/RunningApplications.h"
 #include "platform/WindowList.h"
@@ -14,13 +13,6 @@ constexpr double LEAST_WIDTH = 320;
 constexpr double LEAST_HEIGHT = 240;
 
 double area(const Rect& rect) { return rect.width * rect.height; }
-
-/// How much two rectangles share; 0 when they only touch.
-double commonArea(const Rect& a, const Rect& b) {
-  const double width = std::min(a.right(), b.right()) - std::max(a.x, b.x);
-  const double height = std::min(a.top(), b.top()) - std::max(a.y, b.y);
-  return width > 0 && height > 0 ? width * height : 0;
-}
 
 /// The one in front, of several settings programs. A settings program may run a second process that never shows
 /// anything.

@@ -34,7 +34,7 @@ DisplayOffer offerOf(const wayland::Connection& connection) {
 
 }  // namespace
 
-struct DisplayInForce::NoNeighbours final : RunningApplications, WindowList, Dragging {
+struct DisplayInForce::NoNeighbours final : RunningApplications, WindowList {
   [[nodiscard]] std::vector<RunningApplication> withBundleIdentifier(const std::string& /*identifier*/) const override {
     return {};
   }
@@ -43,7 +43,6 @@ struct DisplayInForce::NoNeighbours final : RunningApplications, WindowList, Dra
     return std::make_unique<Registration>();
   }
   [[nodiscard]] std::optional<std::vector<ListedWindow>> onScreen() const override { return std::nullopt; }
-  bool begin(DragItem /*item*/, std::function<void(DragOperation)> /*onEnd*/) override { return false; }
 };
 
 DisplayInForce::DisplayInForce(bool mayLock, const std::string& lockMark, EventLoop& loop, CanvasFactory& canvases,
@@ -89,11 +88,6 @@ RunningApplications& DisplayInForce::runningApplications() {
 
 WindowList& DisplayInForce::windowList() {
   if (x11_) return x11_->windowList();
-  return *noNeighbours_;
-}
-
-Dragging& DisplayInForce::dragging() {
-  if (x11_) return x11_->dragging();
   return *noNeighbours_;
 }
 

@@ -36,7 +36,6 @@ class DisplayInForce {
   [[nodiscard]] DisplayFamily& family();
   [[nodiscard]] RunningApplications& runningApplications();
   [[nodiscard]] WindowList& windowList();
-  [[nodiscard]] Dragging& dragging();
   /// Null unless X11 is in force, with or without a display.
   [[nodiscard]] x11::X11Platform* x11() { return x11_.get(); }
 
@@ -45,7 +44,7 @@ class DisplayInForce {
   void lastWill();
 
  private:
-  /// Where nobody tells what other programs show: nothing is known of them, and nothing can be dragged to them.
+  /// Where nobody tells what other programs show: nothing is known of them.
   struct NoNeighbours;
 
   const std::string lockMark_;

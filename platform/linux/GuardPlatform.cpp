@@ -10,13 +10,14 @@
 #include <utility>
 
 #include "platform/Alerts.h"
+#include "platform/Dragging.h"
 #include "platform/MainWindow.h"
 #include "platform/Process.h"
 
 namespace dormel {
 
 /// Nothing that runs without windows asks for one. If it ever did, nobody must wait for an answer that can't come.
-struct GuardPlatform::NoWindows final : Alerts, MainWindows, MainMenu {
+struct GuardPlatform::NoWindows final : Alerts, MainWindows, MainMenu, Dragging {
   explicit NoWindows(LinuxServices& services) : common(services) {}
 
   /// Said on standard error, and answered by its last button: the one that changes nothing.
@@ -48,6 +49,8 @@ struct GuardPlatform::NoWindows final : Alerts, MainWindows, MainMenu {
   void install(const std::vector<Menu>& /*menus*/, std::size_t /*windows*/,
                std::function<void(MenuCommand)> /*onCommand*/) override {}
 
+  bool begin(DragItem /*item*/, std::function<void(DragOperation)> /*onEnd*/) override { return false; }
+
   LinuxServices& common;
   posix::PosixOutput output;
 };
@@ -55,7 +58,7 @@ struct GuardPlatform::NoWindows final : Alerts, MainWindows, MainMenu {
 GuardPlatform::GuardPlatform(LaunchKind kind)
     : common_(kind),
       noWindows_(std::make_unique<NoWindows>(common_)),
-      services_(common_.with(*noWindows_, *noWindows_, *noWindows_)) {}
+      services_(common_.with({common_.display().windows(), *noWindows_, *noWindows_, *noWindows_, *noWindows_})) {}
 
 GuardPlatform::~GuardPlatform() = default;
 

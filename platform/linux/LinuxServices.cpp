@@ -35,23 +35,6 @@ namespace {
 
 constexpr std::int64_t UPDATE_INTERVAL = 21'600;  // where the bundle names none
 
-/// The panels are the painter's to draw. The guide at the settings window belongs to a process with windows.
-class Canvases final : public CanvasFactory {
- public:
-  explicit Canvases(CanvasFactory& painted) : painted_(painted) {}
-  void setOwn(CanvasFactory& own) { own_ = &own; }
-
-  [[nodiscard]] std::unique_ptr<Canvas> make(std::shared_ptr<View> view) override {
-    const ViewKind kind = view->kind();
-    const bool isOwn = kind == ViewKind::assistantGuide || kind == ViewKind::assistantDragRow;
-    return (isOwn && own_ != nullptr ? *own_ : painted_).make(std::move(view));
-  }
-
- private:
-  CanvasFactory& painted_;
-  CanvasFactory* own_ = nullptr;
-};
-
 /// The permission as the display sees it, and the way back when there was no display at first.
 class DesktopAccessibility final : public Accessibility {
  public:
@@ -86,8 +69,7 @@ struct LinuxServices::Parts {
         defaults(files, output, BUNDLE_IDENTIFIER),
         launcher(bundle.helper("paint"), loop),
         painted(launcher),
-        canvases(painted),
-        display(kind != LaunchKind::command, freedesktop::lockMarkFile(), loop, canvases, clock),
+        display(kind != LaunchKind::command, freedesktop::lockMarkFile(), loop, painted, clock),
         accessibility(display, process, output, kind),
         shellOverview(loop),
         application(process,
@@ -151,7 +133,6 @@ struct LinuxServices::Parts {
   posix::PropertyListDefaults defaults;
   paint::HelperLauncher launcher;
   paint::PaintedCanvases painted;
-  Canvases canvases;
   DisplayInForce display;
   DesktopAccessibility accessibility;
   freedesktop::ShellOverview shellOverview;
@@ -170,9 +151,7 @@ LinuxServices::LinuxServices(LaunchKind kind)
 
 LinuxServices::~LinuxServices() = default;
 
-void LinuxServices::setOwnCanvases(CanvasFactory& own) { parts_->canvases.setOwn(own); }
-
-Platform& LinuxServices::with(Alerts& alerts, MainWindows& mainWindows, MainMenu& mainMenu) {
+Platform& LinuxServices::with(const Shown& shown) {
   Parts& p = *parts_;
   return p.services.emplace(Platform{p.clock,
                                      p.calendar,
@@ -190,22 +169,24 @@ Platform& LinuxServices::with(Alerts& alerts, MainWindows& mainWindows, MainMenu
                                      p.display.family().inputIdle(),
                                      p.display.family().keyboardLayout(),
                                      p.display.family().screens(),
-                                     p.display.family().windows(),
+                                     shown.panels,
                                      p.application,
                                      p.notices,
                                      p.bundle,
-                                     alerts,
-                                     mainWindows,
-                                     mainMenu,
+                                     shown.alerts,
+                                     shown.mainWindows,
+                                     shown.mainMenu,
                                      p.workspace,
                                      p.loginItems,
                                      p.updater,
                                      p.display.runningApplications(),
                                      p.display.windowList(),
-                                     p.display.dragging()});
+                                     shown.dragging});
 }
 
 EventLoop& LinuxServices::loop() { return parts_->loop; }
+
+DisplayFamily& LinuxServices::display() { return parts_->display.family(); }
 
 x11::X11Platform* LinuxServices::x11() { return parts_->display.x11(); }
 

@@ -28,13 +28,20 @@ class LinuxServices {
   LinuxServices& operator=(const LinuxServices&) = delete;
   ~LinuxServices();
 
-  /// What draws the views that are no panels of the lock's, of which it says that it can; it outlives this.
-  void setOwnCanvases(CanvasFactory& own);
-
-  /// All services, with what shows ordinary windows. Call it once. These outlive this.
-  [[nodiscard]] Platform& with(Alerts& alerts, MainWindows& mainWindows, MainMenu& mainMenu);
+  /// What depends on whether there is a toolkit. All of it outlives this.
+  struct Shown {
+    WindowServer& panels;
+    Alerts& alerts;
+    MainWindows& mainWindows;
+    MainMenu& mainMenu;
+    Dragging& dragging;
+  };
+  /// All services. Call it once.
+  [[nodiscard]] Platform& with(const Shown& shown);
 
   [[nodiscard]] EventLoop& loop();
+  /// The family of displays that is in force.
+  [[nodiscard]] DisplayFamily& display();
   /// Null where another family of displays is in force.
   [[nodiscard]] x11::X11Platform* x11();
   [[nodiscard]] DesktopApplication& application();

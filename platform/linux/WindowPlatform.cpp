@@ -6,9 +6,10 @@
 #include "platform/linux/LinuxServices.h"
 #include "platform/linux/posix/StandardDescriptors.h"
 #include "platform/linux/qt/EventLoopCarrier.h"
-#include "platform/linux/qt/QmlCanvasFactory.h"
 #include "platform/linux/qt/QmlStage.h"
 #include "platform/linux/qt/QtAlerts.h"
+#include "platform/linux/qt/QtDragging.h"
+#include "platform/linux/qt/QtGuideWindows.h"
 #include "platform/linux/qt/QtMainMenu.h"
 #include "platform/linux/qt/QtMainWindows.h"
 #include "platform/linux/qt/SceneGraph.h"
@@ -44,24 +45,24 @@ struct WindowPlatform::Parts {
   explicit Parts(QmlSceneRegistry scenes)
       : icon(scenes.icon()),
         stage(std::make_shared<QmlStage>(std::move(scenes), sceneRenderer())),
-        canvases(stage),
         common(LaunchKind::windows),
         carrier(common.loop()),
         windows(std::make_shared<WindowGroup>(stage, windowHelp(common.x11()))),
+        dragging(stage, common.display().screens()),
+        panels(common.display().windows(), common.display().screens(), dragging, windows),
         alerts(windows),
         mainWindows(windows),
         mainMenu(windows, otherApplications(common.x11())),
-        services(common.with(alerts, mainWindows, mainMenu)) {
-    common.setOwnCanvases(canvases);
-  }
+        services(common.with({panels, alerts, mainWindows, mainMenu, dragging})) {}
 
   Toolkit toolkit;
   QIcon icon;
   std::shared_ptr<QmlStage> stage;
-  QmlCanvasFactory canvases;
   LinuxServices common;
   qt::EventLoopCarrier carrier;
   std::shared_ptr<WindowGroup> windows;
+  QtDragging dragging;
+  QtGuideWindows panels;
   QtAlerts alerts;
   QtMainWindows mainWindows;
   QtMainMenu mainMenu;

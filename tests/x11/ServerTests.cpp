@@ -39,7 +39,6 @@ TEST(Server, WithoutADisplayThereAreNoScreensAndNoTrustAndWindowsThatNobodySees)
   EXPECT_EQ(window->alpha(), 0);
   EXPECT_FALSE(x11.runningApplications().frontmost());
   EXPECT_FALSE(x11.windowList().onScreen());
-  EXPECT_FALSE(x11.dragging().begin({}, {}));
 }
 
 TEST(Server, OneThatRefusesIsLookedForWithoutAWord) {

@@ -4,8 +4,8 @@
     raiser        a bright window that puts itself on top every 100 ms
     notification  a bright override-redirect bubble in the corner of the main monitor, shown on "show"
     fullscreen    a bright window over the whole main monitor that asks for the fullscreen state, shown on "show"
-    receiver      a window that takes dropped files, by the common protocol; "take", "refuse", "move" (it would take them
-                  away) and "fail" (it takes them and cannot use them) say how; "heard" answers what it has got since
+    receiver      a window that takes dropped files, by the common protocol; "take", "refuse" and "fail" (it takes them
+                  and cannot use them) say how; "asked" answers how often somebody has asked since, "heard" what it has got
 
 They obey lines on standard input, answer each with a line, and end when it closes.
 """
@@ -134,17 +134,17 @@ def _receiver(display):
         pass
     place = window.translate_coords(screen.root, 0, 0)
     _say(f"{210 - place.x} {150 - place.y}")
-    mood, heard, action = "take", [], X.NONE
+    mood, heard, action, asked = "take", [], X.NONE, 0
 
     def answer(source, kind, *data):
         display.create_resource_object("window", source).send_event(
             xevent.ClientMessage(window=source, client_type=atom(kind), data=(32, [window.id, *data])))
 
     def on_message(event):
-        nonlocal action
+        nonlocal action, asked
         kind, data = display.get_atom_name(event.client_type), event.data[1]
         if kind == "XdndPosition":
-            action = atom("XdndActionMove") if mood == "move" else data[4]
+            action, asked = data[4], asked + 1
             answer(data[0], "XdndStatus", 0 if mood == "refuse" else 3, 0, 0, action)
         elif kind == "XdndDrop":
             window.convert_selection(atom("XdndSelection"), atom("text/uri-list"), atom("DROPPED"), data[2])
@@ -171,8 +171,10 @@ def _receiver(display):
             if word == "heard":
                 _say(json.dumps(heard))
                 heard.clear()
+            elif word == "asked":
+                _say(str(asked))
             else:
-                mood = word
+                mood, asked = word, 0
                 _say(word)
 
 

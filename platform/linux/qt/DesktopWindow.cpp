@@ -53,10 +53,7 @@ void DesktopWindow::tellShowing() {
 }
 
 void DesktopWindow::fixSize(std::optional<Size> size) {
-  if (!size && scene_.root) {
-    scene_.root->ensurePolished();
-    size = {scene_.root->implicitWidth(), scene_.root->implicitHeight()};
-  }
+  if (!size && scene_.root) size = contentFittingSize();
   if (!size) return;
   QSize whole(static_cast<int>(std::ceil(size->width)), static_cast<int>(std::ceil(size->height)));
   if (const QScreen* at = screenOfPointer()) whole = whole.boundedTo(at->availableSize());
@@ -65,6 +62,17 @@ void DesktopWindow::fixSize(std::optional<Size> size) {
   resize(whole);
   setMinimumSize(whole);
   setMaximumSize(whole);
+}
+
+void DesktopWindow::place(const QRect& geometry) {
+  if (scene_.root) scene_.root->setSize(geometry.size());
+  if (geometry != this->geometry()) setGeometry(geometry);
+}
+
+Size DesktopWindow::contentFittingSize() const {
+  if (!scene_.root) return {};
+  scene_.root->ensurePolished();
+  return {scene_.root->implicitWidth(), scene_.root->implicitHeight()};
 }
 
 void DesktopWindow::wearFrame(bool minimizable) {
@@ -129,9 +137,10 @@ bool DesktopWindow::event(QEvent* event) {
 }
 
 void DesktopWindow::mousePressEvent(QMouseEvent* event) {
+  lastPress_ = event->globalPosition().toPoint();
   QQuickWindow::mousePressEvent(event);
   drag_.reset();
-  if (event->button() == Qt::LeftButton && mouseGrabberItem() == nullptr) {
+  if (isMovable_ && event->button() == Qt::LeftButton && mouseGrabberItem() == nullptr) {
     drag_ = Drag{event->globalPosition().toPoint(), position()};
   }
 }

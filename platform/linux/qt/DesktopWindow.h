@@ -31,6 +31,14 @@ class DesktopWindow : public QQuickWindow {
 
   /// The size it wants to be, or a given one, as far as the screen has room for it; it keeps it.
   void fixSize(std::optional<Size> size = {});
+  /// Of another size and at another place, by whoever places it; it keeps neither against anybody.
+  void place(const QRect& geometry);
+  /// The size at which the content is as it wants to be.
+  [[nodiscard]] Size contentFittingSize() const;
+  /// Whether the pointer can drag it by its picture; true at first.
+  void setMovable(bool movable) { isMovable_ = movable; }
+  /// Where it was pressed last, on the screens. The pointer may be elsewhere by the time that anybody hears of it.
+  [[nodiscard]] QPoint lastPress() const { return lastPress_; }
   /// Puts on the buttons that close and (for a main window) minimise it.
   void wearFrame(bool minimizable);
   /// In the middle of another window, or of the screen that the pointer is on.
@@ -65,6 +73,8 @@ class DesktopWindow : public QQuickWindow {
   std::unique_ptr<QQuickItem> frame_;
   Task onCloseRequest_;
   std::optional<Drag> drag_;
+  bool isMovable_ = true;
+  QPoint lastPress_;
 };
 
 struct DismissWindow {

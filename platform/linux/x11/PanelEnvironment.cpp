@@ -103,9 +103,6 @@ void PanelEnvironment::handle(const xcb_generic_event_t& event) {
     for (const std::uint8_t down : keysDown(*connection)) keys.seed(down, numbering.usual().virtualKeyCode(down));
     return;
   }
-  if ((event.response_type & 0x7f) == XCB_BUTTON_PRESS) {
-    lastPress = reinterpret_cast<const xcb_button_press_event_t&>(event).time;
-  }
   panel->handle(event);
 }
 

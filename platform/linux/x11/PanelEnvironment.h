@@ -57,8 +57,7 @@ struct PanelEnvironment {
   PanelFocus focus;
   xcb_cursor_t blankCursor;
   KeyNumbering numbering;
-  KeyTracker keys;                ///< of the key events that reach our windows
-  xcb_timestamp_t lastPress = 0;  ///< of a button, in one of them
+  KeyTracker keys;  ///< of the key events that reach our windows
   std::map<xcb_window_t, std::weak_ptr<Panel>> panels;
   std::vector<std::weak_ptr<KeyMonitor>> keyMonitors;
   Subscription subscription;

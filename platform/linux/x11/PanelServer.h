@@ -29,12 +29,8 @@ class PanelServer : public WindowServer {
   [[nodiscard]] KeyCode keyCode(xcb_keycode_t code) const {
     return env_ ? env_->numbering.usual().virtualKeyCode(code) : KeyCodes().virtualKeyCode(code);
   }
-  /// The server's time of the last press of a button in one of our panels; 0 before there was one.
-  [[nodiscard]] xcb_timestamp_t lastPress() const { return env_ ? env_->lastPress : 0; }
   /// The window that gets the input focus back from our panels; none where none of them has it. Any thread.
   [[nodiscard]] xcb_window_t focusOwed() const { return env_ ? env_->focus.owed() : xcb_window_t{XCB_NONE}; }
-  /// Pixels to the point.
-  [[nodiscard]] double scale() const { return env_ ? env_->screens->space().scale : 1; }
   [[nodiscard]] bool isCompositing() const { return env_ && env_->compositor.isRunning(); }
 
  private:

@@ -64,7 +64,6 @@ X11Platform::X11Platform(EventLoop& loop, CanvasFactory& canvases, const Clock& 
       windows_(loop, connection_, features_, screens_, canvases, clock),
       runningApplications_(loop, connection_),
       windowList_(connection_, screens_),
-      dragging_(loop, connection_, windows_, clock),
       managedWindows_(connection_),
       lockdown_(connection_ ? std::make_unique<Lockdown>(connection_, features_, typingCare_) : nullptr),
       display_(display) {

@@ -8,7 +8,6 @@
 
 #include "platform/linux/DisplayFamily.h"
 #include "platform/linux/x11/AccessibilityX11.h"
-#include "platform/linux/x11/DraggingX11.h"
 #include "platform/linux/x11/EventTapX11.h"
 #include "platform/linux/x11/HardwareKeysX11.h"
 #include "platform/linux/x11/IdleX11.h"
@@ -46,7 +45,6 @@ class X11Platform final : public DisplayFamily {
   [[nodiscard]] WindowServer& windows() override { return windows_; }
   [[nodiscard]] RunningApplications& runningApplications() { return runningApplications_; }
   [[nodiscard]] WindowList& windowList() { return windowList_; }
-  [[nodiscard]] Dragging& dragging() { return dragging_; }
 
   /// How applications are told from each other, by the names on their windows.
   void setApplicationNaming(ApplicationNaming naming) { runningApplications_.setNaming(std::move(naming)); }
@@ -78,7 +76,6 @@ class X11Platform final : public DisplayFamily {
   PanelServer windows_;
   RunningApplicationsX11 runningApplications_;
   WindowListX11 windowList_;
-  DraggingX11 dragging_;
   ManagedWindows managedWindows_;
   std::unique_ptr<Lockdown> lockdown_;
   std::atomic<bool> isLockedDown_ = false;
