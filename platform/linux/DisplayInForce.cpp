@@ -6,7 +6,7 @@
 #include <system_error>
 #include <thread>
 
-#include "platform/linux/wayland/LockMark.h"
+#include "platform/linux/wayland/LockProcesses.h"
 #include "platform/linux/wayland/LockRelease.h"
 #include "platform/linux/wayland/WaylandPlatform.h"
 
@@ -93,8 +93,8 @@ WindowList& DisplayInForce::windowList() {
 
 void DisplayInForce::lastWill() {
   family().lastWill();
-  const auto mark = wayland::LockMark::read(lockMark_);
-  if (!mark || mark->owner.isAlive()) return;
+  const auto mark = wayland::readMark(lockMark_);
+  if (!mark || wayland::isAlive(mark->owner)) return;
   // A compositor that does not answer must not keep the process from ending.
   auto released = std::make_shared<std::promise<void>>();
   auto isReleased = released->get_future();

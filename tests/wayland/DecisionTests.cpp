@@ -4,11 +4,11 @@
 #include <string>
 #include <vector>
 
+#include "platform/common/lock/FocusKeeper.h"
+#include "platform/common/lock/LockStages.h"
+#include "platform/common/lock/LockWatch.h"
 #include "platform/linux/DisplayChoice.h"
 #include "platform/linux/display/KeyTracker.h"
-#include "platform/linux/wayland/FocusKeeper.h"
-#include "platform/linux/wayland/LockMark.h"
-#include "platform/linux/wayland/LockStages.h"
 #include "platform/linux/wayland/Outputs.h"
 #include "platform/sim/SimMachine.h"
 
@@ -178,6 +178,44 @@ TEST(LockMark, TextThatIsNoneIsNoMark) {
   const LockMark mark{{12, 345}, {67, 890}};
   EXPECT_EQ(LockMark::parse(mark.text()), mark);
   for (const char* text : {"", "x", "12 345 67", "-1 2 3 4", "0 0 0 0"}) EXPECT_FALSE(LockMark::parse(text)) << text;
+}
+
+TEST(LockWatch, EndsALockThatNobodyHasTakenOver) {
+  using Step = LockWatch::Step;
+  const ProcessMark compositor{7, 1};
+  const LockMark dead{{12, 345}, compositor};
+  const LockMark other{{13, 678}, compositor};
+  struct Case {
+    const char* what;
+    bool isMarked;
+    LockWatch::Seen seen;
+    Step before;
+    Step after;
+  };
+  const std::vector<Case> cases{
+      {"nobody came", true, {dead, false}, Step::look, Step::release},
+      {"the system still counts the owner among the living", true, {dead, true}, Step::look, Step::release},
+      {"it was given back", true, {std::nullopt}, Step::end, Step::end},
+      {"no mark could be written", false, {std::nullopt}, Step::look, Step::release},
+      {"somebody has it", true, {other, true}, Step::look, Step::end},
+      {"somebody had it and died, too", true, {other, false}, Step::look, Step::release},
+      {"the compositor is gone", true, {dead, false, false}, Step::end, Step::end},
+  };
+  for (const Case& c : cases) {
+    const LockWatch watch(dead.owner, c.isMarked, 100);
+    EXPECT_EQ(watch.next(c.seen, 109.9), c.before) << c.what;
+    EXPECT_EQ(watch.next(c.seen, 110), c.after) << c.what;
+  }
+}
+
+TEST(LockWatch, TriesAgainUntilTheCompositorHasNoticedAndNotForEver) {
+  LockWatch watch({12, 345}, true, 0);
+  const LockWatch::Seen seen{LockMark{{12, 345}, {7, 1}}};
+  int attempts = 0;
+  for (int i = 0; i < 1000; ++i) watch.tried(LockRelease::failed);
+  for (; watch.next(seen, 10) == LockWatch::Step::release; ++attempts) watch.tried(LockRelease::owned);
+  EXPECT_GE(attempts * LockWatch::PAUSE, 3);
+  EXPECT_LE(attempts * LockWatch::PAUSE, 6);
 }
 
 }  // namespace

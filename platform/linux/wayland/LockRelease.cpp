@@ -5,7 +5,7 @@
 #include <wayland-client-core.h>
 
 #include "platform/linux/wayland/Connection.h"
-#include "platform/linux/wayland/LockMark.h"
+#include "platform/linux/wayland/LockProcesses.h"
 #include "platform/linux/wayland/Protocols.h"
 
 namespace dormel::wayland {
@@ -35,28 +35,38 @@ bool wait(wl_display* display, const Answer& answer, Clock::time_point deadline)
   return true;
 }
 
-}  // namespace
-
-LockRelease releaseAbandonedLock(const std::string& mark, const std::string& display, std::chrono::milliseconds limit) {
+LockRelease release(Connection& connection, std::chrono::milliseconds limit) {
   const auto deadline = Clock::now() + limit;
-  const auto connection = Connection::open(display);
-  if (!connection || !connection->globals().sessionLock) return LockRelease::failed;
-  if (!hasAbandonedLock(mark, peerOf(connection->descriptor()))) return LockRelease::owned;
+  if (!connection.globals().sessionLock) return LockRelease::failed;
   Answer answer;
   static constexpr ext_session_lock_v1_listener LISTENER{
       [](void* data, ext_session_lock_v1*) { static_cast<Answer*>(data)->isLocked = true; },
       [](void* data, ext_session_lock_v1*) { static_cast<Answer*>(data)->isFinished = true; }};
-  ext_session_lock_v1* lock = ext_session_lock_manager_v1_lock(connection->globals().sessionLock.get());
+  ext_session_lock_v1* lock = ext_session_lock_manager_v1_lock(connection.globals().sessionLock.get());
   ext_session_lock_v1_add_listener(lock, &LISTENER, &answer);
-  const bool isAnswered = wait(connection->display(), answer, deadline);
+  const bool isAnswered = wait(connection.display(), answer, deadline);
   if (isAnswered && answer.isLocked && !answer.isFinished) {
     ext_session_lock_v1_unlock_and_destroy(lock);
-    if (!connection->syncWithin(limit)) return LockRelease::failed;
-    ::unlink(mark.c_str());
-    return LockRelease::released;
+    return connection.syncWithin(limit) ? LockRelease::released : LockRelease::failed;
   }
   ext_session_lock_v1_destroy(lock);
   return isAnswered ? LockRelease::owned : LockRelease::failed;
+}
+
+}  // namespace
+
+LockRelease releaseLock(const std::string& display, std::chrono::milliseconds limit) {
+  const auto connection = Connection::open(display);
+  return connection ? release(*connection, limit) : LockRelease::failed;
+}
+
+LockRelease releaseAbandonedLock(const std::string& mark, const std::string& display, std::chrono::milliseconds limit) {
+  const auto connection = Connection::open(display);
+  if (!connection) return LockRelease::failed;
+  if (!hasAbandonedLock(mark, peerOf(connection->descriptor()))) return LockRelease::owned;
+  const LockRelease result = release(*connection, limit);
+  if (result == LockRelease::released) ::unlink(mark.c_str());
+  return result;
 }
 
 }  // namespace dormel::wayland

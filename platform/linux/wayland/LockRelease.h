@@ -1,18 +1,17 @@
-// Ending a session lock whose owner died, by its mark. Any thread and any process; blocks.
+// Ending a session lock whose owner died. Any thread and any process; blocks.
 #pragma once
 
 #include <chrono>
 #include <string>
 
+#include "platform/common/lock/LockWatch.h"
+
 namespace dormel::wayland {
 
-enum class LockRelease {
-  released,  ///< it was taken over and given back, and the mark is gone
-  owned,     ///< somebody who lives has it, or there is no such lock at this compositor
-  failed,    ///< no such compositor, or it did not answer in time
-};
+/// The lock that nobody owns. `display` is as in $WAYLAND_DISPLAY; empty means that.
+[[nodiscard]] LockRelease releaseLock(const std::string& display, std::chrono::milliseconds limit);
 
-/// `display` is as in $WAYLAND_DISPLAY; empty means that.
+/// The same for the lock that `mark` is of, if that was abandoned: the mark goes with it.
 [[nodiscard]] LockRelease releaseAbandonedLock(const std::string& mark, const std::string& display,
                                                std::chrono::milliseconds limit);
 

@@ -15,14 +15,12 @@
 #include <cstring>
 #include <thread>
 
-#include "platform/linux/wayland/LockMark.h"
+#include "platform/linux/wayland/LockProcesses.h"
 #include "platform/linux/wayland/LockRelease.h"
 
 namespace dormel::wayland {
 namespace {
 
-constexpr std::chrono::seconds PATIENCE{10};
-constexpr std::chrono::milliseconds LOOK{250};
 constexpr std::chrono::seconds RELEASE_LIMIT{5};
 constexpr const char* NAME = "dormel-watch";
 constexpr char DISMISSED = 'q';
@@ -65,32 +63,65 @@ void closeAllBut(int one, int other) {
   close(high + 1, ~0U);
 }
 
-void waitForTakeover(const std::string& mark, const std::string& display) {
-  const auto deadline = std::chrono::steady_clock::now() + PATIENCE;
-  while (std::chrono::steady_clock::now() < deadline) {
-    const auto found = LockMark::read(mark);
-    if (!found || found->owner.isAlive()) return;  // it was given back, or somebody has it
-    std::this_thread::sleep_for(LOOK);
-  }
-  static_cast<void>(releaseAbandonedLock(mark, display, RELEASE_LIMIT));
+Seconds now() { return std::chrono::duration<Seconds>(std::chrono::steady_clock::now().time_since_epoch()).count(); }
+
+LockWatch::Seen seen(const LockWatcher::Watched& watched) {
+  LockWatch::Seen seen;
+  seen.mark = readMark(watched.path);
+  seen.isOwnerAlive = seen.mark && isAlive(seen.mark->owner);
+  seen.isCompositorAlive = watched.mark.compositor.pid == 0 || isAlive(watched.mark.compositor);
+  return seen;
 }
 
-[[noreturn]] void watch(int owner, int leash, const std::string& mark, const std::string& display) {
+void takeCare(const LockWatcher::Watched& watched) {
+  LockWatch watch(watched.mark.owner, watched.isMarked, now());
+  for (;;) {
+    switch (watch.next(seen(watched), now())) {
+      case LockWatch::Step::end:
+        return;
+      case LockWatch::Step::look:
+        break;
+      case LockWatch::Step::release: {
+        const LockRelease result = releaseLock(watched.display, RELEASE_LIMIT);
+        if (result == LockRelease::released) {
+          ::unlink(watched.path.c_str());
+          return;
+        }
+        watch.tried(result);
+        break;
+      }
+    }
+    std::this_thread::sleep_for(std::chrono::duration<Seconds>(LockWatch::PAUSE));
+  }
+}
+
+/// Until the owner is dead; false when it said before that nothing is locked any more. Only the process itself tells
+/// of its end: what it had open is closed while the system still counts it among the living.
+bool waitForEnd(int owner, int leash) {
+  std::array<pollfd, 2> entries{{{owner, POLLIN, 0}, {leash, POLLIN, 0}}};
+  for (;;) {
+    if (::poll(entries.data(), entries.size(), -1) < 0) {
+      if (errno == EINTR) continue;
+      return true;
+    }
+    char word = 0;
+    if ((entries[1].revents & POLLIN) != 0 && ::read(leash, &word, 1) == 1 && word == DISMISSED) return false;
+    if (entries[0].revents != 0) return true;
+    if (entries[1].revents != 0) entries[1].fd = -1;
+  }
+}
+
+[[noreturn]] void watch(int owner, int leash, const LockWatcher::Watched& watched) {
   ::setsid();
   closeAllBut(owner, leash);
   rename();
-  std::array<pollfd, 2> entries{{{owner, POLLIN, 0}, {leash, POLLIN, 0}}};
-  while (::poll(entries.data(), entries.size(), -1) < 0 && errno == EINTR) {
-  }
-  char word = 0;
-  if ((entries[1].revents & POLLIN) != 0 && ::read(leash, &word, 1) == 1 && word == DISMISSED) ::_exit(0);
-  waitForTakeover(mark, display);
+  if (waitForEnd(owner, leash)) takeCare(watched);
   ::_exit(0);
 }
 
 }  // namespace
 
-LockWatcher::LockWatcher(const std::string& mark, const std::string& display) {
+LockWatcher::LockWatcher(const Watched& watched) {
   const posix::FileDescriptor self(static_cast<int>(::syscall(SYS_pidfd_open, ::getpid(), 0)));
   std::array<int, 2> ends{};
   if (!self.valid() || ::pipe2(ends.data(), O_CLOEXEC) != 0) return;
@@ -100,7 +131,7 @@ LockWatcher::LockWatcher(const std::string& mark, const std::string& display) {
   if (between == 0) {
     // Nobody's child, so that nobody has to wait for it.
     const pid_t watcher = ::fork();
-    if (watcher == 0) watch(self.get(), reading.get(), mark, display);
+    if (watcher == 0) watch(self.get(), reading.get(), watched);
     ::_exit(watcher < 0 ? 1 : 0);
   }
   int status = 1;

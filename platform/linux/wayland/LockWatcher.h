@@ -1,19 +1,27 @@
-// A small process that outlives this one while a session lock is up. Should the lock's owner die and nobody take the
-// lock over within 10 s (the program was deleted, its job removed, its disk is gone), it ends the lock from memory, so
-// that nobody is left behind a lock that no process on this machine can open.
+// A small process that outlives this one while a session lock is up, and does what LockWatch decides: should the lock's
+// owner die and nobody take the lock over (the program was deleted, its job removed, its disk is gone), it ends the
+// lock from memory, so that nobody is left behind a lock that no process on this machine can open.
 #pragma once
 
+#include <optional>
 #include <string>
 
+#include "platform/common/lock/LockMark.h"
 #include "platform/linux/posix/FileDescriptor.h"
 
 namespace dormel::wayland {
 
 class LockWatcher {
  public:
-  /// Forks it. `mark` is the path of the lock's mark, `display` as in $WAYLAND_DISPLAY. Where no process is to be had
-  /// there is none, and `isThere` says so.
-  LockWatcher(const std::string& mark, const std::string& display);
+  struct Watched {
+    std::string path;       ///< where the lock's mark is kept
+    LockMark mark;          ///< this process and its compositor; numbers of 0 for what is not known
+    bool isMarked = false;  ///< the mark could be written
+    std::string display;    ///< as in $WAYLAND_DISPLAY
+  };
+
+  /// Forks it. Where no process is to be had there is none, and `isThere` says so.
+  explicit LockWatcher(const Watched& watched);
   LockWatcher(const LockWatcher&) = delete;
   LockWatcher& operator=(const LockWatcher&) = delete;
   /// Nothing is locked any more: it ends.

@@ -26,7 +26,7 @@ PanelEnvironment::PanelEnvironment(Connection& theConnection, EventLoop& theLoop
       clock(theClock),
       shades(connection.globals().shm.get()),
       inhibitors(connection, keyboard),
-      lock(connection, outputs, shades, loop, lockMark),
+      lock(connection, outputs, shades, lockMark),
       focus(clock, {[this] { return keyboard.isHeld(); },
                     [this] {
                       const auto visible = visiblePanels();

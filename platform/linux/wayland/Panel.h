@@ -8,11 +8,11 @@
 #include <vector>
 
 #include "platform/common/Canvas.h"
+#include "platform/common/RateBudget.h"
+#include "platform/common/lock/FocusKeeper.h"
 #include "platform/linux/display/AlphaAnimator.h"
 #include "platform/linux/display/Later.h"
-#include "platform/linux/display/RateBudget.h"
 #include "platform/linux/wayland/Content.h"
-#include "platform/linux/wayland/FocusKeeper.h"
 #include "platform/linux/wayland/Inhibitors.h"
 #include "platform/linux/wayland/Keyboard.h"
 #include "platform/linux/wayland/Pointer.h"

@@ -4,26 +4,14 @@
 
 #include <utility>
 
-#include "platform/linux/wayland/LockMark.h"
+#include "platform/linux/wayland/LockProcesses.h"
 #include "platform/linux/wayland/Protocols.h"
 
 namespace dormel::wayland {
-namespace {
 
-constexpr int RETRY_MILLISECONDS = 1000;
-
-}  // namespace
-
-SessionLock::SessionLock(Connection& connection, Outputs& outputs, Shades& shades, RunLoop& loop, std::string mark)
-    : connection_(connection),
-      outputs_(outputs),
-      shades_(shades),
-      mark_(std::move(mark)),
-      retry_(
-          loop, [this] { retry(); }, RETRY_MILLISECONDS) {
-  if (isOffered() && hasAbandonedLock(mark_, peerOf(connection_.descriptor()))) {
-    stages_.setAbandoned();
-  }
+SessionLock::SessionLock(Connection& connection, Outputs& outputs, Shades& shades, std::string mark)
+    : connection_(connection), outputs_(outputs), shades_(shades), mark_(std::move(mark)) {
+  if (isOffered() && hasAbandonedLock(mark_, peerOf(connection_.descriptor()))) keeper_.stages().setAbandoned();
 }
 
 SessionLock::~SessionLock() {
@@ -37,27 +25,28 @@ SessionLock::~SessionLock() {
 }
 
 void SessionLock::apply() {
-  if (!isOffered()) return;
-  switch (stages_.next()) {
-    case LockStages::Step::lock:
-      ask();
-      break;
-    case LockStages::Step::unlock:
-      unlock();
-      break;
-    case LockStages::Step::nothing:
-      break;
-  }
+  if (isOffered()) keeper_.apply();
+}
+
+LockMark SessionLock::markNow() const {
+  return {processOf(::getpid()).value_or(ProcessMark{}), peerOf(connection_.descriptor()).value_or(ProcessMark{})};
+}
+
+bool SessionLock::mark() {
+  const LockMark mark = markNow();
+  return mark.owner.pid > 0 && mark.compositor.pid > 0 && writeMark(mark, mark_);
+}
+
+void SessionLock::unmark() { ::unlink(mark_.c_str()); }
+
+void SessionLock::startWatching(bool isMarked) {
+  if (watcher_) return;
+  watcher_ = std::make_unique<LockWatcher>(LockWatcher::Watched{mark_, markNow(), isMarked, connection_.name()});
 }
 
 void SessionLock::ask() {
-  const auto owner = ProcessMark::of(::getpid());
-  const auto compositor = peerOf(connection_.descriptor());
-  // Before the request: from the moment it is sent, the lock may be up and this process may die.
   ended_.reset();
   isEnding_ = false;
-  if (owner && compositor) static_cast<void>(LockMark{*owner, *compositor}.write(mark_));
-  if (!watcher_) watcher_ = std::make_unique<LockWatcher>(mark_, connection_.name());
   lock_ = ext_session_lock_manager_v1_lock(connection_.globals().sessionLock.get());
   static constexpr ext_session_lock_v1_listener LISTENER{
       [](void* self, ext_session_lock_v1*) { static_cast<SessionLock*>(self)->answered(true); },
@@ -67,52 +56,29 @@ void SessionLock::ask() {
   connection_.flush();
 }
 
-void SessionLock::answered(bool isLocked) {
-  if (isLocked) {
-    isLocked_ = true;
-    isRefused_ = false;
-    stages_.locked();
-    changed();
-    apply();  // it may have been wanted no more meanwhile
-    return;
-  }
-  const bool wasLocked = isLocked_.exchange(false);
-  isRefused_ = true;
-  stages_.finished();
-  changed();
-  drop(std::exchange(sheets_, {}));
-  ext_session_lock_v1* const lock = lock_.exchange(nullptr);
-  if (wasLocked) {
-    ext_session_lock_v1_unlock_and_destroy(lock);
-  } else {
-    ext_session_lock_v1_destroy(lock);
-  }
-  ::unlink(mark_.c_str());
-  watcher_.reset();
-  retry_.ask();
+void SessionLock::answered(bool isUp) {
+  if (isUp) isLocked_ = true;
+  keeper_.answered(isUp);
 }
 
-void SessionLock::retry() {
-  stages_.retry();
-  apply();
-  if (stages_.stage() != LockStages::Stage::open) return;
-  isRefused_ = false;  // nothing is to be locked any more
-  changed();
-}
-
-void SessionLock::unlock() {
+void SessionLock::giveBack(bool isUp) {
+  isEnding_ = isUp;
   isLocked_ = false;
-  isEnding_ = true;
-  changed();
-  ext_session_lock_v1_unlock_and_destroy(lock_.exchange(nullptr));
+  ext_session_lock_v1* const lock = lock_.exchange(nullptr);
+  if (lock == nullptr) return;
+  if (isUp) ext_session_lock_v1_unlock_and_destroy(lock);
   drop(std::exchange(sheets_, {}));
+  if (!isUp) ext_session_lock_v1_destroy(lock);
+  connection_.flush();
+}
+
+void SessionLock::confirmEnd() {
   ended_.reset(wl_display_sync(connection_.display()));
   static constexpr wl_callback_listener LISTENER{[](void* data, wl_callback*, std::uint32_t) {
     auto& self = *static_cast<SessionLock*>(data);
     self.ended_.reset();
     self.isEnding_ = false;
-    ::unlink(self.mark_.c_str());
-    self.watcher_.reset();
+    self.keeper_.ended();
   }};
   wl_callback_add_listener(ended_.get(), &LISTENER, this);
   connection_.flush();
@@ -154,7 +120,7 @@ void SessionLock::changed() {
   if (onChange_) onChange_();
 }
 
-void SessionLock::giveBack(std::chrono::milliseconds limit) {
+void SessionLock::lastWill(std::chrono::milliseconds limit) {
   if (isLocked_.exchange(false)) {
     ext_session_lock_v1_unlock_and_destroy(lock_.exchange(nullptr));
   } else if (!isEnding_) {

@@ -1,6 +1,6 @@
 // The compositor's session lock: while it is up, nothing shows but our sheets, one on each output, and no key reaches
-// anybody else. It outlives its client, so it is kept together with what makes sure that somebody ends it: a mark in
-// the runtime folder and a process that watches over this one. Main thread only, but for `giveBack`.
+// anybody else. When it is taken and given back decides LockKeeper; here are the compositor, the mark in the runtime
+// folder and the process that watches over this one. Main thread only, but for `lastWill`.
 #pragma once
 
 #include <atomic>
@@ -11,31 +11,30 @@
 #include <string>
 #include <utility>
 
-#include "platform/linux/display/Later.h"
-#include "platform/linux/wayland/LockStages.h"
+#include "platform/common/lock/LockKeeper.h"
 #include "platform/linux/wayland/LockWatcher.h"
 #include "platform/linux/wayland/Sheet.h"
 
 namespace dormel::wayland {
 
-class SessionLock {
+class SessionLock final : private LockPlace {
  public:
   /// A lock that one of us left behind is taken over as soon as something is to be locked. `mark`: where the mark is
   /// kept. Where that is empty or the compositor offers no such lock, none of this does anything.
-  SessionLock(Connection& connection, Outputs& outputs, Shades& shades, RunLoop& loop, std::string mark);
+  SessionLock(Connection& connection, Outputs& outputs, Shades& shades, std::string mark);
   SessionLock(const SessionLock&) = delete;
   SessionLock& operator=(const SessionLock&) = delete;
-  ~SessionLock();
+  ~SessionLock() override;
 
   /// Tells what has changed; `apply` then does what is due.
-  [[nodiscard]] LockStages& stages() { return stages_; }
+  [[nodiscard]] LockStages& stages() { return keeper_.stages(); }
   void apply();
   /// Outputs came or went.
   void lookAtOutputs();
 
-  [[nodiscard]] bool isUp() const { return stages_.stage() == LockStages::Stage::locked; }
+  [[nodiscard]] bool isUp() const { return keeper_.isUp(); }
   /// Another program's lock is up, as far as is known.
-  [[nodiscard]] bool isRefused() const { return isRefused_; }
+  [[nodiscard]] bool isRefused() const { return keeper_.isRefused(); }
   /// The lock's sheet on this output; null when there is none.
   [[nodiscard]] Sheet* sheetOn(const Output& output) const;
 
@@ -46,24 +45,30 @@ class SessionLock {
   void setOnSheet(std::function<void(wl_surface*, bool isThere)> onSheet) { onSheet_ = std::move(onSheet); }
 
   /// Ends the lock for a process that ends now. Any thread.
-  void giveBack(std::chrono::milliseconds limit);
+  void lastWill(std::chrono::milliseconds limit);
 
  private:
   using Sheets = std::map<std::uint32_t, std::unique_ptr<LockSheet>>;
 
   [[nodiscard]] bool isOffered() const { return connection_.globals().sessionLock && !mark_.empty(); }
-  void ask();
-  void answered(bool isLocked);
-  void unlock();
-  void retry();
-  void changed();
+
+  bool mark() override;
+  void unmark() override;
+  void startWatching(bool isMarked) override;
+  void stopWatching() override { watcher_.reset(); }
+  void ask() override;
+  void giveBack(bool isUp) override;
+  void confirmEnd() override;
+  void changed() override;
+  void answered(bool isUp);
+  [[nodiscard]] LockMark markNow() const;
   void drop(const Sheets& sheets);
 
   Connection& connection_;
   Outputs& outputs_;
   Shades& shades_;
   const std::string mark_;
-  LockStages stages_;
+  LockKeeper keeper_{*this};
   /// Non-null from the request on. The last moments of the process may ask for it from another thread.
   std::atomic<ext_session_lock_v1*> lock_ = nullptr;
   std::atomic<bool> isLocked_ = false;
@@ -71,10 +76,8 @@ class SessionLock {
   std::unique_ptr<LockWatcher> watcher_;
   Sheets sheets_;
   Owned<wl_callback> ended_;
-  bool isRefused_ = false;  ///< by the last answer: asking again does not change it
   Task onChange_;
   std::function<void(wl_surface*, bool isThere)> onSheet_;
-  Later retry_;
 };
 
 }  // namespace dormel::wayland

@@ -6,7 +6,7 @@
 #include <memory>
 #include <vector>
 
-#include "platform/linux/display/RateBudget.h"
+#include "platform/common/RateBudget.h"
 #include "platform/linux/x11/Connection.h"
 
 namespace dormel::x11 {

@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "platform/Windows.h"
+#include "platform/common/RateBudget.h"
 #include "platform/linux/display/Later.h"
-#include "platform/linux/display/RateBudget.h"
 #include "platform/linux/x11/Connection.h"
 
 namespace dormel::x11 {

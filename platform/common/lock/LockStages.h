@@ -2,7 +2,7 @@
 // of a fade: it begins when the screens are black and ends before they clear. Plain computation.
 #pragma once
 
-namespace dormel::wayland {
+namespace dormel {
 
 class LockStages {
  public:
@@ -60,4 +60,4 @@ class LockStages {
   bool takesOver_ = false;
 };
 
-}  // namespace dormel::wayland
+}  // namespace dormel

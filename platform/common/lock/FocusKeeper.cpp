@@ -1,8 +1,8 @@
-#include "platform/linux/wayland/FocusKeeper.h"
+#include "platform/common/lock/FocusKeeper.h"
 
 #include <utility>
 
-namespace dormel::wayland {
+namespace dormel {
 namespace {
 
 constexpr std::size_t MOST_ATTEMPTS = 20;  // in a second
@@ -47,4 +47,4 @@ void FocusKeeper::attempt() {
   }
 }
 
-}  // namespace dormel::wayland
+}  // namespace dormel

@@ -1,4 +1,4 @@
-#include "platform/linux/wayland/LockMark.h"
+#include "platform/linux/wayland/LockProcesses.h"
 
 #include <fcntl.h>
 #include <sys/socket.h>
@@ -25,7 +25,7 @@ std::optional<std::string> readShort(const std::string& path) {
 
 }  // namespace
 
-std::optional<ProcessMark> ProcessMark::of(pid_t pid) {
+std::optional<ProcessMark> processOf(int pid) {
   if (pid <= 0) return std::nullopt;
   const auto stat = readShort("/proc/" + std::to_string(pid) + "/stat");
   if (!stat) return std::nullopt;
@@ -41,28 +41,14 @@ std::optional<ProcessMark> ProcessMark::of(pid_t pid) {
   return mark;
 }
 
-std::string LockMark::text() const {
-  std::ostringstream text;
-  text << owner.pid << ' ' << owner.startedAt << ' ' << compositor.pid << ' ' << compositor.startedAt << '\n';
-  return text.str();
-}
-
-std::optional<LockMark> LockMark::parse(const std::string& text) {
-  LockMark mark;
-  std::istringstream words(text);
-  words >> mark.owner.pid >> mark.owner.startedAt >> mark.compositor.pid >> mark.compositor.startedAt;
-  if (words.fail() || mark.owner.pid <= 0) return std::nullopt;
-  return mark;
-}
-
-std::optional<LockMark> LockMark::read(const std::string& path) {
+std::optional<LockMark> readMark(const std::string& path) {
   const auto text = readShort(path);
-  return text ? parse(*text) : std::nullopt;
+  return text ? LockMark::parse(*text) : std::nullopt;
 }
 
-bool LockMark::write(const std::string& path) const {
+bool writeMark(const LockMark& mark, const std::string& path) {
   const std::string temporary = path + ".new";
-  const std::string line = text();
+  const std::string line = mark.text();
   {
     const posix::FileDescriptor file(
         ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW, 0600));
@@ -77,17 +63,17 @@ std::optional<ProcessMark> peerOf(int socket) {
   ucred peer{};
   socklen_t size = sizeof peer;
   if (::getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &peer, &size) != 0) return std::nullopt;
-  return ProcessMark::of(peer.pid);
+  return processOf(peer.pid);
 }
 
 bool hasAbandonedLock(const std::string& path, const std::optional<ProcessMark>& compositor) {
-  const auto mark = LockMark::read(path);
+  const auto mark = readMark(path);
   if (!mark || !compositor) return false;
   if (mark->compositor != *compositor) {
     ::unlink(path.c_str());
     return false;
   }
-  return !mark->owner.isAlive();
+  return !isAlive(mark->owner);
 }
 
 }  // namespace dormel::wayland

@@ -6,9 +6,9 @@
 #include <functional>
 
 #include "platform/RunLoop.h"
-#include "platform/linux/display/RateBudget.h"
+#include "platform/common/RateBudget.h"
 
-namespace dormel::wayland {
+namespace dormel {
 
 class FocusKeeper {
  public:
@@ -43,4 +43,4 @@ class FocusKeeper {
   Timer next_;
 };
 
-}  // namespace dormel::wayland
+}  // namespace dormel
