@@ -135,6 +135,7 @@ class Night:
         lifted = time.monotonic()
         self._report("screens free", f"{self._speed * (lifted - self.completed):.1f} s after the hold", lifted, None)
         pill = until("the countdown pill", lambda: desk.pill(self.pid), 3)
+        until("the pill's picture", lambda: self._counts(pill), 5)
         self._report("countdown pill", f"{pill.width} × {pill.height} in the corner of the main screen",
                      time.monotonic(), "pill")
         desk.watcher.first("ungrab", mark, 6, "the keyboard is let go")
@@ -212,6 +213,13 @@ class Night:
             if count < enough:
                 return No(f"{count} bright pixels where the keys stand on {monitor.name}")
         return True
+
+    def _counts(self, pill):
+        """White figures on the pill's dark ground."""
+        shot = self.desk.eyes.rectangle(pill.x, pill.y, pill.width, pill.height)
+        all_of_it, bright = pill.width * pill.height, shot.brighter_than(150)
+        dark = all_of_it - shot.brighter_than(90)
+        return dark > all_of_it // 4 and bright > 100 or No(f"{bright} bright and {dark} dark pixels of {all_of_it}")
 
     def _confirmation(self, monitors):
         """The message where the dial was, and no keys below it."""
