@@ -14,18 +14,22 @@ ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__)
 
 class Bundle:
     """Dormel.app in a private Applications folder: installed from a build folder (`build`, or DORMEL_BUILD, or the
-    release build), or copied from a bundle that is named by DORMEL_BUNDLE."""
+    release build), or copied from a bundle that is named by DORMEL_BUNDLE. DORMEL_INSTALLED names one that is used where
+    it stands: a package's."""
 
     def __init__(self, desk, build=None):
         self._desk = desk
         self.build = build or os.environ.get("DORMEL_BUILD", os.path.join(ROOT, "build", "release"))
-        self.path = os.path.join(desk.home.applications, "Dormel.app")
+        self._installed = os.environ.get("DORMEL_INSTALLED")
+        self.path = self._installed or os.path.join(desk.home.applications, "Dormel.app")
         self.program = os.path.join(self.path, "Contents", "Linux", "Dormel")
         self.launchctl = os.path.join(self.path, "Contents", "Helpers", "launchctl")
 
     def install(self):
         ready = os.environ.get("DORMEL_BUNDLE")
-        if ready:
+        if self._installed:
+            pass
+        elif ready:
             shutil.copytree(ready, self.path, symlinks=True)
         else:
             done = subprocess.run(["cmake", "--install", self.build, "--prefix", self._desk.home.applications],
@@ -33,7 +37,7 @@ class Bundle:
             if done.returncode != 0:
                 raise AssertionError(f"cmake --install {self.build}: {done.stdout}{done.stderr}")
         if not os.access(self.program, os.X_OK):
-            raise AssertionError(f"the build in {self.build} installs no program {self.program}")
+            raise AssertionError(f"there is no program {self.program}")
         return self
 
     def run(self, *arguments, within=30, environment=None):
