@@ -16,6 +16,10 @@ Item {
         width: root.implicitWidth
         height: root.implicitHeight
 
+        CapsuleShadow {
+            anchors.fill: parent
+            anchors.margins: -margin
+        }
         // Two rectangles: the border lies on the fill and takes nothing from it.
         Rectangle {
             anchors.fill: parent

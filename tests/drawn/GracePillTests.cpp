@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -40,6 +41,24 @@ TEST_F(GracePillTest, FitsItsContentAndStaysInItsWindow) {
     if (item.text.isEmpty()) continue;
     EXPECT_GE(item.box.left(), 20 + 28 + 12);
     EXPECT_LE(item.box.right(), fitting.width - 19.5);
+  }
+}
+
+TEST_F(GracePillTest, HasAShadowThatNoWindowIsCutAround) {
+  for (const double scale : {1.0, 2.0}) {
+    constexpr int MARGIN = 24;
+    DrawnView drawn(night.factory, night.view(), scale, Size{212 + 2 * MARGIN, 56 + 2 * MARGIN});
+    const QImage& picture = drawn.picture();
+    const auto alpha = [&](double x, double y) {
+      return picture.pixelColor(static_cast<int>(x * scale), static_cast<int>(y * scale)).alpha();
+    };
+    EXPECT_EQ(alpha(130, MARGIN + 5), std::lround(0.75 * 255)) << "as if there were none";
+    EXPECT_GT(alpha(130, MARGIN + 58), 60);
+    EXPECT_GT(alpha(130, MARGIN - 3), 10);
+    for (int x = 0; x < 260; ++x) {
+      EXPECT_LE(alpha(x, 0.5) + alpha(x, 103.5), 4) << "nothing is cut off at the edge";
+      for (int y = 0; y < MARGIN - 1; ++y) EXPECT_LT(std::max(alpha(x, y), alpha(x, 103 - y)), 128);
+    }
   }
 }
 

@@ -280,7 +280,7 @@ TEST_F(PanelTest, AKeyPanelHearsTheKeysAndGivesTheFocusBack) {
   EXPECT_EQ(desktop.keysSeen() - before, 2) << "back where it was";
 }
 
-TEST_F(PanelTest, ThePillIsDraggedByItsGroundAndHasItsOutlineWithoutACompositor) {
+TEST_P(FadeTest, ThePillIsDraggedByItsGroundAndHasItsOutline) {
   Desk desk(*server);
   const auto pill = desk.x11.windows().makeWindow(pillStyle(), {0, 0, 400, 80});
   pill->setContent(std::make_shared<PlainView>());
@@ -289,11 +289,16 @@ TEST_F(PanelTest, ThePillIsDraggedByItsGroundAndHasItsOutlineWithoutACompositor)
   pill->orderFrontRegardless();
   EXPECT_TRUE(until([&] { return server->pixel(680, 80) == CONTENT; }));
   EXPECT_EQ(server->pixel(610, 80), DESKTOP) << "nothing where the picture is transparent";
+  EXPECT_EQ(desk.canvases.made.at(0)->width(), 24 + 160 + 24) << "with room for its shadow";
 
-  server->movePointer(680, 80);
-  server->button(true);
-  server->movePointer(580, 280);
-  server->button(false);
+  const auto drag = [&](int from, int to) {
+    server->movePointer(from, 80);
+    server->button(true);
+    server->movePointer(to, 280);
+    server->button(false);
+  };
+  drag(610, 10);  // what is clear lets the pointer through
+  drag(680, 580);
   EXPECT_TRUE(until([&] { return pill->frame() == (Rect{500, 280, 160, 80}); }));
   EXPECT_TRUE(until([&] { return server->pixel(580, 280) == CONTENT && server->pixel(680, 60) == DESKTOP; }));
 
@@ -304,7 +309,7 @@ TEST_F(PanelTest, ThePillIsDraggedByItsGroundAndHasItsOutlineWithoutACompositor)
   server->movePointer(590, 290);
   server->button(false);
   EXPECT_TRUE(until([&] { return canvas.pointerStory.size() == 3; }));
-  EXPECT_EQ(canvas.pointerStory, (std::vector<std::string>{"press 80,40", "move 90,50", "release 90,50"}));
+  EXPECT_EQ(canvas.pointerStory, (std::vector<std::string>{"press 104,64", "move 114,74", "release 114,74"}));
   EXPECT_EQ(pill->frame(), (Rect{500, 280, 160, 80}));
 
   // An ordinary window covers it: it rises once. A blocker covers it: it stays below.

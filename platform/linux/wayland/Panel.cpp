@@ -4,6 +4,7 @@
 #include <cmath>
 #include <utility>
 
+#include "platform/common/Shadow.h"
 #include "platform/linux/wayland/Protocols.h"
 
 namespace dormel::wayland {
@@ -163,11 +164,12 @@ Placement Panel::placement(const Output& output) const {
   }
   const auto points = [](double distance) { return static_cast<int>(std::lround(distance)); };
   Placement::Corner corner;
-  corner.size = {frame_.width, frame_.height};
-  corner.right = screen.right() - frame_.right() < frame_.x - screen.x;
-  corner.bottom = frame_.y - screen.y < screen.top() - frame_.top();
-  corner.horizontal = points(corner.right ? screen.right() - frame_.right() : frame_.x - screen.x);
-  corner.vertical = points(corner.bottom ? frame_.y - screen.y : screen.top() - frame_.top());
+  const Rect sheet = outset(frame_, shadowMargin(style_));
+  corner.size = {sheet.width, sheet.height};
+  corner.right = screen.right() - sheet.right() < sheet.x - screen.x;
+  corner.bottom = sheet.y - screen.y < screen.top() - sheet.top();
+  corner.horizontal = points(corner.right ? screen.right() - sheet.right() : sheet.x - screen.x);
+  corner.vertical = points(corner.bottom ? sheet.y - screen.y : screen.top() - sheet.top());
   return {corner};
 }
 
@@ -186,8 +188,18 @@ void Panel::makeLayer() {
   });
   env_->pointer.add(layer_->surface(), target());
   if (isKey()) env_->inhibitors.add(layer_->surface());
+  keepShadowFromPointer();
   layer_->setBlack(isBlack() ? alpha_ : 0);
   layer_->setOnLayout([this] { layOutLater_.ask(); });
+}
+
+void Panel::keepShadowFromPointer() {
+  const auto margin = static_cast<std::int32_t>(shadowMargin(style_));
+  if (margin == 0) return;
+  const Owned<wl_region> within(wl_compositor_create_region(env_->connection.globals().compositor.get()));
+  wl_region_add(within.get(), margin, margin, static_cast<std::int32_t>(frame_.width),
+                static_cast<std::int32_t>(frame_.height));
+  wl_surface_set_input_region(layer_->surface(), within.get());
 }
 
 void Panel::dropLayer() {
@@ -241,6 +253,7 @@ void Panel::setFrame(const Rect& frame) {
   if (!layer_) return;
   const auto output = env_->outputs.showing(frame_);
   if (output && output == layer_->output()) {
+    keepShadowFromPointer();
     layer_->place(placement(*output));
   } else if (isVisible_) {
     dropLayer();

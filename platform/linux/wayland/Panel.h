@@ -101,6 +101,8 @@ class Panel final : public FadingWindow, public std::enable_shared_from_this<Pan
 
   void makeLayer();
   void dropLayer();
+  /// What lies beneath a shadow can be clicked. Shown with the sheet's next commit.
+  void keepShadowFromPointer();
   [[nodiscard]] Placement placement(const Output& output) const;
   [[nodiscard]] Pointer::Target target();
   /// Has the picture stand on the sheet that can be seen.

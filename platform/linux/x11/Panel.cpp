@@ -5,9 +5,12 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstring>
 #include <string_view>
 #include <utility>
+
+#include "platform/common/Shadow.h"
 
 namespace dormel::x11 {
 namespace {
@@ -30,7 +33,7 @@ Panel::Panel(std::shared_ptr<PanelEnvironment> environment, const WindowStyle& s
     : env_(std::move(environment)),
       style_(style),
       frame_(contentRect),
-      area_(env_->screens->space().toPixels(contentRect)),
+      area_(areaOf(contentRect)),
       surface_(*env_, style.background),
       putBackBudget_(env_->clock, 20, 1.0),
       showContentLater_(env_->connection->loop(), [this] { showContent(); }),
@@ -104,27 +107,43 @@ void Panel::setProperties() {
   }
   const auto pid = static_cast<std::uint32_t>(getpid());
   xcb_change_property(c, XCB_PROP_MODE_REPLACE, window_, env_->atoms.netWmPid, XCB_ATOM_CARDINAL, 32, 1, &pid);
-  // A compositor gives this kind its shadow, if it gives any, and leaves it out of overviews.
+  // A compositor leaves this kind out of overviews.
   const xcb_atom_t type = env_->atoms.netWmWindowTypeNotification;
   xcb_change_property(c, XCB_PROP_MODE_REPLACE, window_, env_->atoms.netWmWindowType, XCB_ATOM_ATOM, 32, 1, &type);
+  tellShadow();
+}
+
+void Panel::tellShadow() {
+  if (!style_.hasShadow) return;
+  // Compositors that know of windows with a shadow of their own give them no other one.
+  const auto margin = static_cast<std::uint32_t>(std::lround(SHADOW_MARGIN * env_->screens->space().scale));
+  const std::uint32_t margins[] = {margin, margin, margin, margin};
+  xcb_change_property(*env_->connection, XCB_PROP_MODE_REPLACE, window_, env_->atoms.gtkFrameExtents, XCB_ATOM_CARDINAL,
+                      32, 4, margins);
 }
 
 Rect Panel::frame() const { return frame_; }
 
+PixelRect Panel::areaOf(const Rect& frame) const {
+  return env_->screens->space().toPixels(outset(frame, shadowMargin(style_)));
+}
+
 void Panel::setFrame(const Rect& frame) {
   frame_ = frame;
-  moveTo(env_->screens->space().toPixels(frame));
+  moveTo(areaOf(frame));
   layOutContent();
   env_->connection->flush();
 }
 
 void Panel::placeAnew() {
-  const PixelRect area = env_->screens->space().toPixels(frame_);
+  const PixelRect area = areaOf(frame_);
   if (area != area_) {
     drag_.reset();
     moveTo(area);
   }
-  layOutContent();  // the scale may be another
+  // The scale may be another.
+  tellShadow();
+  layOutContent();
 }
 
 void Panel::moveTo(const PixelRect& area) {
@@ -329,7 +348,7 @@ void Panel::onMotion(const xcb_motion_notify_event_t& event) {
   PixelRect area = drag_->from;
   area.x += event.root_x - drag_->pointerX;
   area.y += event.root_y - drag_->pointerY;
-  frame_ = env_->screens->space().toPoints(area);
+  frame_ = outset(env_->screens->space().toPoints(area), -shadowMargin(style_));
   moveTo(area);
 }
 

@@ -52,6 +52,7 @@ class Panel final : public FadingWindow, public std::enable_shared_from_this<Pan
   Panel(std::shared_ptr<PanelEnvironment> environment, const WindowStyle& style, const Rect& contentRect);
   void makeWindow();
   void setProperties();
+  void tellShadow();
   void orderFront();
   void showContent();
   Canvas* canvas() const;
@@ -62,6 +63,8 @@ class Panel final : public FadingWindow, public std::enable_shared_from_this<Pan
   void onMotion(const xcb_motion_notify_event_t& event);
   void onLeave(const xcb_leave_notify_event_t& event);
   bool tellCanvas(PointerAction action, int x, int y);
+  /// The window's pixels for a frame: the shadow's room is part of it.
+  [[nodiscard]] PixelRect areaOf(const Rect& frame) const;
   void moveTo(const PixelRect& area);
   /// Undoes what another program did to the visible window, as often as the budget allows.
   void putBack();

@@ -42,14 +42,16 @@ xcb_window_t addressee(const xcb_generic_event_t& event) {
 }  // namespace
 
 PanelAtoms::PanelAtoms(Connection& connection) {
-  const auto atoms = connection.atoms({"UTF8_STRING", "_NET_WM_NAME", "_NET_WM_PID", "_NET_WM_WINDOW_TYPE",
-                                       "_NET_WM_WINDOW_TYPE_NOTIFICATION", "_NET_WM_WINDOW_OPACITY"});
+  const auto atoms =
+      connection.atoms({"UTF8_STRING", "_NET_WM_NAME", "_NET_WM_PID", "_NET_WM_WINDOW_TYPE",
+                        "_NET_WM_WINDOW_TYPE_NOTIFICATION", "_NET_WM_WINDOW_OPACITY", "_GTK_FRAME_EXTENTS"});
   utf8String = atoms[0];
   netWmName = atoms[1];
   netWmPid = atoms[2];
   netWmWindowType = atoms[3];
   netWmWindowTypeNotification = atoms[4];
   netWmWindowOpacity = atoms[5];
+  gtkFrameExtents = atoms[6];
 }
 
 PanelEnvironment::PanelEnvironment(std::shared_ptr<Connection> theConnection, const ServerFeatures& theFeatures,

@@ -27,6 +27,7 @@ struct PanelAtoms {
   xcb_atom_t netWmWindowType;
   xcb_atom_t netWmWindowTypeNotification;
   xcb_atom_t netWmWindowOpacity;
+  xcb_atom_t gtkFrameExtents;
 };
 
 using KeyMonitor = std::function<bool(const KeyEvent&)>;

@@ -146,7 +146,7 @@ void PanelSurface::updateContent(const Pixels& pixels, const PixelRect& changed)
         });
     if (!isSame) {
       outline_ = std::move(outline);
-      if (!env_.compositor.isRunning()) applyShape();
+      applyShape();
     }
   }
   if (window_ == XCB_NONE || !isMapped_) return;
@@ -241,6 +241,9 @@ void PanelSurface::paintFade() {
 
 void PanelSurface::applyShape() {
   if (window_ == XCB_NONE || ground_ != WindowBackground::clear || !env_.features.shape) return;
+  // A shadow is nothing that a click meets.
+  xcb_shape_rectangles(*env_.connection, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT, XCB_CLIP_ORDERING_YX_BANDED, window_, 0,
+                       0, static_cast<std::uint32_t>(outline_.size()), outline_.data());
   if (env_.compositor.isRunning()) {
     xcb_shape_mask(*env_.connection, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, window_, 0, 0, XCB_PIXMAP_NONE);
     return;
