@@ -72,6 +72,7 @@ class PainterTest(DesktopCase):
         with open(f"/proc/{painter}/environ", "rb") as file:
             names = {entry.partition(b"=")[0] for entry in file.read().split(b"\0")}
         self.assertFalse(names & {b"DISPLAY", b"XAUTHORITY", b"DBUS_SESSION_BUS_ADDRESS"})
+        self.assertFalse([line for line in desk.home.log("dormel.log") if "QStandardPaths" in line])
         # It goes with the process that shows what it draws.
         os.kill(middle.process.pid, signal.SIGKILL)
         until("the painter has ended", lambda: not os.path.exists(f"/proc/{painter}/fd/3"), 3)

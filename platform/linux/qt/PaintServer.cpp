@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <QGuiApplication>
+#include <QLatin1String>
 #include <QSocketNotifier>
 #include <algorithm>
 #include <array>
@@ -291,6 +292,13 @@ class PaintServer {
   QSocketNotifier notifier_;
 };
 
+/// Looking for displays, the toolkit wants to make the runtime folder and says that it may not. It need not: the
+/// painter has no display, and the guard's log keeps what is worth reading.
+void say(QtMsgType type, const QMessageLogContext& context, const QString& text) {
+  if (text.startsWith(QLatin1String("QStandardPaths: "))) return;
+  std::fprintf(stderr, "%s\n", qUtf8Printable(qFormatLogMessage(type, context, text)));
+}
+
 }  // namespace
 
 int runPainter(QmlSceneRegistry scenes) {
@@ -304,6 +312,7 @@ int runPainter(QmlSceneRegistry scenes) {
   const posix::PosixBundle bundle;
   if (!confineThisProcess()) std::fputs("The painter runs unconfined: this kernel has no means for it.\n", stderr);
 
+  qInstallMessageHandler(say);
   std::array<std::string, 3> arguments{"paint", "-platform", "offscreen"};
   std::array<char*, 4> pointers{arguments[0].data(), arguments[1].data(), arguments[2].data(), nullptr};
   int count = 3;
