@@ -1,5 +1,6 @@
 """The lock on headless Wayland compositors: a night, a killed program, focus and outputs taken away."""
 
+import os
 import unittest
 
 from case import DesktopCase, until
@@ -7,6 +8,9 @@ from desk import Bundle
 from desk.night import FIRST_HOLD, Night
 from desk.wayland import WaylandDesk
 from desk.wayland.witness import Witness
+
+# The one that is named, or those that have no session lock here.
+COMPOSITORS = tuple(os.environ.get("DORMEL_COMPOSITOR", "sway kwin").split())
 
 
 class WaylandTest(DesktopCase):
@@ -17,6 +21,8 @@ class WaylandTest(DesktopCase):
         return desk
 
     def night(self, compositor):
+        if compositor not in COMPOSITORS:
+            self.skipTest(f"{compositor} is not meant")
         desk = self.wayland(compositor)
         began = self.clock()
         night = Night(desk, desk.bundle,
@@ -35,7 +41,7 @@ class WaylandTest(DesktopCase):
         self.night("kwin")
 
     def test_a_window_that_opens_gets_no_key(self):
-        for compositor in ("sway", "kwin"):
+        for compositor in COMPOSITORS:
             with self.subTest(compositor):
                 desk = self.wayland(compositor)
                 self.lock(desk)
@@ -51,7 +57,7 @@ class WaylandTest(DesktopCase):
 
     def test_shortcuts_do_nothing(self):
         """Alt+Tab goes to another workspace on this sway, and to another window on KWin."""
-        for compositor in ("sway", "kwin"):
+        for compositor in COMPOSITORS:
             with self.subTest(compositor):
                 desk = self.wayland(compositor)
                 self.lock(desk)
@@ -62,6 +68,8 @@ class WaylandTest(DesktopCase):
                 self.assertFalse(desk.keys_reach_the_document())
 
     def test_a_new_output_is_covered(self):
+        if "sway" not in COMPOSITORS:
+            self.skipTest("no output can be added there")
         desk = self.wayland("sway")
         self.lock(desk)
         name = desk.server.plug(1280, 1024)

@@ -128,7 +128,8 @@ class Night:
         monitors = desk.eyes.monitors()
         mark = desk.watcher.mark()
         if self._speed == 1.0:  # sped up, it is gone before one has looked at all screens
-            until("\"Unlocked. Let go.\" on every screen", lambda: self._confirmation(monitors), 2)
+            left = list(monitors)  # it lasts two seconds: what has shown it is not looked at again
+            until("\"Unlocked. Let go.\" on every screen", lambda: self._confirmation(left), 2)
             self._report("unlock confirmed", "\"Unlocked. Let go.\"", time.monotonic(), "confirmed")
         desk.keyboard.let_go()
         until("the lock is off every screen", lambda: not any(desk.lock_covers(m, self.pid) for m in monitors), 8)
@@ -222,11 +223,12 @@ class Night:
         return dark > all_of_it // 4 and bright > 100 or No(f"{bright} bright and {dark} dark pixels of {all_of_it}")
 
     def _confirmation(self, monitors):
-        """The message where the dial was, and no keys below it."""
-        for monitor in monitors:
+        """The message where the dial was, and no keys below it. Monitors that show it are taken from the list."""
+        for monitor in list(monitors):
             x, y = monitor.x + monitor.width // 2, monitor.y + monitor.height // 2
             message = self.desk.eyes.rectangle(x - 280, y - 170, 560, 170).brighter_than(200)
             keys = self.desk.eyes.rectangle(x - 280, y + 70, 560, 100).brighter_than(60)
             if message < 500 or keys > 0:
                 return No(f"{monitor.name}: {message} bright pixels of the message, {keys} of the keys")
+            monitors.remove(monitor)
         return True

@@ -147,6 +147,7 @@ def _picture(width, height, data, step, order):
 class Sway(Compositor):
     program = "sway"
     keys = "virtual-keyboard"
+    more = ""  # lines of its configuration
 
     def _start(self):
         with open(os.path.join(self.folder, "config"), "w", encoding="utf-8") as file:
@@ -156,6 +157,7 @@ class Sway(Compositor):
             for number, (width, height) in enumerate(self._monitors, 1):
                 file.write(f"output HEADLESS-{number} mode {width}x{height} pos {x} 0\n")
                 x += width
+            file.write(self.more)
         return self._spawn(["sway", "-c", os.path.join(self.folder, "config")], {
             "WLR_BACKENDS": "headless", "WLR_RENDERER": "pixman", "WLR_LIBINPUT_NO_DEVICES": "1",
             "WLR_HEADLESS_OUTPUTS": str(len(self._monitors))})
@@ -228,9 +230,23 @@ class Labwc(Compositor):
         self._randr("--output", name, "--scale", str(factor))
 
 
+class Outside(Sway):
+    """The desktop around a nested compositor, whose outputs are windows there, each over a whole monitor of its own."""
+
+    more = "".join(f'for_window [title="WL-{n - 1} "] move container to output HEADLESS-{n}, fullscreen enable\n'
+                   for n in (1, 2))
+
+
 class KWin(Compositor):
+    """From version 6 on it lends its screens' pixels only where a graphics driver draws them, so there it is nested in
+    a sway, which has the same pixels and tells them."""
+
     program = "kwin"
     keys = "fake-input"
+
+    def __init__(self, folder, monitors):
+        super().__init__(folder, monitors)
+        self._outside = self._helper = None
 
     def _start(self):
         # Where file capabilities cannot be had, the installed program cannot be started; a copy has none. It looks at
@@ -240,18 +256,27 @@ class KWin(Compositor):
         os.chmod(program, 0o755)
         self._bus = f"unix:path={self.runtime}/bus"
         width, height = self._monitors[0]
+        where, place = ["--virtual"], {}
+        version = subprocess.run([program, "--version"], capture_output=True, text=True, check=False).stdout
+        if int(version.partition(" ")[2].partition(".")[0] or 0) >= 6:
+            self._hand_over()
+            self._outside = Outside(os.path.join(os.path.dirname(self.folder), "outside"), self._monitors).start()
+            where, place = ["--wayland-display", self._outside.path], {"WAYLAND_DISPLAY": self._outside.path}
         self._helper = self._spawn(["dbus-daemon", "--session", "--nofork", "--nopidfile", f"--address={self._bus}"],
                                    {})
         until("the compositor's session bus is there", lambda: os.path.exists(self.runtime + "/bus"), 5)
-        return self._spawn([program, "--virtual", "--output-count", str(len(self._monitors)), "--width", str(width),
+        return self._spawn([program, *where, "--output-count", str(len(self._monitors)), "--width", str(width),
                             "--height", str(height), "--no-lockscreen", "--socket", "wayland-0"], {
-                                "DBUS_SESSION_BUS_ADDRESS": self._bus, "KWIN_WAYLAND_NO_PERMISSION_CHECKS": "1",
+                                **place, "DBUS_SESSION_BUS_ADDRESS": self._bus, "KWIN_WAYLAND_NO_PERMISSION_CHECKS": "1",
                                 "KWIN_SCREENSHOT_NO_PERMISSION_CHECKS": "1"})
 
     def stop(self):
         super().stop()
-        self._helper.terminate()
-        self._helper.wait()
+        if self._helper is not None:
+            self._helper.terminate()
+            self._helper.wait()
+        if self._outside is not None:
+            self._outside.stop()
 
     def _doctor(self, *arguments):
         return self._ask(["kscreen-doctor", *arguments], {
@@ -280,7 +305,9 @@ class KWin(Compositor):
             connection.close()
 
     def picture(self, monitor):
-        """By the compositor's own service, which hands the pixels over in a pipe."""
+        """By the compositor's own service, which hands the pixels over in a pipe; or from outside."""
+        if self._outside is not None:
+            return self._outside.picture(self._outside.monitors()[self.monitors().index(monitor)])
         script = ("import dbus, os, sys, threading\n"
                   "read, write = os.pipe()\n"
                   "out = []\n"
