@@ -119,3 +119,31 @@ class Witness:
         self._closing = True
         self._thread.join(2)
         self._connection.close()
+
+
+class Overlay(Witness):
+    """One that lies over everything on every monitor and wants the keyboard for itself."""
+
+    def __init__(self, path):
+        self._layers = None
+        super().__init__(path, colour=0x2266AA, waits_for_keyboard=False)
+
+    def _open(self, output):
+        self._layers = self._layers or self._connection.bind("zwlr_layer_shell_v1", 4)
+        surface = self._compositor.create_surface()
+        layer = self._layers.get_layer_surface(surface, output, 3, "rival")
+        layer.set_size(0, 0)
+        layer.set_anchor(15)
+        layer.set_exclusive_zone(-1)
+        layer.set_keyboard_interactivity(1)
+
+        def configured(serial, width, height):
+            layer.ack_configure(serial)
+            surface.attach(self._buffer(width, height), 0, 0)
+            surface.damage(0, 0, width, height)
+            surface.commit()
+            self.shown.add(layer.id)
+
+        layer.on["configure"] = configured
+        surface.commit()
+        return layer
