@@ -5,8 +5,17 @@
 
 namespace dormel {
 
+/// What a process wants of its display.
+enum class DisplayUse {
+  ask,   ///< it shows nothing
+  show,  ///< panels, and rehearsals of a lock
+  lock,  ///< it is the one process that locks
+};
+
 /// What was found. A session usually has an X server, too, that is only a bridge into the Wayland compositor.
 struct DisplayOffer {
+  /// GNOME Shell's extension answers.
+  bool extension = false;
   /// A compositor lets programs put surfaces above all others (a layer shell, and what panels need besides).
   bool overlay = false;
   /// It lets them keep its shortcuts from acting meanwhile.
@@ -19,6 +28,7 @@ struct DisplayOffer {
 };
 
 enum class DisplayKind {
+  extension,    ///< GNOME Shell, by our extension of it
   sessionLock,  ///< a compositor's session lock, faded in and out by its overlay
   overlay,      ///< a compositor's overlay, with its shortcuts inhibited
   x11,          ///< an X server; where it is a bridge, panels show there and nothing can be locked
@@ -26,6 +36,7 @@ enum class DisplayKind {
 };
 
 [[nodiscard]] inline DisplayKind chooseDisplay(const DisplayOffer& offer) {
+  if (offer.extension) return DisplayKind::extension;
   if (offer.overlay && offer.sessionLock && offer.sessionLockIsTakenOver) return DisplayKind::sessionLock;
   // An overlay that has the keyboard stops typing, but not the compositor's shortcuts.
   if (offer.overlay && offer.shortcutsInhibitor) return DisplayKind::overlay;
@@ -35,6 +46,8 @@ enum class DisplayKind {
 /// The line that says so. `wayland` and `x11` are the displays' names.
 [[nodiscard]] inline std::string describe(DisplayKind kind, const std::string& wayland, const std::string& x11) {
   switch (kind) {
+    case DisplayKind::extension:
+      return "[display] GNOME Shell's extension.";
     case DisplayKind::sessionLock:
       return "[display] Wayland " + wayland + ": session lock.";
     case DisplayKind::overlay:

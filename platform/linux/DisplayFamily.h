@@ -28,8 +28,9 @@ class DisplayFamily {
   /// On for any presentation options, off for none.
   virtual void setLockdown(bool on) = 0;
   /// Gives back what must not be left behind by a process that ends without coming back to the main loop; to be
-  /// called right before it exits. Takes half a second at most, whatever the display does. Any thread.
-  virtual void lastWill() = 0;
+  /// called right before it exits. `comesBack`: it will be started again, and what it covers may stay covered. Takes
+  /// half a second at most, whatever the display does. Any thread.
+  virtual void lastWill(bool comesBack) = 0;
 };
 
 }  // namespace dormel

@@ -6,6 +6,7 @@
 #include <system_error>
 #include <thread>
 
+#include "platform/linux/gnome/GnomePlatform.h"
 #include "platform/linux/wayland/LockProcesses.h"
 #include "platform/linux/wayland/LockRelease.h"
 #include "platform/linux/wayland/WaylandPlatform.h"
@@ -45,10 +46,15 @@ struct DisplayInForce::NoNeighbours final : RunningApplications, WindowList {
   [[nodiscard]] std::optional<std::vector<ListedWindow>> onScreen() const override { return std::nullopt; }
 };
 
-DisplayInForce::DisplayInForce(bool mayLock, const std::string& lockMark, EventLoop& loop, CanvasFactory& canvases,
-                               const Clock& clock)
+DisplayInForce::DisplayInForce(DisplayUse use, const std::string& lockMark, EventLoop& loop, CanvasFactory& canvases,
+                               const Clock& clock, std::function<std::optional<Seconds>()> limit)
     : lockMark_(lockMark), noNeighbours_(std::make_unique<NoNeighbours>()) {
-  auto connection = mayLock ? wayland::Connection::open() : nullptr;
+  gnome_ = gnome::GnomePlatform::connect(use, loop, canvases, clock, std::move(limit));
+  if (gnome_) {
+    kind_ = DisplayKind::extension;
+    return;
+  }
+  auto connection = use != DisplayUse::ask ? wayland::Connection::open() : nullptr;
   DisplayOffer offer = connection ? offerOf(*connection) : DisplayOffer{};
   kind_ = chooseDisplay(offer);
   if (kind_ == DisplayKind::sessionLock || kind_ == DisplayKind::overlay) {
@@ -69,7 +75,13 @@ std::string DisplayInForce::description() const {
 }
 
 bool DisplayInForce::hasComeUp() const {
+  gnome::Message hello;
+  // Behind a bridge for X programs nothing can be locked, until the shell's extension is switched on.
+  if (kind_ == DisplayKind::x11) {
+    return !x11_->accessibility().isProcessTrusted() && gnome::Link::open(hello) != nullptr;
+  }
   if (kind_ != DisplayKind::none) return false;
+  if (gnome::Link::open(hello)) return true;
   const auto connection = wayland::Connection::open();
   DisplayOffer offer = connection ? offerOf(*connection) : DisplayOffer{};
   offer.x11 = x11::Connection::answers();
@@ -77,6 +89,7 @@ bool DisplayInForce::hasComeUp() const {
 }
 
 DisplayFamily& DisplayInForce::family() {
+  if (gnome_) return *gnome_;
   if (wayland_) return *wayland_;
   return *x11_;
 }
@@ -91,8 +104,8 @@ WindowList& DisplayInForce::windowList() {
   return *noNeighbours_;
 }
 
-void DisplayInForce::lastWill() {
-  family().lastWill();
+void DisplayInForce::lastWill(bool comesBack) {
+  family().lastWill(comesBack);
   const auto mark = wayland::readMark(lockMark_);
   if (!mark || wayland::isAlive(mark->owner)) return;
   // A compositor that does not answer must not keep the process from ending.

@@ -2,7 +2,9 @@
 // for `lastWill`.
 #pragma once
 
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "platform/common/Canvas.h"
@@ -13,16 +15,19 @@
 
 namespace dormel {
 
+namespace gnome {
+class GnomePlatform;
+}
 namespace wayland {
 class WaylandPlatform;
 }
 
 class DisplayInForce {
  public:
-  /// `lockMark`: where the mark of a Wayland session lock is kept. `mayLock`: false in a process that shows nothing and
-  /// asks an X server at most. `loop`, `canvases` and `clock` outlive it.
-  DisplayInForce(bool mayLock, const std::string& lockMark, EventLoop& loop, CanvasFactory& canvases,
-                 const Clock& clock);
+  /// `lockMark`: where the mark of a Wayland session lock is kept. `limit`: how long this process may go on at most;
+  /// what outlives it ends then, too. `loop`, `canvases` and `clock` outlive it.
+  DisplayInForce(DisplayUse use, const std::string& lockMark, EventLoop& loop, CanvasFactory& canvases,
+                 const Clock& clock, std::function<std::optional<Seconds>()> limit);
   DisplayInForce(const DisplayInForce&) = delete;
   DisplayInForce& operator=(const DisplayInForce&) = delete;
   ~DisplayInForce();
@@ -41,7 +46,7 @@ class DisplayInForce {
 
   /// Gives back what must not be left behind, a session lock that one of us left behind included. Takes three seconds
   /// at most. Any thread.
-  void lastWill();
+  void lastWill(bool comesBack);
 
  private:
   /// Where nobody tells what other programs show: nothing is known of them.
@@ -49,6 +54,7 @@ class DisplayInForce {
 
   const std::string lockMark_;
   DisplayKind kind_ = DisplayKind::none;
+  std::unique_ptr<gnome::GnomePlatform> gnome_;
   std::unique_ptr<wayland::WaylandPlatform> wayland_;
   std::unique_ptr<x11::X11Platform> x11_;
   std::unique_ptr<NoNeighbours> noNeighbours_;

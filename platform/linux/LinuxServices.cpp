@@ -35,6 +35,18 @@ namespace {
 
 constexpr std::int64_t UPDATE_INTERVAL = 21'600;  // where the bundle names none
 
+DisplayUse useOf(LaunchKind kind) {
+  switch (kind) {
+    case LaunchKind::command:
+      return DisplayUse::ask;
+    case LaunchKind::background:
+      return DisplayUse::lock;
+    case LaunchKind::windows:
+      break;
+  }
+  return DisplayUse::show;
+}
+
 /// The permission as the display sees it, and the way back when there was no display at first.
 class DesktopAccessibility final : public Accessibility {
  public:
@@ -69,7 +81,7 @@ struct LinuxServices::Parts {
         defaults(files, output, BUNDLE_IDENTIFIER),
         launcher(bundle.helper("paint"), loop),
         painted(launcher),
-        display(kind != LaunchKind::command, freedesktop::lockMarkFile(), loop, painted, clock),
+        display(useOf(kind), freedesktop::lockMarkFile(), loop, painted, clock, [this] { return process.timeLeft(); }),
         accessibility(display, process, output, kind),
         shellOverview(loop),
         application(process,
@@ -87,7 +99,7 @@ struct LinuxServices::Parts {
         return isSettings ? SYSTEM_SETTINGS : className;
       });
     }
-    process.beforeExit([this] { display.lastWill(); });
+    process.beforeExit([this](const Process::ExitStatus& status) { display.lastWill(status() != 0); });
     display.family().setOnScreensChanged([this] { notices.post(Notice::screenParametersChanged); });
     display.family().setOnLost([this] {
       output.print("The display is gone. Exiting, to be started again.");

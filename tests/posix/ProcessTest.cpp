@@ -81,13 +81,15 @@ TEST(PosixProcess, ExitWaitsForTheRecordsButNotForEver) {
                 ::usleep(50'000);
                 put(path, "kept");
               });
-              process.beforeExit([&] { put(path + "2", contents(path)); });
+              process.beforeExit([&](const Process::ExitStatus& status) {
+                put(path + "2", contents(path) + std::to_string(status()));
+              });
               process.exit(7);
               return 99;
             }),
             7);
   EXPECT_EQ(contents(path), "kept");
-  EXPECT_EQ(contents(path + "2"), "kept") << "records first, then the rest";
+  EXPECT_EQ(contents(path + "2"), "kept7") << "records first, then the rest";
 }
 
 TEST(PosixProcess, TheLastResortEndsAStoppedProcessUnlessItIsTakenBack) {

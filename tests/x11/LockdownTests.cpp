@@ -202,7 +202,7 @@ TEST_F(LockdownTest, WhatKeysLockInTheServerIsAsBeforeWhenTheLockGoes) {
 
     tap->enable(true);
     pressAll();
-    std::thread([&] { desk.x11.lastWill(); }).join();
+    std::thread([&] { desk.x11.lastWill(false); }).join();
     EXPECT_EQ(locked(), before) << "by a process that ends";
   }
   const auto connection = server->client();
@@ -216,7 +216,7 @@ TEST_F(LockdownTest, TheLastWillNeedsNoMainThread) {
   Desk desk(*server);
   desk.x11.setLockdown(true);
   ASSERT_EQ(waysOut(keyActions()), 0);
-  std::thread([&] { desk.x11.lastWill(); }).join();
+  std::thread([&] { desk.x11.lastWill(false); }).join();
   EXPECT_EQ(keyActions(), before);
 }
 
@@ -232,7 +232,7 @@ TEST_F(LockdownTest, TheLastWillStandsWhateverTheMainThreadIsDoing) {
     ASSERT_TRUE(until([&] { return waysOut(keyActions()) == 0; }));
     std::atomic<bool> isDone = false;
     std::thread end([&] {
-      desk.x11.lastWill();
+      desk.x11.lastWill(false);
       isDone = true;
     });
     // The keymap that comes back is news to the main loop, which is used to taking the ways out of those.
@@ -256,7 +256,7 @@ TEST_F(LockdownTest, TheFocusGoesBackToWhoHadItBeforeTheLockThatEnds) {
   Witness second(*server);
   desk.cover(windows, 1);
   desk.x11.setLockdown(true);
-  std::thread([&] { desk.x11.lastWill(); }).join();
+  std::thread([&] { desk.x11.lastWill(false); }).join();
   const auto focus =
       owned(xcb_get_input_focus_reply(second.connection(), xcb_get_input_focus(second.connection()), nullptr));
   EXPECT_EQ(focus->focus, second.window());

@@ -143,6 +143,8 @@ void DesktopWorkspace::forgetApplication() {
   std::error_code ignored;
   fs::remove_all(cacheHome() + "/Dormel", ignored);
   removeSeatFiles();
+  // Which programs GNOME Shell's extension answers.
+  ::unlink((stateHome() + "/" + BUNDLE_IDENTIFIER + ".gnome.programs").c_str());
   removeCreatedFolders();
 }
 

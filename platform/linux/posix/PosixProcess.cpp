@@ -72,7 +72,7 @@ void PosixProcess::exit(const ExitStatus& status) {
     for (;;) ::pause();  // another thread is on its way out already, with its own status
   }
   queues_.drain(DRAIN_LIMIT);
-  for (const Task& action : beforeExit_) action();
+  for (const auto& action : beforeExit_) action(status);
   checkForLeaks();
   std::_Exit(status());
 }
@@ -96,6 +96,14 @@ void PosixProcess::endWithin(std::optional<Seconds> uptime) {
     due.it_value.tv_nsec = (after - seconds).count();
   }
   ::timer_settime(*lastResort_, 0, &due, nullptr);
+}
+
+std::optional<Seconds> PosixProcess::timeLeft() {
+  const std::lock_guard lock(lastResortMutex_);
+  itimerspec due{};
+  if (!lastResort_ || ::timer_gettime(*lastResort_, &due) != 0) return std::nullopt;
+  const Seconds left = static_cast<double>(due.it_value.tv_sec) + static_cast<double>(due.it_value.tv_nsec) / 1e9;
+  return left > 0 ? std::optional(left) : std::nullopt;
 }
 
 int PosixProcess::processId() const { return ::getpid(); }

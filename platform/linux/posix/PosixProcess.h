@@ -33,12 +33,15 @@ class PosixProcess final : public Process {
 
   PosixProcess(PosixQueues& queues, Seats seats, WatchReadable watchReadable);
 
-  /// Adds something to be done at every exit, on whichever thread exits; it must not depend on the main thread.
-  void beforeExit(Task action) { beforeExit_.push_back(std::move(action)); }
+  /// Adds something to be done at every exit, on whichever thread exits; it must not depend on the main thread. It is
+  /// given what will be asked for the status, which may answer otherwise by then.
+  void beforeExit(std::function<void(const ExitStatus&)> action) { beforeExit_.push_back(std::move(action)); }
 
   using Process::exit;
   [[noreturn]] void exit(const ExitStatus& status) override;
   void endWithin(std::optional<Seconds> uptime) override;
+  /// What is left of it; nothing without a limit. Any thread.
+  [[nodiscard]] std::optional<Seconds> timeLeft();
   [[nodiscard]] int processId() const override;
   [[nodiscard]] unsigned userId() const override;
   void onTerminationSignal(Task handler) override { onSignal(15, std::move(handler)); }
@@ -53,7 +56,7 @@ class PosixProcess final : public Process {
   std::string sessionLockPath_;
   WindowSeat windowSeat_;
   WatchReadable watchReadable_;
-  std::vector<Task> beforeExit_;
+  std::vector<std::function<void(const ExitStatus&)>> beforeExit_;
   std::mutex lastResortMutex_;
   std::optional<timer_t> lastResort_;
   FileDescriptor sessionLock_;

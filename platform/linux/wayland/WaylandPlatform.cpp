@@ -62,6 +62,6 @@ void WaylandPlatform::setLockdown(bool on) {
   connection_->flush();
 }
 
-void WaylandPlatform::lastWill() { environment_->lock.lastWill(LAST_WILL_LIMIT); }
+void WaylandPlatform::lastWill(bool /*comesBack*/) { environment_->lock.lastWill(LAST_WILL_LIMIT); }
 
 }  // namespace dormel::wayland

@@ -36,7 +36,7 @@ class WaylandPlatform final : public DisplayFamily {
   [[nodiscard]] WindowServer& windows() override { return panels_; }
 
   void setLockdown(bool on) override;
-  void lastWill() override;
+  void lastWill(bool comesBack) override;
 
  private:
   class Trust : public Accessibility {

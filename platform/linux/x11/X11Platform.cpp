@@ -100,7 +100,7 @@ void X11Platform::setLockdown(bool on) {
   if (!on) isLockedDown_ = false;
 }
 
-void X11Platform::lastWill() {
+void X11Platform::lastWill(bool /*comesBack*/) {
   if (!isLockedDown_ && !(typingCare_ && typingCare_->isHeld())) return;
   isEnding_ = true;
   // A server that does not answer must not keep the process from ending.

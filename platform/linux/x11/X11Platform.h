@@ -60,7 +60,7 @@ class X11Platform final : public DisplayFamily {
   /// Gives back what must not be left behind by a process that ends without coming back to the main loop; to be
   /// called right before it exits: where keys are taken, it ends the connection to the server, and that is not reported
   /// as lost. Takes half a second at most, whatever the server does. Any thread.
-  void lastWill() override;
+  void lastWill(bool comesBack) override;
 
  private:
   std::shared_ptr<Connection> connection_;

@@ -2,20 +2,17 @@
 
 import os
 import shutil
-import signal
 import tempfile
-import time
 
-from .. import processes
 from ..home import Home
-from ..wait import NotSeen, until
-from ..wayland.desk import Looks
+from ..wait import until
+from ..wayland.desk import FocusRecord, Looks, WaylandDesk
 from ..wayland.witness import Witness
 from .remote import Keyboard
 from .shell import GnomeShell
 
 
-class GnomeDesk:
+class GnomeDesk(WaylandDesk):
     """Monitors, a home, the real shell, and hands and eyes; with somebody working in a document if `document`.
 
     DORMEL_LOGS names a folder that the shell's output is copied into at the end.
@@ -26,6 +23,7 @@ class GnomeDesk:
         self.folder = tempfile.mkdtemp(prefix="dormel-")
         self.home = Home(self.folder)
         self.server = GnomeShell(self.folder, self.home, monitors)
+        self.manager, self.manager_missing = None, "not tried under GNOME Shell"
         self._document, self._prepare = document, prepare
         self._open = []
 
@@ -42,19 +40,15 @@ class GnomeDesk:
             raise
         return self
 
-    def __exit__(self, *_):
-        self.close()
-
     def _sit_down(self):
         # The shell opens its overview at every login, and shows no window full size while it is open.
         self.close_overview()
         self.eyes = Looks(self.server)
-        self.keyboard = Keyboard(self.server)
-        self._open = [self.keyboard]
+        self.keyboard = self._keep(Keyboard(self.server))
 
     def sit_at_the_document(self):
-        self.witness = Witness(self.server.path)
-        self._open.append(self.witness)
+        self.witness = self._keep(Witness(self.server.path))
+        self.watcher = FocusRecord(self.witness, self.eyes)
 
     def log_in_again(self):
         """After the shell was killed; without a document."""
@@ -76,16 +70,6 @@ class GnomeDesk:
     def environment(self):
         return self.server.environment()
 
-    def keys_reach_the_document(self, key=67):
-        """Taps F9 and says whether the document heard it."""
-        mark = self.witness.mark()
-        self.keyboard.tap(key)
-        try:
-            until("a key", lambda: any(k[2] == key for k in self.witness.heard(mark)), 0.5)
-            return True
-        except NotSeen:
-            return False
-
     def _get_up(self):
         for thing in reversed(self._open):
             thing.close()
@@ -93,20 +77,6 @@ class GnomeDesk:
 
     def close(self):
         self._get_up()
-        self.server.stop()
-        deadline = time.monotonic() + 5
-        while time.monotonic() < deadline:
-            left = processes.of_home(self.home.path)
-            left.pop(os.getpid(), None)
-            if not left:
-                break
-            for pid in left:
-                try:
-                    os.kill(pid, signal.SIGKILL)
-                except ProcessLookupError:
-                    pass
-            time.sleep(0.05)
         if "DORMEL_LOGS" in os.environ:
             shutil.copy(os.path.join(self.folder, "gnome-shell.out"), os.environ["DORMEL_LOGS"])
-        if os.environ.get("DORMEL_KEEP") != "1":
-            shutil.rmtree(self.folder, ignore_errors=True)
+        super().close()

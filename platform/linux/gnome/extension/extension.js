@@ -6,6 +6,7 @@
 // shell that crashes takes the login with it.
 
 import GLib from 'gi://GLib';
+import Meta from 'gi://Meta';
 
 import * as Main from 'resource:///org/gnome/shell/ui/main.js';
 import * as Keyboard from 'resource:///org/gnome/shell/ui/status/keyboard.js';
@@ -24,6 +25,9 @@ const isLockScreen = () => Main.sessionMode.currentMode === 'unlock-dialog';
 
 export default class Dormel extends Extension {
     enable() {
+        // On an X server the program takes keys and monitors by itself. No door means: not here.
+        if (Meta.is_wayland_compositor?.() === false)
+            return;
         const identifier = this.metadata['dormel-identifier'];
         const state = GLib.get_user_state_dir();
         this._file = GLib.build_filenamev([state, `${identifier}.gnome.json`]);
@@ -53,6 +57,8 @@ export default class Dormel extends Extension {
     // Also while the lock screen is up (session-modes), because what is held must be there the moment it is gone. What
     // is on the disk stays there: enabled again, we go on.
     disable() {
+        if (!this._door)
+            return;
         this._door.destroy();
         for (const peer of [...this._peers])
             peer.close();
@@ -198,7 +204,12 @@ export default class Dormel extends Extension {
         } catch (error) {
             console.warn(`Dormel: a frame was refused: ${error.message}`);
         }
-        peer.say({frame: {serial: frame.serial, shown}});
+        // The program sends the next one after this answer. First comes whatever else the shell has to do, the painting
+        // of this one and the keys above all.
+        GLib.idle_add(GLib.PRIORITY_LOW, () => {
+            peer.say({frame: {serial: frame.serial, shown}});
+            return GLib.SOURCE_REMOVE;
+        });
     }
 
     // Holding.
@@ -245,15 +256,18 @@ export default class Dormel extends Extension {
             this._look = GLib.timeout_add_seconds(GLib.PRIORITY_DEFAULT, LOOK_EVERY, () => {
                 const absent = this._leftAt === null ? null : uptime() - this._leftAt;
                 if (this._hold !== null && Protocol.isOver(this._hold, Date.now() / 1000, absent))
-                    this._end();
+                    this._end('over');
                 return GLib.SOURCE_CONTINUE;
             });
         }
         this._apply();
     }
 
-    /** Nothing is held any more, and nothing is left of it. A program that is still there stays connected. */
-    _end() {
+    /** Nothing is held any more, and nothing is left of it. A program that is still there stays connected, and is told
+     *  unless it asked for it. */
+    _end(why = null) {
+        if (why !== null && this._holder !== null)
+            this._holder.say({refused: {why}});
         this._stopLooking();
         this._hold = null;
         this._holder = null;

@@ -115,7 +115,7 @@ export class Peer {
     _readSome(count) {
         const stream = this._connection.get_input_stream();
         return new Promise((resolve, reject) => {
-            stream.read_bytes_async(count, GLib.PRIORITY_HIGH, this._cancellable, (_, result) => {
+            stream.read_bytes_async(count, GLib.PRIORITY_DEFAULT, this._cancellable, (_, result) => {
                 try {
                     const bytes = stream.read_bytes_finish(result).toArray();
                     if (bytes.length === 0)
@@ -161,7 +161,8 @@ export class Door {
         const credentials = connection.get_socket().get_credentials();
         if (!credentials.is_same_user(new Gio.Credentials()))
             throw new Error('another user');
-        return GLib.file_read_link(`/proc/${credentials.get_unix_pid()}/exe`);
+        // An update replaces the executable under the program that runs.
+        return GLib.file_read_link(`/proc/${credentials.get_unix_pid()}/exe`).replace(/ \(deleted\)$/, '');
     }
 
     destroy() {

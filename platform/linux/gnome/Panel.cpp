@@ -1,0 +1,224 @@
+#include "platform/linux/gnome/Panel.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace dormel::gnome {
+namespace {
+
+Message placeOf(const Rect& rect) { return {rect.x, rect.y, rect.width, rect.height}; }
+
+/// The shell paints a whole monitor for each frame.
+constexpr Seconds FRAME_INTERVAL = 0.045;
+
+int levelOf(WindowLevel level) { return static_cast<int>(level); }
+
+}  // namespace
+
+Panel::Panel(std::shared_ptr<Stage> stage, const WindowStyle& style, const Rect& contentRect)
+    : stage_(std::move(stage)),
+      style_(style),
+      number_(stage_->nextNumber()),
+      frame_(contentRect),
+      showContentLater_(stage_->loop(), [this] { showContent(); }),
+      layOutLater_(stage_->loop(), [this] { layOut(); }) {}
+
+Panel::~Panel() { orderOut(); }
+
+void Panel::say(Seconds duration, TimingCurve curve) {
+  stage_->say("panel", {{"id", number_},
+                        {"at", placeOf(stage_->toShell(frame_))},
+                        {"black", isBlack()},
+                        {"level", levelOf(style_.level)},
+                        {"alpha", alpha_},
+                        {"fade", std::round(duration * 1000)},
+                        {"curve", static_cast<int>(curve)},
+                        {"pointer", !style_.ignoresMouseEvents}});
+}
+
+void Panel::sayAll() {
+  say(0, TimingCurve::linear);
+  pool_ = 0;
+  isFrameSaid_ = newestFrame_.is_null();
+  isShellBusy_ = false;
+  pace_ = {};
+  if (!memory_ || isFrameSaid_) return;
+  memory_->wasRead();
+  pool_ = number_;
+  stage_->say("pool", {{"id", pool_}}, memory_->descriptor());
+  sayFrame();
+}
+
+void Panel::sayFrame() {
+  if (isFrameSaid_ || isShellBusy_ || pace_ || !stage_->isHolding()) return;
+  isFrameSaid_ = isShellBusy_ = true;
+  memory_->isRead();
+  saidSerial_ = newestFrame_["serial"];
+  stage_->say("frame", newestFrame_);
+  pace_ = Timer::once(stage_->loop(), FRAME_INTERVAL, [this] {
+    pace_ = {};
+    sayFrame();
+  });
+}
+
+void Panel::setFrame(const Rect& frame) {
+  if (frame == frame_) return;
+  frame_ = frame;
+  if (!isVisible_) return;
+  say(0, TimingCurve::linear);
+  layOutLater_.ask();
+}
+
+void Panel::setContent(std::shared_ptr<View> view) {
+  canvas_.reset();
+  laidOut_ = {};
+  view_ = std::move(view);
+  if (isVisible_) showContentLater_.ask();
+}
+
+Canvas* Panel::canvas() const {
+  if (!canvas_ && view_) canvas_ = stage_->canvases().make(view_);
+  return canvas_.get();
+}
+
+Size Panel::contentFittingSize() const { return canvas() != nullptr ? canvas_->fittingSize() : Size{}; }
+
+void Panel::fadeTo(double alpha, Seconds duration, TimingCurve curve) {
+  alpha_ = std::clamp(alpha, 0.0, 1.0);
+  isFading_ = duration > 0;
+  fadeEnd_ = {};
+  if (isFading_) {
+    fadeEnd_ = Timer::once(stage_->loop(), duration, [this] {
+      isFading_ = false;
+      stage_->panelsChanged();
+    });
+  }
+  if (!isVisible_) return;
+  say(duration, curve);
+  stage_->panelsChanged();
+}
+
+void Panel::orderFrontRegardless() {
+  const bool isNew = !std::exchange(isVisible_, true);
+  if (!stage_->raised(shared_from_this())) say(0, TimingCurve::linear);
+  if (isNew) showContentLater_.ask();
+}
+
+void Panel::orderOut() {
+  if (!std::exchange(isVisible_, false)) return;
+  drag_.reset();
+  isFading_ = false;
+  fadeEnd_ = {};
+  if (canvas_) canvas_->setShowing(false);
+  stage_->say("drop", {{"id", number_}});
+  if (pool_ != 0) stage_->say("unpool", {{"id", pool_}});
+  pool_ = 0;
+  memory_.reset();
+  newestFrame_ = nullptr;
+  isFrameSaid_ = true;
+  isShellBusy_ = false;
+  pace_ = {};
+  stage_->panelsChanged();
+}
+
+void Panel::monitorsChanged() {
+  if (!isVisible_) return;
+  say(0, TimingCurve::linear);
+  layOutLater_.ask();
+}
+
+Rect Panel::contentPlace() const {
+  if (!isBlack()) return {0, 0, laidOut_.width, laidOut_.height};
+  return {std::floor((frame_.width - laidOut_.width) / 2), std::floor((frame_.height - laidOut_.height) / 2),
+          laidOut_.width, laidOut_.height};
+}
+
+void Panel::layOut() {
+  if (!isVisible_ || !canvas_) return;
+  Size size{frame_.width, frame_.height};
+  if (isBlack()) {
+    fitting_ = canvas_->fittingSize();
+    size = {std::min(fitting_.width, size.width), std::min(fitting_.height, size.height)};
+  }
+  const double scale = stage_->scaleAt(stage_->toShell(frame_));
+  if (size == laidOut_ && scale == laidOutScale_) return;
+  laidOut_ = size;
+  laidOutScale_ = scale;
+  canvas_->resize(size, scale);
+}
+
+void Panel::showContent() {
+  if (!isVisible_ || canvas() == nullptr) return;
+  canvas_->setOnFrame([this](const Pixels& pixels, const PixelRect& changed) { onFrame(pixels, changed); });
+  layOut();
+  canvas_->setShowing(true);
+}
+
+void Panel::onFrame(const Pixels& pixels, const PixelRect& changed) {
+  if (!isVisible_ || pixels.width < 1 || pixels.height < 1) return;
+  PixelRect area = changed;
+  if (!memory_ || !memory_->fits(pixels)) {
+    memory_ = std::make_unique<FrameMemory>(pixels.width, pixels.height);
+    area = {0, 0, pixels.width, pixels.height};
+    pool_ = 0;
+    isShellBusy_ = false;
+  }
+  const std::uint64_t serial = stage_->nextSerial();
+  const std::int64_t offset = memory_->write(pixels, area);
+  if (offset < 0) return;
+  if (pool_ == 0) {
+    pool_ = number_;
+    stage_->say("pool", {{"id", pool_}}, memory_->descriptor());
+  }
+  newestFrame_ = {{"serial", serial},        {"pool", pool_},
+                  {"offset", offset},        {"width", pixels.width},
+                  {"height", pixels.height}, {"stride", std::int64_t{pixels.width} * 4},
+                  {"panels", {number_}},     {"at", placeOf(contentPlace())}};
+  isFrameSaid_ = false;
+  sayFrame();
+  // The content may have come to want another size; it is not asked to change while it is drawing.
+  if (isBlack() && canvas_ && canvas_->fittingSize() != fitting_) layOutLater_.ask();
+}
+
+bool Panel::tellCanvas(PointerAction action, double x, double y) {
+  if (!canvas_) return false;
+  const Rect place = contentPlace();
+  return canvas_->pointer(action, x - place.x, y - place.y);
+}
+
+void Panel::heard(const std::string& kind, const Message& body) {
+  if (kind == "frame") {
+    if (!memory_ || !isShellBusy_ || body.value("serial", std::uint64_t{0}) != saidSerial_) return;
+    memory_->wasRead();
+    isShellBusy_ = false;
+    sayFrame();
+  } else if (body.value("panel", 0) == number_) {
+    onPointer(body);
+  }
+}
+
+void Panel::onPointer(const Message& body) {
+  const std::string action = body.value("action", "");
+  const double x = body.value("x", 0.0);
+  const double y = body.value("y", 0.0);
+  const auto self = shared_from_this();  // a press may take the panel away
+  if (action == "press") {
+    if (!tellCanvas(PointerAction::press, x, y) && style_.isMovableByBackground) drag_ = Drag{x, y};
+  } else if (action == "release") {
+    if (!std::exchange(drag_, std::nullopt)) tellCanvas(PointerAction::release, x, y);
+  } else if (action == "leave") {
+    if (!drag_) tellCanvas(PointerAction::leave, 0, 0);
+  } else if (!drag_) {
+    tellCanvas(PointerAction::move, x, y);
+  } else if (const double dx = x - drag_->x, dy = y - drag_->y; std::abs(dx) >= 1 || std::abs(dy) >= 1) {
+    setFrame({frame_.x + dx, frame_.y - dy, frame_.width, frame_.height});
+  }
+}
+
+void Panel::key(const KeyEvent& event) {
+  const auto handler = keyHandler_;
+  if (handler) handler(event);
+}
+
+}  // namespace dormel::gnome
