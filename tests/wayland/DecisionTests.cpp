@@ -197,15 +197,29 @@ TEST(LockWatch, EndsALockThatNobodyHasTakenOver) {
       {"the system still counts the owner among the living", true, {dead, true}, Step::look, Step::release},
       {"it was given back", true, {std::nullopt}, Step::end, Step::end},
       {"no mark could be written", false, {std::nullopt}, Step::look, Step::release},
-      {"somebody has it", true, {other, true}, Step::look, Step::end},
-      {"somebody had it and died, too", true, {other, false}, Step::look, Step::release},
       {"the compositor is gone", true, {dead, false, false}, Step::end, Step::end},
   };
   for (const Case& c : cases) {
-    const LockWatch watch(dead.owner, c.isMarked, 100);
+    LockWatch watch(dead.owner, c.isMarked, 100);
     EXPECT_EQ(watch.next(c.seen, 109.9), c.before) << c.what;
     EXPECT_EQ(watch.next(c.seen, 110), c.after) << c.what;
   }
+}
+
+TEST(LockWatch, LeavesALockToWhomHasTakenItOver) {
+  const LockWatch::Seen taken{LockMark{{13, 678}, {7, 1}}, true};
+  LockWatch watch({12, 345}, true, 0);
+  EXPECT_EQ(watch.next(taken, 2), LockWatch::Step::look) << "its own watcher may not be there yet";
+  EXPECT_EQ(watch.next(taken, 3), LockWatch::Step::end);
+}
+
+TEST(LockWatch, WaitsAnewForAnOwnerThatDiedAsWell) {
+  const LockMark other{{13, 678}, {7, 1}};
+  LockWatch watch({12, 345}, true, 0);
+  EXPECT_EQ(watch.next({other, true}, 9), LockWatch::Step::look);
+  EXPECT_EQ(watch.next({other, false}, 9.5), LockWatch::Step::look);
+  EXPECT_EQ(watch.next({other, false}, 10), LockWatch::Step::look) << "the scheduler brings it back";
+  EXPECT_EQ(watch.next({other, false}, 19.5), LockWatch::Step::release);
 }
 
 TEST(LockWatch, TriesAgainUntilTheCompositorHasNoticedAndNotForEver) {

@@ -39,12 +39,23 @@ class LockWatch {
   LockWatch(const ProcessMark& owner, bool isMarked, Seconds now)
       : owner_(owner), isMarked_(isMarked), deadline_(now + PATIENCE) {}
 
-  [[nodiscard]] Step next(const Seen& seen, Seconds now) const {
+  [[nodiscard]] Step next(const Seen& seen, Seconds now) {
     if (!seen.isCompositorAlive) return Step::end;  // the lock went with it
     if (isMarked_ && !seen.mark) return Step::end;  // it was taken over and given back
+    const bool isOther = seen.mark && seen.mark->owner != owner_;
+    if (!isOther || !seen.isOwnerAlive) takenAt_.reset();
+    if (isOther && seen.isOwnerAlive) {
+      if (!takenAt_) takenAt_ = now;
+      // Whoever has had it for a while has a watcher, too.
+      return now >= *takenAt_ + SETTLED ? Step::end : Step::look;
+    }
+    if (isOther) {
+      // It has died as well, and is to be started again as the one before was.
+      owner_ = seen.mark->owner;
+      deadline_ = now + PATIENCE;
+    }
     if (now < deadline_) return Step::look;
-    if (isTakenOver(seen) || refusals_ >= MOST_REFUSALS) return Step::end;
-    return Step::release;
+    return refusals_ < MOST_REFUSALS ? Step::release : Step::end;
   }
 
   void tried(LockRelease result) {
@@ -54,15 +65,12 @@ class LockWatch {
 
  private:
   static constexpr int MOST_REFUSALS = 20;
-
-  /// Whoever has it has a watcher, too.
-  [[nodiscard]] bool isTakenOver(const Seen& seen) const {
-    return seen.mark && seen.mark->owner != owner_ && seen.isOwnerAlive;
-  }
+  static constexpr Seconds SETTLED = 1;
 
   ProcessMark owner_;
   bool isMarked_;
   Seconds deadline_;
+  std::optional<Seconds> takenAt_;
   int refusals_ = 0;
 };
 
