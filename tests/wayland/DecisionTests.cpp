@@ -184,7 +184,6 @@ TEST(LockWatch, EndsALockThatNobodyHasTakenOver) {
   using Step = LockWatch::Step;
   const ProcessMark compositor{7, 1};
   const LockMark dead{{12, 345}, compositor};
-  const LockMark other{{13, 678}, compositor};
   struct Case {
     const char* what;
     bool isMarked;
