@@ -41,7 +41,7 @@ def trials(base, promise, compositor):
         """kill -9 while blocked: the scheduler brings it back, and it covers every screen again within 3 s."""
 
         def try_out(self, desk):
-            again = self.record("killed, covered again", 3.0)
+            again = self.record("killed, covered again (an overlay: the keyboard taken again)", 3.0)
             desk.home.hours_around_now()
             desk.bundle.setup()
             pid = desk.bundle.wait_for_scheduled()
@@ -51,7 +51,13 @@ def trials(base, promise, compositor):
                 killed = time.monotonic()
                 os.kill(pid, signal.SIGKILL)
                 pid = desk.bundle.wait_for_scheduled(other_than=pid)
-                again.add(self.black_at(desk) - killed)
+                if any("session lock" in line for line in desk.home.log("dormel.log")):
+                    again.add(self.black_at(desk) - killed)
+                    continue
+                # The overlay fades in, and has the keyboard from the first moment.
+                lost = until("the keyboard is taken again", lambda at=killed: desk.keyboard_lost_at(at), 10, every=0.01)
+                again.add(lost - killed)
+                self.black_at(desk)
             self.deaf(desk)
 
     class Screens(Trial):
