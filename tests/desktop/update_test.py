@@ -40,6 +40,10 @@ class UpdateTest(DesktopCase):
                 plistlib.dump(info, file)
         return info
 
+    def offer(self, newer, key, url, served):
+        subprocess.run([SIGN, "pack", newer, "--key", key, "--url", url, "--output", served], check=True,
+                       capture_output=True)
+
     def offered(self):
         """A desk whose program knows a feed, on which its next version stands."""
         desk = self.desk(windows="openbox")
@@ -52,8 +56,7 @@ class UpdateTest(DesktopCase):
         newer = os.path.join(desk.folder, "newer", "Dormel.app")
         shutil.copytree(desk.bundle.path, newer, symlinks=True)
         self.info(newer, CFBundleVersion="99", CFBundleShortVersionString="9.9")
-        subprocess.run([SIGN, "pack", newer, "--key", key, "--url", url, "--output", served], check=True,
-                       capture_output=True)
+        self.offer(newer, key, url, served)
         self.store = os.path.join(desk.home.applications, ".Dormel.app.update")
         return desk
 
