@@ -12,13 +12,14 @@
 #include "platform/RunningApplications.h"
 #include "platform/common/paint/PaintedCanvases.h"
 #include "platform/linux/DisplayInForce.h"
+#include "platform/linux/SessionWorkspace.h"
 #include "platform/linux/freedesktop/AutostartLoginItems.h"
 #include "platform/linux/freedesktop/CreatedFolders.h"
-#include "platform/linux/freedesktop/DesktopWorkspace.h"
 #include "platform/linux/freedesktop/Logind.h"
 #include "platform/linux/freedesktop/SeatFiles.h"
 #include "platform/linux/freedesktop/SettingsPages.h"
 #include "platform/linux/freedesktop/ShellOverview.h"
+#include "platform/linux/gnome/ExtensionSwitch.h"
 #include "platform/linux/paint/PainterLauncher.h"
 #include "platform/linux/posix/PosixBundle.h"
 #include "platform/linux/posix/PosixChildProcesses.h"
@@ -89,7 +90,8 @@ struct LinuxServices::Parts {
                       display.family().setLockdown(on);
                       shellOverview.keepClosed(on);
                     }),
-        workspace(children, output),
+        extension(children, bundle.path() + "/Contents/Resources/gnome-shell"),
+        workspace(children, output, extension),
         loginItems(children, output),
         updateHelper(loop, bundle.helper("update"), bundle.path()),
         updater(clock, loop, defaults, updateHelper, updateOptions()) {
@@ -151,7 +153,8 @@ struct LinuxServices::Parts {
   DesktopApplication application;
   DesktopNotices notices;
   std::unique_ptr<freedesktop::Logind> logind;
-  freedesktop::DesktopWorkspace workspace;
+  gnome::ExtensionSwitch extension;
+  SessionWorkspace workspace;
   freedesktop::AutostartLoginItems loginItems;
   updates::HelperProcess updateHelper;
   updates::BundleUpdater updater;
@@ -208,6 +211,7 @@ posix::PosixProcess& LinuxServices::process() { return parts_->process; }
 
 void LinuxServices::launch(ApplicationDelegate& delegate) {
   parts_->application.setDelegate(&delegate);
+  parts_->extension.refreshCopy();
   // Ctrl-C in a terminal and a closed terminal are quit requests, not kills: they meet the delegate's guard.
   for (const int signal : {SIGINT, SIGHUP}) {
     parts_->process.onSignal(signal, [this] { parts_->application.terminate(); });

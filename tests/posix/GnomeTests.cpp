@@ -7,6 +7,7 @@
 #include <mutex>
 #include <thread>
 
+#include "platform/linux/gnome/ExtensionSwitch.h"
 #include "platform/linux/gnome/GnomePlatform.h"
 #include "platform/linux/posix/PosixClock.h"
 #include "tests/posix/TemporaryHome.h"
@@ -144,13 +145,16 @@ struct Canvases : CanvasFactory {
 };
 
 class GnomeFamily : public ::testing::Test {
- protected:
+ public:
   GnomeFamily() {
     ::setenv("XDG_RUNTIME_DIR", home_.path().c_str(), 1);
     extension_ = std::make_unique<Extension>();
   }
+  GnomeFamily(const GnomeFamily&) = delete;
+  GnomeFamily& operator=(const GnomeFamily&) = delete;
   ~GnomeFamily() override { ::unsetenv("XDG_RUNTIME_DIR"); }
 
+ protected:
   void connect() {
     family_ = GnomePlatform::connect(DisplayUse::lock, loop_, canvases_, clock_, [] { return Seconds{3600}; });
     ASSERT_TRUE(family_);
@@ -279,6 +283,30 @@ TEST_F(GnomeFamily, NonsenseEndsTheConnectionOnly) {
     EXPECT_TRUE(until([&] { return extension_->count("hello") > greetings && tap_->isEnabled(); }));
   }
   EXPECT_EQ(losses_, 0);
+}
+
+TEST(GnomeExtension, StateOf) {
+  using enum ExtensionState;
+  const struct {
+    ExtensionFacts facts;
+    ExtensionState state;
+  } cases[] = {
+      {{0, true, 1, 7, 7}, elsewhere}, {{43, true, {}, 0, 7}, tooOld}, {{44, false, {}, 0, 0}, tooOld},
+      {{45, false, 2, 7, 7}, allOff},  {{48, true, {}, 0, 0}, absent}, {{48, true, {}, 0, 7}, afterLogin},
+      {{48, true, 2, 7, 7}, off},      {{48, true, 6, 7, 7}, off},     {{48, true, 3, 7, 7}, failed},
+      {{50, true, 4, 7, 7}, failed},   {{48, true, 1, 7, 7}, on},      {{48, true, 8, 7, 0}, on},
+      {{48, true, 1, 7, 8}, onOlder},
+  };
+  for (const auto& [facts, state] : cases) {
+    EXPECT_EQ(stateOf(facts), state) << facts.shellVersion << " " << facts.state.value_or(-1);
+  }
+}
+
+TEST(GnomeExtension, ListedIn) {
+  EXPECT_EQ(listedIn("@as []\n", "a@b"), "['a@b']");
+  EXPECT_EQ(listedIn("['x@y']\n", "a@b"), "['x@y', 'a@b']");
+  EXPECT_EQ(listedIn("['a@b', 'x@y']", "a@b"), "['a@b', 'x@y']");
+  EXPECT_EQ(listedIn("", "a@b"), std::nullopt);
 }
 
 }  // namespace

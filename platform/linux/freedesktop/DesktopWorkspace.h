@@ -14,7 +14,7 @@ class PosixChildProcesses;
 namespace dormel::freedesktop {
 
 /// Applications folders are "/Applications", where an administrator made one, and "~/Applications", the user's own.
-class DesktopWorkspace final : public Workspace {
+class DesktopWorkspace : public Workspace {
  public:
   /// Both outlive this object.
   DesktopWorkspace(posix::PosixChildProcesses& children, StandardOutput& output);

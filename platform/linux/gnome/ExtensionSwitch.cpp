@@ -1,0 +1,287 @@
+#include "platform/linux/gnome/ExtensionSwitch.h"
+
+#include <systemd/sd-bus.h>
+#include <unistd.h>
+
+#include <array>
+#include <charconv>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <sstream>
+#include <string_view>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include "platform/Identifiers.h"
+#include "platform/Process.h"
+#include "platform/linux/freedesktop/BaseDirectories.h"
+#include "platform/linux/freedesktop/CreatedFolders.h"
+#include "platform/linux/freedesktop/Programs.h"
+#include "platform/linux/gnome/Link.h"
+
+namespace dormel::gnome {
+namespace fs = std::filesystem;
+namespace {
+
+constexpr int FIRST_VERSION = 45;  // the first one that reads modules
+constexpr std::uint64_t LIMIT_MICROSECONDS = 500'000;
+// The shell's numbers for the states of an extension.
+constexpr int ACTIVE = 1;
+constexpr int FAILED = 3;
+constexpr int OUT_OF_DATE = 4;
+constexpr int ACTIVATING = 8;
+
+constexpr const char* SHELL = "org.gnome.Shell";
+constexpr const char* SHELL_OBJECT = "/org/gnome/Shell";
+constexpr const char* EXTENSIONS = "org.gnome.Shell.Extensions";
+
+const std::string& uuid() {
+  static const std::string text = std::string("dormel@") + BUNDLE_IDENTIFIER;
+  return text;
+}
+
+struct BusDeleter {
+  void operator()(sd_bus* bus) const { sd_bus_flush_close_unref(bus); }
+};
+using Bus = std::unique_ptr<sd_bus, BusDeleter>;
+struct MessageDeleter {
+  void operator()(sd_bus_message* message) const { sd_bus_message_unref(message); }
+};
+using Reply = std::unique_ptr<sd_bus_message, MessageDeleter>;
+
+Bus openBus() {
+  sd_bus* bus = nullptr;
+  if (sd_bus_open_user(&bus) < 0) return nullptr;
+  sd_bus_set_method_call_timeout(bus, LIMIT_MICROSECONDS);
+  return Bus(bus);
+}
+
+/// Null where nobody answers. The shell is not started by it: on another desktop nobody wants that.
+template <typename... Arguments>
+Reply ask(sd_bus* bus, const char* interface, const char* method, const char* types, Arguments... arguments) {
+  sd_bus_message* made = nullptr;
+  if (bus == nullptr || sd_bus_message_new_method_call(bus, &made, SHELL, SHELL_OBJECT, interface, method) < 0)
+    return {};
+  const Reply call(made);
+  sd_bus_message_set_auto_start(made, 0);
+  if (sd_bus_message_append(made, types, arguments...) < 0) return {};
+  sd_bus_message* reply = nullptr;
+  if (sd_bus_call(bus, made, 0, nullptr, &reply) < 0) return {};
+  return Reply(reply);
+}
+
+Reply property(sd_bus* bus, const char* interface, const char* name) {
+  return ask(bus, "org.freedesktop.DBus.Properties", "Get", "ss", interface, name);
+}
+
+/// Calls `take` with each name whose value is a number.
+template <typename Take>
+void readNumbers(sd_bus_message* dictionary, Take take) {
+  if (dictionary == nullptr || sd_bus_message_enter_container(dictionary, 'a', "{sv}") < 0) return;
+  while (sd_bus_message_enter_container(dictionary, 'e', "sv") > 0) {
+    const char* name = nullptr;
+    const char* type = nullptr;
+    if (sd_bus_message_read_basic(dictionary, 's', &name) < 0) return;
+    if (sd_bus_message_peek_type(dictionary, nullptr, &type) > 0 && std::string_view(type) == "d") {
+      double value = 0;
+      if (sd_bus_message_read(dictionary, "v", "d", &value) < 0) return;
+      take(std::string_view(name), value);
+    } else if (sd_bus_message_skip(dictionary, "v") < 0) {
+      return;
+    }
+    if (sd_bus_message_exit_container(dictionary) < 0) return;
+  }
+}
+
+std::string variable(const char* name) {
+  const char* const value = std::getenv(name);
+  return value == nullptr ? std::string() : std::string(value);
+}
+
+/// Where an extension lies below a folder of data.
+std::string below(const std::string& data) { return data + "/gnome-shell/extensions/" + uuid(); }
+
+std::string ownCopy() { return below(freedesktop::dataHome()); }
+
+/// Of the extension in a folder; 0 where there is none.
+int versionIn(const std::string& folder) {
+  std::ifstream file(folder + "/metadata.json");
+  const auto metadata = nlohmann::json::parse(file, nullptr, false);
+  if (!metadata.is_object()) return 0;
+  const auto version = metadata.find("version");
+  return version != metadata.end() && version->is_number_integer() ? version->get<int>() : 0;
+}
+
+int versionOfSystem() {
+  const std::string listed = variable("XDG_DATA_DIRS");
+  std::istringstream folders(listed.empty() ? "/usr/local/share:/usr/share" : listed);
+  for (std::string folder; std::getline(folders, folder, ':');) {
+    if (const int version = versionIn(below(folder)); version > 0) return version;
+  }
+  return 0;
+}
+
+/// All that a program says, its first lines at least; empty where it cannot run.
+std::string outputOf(const char* command) {
+  const std::unique_ptr<FILE, int (*)(FILE*)> pipe(::popen(command, "re"), &::pclose);  // NOLINT(cert-env33-c)
+  std::array<char, 16384> text{};
+  return pipe ? std::string(text.data(), std::fread(text.data(), 1, text.size(), pipe.get())) : std::string();
+}
+
+}  // namespace
+
+ExtensionState stateOf(const ExtensionFacts& facts) {
+  if (facts.shellVersion == 0) return ExtensionState::elsewhere;
+  if (facts.shellVersion < FIRST_VERSION) return ExtensionState::tooOld;
+  if (!facts.areAllowed) return ExtensionState::allOff;
+  if (!facts.state) return facts.waitingVersion > 0 ? ExtensionState::afterLogin : ExtensionState::absent;
+  const int state = *facts.state;
+  if (state == FAILED || state == OUT_OF_DATE) return ExtensionState::failed;
+  if (state != ACTIVE && state != ACTIVATING) return ExtensionState::off;
+  return facts.waitingVersion > facts.loadedVersion ? ExtensionState::onOlder : ExtensionState::on;
+}
+
+std::optional<std::string> listedIn(const std::string& list, const std::string& name) {
+  const auto open = list.find('[');
+  const auto close = list.rfind(']');
+  if (open == std::string::npos || close == std::string::npos || close < open) return std::nullopt;
+  const std::string items = list.substr(open + 1, close - open - 1);
+  const std::string item = "'" + name + "'";
+  if (items.find(item) != std::string::npos) return "[" + items + "]";
+  return "[" + items + (items.find('\'') == std::string::npos ? "" : ", ") + item + "]";
+}
+
+ExtensionSwitch::ExtensionSwitch(ChildProcesses& children, std::string resources)
+    : children_(children), resources_(std::move(resources)) {}
+
+ExtensionFacts ExtensionSwitch::facts() const {
+  ExtensionFacts facts;
+  if (!isSession()) return facts;
+  const Bus bus = openBus();
+  const char* version = nullptr;
+  const Reply shell = property(bus.get(), SHELL, "ShellVersion");
+  if (!shell || sd_bus_message_read(shell.get(), "v", "s", &version) < 0) return facts;
+  const std::string_view text(version);
+  std::from_chars(text.data(), text.data() + text.size(), facts.shellVersion);
+  int isAllowed = 1;
+  const Reply allowed = property(bus.get(), EXTENSIONS, "UserExtensionsEnabled");
+  if (allowed && sd_bus_message_read(allowed.get(), "v", "b", &isAllowed) >= 0) facts.areAllowed = isAllowed != 0;
+  const Reply info = ask(bus.get(), EXTENSIONS, "GetExtensionInfo", "s", uuid().c_str());
+  readNumbers(info.get(), [&](std::string_view name, double value) {
+    if (name == "state") facts.state = static_cast<int>(value);
+    if (name == "version") facts.loadedVersion = static_cast<int>(value);
+  });
+  const int own = versionIn(ownCopy());  // the shell prefers it
+  facts.waitingVersion = own > 0 ? own : versionOfSystem();
+  return facts;
+}
+
+ExtensionState ExtensionSwitch::state() const { return stateOf(facts()); }
+
+bool ExtensionSwitch::copy() const {
+  const fs::path target = ownCopy();
+  const fs::path fresh = ownCopy() + ".new";
+  std::error_code error;
+  std::vector<fs::path> missing;
+  for (fs::path folder = target.parent_path(); !fs::exists(folder, error); folder = folder.parent_path()) {
+    missing.push_back(folder);
+  }
+  fs::create_directories(target.parent_path(), error);
+  for (auto folder = missing.rbegin(); !error && folder != missing.rend(); ++folder) {
+    freedesktop::noteCreatedFolder(folder->string());
+  }
+  fs::remove_all(fresh, error);
+  fs::copy(resources_, fresh, fs::copy_options::recursive, error);
+  if (error) {
+    std::error_code ignored;
+    fs::remove_all(fresh, ignored);
+    return false;
+  }
+  fs::remove_all(target, error);
+  fs::rename(fresh, target, error);
+  return !error;
+}
+
+bool ExtensionSwitch::list() {
+  const auto list = listedIn(outputOf("gsettings get org.gnome.shell enabled-extensions"), uuid());
+  const auto tool = freedesktop::findProgram("gsettings");
+  return list && tool && children_.run(*tool, {"set", "org.gnome.shell", "enabled-extensions", *list}) == 0;
+}
+
+bool ExtensionSwitch::lead() {
+  switch (state()) {
+    case ExtensionState::elsewhere:
+    case ExtensionState::tooOld:
+    case ExtensionState::failed:
+      return false;
+    case ExtensionState::on:
+    case ExtensionState::onOlder:
+      return true;
+    case ExtensionState::allOff: {
+      const auto program = freedesktop::findProgram("gnome-extensions-app");
+      return program && children_.start(*program, {});
+    }
+    case ExtensionState::absent:
+      return copy() && list();
+    case ExtensionState::afterLogin:
+      return list();
+    case ExtensionState::off:
+      break;
+  }
+  const Bus bus = openBus();
+  int isDone = 0;
+  const Reply reply = ask(bus.get(), EXTENSIONS, "EnableExtension", "s", uuid().c_str());
+  return reply && sd_bus_message_read(reply.get(), "b", &isDone) >= 0 && isDone != 0;
+}
+
+void ExtensionSwitch::refreshCopy() const {
+  const int copied = versionIn(ownCopy());
+  const int carried = versionIn(resources_);
+  if (copied > 0 && carried > 0 && copied != carried) static_cast<void>(copy());
+}
+
+void ExtensionSwitch::remove() {
+  std::error_code ignored;
+  const bool isOurs = fs::exists(ownCopy(), ignored);
+  if (isSession()) {
+    const Bus bus = openBus();
+    static_cast<void>(ask(bus.get(), EXTENSIONS, "DisableExtension", "s", uuid().c_str()));
+  }
+  if (isOurs) fs::remove_all(ownCopy(), ignored);
+}
+
+std::string advice(ExtensionState state) {
+  switch (state) {
+    case ExtensionState::elsewhere:
+    case ExtensionState::on:
+      return {};
+    case ExtensionState::onOlder:
+      return "A newer extension of Dormel takes over when you log in the next time. Until then the older one does its "
+             "work.";
+    case ExtensionState::tooOld:
+      return "This version of GNOME lets no program lock a Wayland session. Log out, and at the login screen choose "
+             "\"GNOME on Xorg\" behind the gear wheel.";
+    case ExtensionState::allOff:
+      return "GNOME's extensions are all switched off, and Dormel's with them. Open the program Extensions, and switch "
+             "them on at the top.";
+    case ExtensionState::failed:
+      return "GNOME cannot run Dormel's extension. A newer Dormel may be made for this version of GNOME; until then, "
+             "choose \"GNOME on Xorg\" at the login screen.";
+    case ExtensionState::off:
+      return "Dormel's extension of GNOME is switched off. Open the program Extensions, and switch Dormel on.";
+    case ExtensionState::absent:
+      return "Dormel locks a GNOME session by a small extension of it, which is not there yet. Once it is, log out and "
+             "in again.";
+    case ExtensionState::afterLogin:
+      break;
+  }
+  return "Dormel's extension of GNOME is in its place. GNOME looks for new ones only when you log in: log out and in "
+         "again once, and Dormel can lock.";
+}
+
+}  // namespace dormel::gnome
