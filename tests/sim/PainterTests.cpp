@@ -225,6 +225,28 @@ TEST_F(PainterTest, ReplacesOneThatStandsStillWhileSomethingIsDue) {
   EXPECT_TRUE(isPainted());
 }
 
+TEST_F(PainterTest, CanvasesThatComeAndGoGiveOneThatStandsStillNoMoreTime) {
+  lock();
+  machine.advance(3);
+  painter.hang();
+  for (int i = 0; i < 4; ++i) {
+    lock();
+    machine.advance(0.4);
+  }
+  EXPECT_EQ(painter.starts().size(), 2U);
+  EXPECT_TRUE(isPainted());
+  painter.setMood(Mood::hangs);  // from its start on
+  painter.die();
+  for (int i = 0; i < 4; ++i) {
+    lock();
+    machine.advance(3);
+  }
+  EXPECT_EQ(painter.starts().size(), 4U);
+  blocker.reset();
+  machine.advance(60);
+  EXPECT_EQ(painter.starts().size(), 4U) << "nobody needs one";
+}
+
 TEST_F(PainterTest, APictureThatIsNoLongerTrueDoesNotStay) {
   lock();
   machine.advance(5);

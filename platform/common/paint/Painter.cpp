@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <utility>
+#include <vector>
 
 #include "platform/Platform.h"
 #include "platform/Process.h"
@@ -37,8 +38,22 @@ std::uint32_t Painter::join(Client& client) {
 
 void Painter::leave(std::uint32_t client) {
   clients_.erase(client);
-  std::erase_if(unanswered_, [client](const auto& order) { return order.second.client == client; });
   if (process_) send(Close{client});
+  // What the client will not be told any more is still owed: else one that stands still would have all its time again
+  // with every canvas that goes.
+  std::vector<std::uint32_t> owed;
+  for (auto& [serial, order] : unanswered_) {
+    if (order.client != client) continue;
+    order.client = 0;
+    owed.push_back(serial);
+  }
+  for (const std::uint32_t serial : owed) {
+    if (hasAnswered_) {
+      send(Ping{serial});
+    } else {
+      unanswered_.erase(serial);  // it loads yet, and that has a limit of its own
+    }
+  }
   reconsiderMoving();
   if (!clients_.empty()) return;
   startTimer_.invalidate();
@@ -56,6 +71,7 @@ void Painter::start() {
   startTimer_.invalidate();
   hasAnswered_ = false;
   shownSince_.reset();
+  startedAt_ = uptime();
   const auto weak = weak_from_this();
   process_ = launcher_.start({[weak](std::string_view bytes, const std::shared_ptr<const PictureMemory>& memory) {
                                 if (const auto self = weak.lock()) self->hear(bytes, memory);
@@ -88,6 +104,7 @@ void Painter::fail(const std::string& reason) {
     patience_ = PATIENCE;
   }
   stop();
+  if (clients_.empty()) return;  // until somebody needs one
   ++failures_;
   if (++complaints_ <= COMPLAINTS || complaints_ % 100 == 0) {
     platform().output.printError("The painter " + reason + ", starting it again.");
@@ -112,20 +129,21 @@ std::uint32_t Painter::newSerial(std::uint32_t client) {
   return lastSerial_;
 }
 
-Seconds Painter::patience() const { return hasAnswered_ ? patience_ : FIRST_ANSWER; }
+Seconds Painter::due() const {
+  // Serials are given in the order of time.
+  return hasAnswered_ ? unanswered_.begin()->second.sentAt + patience_ : startedAt_ + FIRST_ANSWER;
+}
 
 void Painter::watch() {
   overdueTimer_.invalidate();
   if (unanswered_.empty()) return;
-  // Serials are given in the order of time.
-  const Seconds due = unanswered_.begin()->second.sentAt + patience();
-  overdueTimer_ = Timer::once(std::max(0.0, due - uptime()), [weak = weak_from_this()] {
+  overdueTimer_ = Timer::once(std::max(0.0, due() - uptime()), [weak = weak_from_this()] {
     if (const auto self = weak.lock()) self->checkOverdue(false);
   });
 }
 
 void Painter::checkOverdue(bool isSecondLook) {
-  if (unanswered_.empty() || uptime() + ROUNDING < unanswered_.begin()->second.sentAt + patience()) {
+  if (unanswered_.empty() || uptime() + ROUNDING < due()) {
     watch();
   } else if (isSecondLook) {
     patience_ = std::min(patience_ * 2, MOST_PATIENCE);

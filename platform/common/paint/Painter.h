@@ -3,8 +3,9 @@
 // shared_ptr.
 //
 // It is started again at once, then after pauses that grow to 5 s, for ever. An order has to be answered within a
-// second (ten before the first answer of a process: a toolkit loads slowly on a machine that swaps); a painter that was
-// too slow gives the next one more time. One that has shown pictures for two seconds makes all that forgotten.
+// second (and the first of a process within ten of its start: a toolkit loads slowly on a machine that swaps), also
+// when the canvas that it was for has gone meanwhile; a painter that was too slow gives the next one more time. One
+// that has shown pictures for two seconds makes all that forgotten.
 #pragma once
 
 #include <cstdint>
@@ -71,13 +72,15 @@ class Painter : public std::enable_shared_from_this<Painter> {
   void ping();
   void watch();
   void checkOverdue(bool isSecondLook);
-  [[nodiscard]] Seconds patience() const;
+  /// When the oldest order has to be answered; there is one.
+  [[nodiscard]] Seconds due() const;
 
   PainterLauncher& launcher_;
   std::map<std::uint32_t, Client*> clients_;
   std::uint32_t lastClient_ = 0;
   std::unique_ptr<PainterProcess> process_;
   bool hasAnswered_ = false;
+  Seconds startedAt_ = 0;
   std::map<std::uint32_t, Unanswered> unanswered_;  ///< by serial
   std::uint32_t lastSerial_ = 0;
   std::optional<Seconds> shownSince_;  ///< this process's first picture
