@@ -14,8 +14,6 @@ enum class DisplayUse {
 
 /// What was found. A session usually has an X server, too, that is only a bridge into the Wayland compositor.
 struct DisplayOffer {
-  /// GNOME Shell's extension answers.
-  bool extension = false;
   /// A compositor lets programs put surfaces above all others (a layer shell, and what panels need besides).
   bool overlay = false;
   /// It lets them keep its shortcuts from acting meanwhile.
@@ -25,6 +23,8 @@ struct DisplayOffer {
   /// And a new client takes over a lock whose owner died; without that, nobody could end such a lock.
   bool sessionLockIsTakenOver = true;
   bool x11 = false;
+  /// GNOME Shell's extension answers.
+  bool extension = false;
 };
 
 enum class DisplayKind {

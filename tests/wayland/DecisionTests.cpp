@@ -18,7 +18,7 @@ namespace {
 TEST(DisplayChoice, TheBestThatIsThere) {
   struct Case {
     const char* desktop;
-    DisplayOffer offer;  // overlay, inhibitor, session lock, taken over, X11
+    DisplayOffer offer;  // overlay, inhibitor, session lock, taken over, X11, extension
     DisplayKind kind;
   };
   const std::vector<Case> cases{
@@ -30,6 +30,7 @@ TEST(DisplayChoice, TheBestThatIsThere) {
       {"the same with an X bridge", {true, false, false, true, true}, DisplayKind::x11},
       {"a lock that nothing can fade into", {false, false, true, true, false}, DisplayKind::none},
       {"an X server", {false, false, false, true, true}, DisplayKind::x11},
+      {"GNOME Shell with our extension", {false, false, false, false, true, true}, DisplayKind::extension},
       {"nothing", {}, DisplayKind::none},
   };
   for (const Case& c : cases) EXPECT_EQ(chooseDisplay(c.offer), c.kind) << c.desktop;
