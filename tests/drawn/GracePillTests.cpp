@@ -34,7 +34,7 @@ TEST_F(GracePillTest, FitsItsContentAndStaysInItsWindow) {
   EXPECT_GT(told.width, fitting.width) << "with room for wider figures";
   EXPECT_LE(told.width, 212) << "or the window would grow";
   const QImage& picture = drawn.picture();
-  EXPECT_EQ(picture.pixelColor(0, 0).alpha(), 0);
+  EXPECT_LT(picture.pixelColor(0, 0).alpha(), 10) << "nothing there but the shadow";
   EXPECT_EQ(picture.pixelColor(picture.width() / 2, 5).alpha(), std::lround(0.75 * 255));
   EXPECT_EQ(seenLines(), QStringList({"4:56 remaining"}));
   for (const SeenItem& item : seenItems()) {
