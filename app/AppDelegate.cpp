@@ -17,6 +17,7 @@
 #include "platform/Process.h"
 #include "platform/RunLoop.h"
 #include "platform/Updater.h"
+#include "platform/Wording.h"
 #include "platform/Workspace.h"
 #include "settings/AccessibilityCardView.h"
 
@@ -82,7 +83,7 @@ void AppDelegate::beginNight() {
     print("Accessibility permission OK.");
   } else {
     print("WARNING: Accessibility not granted — Dormel will NOT lock the screen tonight (P2.2r).");
-    print("To fix: System Settings → Privacy & Security → Accessibility → add/enable Dormel");
+    print(platform().wording.permission().remedy);
   }
   screenManager_ = ScreenManager::create(permissionCard);
   screenManager_->activate(trusted);
@@ -148,21 +149,18 @@ void AppDelegate::beginLoginItemsRecovery() {
   if (recoveryAlertVisible()) return;
   awaitingLoginItemsFix_ = true;
   switchSeenOff_ = needsApproval();
-  recoveryAlert_ = platform().alerts.show(
-      {AlertStyle::warning,
-       "Dormel is switched off",
-       "Dormel was turned off in System Settings → Login Items & Extensions, so it will not lock at night. macOS only "
-       "lets you flip that switch yourself.\n\nIn the list, find \"Dormel\" and turn it back on — you may need to "
-       "scroll down. Then come back here, and Dormel re-arms itself.",
-       {"Open Login Items", "Not Now"}},
-      [weak = weak_from_this()](int button) {
-        if (const auto self = weak.lock()) self->recoveryAnswered(button);
-      });
+  const RecoveryWords words = platform().wording.recovery(switchSeenOff_);
+  const bool leadsThere = !words.button.empty();
+  Alert alert{AlertStyle::warning, words.title, words.text, {"OK"}};
+  if (leadsThere) alert.buttons = {words.button, "Not Now"};
+  recoveryAlert_ = platform().alerts.show(alert, [weak = weak_from_this(), leadsThere](int button) {
+    if (const auto self = weak.lock()) self->recoveryAnswered(leadsThere && button == 0);
+  });
 }
 
-void AppDelegate::recoveryAnswered(int button) {
+void AppDelegate::recoveryAnswered(bool opens) {
   recoveryAlert_.reset();
-  if (button != 0 || platform().loginItems.openSettings()) return;
+  if (!opens || platform().loginItems.openSettings()) return;
   recoveryAlert_ =
       platform().alerts.show({AlertStyle::informational, "Switch Dormel on", platform().loginItems.advice(), {"OK"}},
                              [weak = weak_from_this()](int) {

@@ -70,7 +70,7 @@ class AppDelegate : public ApplicationDelegate, public std::enable_shared_from_t
   bool putUpdateInPlace();
   void installMainMenu();
   void selfHeal();
-  void recoveryAnswered(int button);
+  void recoveryAnswered(bool opens);
   void present(std::unique_ptr<MainWindow> window);
   void presentOnboarding(std::shared_ptr<OnboardingView> view);
   [[nodiscard]] OnboardingView::Hooks onboardingHooks(void (*finish)(AppDelegate&));

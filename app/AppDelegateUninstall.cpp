@@ -12,6 +12,7 @@
 #include "platform/Platform.h"
 #include "platform/Process.h"
 #include "platform/Updater.h"
+#include "platform/Wording.h"
 #include "platform/Workspace.h"
 
 namespace dormel {
@@ -67,7 +68,7 @@ void AppDelegate::uninstallAnswered(int button) {
       removal ? "The nightly lock and everything that Dormel saved for you have been removed.\n\nTo remove the "
                 "application, too, type in a terminal: " +
                     *removal
-              : "Dormel has been removed from your Mac.";
+              : "Dormel has been removed from your " + platform().wording.computer() + ".";
   ask({AlertStyle::informational, "Dormel uninstalled", done, {"OK"}}, &AppDelegate::uninstallDone);
 }
 

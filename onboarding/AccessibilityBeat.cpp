@@ -45,7 +45,7 @@ void AccessibilityBeat::look() {
 }
 
 void AccessibilityBeat::grant() const {
-  if (!isShown() || !row.reveal.on() || granted_) return;
+  if (!isShown() || !row.reveal.on() || grantTitle().empty()) return;
   AssentaAssistant::shared().present(AssentaPanel::accessibility, AssentaHostApp::current(platform().bundle), {});
 }
 

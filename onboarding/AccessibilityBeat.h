@@ -7,6 +7,8 @@
 #include "onboarding/OnbPill.h"
 #include "onboarding/OnbText.h"
 #include "onboarding/OnboardingScreen.h"
+#include "platform/Platform.h"
+#include "platform/Wording.h"
 
 namespace dormel {
 
@@ -17,12 +19,16 @@ class AccessibilityBeat : public OnboardingScreen {
   explicit AccessibilityBeat(OnbAction go);
 
   OnbText headline{*this, 0.3, "Let's test Dormel."};
-  OnbText sub{*this, 1.2, "It needs one permission to hold the lock."};
-  OnbText row{*this, 2.2, "Accessibility"};  ///< an icon, the name, and the "Grant" button or a check mark
+  OnbText sub{*this, 1.2, platform().wording.permission().need};
+  /// An icon, the name, and the "Grant" button or a check mark.
+  OnbText row{*this, 2.2, platform().wording.permission().name};
   OnbPill button;
 
   [[nodiscard]] bool granted() const { return granted_; }
-  [[nodiscard]] static std::string grantTitle() { return "Grant"; }
+  /// Empty where there is nothing to open: then there is no such button.
+  [[nodiscard]] std::string grantTitle() const { return granted_ ? "" : platform().wording.permission().grantButton; }
+  /// What to do, below the row and with it; may be empty.
+  [[nodiscard]] std::string advice() const { return granted_ ? "" : platform().wording.permission().advice; }
   /// The row's button: opens the desktop's settings, with a guide.
   void grant() const;
 

@@ -4,6 +4,8 @@
 #include "onboarding/OnbPill.h"
 #include "onboarding/OnbText.h"
 #include "onboarding/OnboardingScreen.h"
+#include "platform/Platform.h"
+#include "platform/Wording.h"
 
 namespace dormel {
 
@@ -12,7 +14,8 @@ class DebriefBeat : public OnboardingScreen {
   explicit DebriefBeat(OnbAction go);
 
   OnbText headline{*this, 0.3, "Well done!"};
-  OnbText sub{*this, 1.6, "Dormel locks your Mac at your selected time, every night."};
+  OnbText sub{*this, 1.6,
+              "Dormel locks your " + platform().wording.computer() + " at your selected time, every night."};
   OnbPill button;
 };
 

@@ -5,6 +5,8 @@
 #include <utility>
 
 #include "onboarding/OnbMotion.h"
+#include "platform/Platform.h"
+#include "platform/Wording.h"
 
 namespace dormel {
 namespace {
@@ -56,10 +58,7 @@ std::vector<OnbSpan> HowItWorksBeat::snoozeLine() {
   return {{"To snooze it: hold "}, {"5 keys", true}, {" for "}, {"30 seconds", true}};
 }
 
-const std::vector<std::string>& HowItWorksBeat::keycaps() {
-  static const std::vector<std::string> labels{"⇧", "⌘", "D", "O", "R"};
-  return labels;
-}
+std::vector<std::string> HowItWorksBeat::keycaps() { return {"⇧", platform().wording.secondModifier(), "D", "O", "R"}; }
 
 std::vector<OnbSpan> HowItWorksBeat::graceLine() {
   return {{"A snooze lasts "}, {"5 minutes", true}, {". Then it locks again."}};

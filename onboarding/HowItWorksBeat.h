@@ -32,7 +32,7 @@ class HowItWorksBeat : public OnboardingScreen {
   [[nodiscard]] const std::string& caption() const { return caption_; }  ///< "At midnight, your screen locks."
   // Phase 2. Pieces that are not strong are at half opacity.
   [[nodiscard]] static std::vector<OnbSpan> snoozeLine();
-  [[nodiscard]] static const std::vector<std::string>& keycaps();
+  [[nodiscard]] static std::vector<std::string> keycaps();
   [[nodiscard]] bool isHeld(std::size_t keycap) const { return static_cast<int>(keycap) < heldCount_; }
   [[nodiscard]] int heldCount() const { return heldCount_; }
   // Phase 3.

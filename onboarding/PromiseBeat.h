@@ -4,6 +4,8 @@
 #include "onboarding/OnbPill.h"
 #include "onboarding/OnbText.h"
 #include "onboarding/OnboardingScreen.h"
+#include "platform/Platform.h"
+#include "platform/Wording.h"
 
 namespace dormel {
 
@@ -11,7 +13,7 @@ class PromiseBeat : public OnboardingScreen {
  public:
   explicit PromiseBeat(OnbAction go);
 
-  OnbText headline{*this, 0.3, "Your Mac locks at your bedtime."};
+  OnbText headline{*this, 0.3, "Your " + platform().wording.computer() + " locks at your bedtime."};
   OnbText sub{*this, 1.5, "No willpower needed."};
   OnbPill button;
 };

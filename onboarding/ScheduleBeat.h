@@ -8,6 +8,8 @@
 #include "onboarding/OnbWheel.h"
 #include "onboarding/OnboardingModel.h"
 #include "onboarding/OnboardingScreen.h"
+#include "platform/Platform.h"
+#include "platform/Wording.h"
 
 namespace dormel {
 
@@ -16,7 +18,7 @@ class ScheduleBeat : public OnboardingScreen {
   /// Keeps the hour in the model and, unless it is a preview, in the settings.
   ScheduleBeat(std::shared_ptr<OnboardingModel> model, bool preview, OnbAction go);
 
-  OnbText headline{*this, 0.3, "When should your Mac lock?"};
+  OnbText headline{*this, 0.3, "When should your " + platform().wording.computer() + " lock?"};
   OnbWheel wheel;
   OnbPill button;
   OnbText whisper{*this, 2.8, "You can change this anytime."};

@@ -39,6 +39,7 @@ class StandardOutput;
 class Updater;
 class WindowList;
 class WindowServer;
+class Wording;
 class Workspace;
 
 struct Platform {
@@ -71,6 +72,7 @@ struct Platform {
   RunningApplications& runningApplications;
   WindowList& windowList;
   Dragging& dragging;
+  Wording& wording;
 };
 
 /// The set in force. Calling it with none installed is a programming error and ends the program.

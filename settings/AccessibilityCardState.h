@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/Wording.h"
+
 namespace dormel {
 
 struct AccessibilityCardState {
@@ -14,8 +16,9 @@ struct AccessibilityCardState {
   static constexpr std::uint32_t OPEN_SETTINGS = 1;
 
   bool toggleOn = false;
+  PermissionCardWords words;
 
-  [[nodiscard]] static std::vector<std::string> plainLines();
+  [[nodiscard]] std::vector<std::string> plainLines() const;
   friend bool operator==(const AccessibilityCardState&, const AccessibilityCardState&) = default;
 };
 

@@ -2,10 +2,18 @@
 
 #include <utility>
 
+#include "platform/Platform.h"
+#include "platform/Wording.h"
+
 namespace dormel {
 namespace {
 
 constexpr Seconds FLIP_INTERVAL = 1.4;
+constexpr double WIDTH = 440;
+constexpr double HEIGHT_WITH_SWITCH = 263.4;
+// Room for seven lines, which is more than any of its texts has.
+constexpr double HEIGHT = 240;
+constexpr double BUTTON_HEIGHT = 50;
 
 }  // namespace
 
@@ -23,12 +31,20 @@ void AccessibilityCardView::onAppear() {
   });
 }
 
+AccessibilityCardState AccessibilityCardView::state() const { return {toggleOn_, platform().wording.permissionCard()}; }
+
+Size AccessibilityCardView::fittingSize() const {
+  const PermissionCardWords words = platform().wording.permissionCard();
+  if (!words.switchHint.empty()) return {WIDTH, HEIGHT_WITH_SWITCH};
+  return {WIDTH, HEIGHT + (words.button.empty() ? 0 : BUTTON_HEIGHT)};
+}
+
 void AccessibilityCardView::act(std::uint32_t action) {
   if (action == AccessibilityCardState::OPEN_SETTINGS) onOpenSettings_();
 }
 
 std::vector<std::string> AccessibilityCardView::plainLines(const CanWrite& /*canWrite*/) const {
-  return AccessibilityCardState::plainLines();
+  return state().plainLines();
 }
 
 }  // namespace dormel

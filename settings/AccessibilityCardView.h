@@ -1,6 +1,6 @@
-// The card of a night without the permission: it says that the permission is missing, shows the switch in miniature
-// and leads to the real one. It has no way to be closed: it goes when the permission arrives or the night ends.
-// Main thread only.
+// The card of a night without the permission: it says that the permission is missing and what to do; where the desktop
+// has a switch for it, it shows that in miniature and leads to the real one. It has no way to be closed: it goes when
+// the permission arrives or the night ends. Main thread only.
 #pragma once
 
 #include <functional>
@@ -24,7 +24,7 @@ class AccessibilityCardView : public PaintedView,
 
   [[nodiscard]] ViewKind kind() const override { return ViewKind::accessibilityCard; }
 
-  [[nodiscard]] AccessibilityCardState state() const { return {toggleOn_}; }
+  [[nodiscard]] AccessibilityCardState state() const;
 
   /// The switch in miniature begins to flip every 1.4 s.
   void onAppear() override;
@@ -32,7 +32,7 @@ class AccessibilityCardView : public PaintedView,
   [[nodiscard]] std::shared_ptr<const void> observeState(Task handler) override {
     return std::make_shared<Observation>(observe(std::move(handler)));
   }
-  [[nodiscard]] Size fittingSize() const override { return {440, 263.4}; }
+  [[nodiscard]] Size fittingSize() const override;
   void act(std::uint32_t action) override;
   [[nodiscard]] std::vector<std::string> plainLines(const CanWrite& canWrite) const override;
 

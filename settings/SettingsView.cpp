@@ -10,6 +10,7 @@
 #include "platform/Defaults.h"
 #include "platform/Platform.h"
 #include "platform/Windows.h"
+#include "platform/Wording.h"
 
 namespace dormel {
 namespace {
@@ -138,8 +139,16 @@ void SettingsView::setUse24Hour(bool on) {
   use24Hour_ = on;
 }
 
+std::string SettingsView::permissionName() { return platform().wording.permission().name; }
+
+std::string SettingsView::permissionButton() const {
+  return axTrusted_ ? "" : platform().wording.permission().settingsButton;
+}
+
 std::string SettingsView::permissionText() const {
-  return axTrusted_ ? "Granted. Dormel can lock the screen." : "Required. Dormel can't lock the screen.";
+  const PermissionWords words = platform().wording.permission();
+  if (axTrusted_) return words.granted;
+  return words.advice.empty() ? words.missing : words.missing + " " + words.advice;
 }
 
 void SettingsView::openAccessibilitySettings(const std::optional<Rect>& from) const {

@@ -67,7 +67,10 @@ class SettingsView : public View, public Observable, public std::enable_shared_f
   void setUse24Hour(bool on);
 
   [[nodiscard]] bool isTrusted() const { return axTrusted_; }
+  [[nodiscard]] static std::string permissionName();
   [[nodiscard]] std::string permissionText() const;
+  /// Of the button that leads to it; empty where there is none.
+  [[nodiscard]] std::string permissionButton() const;
   /// Leads to the permission. `from` is where on the screens the user asked for it, if that is known.
   void openAccessibilitySettings(const std::optional<Rect>& from) const;
 

@@ -39,6 +39,15 @@ OnbBeat {
         }
     }
     OnbReveal {
+        visible: root.beat.advice !== ""
+        above: 24
+        on: root.beat.row.on
+
+        OnbSub {
+            text: root.beat.advice
+        }
+    }
+    OnbReveal {
         above: 40
         on: root.beat.button.on
 

@@ -16,7 +16,8 @@ class AccessibilityBridge : public BeatBridge {
   Q_PROPERTY(dormel::OnbTextValue row READ row NOTIFY changed)
   Q_PROPERTY(double rowWidth READ rowWidth CONSTANT)
   Q_PROPERTY(bool granted READ granted NOTIFY changed)
-  Q_PROPERTY(QString grantTitle READ grantTitle CONSTANT)
+  Q_PROPERTY(QString grantTitle READ grantTitle NOTIFY changed)
+  Q_PROPERTY(QString advice READ advice NOTIFY changed)
 
  public:
   explicit AccessibilityBridge(std::shared_ptr<AccessibilityBeat> screen)
@@ -26,7 +27,8 @@ class AccessibilityBridge : public BeatBridge {
   [[nodiscard]] OnbTextValue row() const { return OnbTextValue::line(screen_->row); }
   [[nodiscard]] static double rowWidth() { return AccessibilityBeat::ROW_WIDTH; }
   [[nodiscard]] bool granted() const { return screen_->granted(); }
-  [[nodiscard]] static QString grantTitle() { return QString::fromStdString(AccessibilityBeat::grantTitle()); }
+  [[nodiscard]] QString grantTitle() const { return QString::fromStdString(screen_->grantTitle()); }
+  [[nodiscard]] QString advice() const { return QString::fromStdString(screen_->advice()); }
 
   Q_INVOKABLE void grant() const { screen_->grant(); }
 

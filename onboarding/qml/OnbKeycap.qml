@@ -27,7 +27,8 @@ Rectangle {
         anchors.centerIn: parent
         text: root.label
         textFormat: Text.PlainText
-        font: Typeface.at(20, Font.DemiBold)
+        // A sign or a letter; a word is written smaller.
+        font: Typeface.at(root.label.length > 1 ? 16 : 20, Font.DemiBold)
         color: root.held ? "black" : Qt.rgba(1, 1, 1, 0.7)
     }
 }

@@ -49,7 +49,7 @@ Item {
         anchors.rightMargin: 18
         anchors.verticalCenter: parent.verticalCenter
         implicitWidth: 88
-        visible: !root.granted
+        visible: root.grantTitle !== ""
         text: root.grantTitle
         prominent: true
         onClicked: root.grant()

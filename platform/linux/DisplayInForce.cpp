@@ -74,6 +74,8 @@ std::string DisplayInForce::description() const {
   return describe(kind_, variable("WAYLAND_DISPLAY"), variable("DISPLAY"));
 }
 
+bool DisplayInForce::isWayland() const { return !variable("WAYLAND_DISPLAY").empty() || (x11_ && x11_->isBridge()); }
+
 bool DisplayInForce::hasComeUp() const {
   gnome::Message hello;
   // Behind a bridge for X programs nothing can be locked, until the shell's extension is switched on.

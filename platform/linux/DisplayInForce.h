@@ -33,6 +33,8 @@ class DisplayInForce {
   ~DisplayInForce();
 
   [[nodiscard]] DisplayKind kind() const { return kind_; }
+  /// Whether it is a Wayland compositor's, be it by way of its bridge for X programs.
+  [[nodiscard]] bool isWayland() const;
   /// One line that says which family is in force.
   [[nodiscard]] std::string description() const;
   /// Whether there is a display now, in a process that found none at its start.

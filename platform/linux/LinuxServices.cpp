@@ -11,11 +11,13 @@
 #include "platform/Identifiers.h"
 #include "platform/RunningApplications.h"
 #include "platform/common/paint/PaintedCanvases.h"
+#include "platform/linux/DesktopWording.h"
 #include "platform/linux/DisplayInForce.h"
 #include "platform/linux/SessionWorkspace.h"
 #include "platform/linux/freedesktop/AutostartLoginItems.h"
 #include "platform/linux/freedesktop/CreatedFolders.h"
 #include "platform/linux/freedesktop/Logind.h"
+#include "platform/linux/freedesktop/Opener.h"
 #include "platform/linux/freedesktop/SeatFiles.h"
 #include "platform/linux/freedesktop/SettingsPages.h"
 #include "platform/linux/freedesktop/ShellOverview.h"
@@ -93,6 +95,7 @@ struct LinuxServices::Parts {
         extension(children, bundle.path() + "/Contents/Resources/gnome-shell"),
         workspace(children, output, extension),
         loginItems(children, output),
+        wording([this] { return facts(); }),
         updateHelper(loop, bundle.helper("update"), bundle.path()),
         updater(clock, loop, defaults, updateHelper, updateOptions()) {
     if (x11::X11Platform* const x11 = display.x11()) {
@@ -117,6 +120,24 @@ struct LinuxServices::Parts {
   /// Until the process ends.
   void watchReadable(int fd, std::function<bool()> action) {
     watches.push_back(loop.watch(fd, EPOLLIN, [action = std::move(action)](std::uint32_t) { action(); }));
+  }
+
+  /// GNOME's shell is asked for some of them: not again within a moment, however many words are wanted.
+  [[nodiscard]] const DesktopFacts& facts() {
+    constexpr Seconds MOMENT = 1.0;
+    const Seconds now = clock.uptime();
+    if (factsSince && now - *factsSince < MOMENT) return knownFacts;
+    factsSince = now;
+    knownFacts.display = display.kind();
+    knownFacts.isWayland = display.isWayland();
+    knownFacts.isGnome = freedesktop::isGnome();
+    knownFacts.autostartPage = loginItems.pageName();
+    knownFacts.autostartFile = loginItems.file();
+    using State = gnome::ExtensionState;
+    const State state = gnome::isSession() ? extension.state() : State::elsewhere;
+    knownFacts.extensionAdvice = gnome::advice(state);
+    knownFacts.leadsToExtension = state == State::absent || state == State::off || state == State::allOff;
+    return knownFacts;
   }
 
   /// Nowhere to look without a feed and a key in the bundle, and nobody who looks in a process without an event loop. A
@@ -156,6 +177,9 @@ struct LinuxServices::Parts {
   gnome::ExtensionSwitch extension;
   SessionWorkspace workspace;
   freedesktop::AutostartLoginItems loginItems;
+  DesktopWording wording;
+  DesktopFacts knownFacts;
+  std::optional<Seconds> factsSince;
   updates::HelperProcess updateHelper;
   updates::BundleUpdater updater;
   std::optional<Platform> services;
@@ -196,7 +220,8 @@ Platform& LinuxServices::with(const Shown& shown) {
                                      p.updater,
                                      p.display.runningApplications(),
                                      p.display.windowList(),
-                                     shown.dragging});
+                                     shown.dragging,
+                                     p.wording});
 }
 
 EventLoop& LinuxServices::loop() { return parts_->loop; }

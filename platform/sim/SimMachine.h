@@ -35,6 +35,7 @@
 #include "platform/sim/SimTimeline.h"
 #include "platform/sim/SimUpdater.h"
 #include "platform/sim/SimWindows.h"
+#include "platform/sim/SimWording.h"
 #include "platform/sim/SimWorkspace.h"
 
 namespace dormel {
@@ -123,6 +124,7 @@ class SimMachine {
   SimUpdater updater;
   SimOtherApplications others;
   SimDragging dragging;
+  SimWording wording;
   SimScheduler scheduler;
 
  private:

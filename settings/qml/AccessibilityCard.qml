@@ -43,7 +43,7 @@ Item {
                 anchors.leftMargin: 10
                 anchors.right: parent.right
                 anchors.verticalCenter: parent.verticalCenter
-                text: "Dormel Requires Accessibility"
+                text: root.view.title
                 // One line, at worst at 85 %.
                 fontSizeMode: Text.HorizontalFit
                 minimumPixelSize: 13
@@ -55,24 +55,33 @@ Item {
         Gap { size: 12 }
         Text {
             width: parent.width
-            text: "Your permissions got accidentally reset. Enable Accessibility in System Settings so Dormel can function properly."
+            text: root.view.text
             wrapMode: Text.Wrap
             lineHeight: 1.2
             font: Typeface.at(13, Font.Normal)
             color: Qt.rgba(1, 1, 1, 0.6)
         }
-        Gap { size: 14 }
+        Gap {
+            visible: hint.visible
+            size: 14
+        }
         Text {
+            id: hint
             width: parent.width
-            text: "You may need to toggle it off and on again:"
+            visible: text !== ""
+            text: root.view.switchHint
             wrapMode: Text.Wrap
             font: Typeface.at(12, Font.Medium)
             color: Qt.rgba(1, 1, 1, 0.45)
         }
-        Gap { size: 8 }
+        Gap {
+            visible: hint.visible
+            size: 8
+        }
         Rectangle {
             width: parent.width
             height: 40
+            visible: hint.visible
             radius: 10
             color: Qt.rgba(1, 1, 1, 0.06)
 
@@ -101,16 +110,21 @@ Item {
         }
         Gap { size: 16 }
         PushButton {
+            id: button
             width: parent.width
             height: labelHeight + 2 * 9
-            text: "Open Accessibility Settings"
+            visible: text !== ""
+            text: root.view.button
             prominent: true
             onClicked: root.view.openSettings()
         }
-        Gap { size: 12 }
+        Gap {
+            visible: button.visible
+            size: 12
+        }
         Text {
             anchors.horizontalCenter: parent.horizontalCenter
-            text: "Dormel will start when enabled."
+            text: root.view.footer
             font: Typeface.at(11, Font.Normal)
             color: Qt.rgba(1, 1, 1, 0.35)
         }

@@ -9,15 +9,15 @@ AccessibilityCardBridge::AccessibilityCardBridge(std::shared_ptr<PaintedView> vi
 }
 
 bool AccessibilityCardBridge::take(std::string_view state) {
-  const auto next = decodedAccessibilityCard(state);
+  auto next = decodedAccessibilityCard(state);
   if (!next || *next == state_) return false;
-  state_ = *next;
+  state_ = std::move(*next);
   return true;
 }
 
 QStringList AccessibilityCardBridge::plainLines() const {
   QStringList lines;
-  for (const std::string& line : AccessibilityCardState::plainLines()) lines << QString::fromStdString(line);
+  for (const std::string& line : state_.plainLines()) lines << QString::fromStdString(line);
   return lines;
 }
 

@@ -24,7 +24,9 @@ class SettingsBridge : public ViewBridge {
   Q_PROPERTY(QString scheduleText READ scheduleText NOTIFY changed)
   Q_PROPERTY(bool use24Hour READ use24Hour NOTIFY changed)
   Q_PROPERTY(bool trusted READ trusted NOTIFY changed)
+  Q_PROPERTY(QString permissionName READ permissionName NOTIFY changed)
   Q_PROPERTY(QString permissionText READ permissionText NOTIFY changed)
+  Q_PROPERTY(QString permissionButton READ permissionButton NOTIFY changed)
   /// Beside the control whose change could not be saved; empty otherwise.
   Q_PROPERTY(QString switchUnsaved READ switchUnsaved NOTIFY changed)
   Q_PROPERTY(QString hourUnsaved READ hourUnsaved NOTIFY changed)
@@ -57,6 +59,8 @@ class SettingsBridge : public ViewBridge {
   [[nodiscard]] bool use24Hour() const { return settings_->use24Hour(); }
   [[nodiscard]] bool trusted() const { return settings_->isTrusted(); }
   [[nodiscard]] QString permissionText() const { return QString::fromStdString(settings_->permissionText()); }
+  [[nodiscard]] static QString permissionName() { return QString::fromStdString(SettingsView::permissionName()); }
+  [[nodiscard]] QString permissionButton() const { return QString::fromStdString(settings_->permissionButton()); }
   [[nodiscard]] QString switchUnsaved() const { return unsaved(defaultsKey::blockingEnabled); }
   [[nodiscard]] QString hourUnsaved() const { return unsaved(defaultsKey::blockStartHour); }
   [[nodiscard]] QString clockUnsaved() const { return unsaved(defaultsKey::use24HourClock); }

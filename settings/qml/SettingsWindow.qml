@@ -146,15 +146,15 @@ Item {
                 title: "Permissions"
 
                 StateRow {
-                    title: "Accessibility"
+                    title: root.view.permissionName
                     text: root.view.permissionText
                     dot: root.view.trusted ? Tone.green : Tone.warm
                 }
                 PushButton {
                     id: openSettings
                     x: 24
-                    visible: !root.view.trusted
-                    text: "Open Settings"
+                    visible: text !== ""
+                    text: root.view.permissionButton
                     onClicked: root.view.openAccessibilitySettings(openSettings)
                 }
             }

@@ -90,7 +90,7 @@ class FirstRunTest(DesktopCase):
         run.read_the_facts()
 
         # Interrupted here, it goes on from here.
-        run.see("When should your Mac lock?")
+        run.see("When should your computer lock?")
         self.quit(desk, run)
         run.open()
         self.in_front(desk, run.process, "Dormel")

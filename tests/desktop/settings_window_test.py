@@ -55,7 +55,7 @@ class SettingsWindowTest(DesktopCase):
             self.assertFalse(absent & control.states, (name, control))
         self.assertEqual(kinds["combo box", "Lock at"].description, "10:00 PM")
         for text in ("Enabled. Locks your screen on schedule.", "Locks 10:00 PM, unlocks 6:00 AM.",
-                     "Accessibility. Granted. Dormel can lock the screen.", "by Orvane",
+                     "Screen lock. This desktop lets Dormel lock the screen.", "by Orvane",
                      "This copy doesn't look for updates. To update it, open a newer copy."):
             self.assertIn(("label", text), kinds)
         # The toolkit lists what is hidden, too.

@@ -8,6 +8,7 @@
 #include "core/Config.h"
 #include "onboarding/qml/OnboardingScenes.h"
 #include "overlay/qml/OverlayScenes.h"
+#include "platform/linux/DesktopWording.h"
 #include "settings/qml/SettingsScenes.h"
 #include "ui/qml/UiModule.h"
 
@@ -70,6 +71,13 @@ DrawnMachine::DrawnMachine(std::uint64_t seed)
   store(defaultsKey::onboardingComplete, {true});
   store(defaultsKey::blockStartHour, {std::int64_t{22}});
   store(defaultsKey::blockEndHour, {std::int64_t{7}});
+}
+
+void DrawnMachine::speakAsLinux() {
+  static const DesktopWording wording([] {
+    return DesktopFacts{DisplayKind::x11, true, true, "Startup Applications", "~/.config/autostart/x.desktop"};
+  });
+  machine.wording.speakAs(wording);
 }
 
 void DrawnMachine::pass(Seconds duration) {

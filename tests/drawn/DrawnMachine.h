@@ -66,6 +66,9 @@ class DrawnMachine {
   /// Whether anything is moving, so that something would run on every frame.
   [[nodiscard]] bool isAnimating() const { return animations_.isRunning(); }
 
+  /// Says what the program says on a Linux desktop: on one that lets nobody lock it, where it has most to say.
+  void speakAsLinux();
+
   /// Puts a value into the settings, as another process would.
   void store(const char* key, PropertyListValue value) { machine.defaults.writeFromOutside(key, std::move(value)); }
 

@@ -69,6 +69,7 @@ void expectAllInside(const std::string& where) {
 TEST(StrangersScreens, HaveRoomForEveryScreenOfTheFirstRun) {
   for (const StrangersScreen& screen : STRANGERS_SCREENS) {
     DrawnMachine desk;
+    desk.speakAsLinux();
     desk.machine.accessibility.setTrusted(false);
     desk.store(defaultsKey::onboardingLate, {std::int64_t{26}});
     desk.store(defaultsKey::onboardingNights, {4.0});
@@ -107,21 +108,17 @@ TEST(StrangersScreens, HaveRoomForEveryOtherWindow) {
       {"card", [](DrawnMachine&) { return AccessibilityCardView::create([] {}); }, {}},
       {"about", [](DrawnMachine&) { return std::make_shared<AboutView>(); }, {}},
       {"alert",
-       [](DrawnMachine&) {
+       [](DrawnMachine& desk) {
+         const RecoveryWords words = desk.machine.wording.recovery(true);
          return std::make_shared<AlertView>(
-             Alert{AlertStyle::warning,
-                   "Dormel is switched off",
-                   "Dormel was turned off in System Settings → Login Items & Extensions, so it will not lock at night. "
-                   "macOS only lets you flip that switch yourself.\n\nIn the list, find \"Dormel\" and turn it back on "
-                   "— you may need to scroll down. Then come back here, and Dormel re-arms itself.",
-                   {"Open Login Items", "Not Now"}},
-             [](std::size_t) {});
+             Alert{AlertStyle::warning, words.title, words.text, {words.button, "Not Now"}}, [](std::size_t) {});
        },
        {}},
   };
   for (const StrangersScreen& screen : STRANGERS_SCREENS) {
     for (const auto& window : windows) {
       DrawnMachine desk;
+      desk.speakAsLinux();
       const auto view = window.make(desk);
       const Size wanted = window.wanted ? *window.wanted : QmlCanvas(desk.stage, view).fittingSize();
       DrawnView drawn(desk.factory, view, screen.scale, screen.sizeOf(wanted));

@@ -340,10 +340,10 @@ TEST_F(WorkspaceTest, OpensThings) {
     const char* desktop;
     const char* accessibility;  // the arguments, or null for none
     const char* autostart;
-  } cases[] = {{"ubuntu:GNOME", "universal-access\n", "applications\n"},
+  } cases[] = {{"ubuntu:GNOME", "universal-access\n", nullptr},
                {"KDE", "kcm_access\n", "kcm_autostart\n"},
                {"XFCE", "\n", nullptr},
-               {"Budgie:GNOME", "universal-access\n", "applications\n"},
+               {"Budgie:GNOME", "universal-access\n", nullptr},
                {"i3", nullptr, nullptr},
                {"", nullptr, nullptr}};
   freedesktop::AutostartLoginItems loginItems(children, output);
@@ -355,6 +355,7 @@ TEST_F(WorkspaceTest, OpensThings) {
     if (example.accessibility != nullptr) {
       EXPECT_EQ(awaited(heard), example.accessibility);
     }
+    EXPECT_EQ(loginItems.pageName(), example.autostart == nullptr ? "" : "Autostart");
     loginItems.openSettings();
     if (example.autostart != nullptr) {
       EXPECT_EQ(awaited(heard), example.autostart);

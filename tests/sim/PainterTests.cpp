@@ -77,7 +77,8 @@ TEST(PaintedStates, ArriveAsTheyWereSent) {
   const GraceCountdownState grace{0.25, ink::orange(1), "45s remaining"};
   EXPECT_EQ(decodedGraceCountdown(encoded(grace)), grace);
   EXPECT_FALSE(decodedGraceCountdown(encoded(grace) + " "));
-  EXPECT_EQ(decodedAccessibilityCard(encoded(AccessibilityCardState{true})), AccessibilityCardState{true});
+  const AccessibilityCardState card{true, {"title", "text", "hint", "button", "footer"}};
+  EXPECT_EQ(decodedAccessibilityCard(encoded(card)), card);
   EXPECT_FALSE(decodedAccessibilityCard(""));
 }
 

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "app/MainMenuItems.h"
+#include "platform/linux/DesktopWording.h"
 #include "tests/sim/Program.h"
 
 namespace dormel {
@@ -116,6 +117,20 @@ TEST(WindowMode, HealsALostJobOrAsksForTheSwitch) {
     EXPECT_EQ(appTrail(), row.trail) << row.name;
     EXPECT_EQ(program.delegate().recoveryAlertVisible(), program.machine.alerts.shown().size() == 1) << row.name;
   }
+}
+
+TEST(WindowMode, OffersNoPageThatCannotBeOpened) {
+  const DesktopWording wording([] { return DesktopFacts{}; });
+  Program program;
+  program.machine.wording.speakAs(wording);
+  program.machine.loginItems.setStatus(Status::requiresApproval);
+  program.open();
+  program.machine.settle();
+  ASSERT_EQ(program.machine.alerts.shown().size(), 1U);
+  EXPECT_EQ(program.machine.alerts.shown().front().buttons, Lines{"OK"});
+  program.machine.journal.clear();
+  program.answer("OK");
+  EXPECT_EQ(effects(program), Lines{"alert answered: OK"});
 }
 
 TEST(WindowMode, LooksForTheSwitchWheneverTheUserComesBack) {

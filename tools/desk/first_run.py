@@ -104,7 +104,7 @@ class FirstRun:
     def greet(self):
         self._screen("Say hello to your good sleep.", "Begin", "brand")
         self.hand.press("Begin")
-        self._screen("Your Mac locks at your bedtime.", "Continue", "promise")
+        self._screen("Your computer locks at your bedtime.", "Continue", "promise")
         self.hand.press("Continue")
 
     def answer(self, late="2 AM", nights="3–4 nights", want="11 PM", keeps="Scrolling"):
@@ -166,7 +166,7 @@ class FirstRun:
     def finish(self, label, spoken, hour):
         """Chooses the lock hour, arms it, and asks the scheduler for its next start, which is answered."""
         desk = self._desk
-        self._screen("When should your Mac lock?", "Set my dormel", "schedule")
+        self._screen("When should your computer lock?", "Set my dormel", "schedule")
         self.hand.turn_to(label)
         self.hand.press("Set my dormel")
         self._screen(f"Locks at {spoken}", "Sleep Well", "finale")

@@ -146,7 +146,7 @@ Item {
             name: "Permission"
 
             OnbPermissionRow { width: 400; name: "Accessibility"; granted: false; grantTitle: "Grant" }
-            OnbPermissionRow { width: 400; name: "Accessibility"; granted: true; grantTitle: "Grant" }
+            OnbPermissionRow { width: 400; name: "Accessibility"; granted: true; grantTitle: "" }
         }
     }
 }

@@ -144,6 +144,7 @@ class Gallery {
   void showPage(const char* name, const MakeView& make, Seconds after = 3, Docs docs = Docs::no) {
     for (const int scale : {1, 2}) {
       DrawnMachine machine;
+      machine.speakAsLinux();
       DrawnView drawn(machine.factory, make(machine), scale);
       drawn.picture();
       machine.pass(after);
@@ -171,6 +172,7 @@ class Gallery {
   [[nodiscard]] static QImage windowPicture(const MakeView& make, const Touch& touch, double scale,
                                             const std::optional<StrangersScreen>& screen) {
     DrawnMachine machine;
+    machine.speakAsLinux();
     DrawnView drawn(machine.factory, make(machine), scale);
     if (screen) drawn.canvas().resize(screen->sizeOf(drawn.canvas().fittingSize()), scale);
     QQuickItem& root = lastScene();
@@ -328,16 +330,19 @@ void showWindows(Gallery& gallery) {
                   "properly.\n\nAfter moving, you can eject the disk image.",
                   {"Move to Applications", "Quit"}});
   });
-  gallery.showPage("alert-recovery", [](DrawnMachine&) {
-    return alert({AlertStyle::warning,
-                  "Dormel is switched off",
-                  "Dormel was turned off in System Settings → Login Items & Extensions, so it will not lock at night. "
-                  "macOS only lets you flip that switch yourself.\n\nIn the list, find \"Dormel\" and turn it back on "
-                  "— you may need to scroll down. Then come back here, and Dormel re-arms itself.",
-                  {"Open Login Items", "Not Now"}});
+  gallery.showPage("alert-recovery", [](DrawnMachine& desk) {
+    const RecoveryWords words = desk.machine.wording.recovery(true);
+    return alert({AlertStyle::warning, words.title, words.text, {words.button, "Not Now"}});
   });
-  gallery.showPage("alert-short", [](DrawnMachine&) {
-    return alert({AlertStyle::informational, "Dormel uninstalled", "Dormel has been removed from your Mac.", {"OK"}});
+  gallery.showPage("alert-not-armed", [](DrawnMachine& desk) {
+    const RecoveryWords words = desk.machine.wording.recovery(false);
+    return alert({AlertStyle::warning, words.title, words.text, {"OK"}});
+  });
+  gallery.showPage("alert-short", [](DrawnMachine& desk) {
+    return alert({AlertStyle::informational,
+                  "Dormel uninstalled",
+                  "Dormel has been removed from your " + desk.machine.wording.computer() + ".",
+                  {"OK"}});
   });
   for (const AssentaPanel panel : {AssentaPanel::accessibility, AssentaPanel::screenRecording}) {
     const std::string name = "guide-" + std::string(rawValue(panel)).substr(sizeof "Privacy_" - 1);

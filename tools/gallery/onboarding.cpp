@@ -131,6 +131,7 @@ class Sheet {
 /// A screen at rest, in the room that a stranger's screen has for it.
 bool drawForStranger(const QDir& folder, const Moment& moment, const StrangersScreen& screen) {
   DrawnMachine desk;
+  desk.speakAsLinux();
   answer(desk);
   if (moment.given) moment.given(desk);
   const auto view = OnboardingView::create({[](const auto&) { return true; }, [] {}});
@@ -145,6 +146,7 @@ bool drawForStranger(const QDir& folder, const Moment& moment, const StrangersSc
 
 bool draw(const QDir& folder, const Moment& moment, int scale, Sheet& sheet) {
   DrawnMachine desk;
+  desk.speakAsLinux();
   answer(desk);
   if (moment.given) moment.given(desk);
   const auto view = OnboardingView::create({[](const auto&) { return true; }, [] {}});

@@ -24,9 +24,11 @@ LoginItemStatus AutostartLoginItems::status(const std::string& path) const {
 
 bool AutostartLoginItems::openSettings() { return opener_.openSettings(SettingsPage::autostart); }
 
+std::string AutostartLoginItems::file() { return AutostartEntry(BUNDLE_IDENTIFIER).path(); }
+
 std::string AutostartLoginItems::advice() const {
-  return settingsAdvice(SettingsPage::autostart) + " Where there is no such page, delete the file " +
-         AutostartEntry(BUNDLE_IDENTIFIER).path() + " and open Dormel again.";
+  return settingsAdvice(SettingsPage::autostart) + " Where there is no such page, delete the file " + file() +
+         " and open Dormel again.";
 }
 
 }  // namespace dormel::freedesktop

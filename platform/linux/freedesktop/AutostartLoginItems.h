@@ -15,6 +15,11 @@ class AutostartLoginItems final : public LoginItems {
   bool openSettings() override;
   [[nodiscard]] std::string advice() const override;
 
+  /// What the page that `openSettings` opens is called; empty where there is none.
+  [[nodiscard]] std::string pageName() const { return opener_.autostartPage(); }
+  /// The entry's file.
+  [[nodiscard]] static std::string file();
+
  private:
   Opener opener_;
 };

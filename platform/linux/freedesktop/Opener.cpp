@@ -17,6 +17,8 @@ std::string currentDesktop() {
 
 }  // namespace
 
+bool isGnome() { return namesDesktop(currentDesktop(), "GNOME"); }
+
 bool Opener::complain(const std::string& what) const {
   output_.printError("Dormel: cannot open " + what);
   return false;
@@ -43,6 +45,13 @@ bool Opener::openSettings(SettingsPage page) const {
   }
   const std::string name = desktop.empty() ? "no desktop that we know" : desktop;
   return complain("the settings: " + name + " has no such page here");
+}
+
+std::string Opener::autostartPage() const {
+  for (const AutostartPage& page : autostartPages(currentDesktop())) {
+    if (findProgram(page.command.front())) return page.name;
+  }
+  return {};
 }
 
 }  // namespace dormel::freedesktop

@@ -12,6 +12,9 @@ class StandardOutput;
 
 namespace dormel::freedesktop {
 
+/// Whether this session is GNOME, or a desktop that is built on it.
+[[nodiscard]] bool isGnome();
+
 class Opener {
  public:
   /// Both outlive this object. What cannot be opened is said once in a line on `output`.
@@ -23,6 +26,8 @@ class Opener {
   [[nodiscard]] bool open(const std::string& pathOrAddress) const;
 
   [[nodiscard]] bool openSettings(SettingsPage page) const;
+  /// What the page of what starts at login is called; empty where there is none to open.
+  [[nodiscard]] std::string autostartPage() const;
 
  private:
   bool complain(const std::string& what) const;

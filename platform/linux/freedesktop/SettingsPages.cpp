@@ -15,12 +15,12 @@ struct Desktop {
   Commands accessibility;
   Commands screenRecording;
   Commands appManagement;
-  Commands autostart;
+  std::vector<AutostartPage> autostart;
 };
 
 const std::vector<Desktop>& desktops() {
-  // GNOME's own settings have no page for what starts at login before its tweak tool, or its older session settings,
-  // are installed; the page of applications comes nearest. That is also where it says what a program may see and do.
+  // GNOME's own settings have no page for what starts at login; its tweak tool and its older session settings have. The
+  // page of applications is where it says what a program may see and do.
   // KDE asks each time whether a program may see the screen, and remembers the answers for packaged programs only.
   static const Commands gnomeApplications{{"gnome-control-center", "applications"}};
   static const Commands kdePermissions{
@@ -31,60 +31,60 @@ const std::vector<Desktop>& desktops() {
        {{"gnome-control-center", "universal-access"}},
        gnomeApplications,
        gnomeApplications,
-       {{"gnome-session-properties"}, {"gnome-tweaks"}, {"gnome-control-center", "applications"}}},
+       {{{"gnome-session-properties"}, "Startup Applications"}, {{"gnome-tweaks"}, "Tweaks"}}},
       {"Unity",
        {"unity-control-center"},
        {{"unity-control-center", "universal-access"}, {"gnome-control-center", "universal-access"}},
        {},
        {},
-       {{"gnome-session-properties"}}},
+       {{{"gnome-session-properties"}, "Startup Applications"}}},
       {"KDE",
        {"systemsettings", "systemsettings5", "org.kde.systemsettings"},
        {{"systemsettings", "kcm_access"}, {"systemsettings5", "kcm_access"}, {"systemsettings"}},
        kdePermissions,
        kdePermissions,
-       {{"systemsettings", "kcm_autostart"}, {"systemsettings5", "kcm_autostart"}, {"systemsettings"}}},
+       {{{"systemsettings", "kcm_autostart"}, "Autostart"}, {{"systemsettings5", "kcm_autostart"}, "Autostart"}}},
       {"XFCE",
        {"xfce4-settings-manager", "xfce4-accessibility-settings", "xfce4-session-settings"},
        {{"xfce4-accessibility-settings"}, {"xfce4-settings-manager"}},
        {},
        {},
-       {{"xfce4-session-settings"}}},
+       {{{"xfce4-session-settings"}, "Session and Startup"}}},
       {"X-Cinnamon",
        {"cinnamon-settings", "cinnamon-settings.py"},
        {{"cinnamon-settings", "universal-access"}},
        {},
        {{"cinnamon-settings", "applications"}},
-       {{"cinnamon-settings", "startup"}}},
+       {{{"cinnamon-settings", "startup"}, "Startup Applications"}}},
       {"MATE",
        {"mate-control-center", "mate-at-properties", "mate-session-properties"},
        {{"mate-at-properties"}, {"mate-control-center"}},
        {},
        {},
-       {{"mate-session-properties"}}},
+       {{{"mate-session-properties"}, "Startup Applications"}}},
       {"LXQt",
        {"lxqt-config", "lxqt-config-session"},
        {{"lxqt-config"}},
        {},
        {},
-       {{"lxqt-config-session"}, {"lxqt-config"}}},
+       {{{"lxqt-config-session"}, "Session Settings"}, {{"lxqt-config"}, "Configuration Center"}}},
       {"Budgie",
        {"budgie-control-center", "budgie-desktop-settings"},
        {{"budgie-control-center", "universal-access"}, {"gnome-control-center", "universal-access"}},
        {{"budgie-control-center", "applications"}},
        {{"budgie-control-center", "applications"}},
-       {{"budgie-desktop-settings"}, {"gnome-tweaks"}}},
+       {{{"budgie-desktop-settings"}, "Budgie Desktop Settings"}, {{"gnome-tweaks"}, "Tweaks"}}},
       {"Pantheon",
        {"io.elementary.switchboard", "io.elementary.settings", "switchboard"},
        {{"xdg-open", "settings://universal-access"}},
        {{"xdg-open", "settings://privacy"}},
        {{"xdg-open", "settings://applications/permissions"}},
-       {{"xdg-open", "settings://applications/startup"}}},
+       {{{"xdg-open", "settings://applications/startup"}, "Startup"}}},
   };
   return table;
 }
 
-const Commands& commandsOf(const Desktop& desktop, SettingsPage page) {
+Commands commandsOf(const Desktop& desktop, SettingsPage page) {
   switch (page) {
     case SettingsPage::accessibility:
       return desktop.accessibility;
@@ -95,7 +95,21 @@ const Commands& commandsOf(const Desktop& desktop, SettingsPage page) {
     case SettingsPage::autostart:
       break;
   }
-  return desktop.autostart;
+  Commands commands;
+  for (const AutostartPage& autostart : desktop.autostart) commands.push_back(autostart.command);
+  return commands;
+}
+
+/// The desktops that `currentDesktop` names. One that is built on another one names itself first: "Budgie:GNOME".
+std::vector<const Desktop*> desktopsOf(std::string_view currentDesktop) {
+  std::vector<const Desktop*> found;
+  std::istringstream names{std::string(currentDesktop)};
+  for (std::string name; std::getline(names, name, ':');) {
+    for (const Desktop& desktop : desktops()) {
+      if (name == desktop.name) found.push_back(&desktop);
+    }
+  }
+  return found;
 }
 
 bool sameName(std::string_view a, std::string_view b) {
@@ -124,16 +138,24 @@ std::optional<SettingsPage> settingsPageAt(std::string_view address) {
 
 std::vector<Command> settingsCommands(SettingsPage page, std::string_view currentDesktop) {
   std::vector<Command> commands;
-  // A desktop that is built on another one names itself first: "Budgie:GNOME".
-  std::istringstream names{std::string(currentDesktop)};
-  for (std::string name; std::getline(names, name, ':');) {
-    for (const Desktop& desktop : desktops()) {
-      if (name != desktop.name) continue;
-      const Commands& found = commandsOf(desktop, page);
-      commands.insert(commands.end(), found.begin(), found.end());
-    }
+  for (const Desktop* desktop : desktopsOf(currentDesktop)) {
+    const Commands found = commandsOf(*desktop, page);
+    commands.insert(commands.end(), found.begin(), found.end());
   }
   return commands;
+}
+
+std::vector<AutostartPage> autostartPages(std::string_view currentDesktop) {
+  std::vector<AutostartPage> pages;
+  for (const Desktop* desktop : desktopsOf(currentDesktop)) {
+    pages.insert(pages.end(), desktop->autostart.begin(), desktop->autostart.end());
+  }
+  return pages;
+}
+
+bool namesDesktop(std::string_view currentDesktop, std::string_view name) {
+  const auto found = desktopsOf(currentDesktop);
+  return std::any_of(found.begin(), found.end(), [name](const Desktop* desktop) { return name == desktop->name; });
 }
 
 std::string settingsAdvice(SettingsPage page) {

@@ -26,6 +26,16 @@ enum class SettingsPage {
 [[nodiscard]] std::vector<std::vector<std::string>> settingsCommands(SettingsPage page,
                                                                      std::string_view currentDesktop);
 
+/// The same for what starts at login, with what the page is called.
+struct AutostartPage {
+  std::vector<std::string> command;
+  std::string name;
+};
+[[nodiscard]] std::vector<AutostartPage> autostartPages(std::string_view currentDesktop);
+
+/// Whether that list names this desktop, of those that we know.
+[[nodiscard]] bool namesDesktop(std::string_view currentDesktop, std::string_view name);
+
 /// Where to look, in words for people, on a desktop that has no such page for us to open.
 [[nodiscard]] std::string settingsAdvice(SettingsPage page);
 

@@ -31,6 +31,8 @@ class X11Platform final : public DisplayFamily {
   ~X11Platform() override;
 
   [[nodiscard]] bool hasDisplay() const { return connection_ != nullptr; }
+  /// The server is only a Wayland compositor's bridge for X programs.
+  [[nodiscard]] bool isBridge() const { return features_.xwayland; }
   /// Called when the server is gone (nothing shows any more and nothing will), and when a lockdown has lost the
   /// connection that takes the keyboard. Where one follows the other, for each.
   void setOnLost(Task onLost) override;
