@@ -16,6 +16,7 @@
 #include "platform/Platform.h"
 #include "platform/Process.h"
 #include "platform/RunLoop.h"
+#include "platform/Texts.h"
 #include "platform/Updater.h"
 #include "platform/Wording.h"
 #include "platform/Workspace.h"
@@ -151,8 +152,8 @@ void AppDelegate::beginLoginItemsRecovery() {
   switchSeenOff_ = needsApproval();
   const RecoveryWords words = platform().wording.recovery(switchSeenOff_);
   const bool leadsThere = !words.button.empty();
-  Alert alert{AlertStyle::warning, words.title, words.text, {"OK"}};
-  if (leadsThere) alert.buttons = {words.button, "Not Now"};
+  Alert alert{AlertStyle::warning, words.title, words.text, {translate("OK")}};
+  if (leadsThere) alert.buttons = {words.button, translate("Not Now")};
   recoveryAlert_ = platform().alerts.show(alert, [weak = weak_from_this(), leadsThere](int button) {
     if (const auto self = weak.lock()) self->recoveryAnswered(leadsThere && button == 0);
   });
@@ -161,11 +162,11 @@ void AppDelegate::beginLoginItemsRecovery() {
 void AppDelegate::recoveryAnswered(bool opens) {
   recoveryAlert_.reset();
   if (!opens || platform().loginItems.openSettings()) return;
-  recoveryAlert_ =
-      platform().alerts.show({AlertStyle::informational, "Switch Dormel on", platform().loginItems.advice(), {"OK"}},
-                             [weak = weak_from_this()](int) {
-                               if (const auto self = weak.lock()) self->recoveryAlert_.reset();
-                             });
+  recoveryAlert_ = platform().alerts.show(
+      {AlertStyle::informational, translate("Switch Dormel on"), platform().loginItems.advice(), {translate("OK")}},
+      [weak = weak_from_this()](int) {
+        if (const auto self = weak.lock()) self->recoveryAlert_.reset();
+      });
 }
 
 void AppDelegate::didBecomeActive() {
@@ -205,10 +206,10 @@ void AppDelegate::showNights() {
   } else {
     const std::shared_ptr<NightsView> view = NightsView::create();
     nights_ = view;
-    nightsWindow_ =
-        platform().mainWindows.make({NightsView::SIZE, "Your nights", false}, view, [weak = weak_from_this()] {
-          if (const auto self = weak.lock()) self->nightsWindow_.reset();
-        });
+    nightsWindow_ = platform().mainWindows.make({NightsView::SIZE, translate("Your nights"), false}, view,
+                                                [weak = weak_from_this()] {
+                                                  if (const auto self = weak.lock()) self->nightsWindow_.reset();
+                                                });
   }
   nightsWindow_->bringToFront();
 }

@@ -11,6 +11,7 @@
 #include "platform/Files.h"
 #include "platform/Platform.h"
 #include "platform/Process.h"
+#include "platform/Texts.h"
 #include "platform/Updater.h"
 #include "platform/Wording.h"
 #include "platform/Workspace.h"
@@ -18,12 +19,12 @@
 namespace dormel {
 namespace {
 
-constexpr const char* QUESTION =
+constexpr const char* QUESTION = translatable(
     "This removes Dormel from this computer completely: the nightly lock, the application, and everything it saved, "
-    "settings and records included.";
-constexpr const char* QUESTION_PACKAGED =
+    "settings and records included.");
+constexpr const char* QUESTION_PACKAGED = translatable(
     "This removes the nightly lock and everything that Dormel saved for you, settings and records included. The "
-    "application itself stays: it belongs to your system, which removes it.";
+    "application itself stays: it belongs to your system, which removes it.");
 
 void removeBundle() {
   if (platform().bundle.isPackaged()) return;
@@ -40,9 +41,9 @@ void removeBundle() {
 
 void AppDelegate::confirmUninstall() {
   ask({AlertStyle::warning,
-       "Uninstall Dormel?",
-       platform().bundle.isPackaged() ? QUESTION_PACKAGED : QUESTION,
-       {"Uninstall", "Cancel"}},
+       translate("Uninstall Dormel?"),
+       translate(platform().bundle.isPackaged() ? QUESTION_PACKAGED : QUESTION),
+       {translate("Uninstall"), translate("Cancel")}},
       &AppDelegate::uninstallAnswered);
 }
 
@@ -65,11 +66,13 @@ void AppDelegate::uninstallAnswered(int button) {
   platform().workspace.forgetApplication();
   const auto removal = platform().bundle.packageRemoval();
   const std::string done =
-      removal ? "The nightly lock and everything that Dormel saved for you have been removed.\n\nTo remove the "
-                "application, too, type in a terminal: " +
-                    *removal
-              : "Dormel has been removed from your " + platform().wording.computer() + ".";
-  ask({AlertStyle::informational, "Dormel uninstalled", done, {"OK"}}, &AppDelegate::uninstallDone);
+      removal ? translate(
+                    "The nightly lock and everything that Dormel saved for you have been removed.\n\nTo remove the "
+                    "application, too, type in a terminal: %1",
+                    {*removal})
+              : translate("Dormel has been removed from your %1.", {platform().wording.computer()});
+  ask({AlertStyle::informational, translate("Dormel uninstalled"), done, {translate("OK")}},
+      &AppDelegate::uninstallDone);
 }
 
 void AppDelegate::uninstallDone(int /*button*/) { platform().process.exit(0); }

@@ -11,6 +11,7 @@
 #include "platform/Platform.h"
 #include "platform/Process.h"
 #include "platform/RunLoop.h"
+#include "platform/Texts.h"
 #include "platform/Windows.h"
 #include "platform/Workspace.h"
 
@@ -40,10 +41,12 @@ void ask(const Alert& alert, std::function<void(int)> onAnswer) {
 }
 
 void failInstallation(const std::string& reason) {
-  ask({AlertStyle::critical, "Installation Error", reason, {"OK"}}, [](int) { exitWith(1); });
+  ask({AlertStyle::critical, translate("Installation Error"), reason, {translate("OK")}}, [](int) { exitWith(1); });
 }
 
-void failMove(const std::string& reason) { failInstallation("Could not move Dormel to Applications: " + reason); }
+void failMove(const std::string& reason) {
+  failInstallation(translate("Could not move Dormel to Applications: %1", {reason}));
+}
 
 bool isAppRunning(const std::string& bundle) {
   Workspace& workspace = platform().workspace;
@@ -62,7 +65,7 @@ std::string inCopy(const std::string& bundle, const std::string& own) {
 std::optional<std::string> runAuthorized(const std::string& command) {
   const auto error = platform().workspace.runAsAdministrator(command);
   if (!error) return {};
-  return error->message.value_or("Install failed");
+  return error->message.value_or(translate("Install failed"));
 }
 
 void stripQuarantine(const std::string& path) {
@@ -84,7 +87,7 @@ std::optional<std::string> copyBundle(const std::string& folder, const std::stri
 void move() {
   const auto folder = platform().workspace.localApplicationsDirectory();
   if (!folder) {
-    failInstallation("Could not find the Applications folder.");
+    failInstallation(translate("Could not find the Applications folder."));
     return;
   }
   const std::string destination = *folder + "/" + lastComponent(bundlePath());
@@ -107,15 +110,19 @@ void move() {
 /// Whoever renames the folder takes from it what makes it a bundle. What would be moved then is a folder inside it.
 void refuse() {
   failInstallation(
-      "Dormel's folder needs a name that ends in \".app\". Rename it to \"Dormel.app\" and open it again.");
+      translate("Dormel's folder needs a name that ends in \".app\". Rename it to \"Dormel.app\" and open it again."));
 }
 
 void offerToMove() {
-  const std::string why = isRunningFromDMG()
-                              ? "Dormel is running from a disk image. It needs to be in your Applications folder to "
-                                "work properly.\n\nAfter moving, you can eject the disk image."
-                              : "Dormel needs to be in your Applications folder to work properly.";
-  ask({AlertStyle::informational, "Move Dormel to Applications", why, {"Move to Applications", "Quit"}},
+  const std::string why =
+      isRunningFromDMG() ? translate(
+                               "Dormel is running from a disk image. It needs to be in your Applications folder to "
+                               "work properly.\n\nAfter moving, you can eject the disk image.")
+                         : translate("Dormel needs to be in your Applications folder to work properly.");
+  ask({AlertStyle::informational,
+       translate("Move Dormel to Applications"),
+       why,
+       {translate("Move to Applications"), translate("Quit")}},
       [](int button) {
         if (button != 0) {
           exitWith(0);

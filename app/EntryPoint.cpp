@@ -13,6 +13,7 @@
 #include "platform/Files.h"
 #include "platform/Platform.h"
 #include "platform/Process.h"
+#include "platform/Texts.h"
 #include "platform/Windows.h"
 #include "platform/Workspace.h"
 
@@ -79,7 +80,7 @@ void checkAccessibility() {
 
 NightHistory history() {
   NightHistory read = NightHistory::read(platform().clock.now());
-  if (read.damaged) platform().output.printError(std::string("Dormel: ") + NightReport::DAMAGED);
+  if (read.damaged) platform().output.printError("Dormel: " + translate(NightReport::DAMAGED));
   return read;
 }
 

@@ -1,5 +1,7 @@
 #include "app/MainMenuItems.h"
 
+#include "platform/Texts.h"
+
 namespace dormel {
 
 std::vector<Menu> mainMenu() {
@@ -7,24 +9,24 @@ std::vector<Menu> mainMenu() {
   const MenuItem line{separator, ""};
   return {
       {"Dormel",
-       {{about, "About Dormel"},
+       {{about, translate("About Dormel")},
         line,
-        {hide, "Hide Dormel", "h"},
-        {hideOthers, "Hide Others", "h", false, true},
-        {showAll, "Show All"},
+        {hide, translate("Hide Dormel"), "h"},
+        {hideOthers, translate("Hide Others"), "h", false, true},
+        {showAll, translate("Show All")},
         line,
-        {quit, "Quit Dormel", "q"}}},
-      {"Edit",
-       {{undo, "Undo", "z"},
-        {redo, "Redo", "z", true},
+        {quit, translate("Quit Dormel"), "q"}}},
+      {translate("Edit"),
+       {{undo, translate("Undo"), "z"},
+        {redo, translate("Redo"), "z", true},
         line,
-        {cut, "Cut", "x"},
-        {copy, "Copy", "c"},
-        {paste, "Paste", "v"},
-        {deleteSelection, "Delete"},
+        {cut, translate("Cut"), "x"},
+        {copy, translate("Copy"), "c"},
+        {paste, translate("Paste"), "v"},
+        {deleteSelection, translate("Delete")},
         line,
-        {selectAll, "Select All", "a"}}},
-      {"Window", {{closeWindow, "Close", "w"}, {minimizeWindow, "Minimize", "m"}}},
+        {selectAll, translate("Select All"), "a"}}},
+      {translate("Window"), {{closeWindow, translate("Close"), "w"}, {minimizeWindow, translate("Minimize"), "m"}}},
   };
 }
 

@@ -5,6 +5,7 @@
 #include "platform/Alerts.h"
 #include "platform/Platform.h"
 #include "platform/RunningApplications.h"
+#include "platform/Texts.h"
 #include "platform/Windows.h"
 #include "platform/Workspace.h"
 
@@ -45,11 +46,13 @@ void AssentaAssistant::present(AssentaPanel panel, const AssentaHostApp& hostApp
     if (const auto self = weak.lock()) self->dismiss();
   });
   if (!platform().workspace.open(settingsURL(panel))) {
-    advice_ = platform().alerts.show(
-        {AlertStyle::informational, "Open your settings", platform().workspace.adviceFor(settingsURL(panel)), {"OK"}},
-        [weak = weak_from_this()](int) {
-          if (const auto self = weak.lock()) self->advice_.reset();
-        });
+    advice_ = platform().alerts.show({AlertStyle::informational,
+                                      translate("Open your settings"),
+                                      platform().workspace.adviceFor(settingsURL(panel)),
+                                      {translate("OK")}},
+                                     [weak = weak_from_this()](int) {
+                                       if (const auto self = weak.lock()) self->advice_.reset();
+                                     });
   }
   startTracking();
 }

@@ -1,5 +1,7 @@
 #include "assistant/AssentaPanel.h"
 
+#include "platform/Texts.h"
+
 namespace dormel {
 
 std::string_view rawValue(AssentaPanel panel) {
@@ -21,14 +23,14 @@ std::optional<AssentaPanel> assentaPanel(std::string_view value) {
   return {};
 }
 
-std::string_view title(AssentaPanel panel) {
+std::string title(AssentaPanel panel) {
   switch (panel) {
     case AssentaPanel::accessibility:
-      return "Accessibility";
+      return translate("Accessibility");
     case AssentaPanel::screenRecording:
-      return "Screen Recording";
+      return translate("Screen Recording");
     case AssentaPanel::appManagement:
-      return "App Management";
+      return translate("App Management");
   }
   return {};
 }

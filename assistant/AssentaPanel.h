@@ -18,7 +18,7 @@ inline constexpr std::array ASSENTA_PANELS{AssentaPanel::accessibility, AssentaP
 /// The panel of a raw value; nothing for an unknown one.
 [[nodiscard]] std::optional<AssentaPanel> assentaPanel(std::string_view rawValue);
 /// What the permission is called: "Accessibility", "Screen Recording", "App Management".
-[[nodiscard]] std::string_view title(AssentaPanel panel);
+[[nodiscard]] std::string title(AssentaPanel panel);
 /// The address of the page in the system settings.
 [[nodiscard]] std::string settingsURL(AssentaPanel panel);
 

@@ -2,10 +2,12 @@
 
 #include <utility>
 
+#include "platform/Texts.h"
+
 namespace dormel {
 
 OverlayContentView::OverlayContentView(const AssentaHostApp& hostApp, AssentaPanel panel, std::function<void()> onBack)
-    : title_("Drag " + hostApp.displayName + " to the list above to allow " + std::string(dormel::title(panel))),
+    : title_(translate("Drag %1 to the list above to allow %2", {hostApp.displayName, dormel::title(panel)})),
       dragSource_(AppDragSourceView::create(hostApp)),
       onBack_(std::move(onBack)) {}
 

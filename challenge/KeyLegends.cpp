@@ -6,6 +6,7 @@
 
 #include "challenge/KeyPool.h"
 #include "platform/Platform.h"
+#include "platform/Texts.h"
 #include "platform/UnicodeText.h"
 
 namespace dormel {
@@ -50,10 +51,11 @@ template <typename Row>
 std::string placeIn(const Row& row, int number, KeyCode keyCode) {
   const auto at = std::find(row.begin(), row.end(), keyCode);
   if (at == row.end()) return {};
-  constexpr std::array ENDINGS{"st", "nd", "rd", "th"};
+  constexpr std::array PLACES{translatable("row %1, %2st"), translatable("row %1, %2nd"), translatable("row %1, %2rd"),
+                              translatable("row %1, %2th")};
   const auto before = static_cast<std::size_t>(at - row.begin());
-  return "row " + std::to_string(number) + ", " + std::to_string(before + 1) +
-         ENDINGS.at(std::min(before, ENDINGS.size() - 1));
+  return translate(PLACES.at(std::min(before, PLACES.size() - 1)),
+                   {std::to_string(number), std::to_string(before + 1)});
 }
 
 std::string place(KeyCode keyCode) {
@@ -75,7 +77,7 @@ std::vector<KeyLegend> keyLegends() {
       if (other.printed == key.printed) printsItsOwn = false;
     }
     if (!isShared && !(key.isStandIn && key.printed)) continue;
-    legends.push_back({key.keyCode, printsItsOwn ? "prints " + *key.printed : place(key.keyCode)});
+    legends.push_back({key.keyCode, printsItsOwn ? translate("prints %1", {*key.printed}) : place(key.keyCode)});
   }
   return legends;
 }

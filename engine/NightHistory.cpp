@@ -13,6 +13,7 @@
 #include "engine/NightLog.h"
 #include "platform/Files.h"
 #include "platform/Platform.h"
+#include "platform/Texts.h"
 
 namespace dormel {
 namespace {
@@ -25,10 +26,17 @@ using Evenings = std::map<local_days, HistoryNight>;
 constexpr hours LONGEST_LOCK{16};
 constexpr int NOON = 12;
 
-constexpr std::array<const char*, 7> WEEKDAYS{"Monday", "Tuesday",  "Wednesday", "Thursday",
-                                              "Friday", "Saturday", "Sunday"};
-constexpr std::array<const char*, 12> MONTHS{"January", "February", "March",     "April",   "May",      "June",
-                                             "July",    "August",   "September", "October", "November", "December"};
+constexpr std::array<const char*, 7> WEEKDAYS{
+    translatable("Monday"), translatable("Tuesday"),  translatable("Wednesday"), translatable("Thursday"),
+    translatable("Friday"), translatable("Saturday"), translatable("Sunday")};
+constexpr std::array<const char*, 12> MONTHS{
+    translatable("January"),   translatable("February"), translatable("March"),    translatable("April"),
+    translatable("May"),       translatable("June"),     translatable("July"),     translatable("August"),
+    translatable("September"), translatable("October"),  translatable("November"), translatable("December")};
+constexpr std::array<const char*, 12> SHORT_MONTHS{translatable("Jan"), translatable("Feb"), translatable("Mar"),
+                                                   translatable("Apr"), translatable("May"), translatable("Jun"),
+                                                   translatable("Jul"), translatable("Aug"), translatable("Sep"),
+                                                   translatable("Oct"), translatable("Nov"), translatable("Dec")};
 
 /// A number that fills `text`.
 std::optional<unsigned> number(std::string_view text) {
@@ -163,12 +171,12 @@ std::string clockText(Stamp stamp, bool use24HourClock) {
 /// "once at 23:41", "3 times, at 23:41, 00:15 and 01:02"
 std::string unlockText(const std::vector<Stamp>& unlocks, bool use24HourClock) {
   const std::size_t count = unlocks.size();
-  std::string text = count == 1 ? "once" : count == 2 ? "twice," : std::to_string(count) + " times,";
-  for (std::size_t i = 0; i < count; ++i) {
-    text += i == 0 ? " at " : i + 1 == count ? " and " : ", ";
-    text += clockText(unlocks[i], use24HourClock);
-  }
-  return text;
+  std::string times = clockText(unlocks.front(), use24HourClock);
+  for (std::size_t i = 1; i + 1 < count; ++i) times += ", " + clockText(unlocks[i], use24HourClock);
+  if (count == 1) return translate("once at %1", {times});
+  times = translate("%1 and %2", {times, clockText(unlocks.back(), use24HourClock)});
+  if (count == 2) return translate("twice, at %1", {times});
+  return translate("%1 times, at %2", {std::to_string(count), times});
 }
 
 /// The nights that are decided, newest first.
@@ -196,22 +204,18 @@ HistoryNight::State HistoryNight::state() const {
 
 std::string HistoryNight::sentence(bool use24HourClock) const {
   const year_month_day date(evening);
-  const std::string locked = lock ? "locked at " + clockText(lock->at, use24HourClock) : std::string();
-  std::string text = std::string(WEEKDAYS.at(static_cast<std::size_t>(weekday()))) + ", " +
-                     std::to_string(static_cast<unsigned>(date.day())) + " " +
-                     MONTHS.at(static_cast<unsigned>(date.month()) - 1) + ": ";
-  switch (state()) {
-    case State::unrecorded:
-      text += "no lock recorded";
-      break;
-    case State::kept:
-      text += locked + ", not opened";
-      break;
-    case State::opened:
-      text += locked + (lock ? ", opened " : "opened ") + unlockText(unlocks, use24HourClock);
-      break;
+  const std::string locked = lock ? clockText(lock->at, use24HourClock) : std::string();
+  std::string story = translate("no lock recorded");
+  if (state() == State::kept) story = translate("locked at %1, not opened", {locked});
+  if (state() == State::opened) {
+    const std::string opened = unlockText(unlocks, use24HourClock);
+    story = lock ? translate("locked at %1, opened %2", {locked, opened}) : translate("opened %1", {opened});
   }
-  return isOver ? text : text + " so far";
+  const std::string text =
+      translate("%1, %2 %3: %4", {translate(WEEKDAYS.at(static_cast<std::size_t>(weekday()))),
+                                  std::to_string(static_cast<unsigned>(date.day())),
+                                  translate(MONTHS.at(static_cast<unsigned>(date.month()) - 1)), story});
+  return isOver ? text : translate("%1 so far", {text});
 }
 
 int HistoryNight::weekday() const { return static_cast<int>(std::chrono::weekday(evening).iso_encoding()) - 1; }
@@ -276,7 +280,7 @@ std::vector<std::pair<int, std::string>> NightHistory::months() const {
     if (i > 0 && date.day() != day(1)) continue;
     const int at = column(i);
     if (!found.empty() && at - found.back().first < 2) found.pop_back();
-    found.emplace_back(at, std::string(MONTHS.at(static_cast<unsigned>(date.month()) - 1), 3));
+    found.emplace_back(at, translate(SHORT_MONTHS.at(static_cast<unsigned>(date.month()) - 1)));
   }
   return found;
 }

@@ -70,7 +70,7 @@ struct NightHistory {
   // The grid: a column for each week from Monday on.
   [[nodiscard]] int columns() const { return column(nights.size() - 1) + 1; }
   [[nodiscard]] int column(std::size_t night) const { return (nights.front().weekday() + static_cast<int>(night)) / 7; }
-  /// The columns in which months begin, with their names in three letters. The first column counts, unless the next
+  /// The columns in which months begin, with their short names. The first column counts, unless the next
   /// month begins beside it.
   [[nodiscard]] std::vector<std::pair<int, std::string>> months() const;
 };

@@ -7,6 +7,8 @@
 #include <string_view>
 #include <utility>
 
+#include "platform/Texts.h"
+
 namespace dormel::NightReport {
 namespace {
 
@@ -15,7 +17,10 @@ using State = HistoryNight::State;
 constexpr int DEFAULT_WIDTH = 80;
 constexpr int LABEL_WIDTH = 4;         // "Mon "
 constexpr int LEAST_WITH_LABELS = 12;  // below, the weeks need the room themselves
-constexpr std::array<const char*, 7> WEEKDAYS{"Mon", "Tue", "Wed", "Thu", "Fri", "Sat", "Sun"};
+// No longer than three letters in any language.
+constexpr std::array<const char*, 7> WEEKDAYS{translatable("Mon"), translatable("Tue"), translatable("Wed"),
+                                              translatable("Thu"), translatable("Fri"), translatable("Sat"),
+                                              translatable("Sun")};
 
 constexpr const char* BOLD = "\033[1m";
 constexpr const char* DIM = "\033[2m";
@@ -79,7 +84,7 @@ class Page {
     }
   }
 
-  void legend() { paragraph("■ kept, 2 opened twice, · no lock recorded"); }
+  void legend() { paragraph(translate("■ kept, 2 opened twice, · no lock recorded")); }
 
   [[nodiscard]] std::string text() && {
     if (!text_.empty()) text_.pop_back();
@@ -90,18 +95,17 @@ class Page {
   void put(std::string_view line) { (text_ += line.substr(0, line.find_last_not_of(' ') + 1)) += '\n'; }
 
   void block(const NightHistory& history, int from, int to, int labels) {
-    std::string months(static_cast<std::size_t>(labels + 2 * (to - from)), ' ');
+    std::string months;
     for (const auto& [column, name] : history.months()) {
       if (column < from || column >= to) continue;
       const std::size_t at = static_cast<std::size_t>(labels) + 2 * static_cast<std::size_t>(column - from);
-      if (at + name.size() <= static_cast<std::size_t>(width_)) {
-        months.resize(std::max(months.size(), at + name.size()), ' ');
-        months.replace(at, name.size(), name);
-      }
+      if (at + length(name) > static_cast<std::size_t>(width_)) continue;
+      months += std::string(at - std::min(at, length(months)), ' ') + name;
     }
     put(months);
     for (int day = 0; day < 7; ++day) {
-      std::string line = labels > 0 ? std::string(WEEKDAYS.at(static_cast<std::size_t>(day))) + ' ' : std::string();
+      std::string line = labels > 0 ? translate(WEEKDAYS.at(static_cast<std::size_t>(day))) : std::string();
+      line.append(static_cast<std::size_t>(labels) - std::min(static_cast<std::size_t>(labels), length(line)), ' ');
       for (int column = from; column < to; ++column) {
         const int night = 7 * column + day - history.nights.front().weekday();
         const bool isThere = night >= 0 && night < NightHistory::NIGHTS;
@@ -122,25 +126,23 @@ class Page {
   std::string text_;
 };
 
-std::string nights(int count) { return std::to_string(count) + (count == 1 ? " night" : " nights"); }
-
 }  // namespace
 
 std::string text(const NightHistory& history, const std::optional<Terminal>& terminal, bool use24HourClock) {
   Page page(terminal ? terminal->columns : DEFAULT_WIDTH, terminal && terminal->highlights);
   if (history.empty()) {
-    page.paragraph(NO_NIGHTS);
+    page.paragraph(translate(NO_NIGHTS));
     return std::move(page).text();
   }
   page.grid(history);
   page.gap();
   page.legend();
   page.gap();
-  page.paragraph(nights(history.keptInARow()) + " kept in a row");
-  page.paragraph(std::to_string(history.keptOfRecent()) + " of the last " + std::to_string(NightHistory::RECENT) +
-                 " nights kept");
+  page.paragraph(translatePlural("%1 night kept in a row", "%1 nights kept in a row", history.keptInARow()));
+  page.paragraph(translate("%1 of the last %2 nights kept",
+                           {std::to_string(history.keptOfRecent()), std::to_string(NightHistory::RECENT)}));
   if (const auto minutes = history.medianIdleMinutes()) {
-    page.paragraph(std::to_string(*minutes) + " min from the last use to the lock (median)");
+    page.paragraph(translate("%1 min from the last use to the lock (median)", {std::to_string(*minutes)}));
   }
   bool isFirst = true;
   for (const HistoryNight& night : history.nights) {

@@ -5,11 +5,12 @@
 
 #include "engine/NightHistory.h"
 #include "platform/Process.h"
+#include "platform/Texts.h"
 
 namespace dormel::NightReport {
 
-inline constexpr const char* NO_NIGHTS = "No night has been recorded yet.";
-inline constexpr const char* DAMAGED = "Some records cannot be read. What they told is missing here.";
+inline constexpr const char* NO_NIGHTS = translatable("No night has been recorded yet.");
+inline constexpr const char* DAMAGED = translatable("Some records cannot be read. What they told is missing here.");
 
 /// The grid, the figures, and a sentence for each night that was opened; one sentence when there is no night. No line
 /// is longer than `terminal` is wide, as far as single words and a column of the grid go; 80 where there is none.

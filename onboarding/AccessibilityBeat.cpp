@@ -5,6 +5,7 @@
 #include "assistant/AssentaAssistant.h"
 #include "platform/Accessibility.h"
 #include "platform/Platform.h"
+#include "platform/Texts.h"
 #include "platform/Windows.h"
 
 namespace dormel {
@@ -16,7 +17,7 @@ constexpr Seconds POLL_INTERVAL = 1.0;
 
 AccessibilityBeat::AccessibilityBeat(OnbAction go)
     : OnboardingScreen(OnboardingBeat::accessibility),
-      button(*this, 3.0, {"Continue"},
+      button(*this, 3.0, {translate("Continue")},
              [go = std::move(go)] {
                AssentaAssistant::shared().dismiss();
                go();

@@ -8,6 +8,7 @@
 #include "onboarding/OnbText.h"
 #include "onboarding/OnboardingScreen.h"
 #include "platform/Platform.h"
+#include "platform/Texts.h"
 #include "platform/Wording.h"
 
 namespace dormel {
@@ -18,7 +19,7 @@ class AccessibilityBeat : public OnboardingScreen {
 
   explicit AccessibilityBeat(OnbAction go);
 
-  OnbText headline{*this, 0.3, "Let's test Dormel."};
+  OnbText headline{*this, 0.3, translate("Let's test Dormel.")};
   OnbText sub{*this, 1.2, platform().wording.permission().need};
   /// An icon, the name, and the "Grant" button or a check mark.
   OnbText row{*this, 2.2, platform().wording.permission().name};

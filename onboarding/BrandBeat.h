@@ -5,6 +5,7 @@
 #include "onboarding/OnbPill.h"
 #include "onboarding/OnbText.h"
 #include "onboarding/OnboardingScreen.h"
+#include "platform/Texts.h"
 
 namespace dormel {
 
@@ -13,7 +14,7 @@ class BrandBeat : public OnboardingScreen {
   explicit BrandBeat(OnbAction go);
 
   DormelMarkDraw mark{*this, 0.2};
-  OnbText sub{*this, 2.4, "Say hello to your good sleep."};
+  OnbText sub{*this, 2.4, translate("Say hello to your good sleep.")};
   OnbPill button;
 };
 

@@ -2,9 +2,11 @@
 
 #include <utility>
 
+#include "platform/Texts.h"
+
 namespace dormel {
 
 DebriefBeat::DebriefBeat(OnbAction go)
-    : OnboardingScreen(OnboardingBeat::debrief), button(*this, 3.0, {"Understood"}, std::move(go)) {}
+    : OnboardingScreen(OnboardingBeat::debrief), button(*this, 3.0, {translate("Understood")}, std::move(go)) {}
 
 }  // namespace dormel

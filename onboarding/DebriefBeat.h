@@ -5,6 +5,7 @@
 #include "onboarding/OnbText.h"
 #include "onboarding/OnboardingScreen.h"
 #include "platform/Platform.h"
+#include "platform/Texts.h"
 #include "platform/Wording.h"
 
 namespace dormel {
@@ -13,9 +14,9 @@ class DebriefBeat : public OnboardingScreen {
  public:
   explicit DebriefBeat(OnbAction go);
 
-  OnbText headline{*this, 0.3, "Well done!"};
+  OnbText headline{*this, 0.3, translate("Well done!")};
   OnbText sub{*this, 1.6,
-              "Dormel locks your " + platform().wording.computer() + " at your selected time, every night."};
+              translate("Dormel locks your %1 at your selected time, every night.", {platform().wording.computer()})};
   OnbPill button;
 };
 

@@ -3,15 +3,16 @@
 #include <utility>
 
 #include "core/Constants.h"
+#include "platform/Texts.h"
 
 namespace dormel {
 
 DemoBeat::DemoBeat(Actions actions)
     : OnboardingScreen(OnboardingBeat::demo),
       sub(*this, 1.4,
-          "Your screen will lock.\nTo snooze, hold the keys for " +
-              std::to_string(static_cast<int>(TEST_HOLD_DURATION)) + " seconds."),
-      button(*this, 2.6, {"Test Dormel"}, [this] { start(); }),
+          translate("Your screen will lock.\nTo snooze, hold the keys for %1 seconds.",
+                    {std::to_string(static_cast<int>(TEST_HOLD_DURATION))})),
+      button(*this, 2.6, {translate("Test Dormel")}, [this] { start(); }),
       actions_(std::move(actions)) {}
 
 void DemoBeat::start() {

@@ -6,6 +6,7 @@
 #include "onboarding/OnbPill.h"
 #include "onboarding/OnbText.h"
 #include "onboarding/OnboardingScreen.h"
+#include "platform/Texts.h"
 
 namespace dormel {
 
@@ -21,7 +22,7 @@ class DemoBeat : public OnboardingScreen {
   };
   explicit DemoBeat(Actions actions);
 
-  OnbText headline{*this, 0.3, "Ready to try?"};
+  OnbText headline{*this, 0.3, translate("Ready to try?")};
   OnbText sub;  ///< two lines
   OnbPill button;
 

@@ -8,6 +8,7 @@
 #include "onboarding/OnbText.h"
 #include "onboarding/OnboardingModel.h"
 #include "onboarding/OnboardingScreen.h"
+#include "platform/Texts.h"
 
 namespace dormel {
 
@@ -15,10 +16,10 @@ class FinaleBeat : public OnboardingScreen {
  public:
   FinaleBeat(const OnboardingModel& model, OnbAction onFinish);
 
-  OnbText headline{*this, 0.3, "Setting up your dormel…"};
-  OnbText locksAt;                                               ///< a row of the pieces below
-  OnbText everyNight{*this, 2.7, "Every night, automatically"};  ///< 16 points, half opacity
-  OnbText goneByMorning{*this, 3.9, "Gone by morning"};          ///< 16 points, half opacity
+  OnbText headline{*this, 0.3, translate("Setting up your dormel…")};
+  OnbText locksAt;                                                          ///< a row of the pieces below
+  OnbText everyNight{*this, 2.7, translate("Every night, automatically")};  ///< 16 points, half opacity
+  OnbText goneByMorning{*this, 3.9, translate("Gone by morning")};          ///< 16 points, half opacity
   OnbPill button;
 
   /// "Locks at " at half opacity, the hour semibold.

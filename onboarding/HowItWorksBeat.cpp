@@ -6,6 +6,7 @@
 
 #include "onboarding/OnbMotion.h"
 #include "platform/Platform.h"
+#include "platform/Texts.h"
 #include "platform/Wording.h"
 
 namespace dormel {
@@ -28,11 +29,11 @@ constexpr std::array STEPS{Step{1.2, 1},     Step{5.3, 2},     Step{5.9, -1, 1},
 
 HowItWorksBeat::HowItWorksBeat(const OnboardingModel& model, OnbAction go)
     : OnboardingScreen(OnboardingBeat::howItWorks),
-      button(*this, 0, {.title = "Continue", .quiet = true, .released = false}, std::move(go)) {
+      button(*this, 0, {.title = translate("Continue"), .quiet = true, .released = false}, std::move(go)) {
   const int want = model.want->value_or(24);
   const int figure = dayHour(want) % 12;
   clock_ = std::to_string(figure == 0 ? 12 : figure) + ":00";
-  caption_ = "At " + spokenHour(want) + ", your screen locks.";
+  caption_ = translate("At %1, your screen locks.", {spokenHour(want)});
 }
 
 void HowItWorksBeat::onAppear() {
@@ -55,17 +56,17 @@ double HowItWorksBeat::ringProgress() const {
 bool HowItWorksBeat::ringFills() const { return *ringSince_ && ringProgress() < 1; }
 
 std::vector<OnbSpan> HowItWorksBeat::snoozeLine() {
-  return {{"To snooze it: hold "}, {"5 keys", true}, {" for "}, {"30 seconds", true}};
+  return headlineSpans(translate("To snooze it: hold *5 keys* for *30 seconds*"));
 }
 
 std::vector<std::string> HowItWorksBeat::keycaps() { return {"⇧", platform().wording.secondModifier(), "D", "O", "R"}; }
 
 std::vector<OnbSpan> HowItWorksBeat::graceLine() {
-  return {{"A snooze lasts "}, {"5 minutes", true}, {". Then it locks again."}};
+  return headlineSpans(translate("A snooze lasts *5 minutes*. Then it locks again."));
 }
 
-std::string HowItWorksBeat::closingLine() { return "It gets you to sleep."; }
+std::string HowItWorksBeat::closingLine() { return translate("It gets you to sleep."); }
 
-std::string HowItWorksBeat::closingSubline() { return "Automatically gone by the morning."; }
+std::string HowItWorksBeat::closingSubline() { return translate("Automatically gone by the morning."); }
 
 }  // namespace dormel

@@ -10,6 +10,7 @@
 #include "onboarding/OnbText.h"
 #include "onboarding/OnboardingModel.h"
 #include "onboarding/OnboardingScreen.h"
+#include "platform/Texts.h"
 
 namespace dormel {
 
@@ -20,7 +21,7 @@ class HowItWorksBeat : public OnboardingScreen {
 
   HowItWorksBeat(const OnboardingModel& model, OnbAction go);
 
-  OnbText kicker{*this, 0.2, "How Dormel works"};
+  OnbText kicker{*this, 0.2, translate("How Dormel works")};
   OnbPill button;  ///< held back until the scene is over
 
   /// 0 before the first, then 1 to 4. A block is visible only while its phase is the current one.

@@ -7,7 +7,9 @@
 
 #include "onboarding/OnbPill.h"
 #include "onboarding/OnbText.h"
+#include "onboarding/OnboardingOptions.h"
 #include "onboarding/OnboardingScreen.h"
+#include "platform/Texts.h"
 
 namespace dormel {
 
@@ -18,21 +20,20 @@ class KeepsBeat : public OnboardingScreen {
   /// `onContinue` gets the picks.
   explicit KeepsBeat(std::function<void(const std::vector<std::string>&)> onContinue);
 
-  OnbText headline{*this, 0.3, "What keeps you up?"};
-  OnbText sub{*this, 1.0, "Pick all that apply."};
+  OnbText headline{*this, 0.3, translate("What keeps you up?")};
+  OnbText sub{*this, 1.0, translate("Pick all that apply.")};
   OnbReveal chips{*this, 1.5};
   OnbPill button;
 
-  /// The chips' labels.
-  [[nodiscard]] const std::vector<std::string>& labels() const { return labels_; }
+  [[nodiscard]] const std::vector<onboardingOptions::Keep>& options() const { return options_; }
   [[nodiscard]] bool isSelected(std::size_t chip) const;
   /// A chip was pressed: picks it, or takes its pick back.
   void toggle(std::size_t chip);
-  /// Lower-cased labels, in the order they were picked.
+  /// The options' values, in the order they were picked.
   [[nodiscard]] const std::vector<std::string>& picks() const { return *picks_; }
 
  private:
-  std::vector<std::string> labels_;
+  std::vector<onboardingOptions::Keep> options_;
   Published<std::vector<std::string>> picks_{this, {}};
 };
 

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "platform/Platform.h"
+#include "platform/Texts.h"
 
 namespace dormel {
 namespace {
@@ -18,20 +19,20 @@ bool isAheadOf(const OnboardingModel& model) { return *model.late && *model.want
 
 std::string habitLine(const OnboardingModel& model) {
   if (!isAheadOf(model)) return {};
-  return "You get to bed by " + spokenHour(**model.late) + ", and you want to be asleep by " +
-         spokenHour(**model.want) + ".";
+  return translate("You get to bed by %1, and you want to be asleep by %2.",
+                   {spokenHour(**model.late), spokenHour(**model.want)});
 }
 
 }  // namespace
 
 MirrorBeat::MirrorBeat(const OnboardingModel& model, OnbAction go)
     : OnboardingScreen(OnboardingBeat::mirror),
-      headline(*this, 0.3, isAheadOf(model) ? "You're almost there." : "You're losing"),
-      button(*this, isAheadOf(model) ? 4.4 : 5.0, {isAheadOf(model) ? "Keep me on track" : "I want to sleep better"},
-             std::move(go)),
+      headline(*this, 0.3, isAheadOf(model) ? translate("You're almost there.") : translate("You're losing")),
+      button(*this, isAheadOf(model) ? 4.4 : 5.0,
+             {isAheadOf(model) ? translate("Keep me on track") : translate("I want to sleep better")}, std::move(go)),
       mirrorLine(*this, 3.4, model.mirrorLine()),
       habit(*this, 1.6, habitLine(model)),
-      promise(*this, 3.0, "Dormel makes sure it stays that way."),
+      promise(*this, 3.0, translate("Dormel makes sure it stays that way.")),
       isAhead_(isAheadOf(model)),
       target_(model.weeklyHours().value_or(TARGET_WITHOUT_ANSWERS)) {}
 

@@ -7,6 +7,7 @@
 #include "onboarding/OnbText.h"
 #include "onboarding/OnboardingModel.h"
 #include "onboarding/OnboardingScreen.h"
+#include "platform/Texts.h"
 
 namespace dormel {
 
@@ -23,8 +24,8 @@ class MirrorBeat : public OnboardingScreen {
   OnbPill button;
 
   // Losing.
-  OnbReveal figure{*this, 1.4};                       ///< `shown`, bold at 124 points, letters 3 closer
-  OnbText unit{*this, 1.4, "hours of sleep a week"};  ///< bold at 30 points
+  OnbReveal figure{*this, 1.4};                                  ///< `shown`, bold at 124 points, letters 3 closer
+  OnbText unit{*this, 1.4, translate("hours of sleep a week")};  ///< bold at 30 points
   OnbText mirrorLine;
   /// Counts up from 0 to what is lost.
   [[nodiscard]] int shown() const { return shown_; }

@@ -9,6 +9,7 @@
 #include "onboarding/OnboardingOptions.h"
 #include "platform/Defaults.h"
 #include "platform/Platform.h"
+#include "platform/Texts.h"
 
 namespace dormel {
 namespace {
@@ -47,7 +48,9 @@ std::vector<std::string> storedTexts(const char* key) {
 
 int dayHour(int nightHour) { return ((nightHour % 24) + 24) % 24; }
 
-std::string spokenHour(int nightHour) { return dayHour(nightHour) == 0 ? "midnight" : nightHourLabel(nightHour); }
+std::string spokenHour(int nightHour) {
+  return dayHour(nightHour) == 0 ? translate("midnight") : nightHourLabel(nightHour);
+}
 
 std::shared_ptr<OnboardingModel> OnboardingModel::restored() {
   auto model = std::make_shared<OnboardingModel>();
@@ -78,13 +81,14 @@ std::optional<int> OnboardingModel::weeklyHours() const {
 }
 
 std::string OnboardingModel::mirrorLine() const {
-  if (!*late || !*nightsFactor) return "You're up too late, too often.";
-  const char* often = "some nights";
-  if (**nightsFactor >= 4) often = "several nights a week";
-  if (**nightsFactor >= 7) often = "most nights";
-  std::string line = "You're up until about " + spokenHour(**late) + ", " + often + ".";
+  if (!*late || !*nightsFactor) return translate("You're up too late, too often.");
+  const char* often = translatable("some nights");
+  if (**nightsFactor >= 4) often = translatable("several nights a week");
+  if (**nightsFactor >= 7) often = translatable("most nights");
+  std::string line = translate("You're up until about %1, %2.", {spokenHour(**late), translate(often)});
   const bool everything = std::find(keeps->begin(), keeps->end(), "everything") != keeps->end();
-  if (!keeps->empty() && !everything) line += " Mostly " + keeps->front() + ".";
+  if (!keeps->empty() && !everything)
+    line += " " + translate("Mostly %1.", {onboardingOptions::spokenKeep(keeps->front())});
   return line;
 }
 

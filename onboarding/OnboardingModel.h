@@ -50,7 +50,7 @@ class OnboardingModel : public Observable {
   Published<std::optional<double>> nightsFactor{this, std::nullopt};
   /// The hour the user wants to be asleep.
   Published<std::optional<int>> want{this, std::nullopt};
-  /// What keeps the user up: labels in lower case, in the order they were picked.
+  /// What keeps the user up: values of the options, in the order they were picked.
   Published<std::vector<std::string>> keeps{this, {}};
   /// The lock hour that was chosen.
   Published<int> lockNight{this, 24};

@@ -23,6 +23,12 @@ struct Nights {
 };
 [[nodiscard]] std::vector<Nights> nights();
 
-[[nodiscard]] std::vector<std::string> keeps();
+struct Keep {
+  std::string value;  ///< as it is stored
+  std::string label;
+};
+[[nodiscard]] std::vector<Keep> keeps();
+/// The same within a sentence, for a stored value: "Mostly …." What no chip says is as it was stored.
+[[nodiscard]] std::string spokenKeep(const std::string& value);
 
 }  // namespace dormel::onboardingOptions

@@ -7,6 +7,7 @@
 #include "onboarding/OnboardingScreens.h"
 #include "platform/Defaults.h"
 #include "platform/Platform.h"
+#include "platform/Texts.h"
 
 namespace dormel {
 namespace {
@@ -93,16 +94,16 @@ std::shared_ptr<OnboardingScreen> OnboardingView::makeScreen(OnboardingBeat beat
       return std::make_shared<PromiseBeat>(going(Beat::q1Latest));
     case Beat::q1Latest:
       return std::make_shared<WheelQuestionBeat>(
-          beat, "What's the latest you go to bed?", onboardingOptions::latest(),
+          beat, translate("What's the latest you go to bed?"), onboardingOptions::latest(),
           startOf(onboardingOptions::latest(), model_->late, FIRST_LATE),
           answering<int>([](OnboardingModel& model, int hour) { model.late = hour; }, Beat::q2Nights));
     case Beat::q2Nights:
       return std::make_shared<QuestionBeat>(
-          beat, "How often do you sleep this late?", onboardingOptions::nights(),
+          beat, translate("How often do you sleep this late?"), onboardingOptions::nights(),
           answering<double>([](OnboardingModel& model, double nights) { model.nightsFactor = nights; }, Beat::q3Want));
     case Beat::q3Want:
       return std::make_shared<WheelQuestionBeat>(
-          beat, "When do you *want* to be asleep?", onboardingOptions::want(),
+          beat, translate("When do you *want* to be asleep?"), onboardingOptions::want(),
           startOf(onboardingOptions::want(), model_->want, FIRST_WANT),
           answering<int>([](OnboardingModel& model, int hour) { model.want = hour; }, Beat::q4Keeps));
     case Beat::q4Keeps:

@@ -2,9 +2,11 @@
 
 #include <utility>
 
+#include "platform/Texts.h"
+
 namespace dormel {
 
 PromiseBeat::PromiseBeat(OnbAction go)
-    : OnboardingScreen(OnboardingBeat::promise), button(*this, 3.0, {"Continue"}, std::move(go)) {}
+    : OnboardingScreen(OnboardingBeat::promise), button(*this, 3.0, {translate("Continue")}, std::move(go)) {}
 
 }  // namespace dormel

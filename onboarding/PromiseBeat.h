@@ -5,6 +5,7 @@
 #include "onboarding/OnbText.h"
 #include "onboarding/OnboardingScreen.h"
 #include "platform/Platform.h"
+#include "platform/Texts.h"
 #include "platform/Wording.h"
 
 namespace dormel {
@@ -13,8 +14,8 @@ class PromiseBeat : public OnboardingScreen {
  public:
   explicit PromiseBeat(OnbAction go);
 
-  OnbText headline{*this, 0.3, "Your " + platform().wording.computer() + " locks at your bedtime."};
-  OnbText sub{*this, 1.5, "No willpower needed."};
+  OnbText headline{*this, 0.3, translate("Your %1 locks at your bedtime.", {platform().wording.computer()})};
+  OnbText sub{*this, 1.5, translate("No willpower needed.")};
   OnbPill button;
 };
 

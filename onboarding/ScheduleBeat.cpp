@@ -6,6 +6,7 @@
 #include "onboarding/OnboardingOptions.h"
 #include "platform/Defaults.h"
 #include "platform/Platform.h"
+#include "platform/Texts.h"
 
 namespace dormel {
 namespace {
@@ -17,7 +18,7 @@ constexpr std::int64_t END_HOUR = 6;
 ScheduleBeat::ScheduleBeat(std::shared_ptr<OnboardingModel> model, bool preview, OnbAction go)
     : OnboardingScreen(OnboardingBeat::schedule),
       wheel(*this, 1.2, onboardingOptions::lock(), model->suggestedLock()),
-      button(*this, 2.0, {"Set my dormel"}, [this] { commit(); }),
+      button(*this, 2.0, {translate("Set my dormel")}, [this] { commit(); }),
       model_(std::move(model)),
       preview_(preview),
       go_(std::move(go)) {}

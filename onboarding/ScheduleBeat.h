@@ -9,6 +9,7 @@
 #include "onboarding/OnboardingModel.h"
 #include "onboarding/OnboardingScreen.h"
 #include "platform/Platform.h"
+#include "platform/Texts.h"
 #include "platform/Wording.h"
 
 namespace dormel {
@@ -18,10 +19,10 @@ class ScheduleBeat : public OnboardingScreen {
   /// Keeps the hour in the model and, unless it is a preview, in the settings.
   ScheduleBeat(std::shared_ptr<OnboardingModel> model, bool preview, OnbAction go);
 
-  OnbText headline{*this, 0.3, "When should your " + platform().wording.computer() + " lock?"};
+  OnbText headline{*this, 0.3, translate("When should your %1 lock?", {platform().wording.computer()})};
   OnbWheel wheel;
   OnbPill button;
-  OnbText whisper{*this, 2.8, "You can change this anytime."};
+  OnbText whisper{*this, 2.8, translate("You can change this anytime.")};
 
  private:
   void commit();

@@ -3,16 +3,17 @@
 #include <utility>
 
 #include "platform/Platform.h"
+#include "platform/Texts.h"
 #include "platform/Workspace.h"
 
 namespace dormel {
 
 ScienceBeat::ScienceBeat(OnbAction go)
     : OnboardingScreen(OnboardingBeat::science),
-      facts{Fact{*this, 2.4, "+55% more energy", "Stanford athletes who slept more"},
-            Fact{*this, 3.8, "−38% risk of depression", "a regular sleep schedule"},
-            Fact{*this, 5.2, "−48% risk of early death", "same bedtime every night"}},
-      button(*this, 6.4, {.title = "Continue", .quiet = true}, std::move(go)) {}
+      facts{Fact{*this, 2.4, translate("+55% more energy"), translate("Stanford athletes who slept more")},
+            Fact{*this, 3.8, translate("−38% risk of depression"), translate("a regular sleep schedule")},
+            Fact{*this, 5.2, translate("−48% risk of early death"), translate("same bedtime every night")}},
+      button(*this, 6.4, {.title = translate("Continue"), .quiet = true}, std::move(go)) {}
 
 // Which paper says what:
 // - STANFORD: Mah et al. 2011, "The effects of sleep extension on the athletic performance of collegiate basketball

@@ -8,6 +8,7 @@
 #include "onboarding/OnbPill.h"
 #include "onboarding/OnbText.h"
 #include "onboarding/OnboardingScreen.h"
+#include "platform/Texts.h"
 
 namespace dormel {
 
@@ -29,7 +30,7 @@ class ScienceBeat : public OnboardingScreen {
 
   explicit ScienceBeat(OnbAction go);
 
-  OnbText headline{*this, 0.3, "Better sleep, better everything."};
+  OnbText headline{*this, 0.3, translate("Better sleep, better everything.")};
   OnbReveal sources{*this, 1.2};
   std::array<Fact, 3> facts;
   OnbPill button;

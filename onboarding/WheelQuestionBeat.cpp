@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "platform/Texts.h"
+
 namespace dormel {
 
 WheelQuestionBeat::WheelQuestionBeat(OnboardingBeat beat, std::string title, std::vector<OnbWheel::Option> options,
@@ -9,6 +11,7 @@ WheelQuestionBeat::WheelQuestionBeat(OnboardingBeat beat, std::string title, std
     : OnboardingScreen(beat),
       headline(*this, 0.3, std::move(title)),
       wheel(*this, 1.2, std::move(options), initial),
-      button(*this, 2.0, {"Continue"}, [this, onContinue = std::move(onContinue)] { onContinue(wheel.selection()); }) {}
+      button(*this, 2.0, {translate("Continue")},
+             [this, onContinue = std::move(onContinue)] { onContinue(wheel.selection()); }) {}
 
 }  // namespace dormel

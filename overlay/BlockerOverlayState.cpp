@@ -1,5 +1,6 @@
 #include "overlay/BlockerOverlayState.h"
 
+#include "platform/Texts.h"
 #include "platform/common/Bytes.h"
 
 namespace dormel {
@@ -32,7 +33,7 @@ std::string BlockerOverlayState::secondsText(Seconds uptime) const {
 }
 
 std::vector<std::string> BlockerOverlayState::plainLines(Seconds uptime, const CanWrite& canWrite) const {
-  if (showUnlockConfirm) return {"Unlocked. Let go.", relockText};
+  if (showUnlockConfirm) return {words.unlocked, relockText};
   std::string caps;
   for (const KeyIndicator& key : keys) {
     std::string name = canWrite(key.label) ? key.label : key.usLabel;
@@ -42,8 +43,7 @@ std::vector<std::string> BlockerOverlayState::plainLines(Seconds uptime, const C
   }
   const std::string seconds = secondsText(uptime);
   return {"DORMEL", allKeysHeld ? seconds : clock + (amPm.empty() ? "" : " " + amPm), caps,
-          allKeysHeld ? "Keep holding... " + seconds + " s left" : "Hold all of them down for " + seconds + " seconds.",
-          "Space to reshuffle keys"};
+          filledIn(allKeysHeld ? words.keepHolding : words.hold, {seconds}), words.hint};
 }
 
 std::string encoded(const BlockerOverlayState& state) {
@@ -59,6 +59,10 @@ std::string encoded(const BlockerOverlayState& state) {
   to.put(state.allKeysHeld).put(state.hold.since.has_value()).put(state.hold.since.value_or(0));
   to.put(state.hold.duration).putText(state.clock).putText(state.amPm);
   to.put(state.showUnlockConfirm).putText(state.relockText);
+  for (const std::string* text :
+       {&state.words.hint, &state.words.unlocked, &state.words.hold, &state.words.keepHolding}) {
+    to.putText(*text);
+  }
   return to.take();
 }
 
@@ -88,6 +92,9 @@ std::optional<BlockerOverlayState> decodedBlockerOverlay(std::string_view bytes)
   state.amPm = getText(from);
   state.showUnlockConfirm = from.get<bool>();
   state.relockText = getText(from);
+  for (std::string* text : {&state.words.hint, &state.words.unlocked, &state.words.hold, &state.words.keepHolding}) {
+    *text = getText(from);
+  }
   if (!from.isExact()) return {};
   return state;
 }

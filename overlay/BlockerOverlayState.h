@@ -33,6 +33,15 @@ struct KeyIndicator {
   friend bool operator==(const KeyIndicator&, const KeyIndicator&) = default;
 };
 
+/// Texts that never change during a lock, in the session's language: the painter knows none.
+struct BlockerOverlayWords {
+  std::string hint;         ///< how to get other keys
+  std::string unlocked;     ///< the confirmation
+  std::string hold;         ///< plain lines only: what to do; %1 is the number of seconds
+  std::string keepHolding;  ///< plain lines only: %1 are the seconds left
+  friend bool operator==(const BlockerOverlayWords&, const BlockerOverlayWords&) = default;
+};
+
 struct BlockerOverlayState {
   /// Drives the fade-in of the whole overlay (opacity 0 and, for the column, 20 lower, while false).
   bool appeared = false;
@@ -55,9 +64,11 @@ struct BlockerOverlayState {
   std::string clock;
   std::string amPm;
 
-  /// The "Unlocked. Let go." message in place of dial, keys and hint; `relockText` is empty outside a grace period.
+  /// The message that it is unlocked, in place of dial, keys and hint; `relockText` is empty outside a grace period.
   bool showUnlockConfirm = false;
   std::string relockText;
+
+  BlockerOverlayWords words;
 
   [[nodiscard]] double progress(Seconds uptime) const { return hold.progress(uptime); }
   [[nodiscard]] Ink progressColor(Seconds uptime) const;

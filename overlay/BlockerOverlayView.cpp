@@ -6,6 +6,7 @@
 #include "core/Config.h"
 #include "core/Constants.h"
 #include "platform/Platform.h"
+#include "platform/Texts.h"
 
 namespace dormel {
 namespace {
@@ -81,10 +82,10 @@ std::vector<KeyIndicator> BlockerOverlayView::keys() const {
 }
 
 std::string BlockerOverlayView::statusText(bool showUnlockConfirm) const {
-  if (bypassController_->justReshuffled()) return "Keys reshuffled";
+  if (bypassController_->justReshuffled()) return translate("Keys reshuffled");
   if (showUnlockConfirm) return "";
-  if (bypassController_->allKeysHeld()) return "Keep holding...";
-  return "Good night. Time to sleep.";
+  if (bypassController_->allKeysHeld()) return translate("Keep holding...");
+  return translate("Good night. Time to sleep.");
 }
 
 BlockerOverlayState BlockerOverlayView::state() const {
@@ -99,12 +100,14 @@ BlockerOverlayState BlockerOverlayView::state() const {
   state.statusColor = ink::white(bypassController_->justReshuffled() ? 0.60 : 0.40);
   state.allKeysHeld = bypassController_->allKeysHeld();
   state.hold = bypassController_->hold();
+  state.words = {translate("Space to reshuffle keys"), translate("Unlocked. Let go."),
+                 translate("Hold all of them down for %1 seconds."), translate("Keep holding... %1 s left")};
   const Date now = platform().clock.now();
   const bool in24 = Config::use24HourClock();
   state.clock = clockText(now, in24);
   if (!in24) state.amPm = amPmText(now);
   if (session && session->state() == SessionState::grace) {
-    state.relockText = "Relocking in " + graceCountdownText(session->graceSecondsRemaining());
+    state.relockText = translate("Relocking in %1", {graceCountdownText(session->graceSecondsRemaining())});
   }
   return state;
 }

@@ -1,6 +1,7 @@
 #include "overlay/GraceCountdownView.h"
 
 #include "overlay/BlockerOverlayView.h"
+#include "platform/Texts.h"
 
 namespace dormel {
 
@@ -20,7 +21,7 @@ GraceCountdownState GraceCountdownView::state() const {
   GraceCountdownState state;
   if (session && session->graceTotal() > 0) state.progress = seconds / session->graceTotal();
   state.urgencyColor = seconds > 60 ? ink::white(0.60) : seconds > 30 ? ink::orange(1) : ink::red(1);
-  state.text = (seconds < 60 ? std::to_string(seconds) + "s" : graceCountdownText(seconds)) + " remaining";
+  state.text = translate("%1 remaining", {seconds < 60 ? std::to_string(seconds) + "s" : graceCountdownText(seconds)});
   return state;
 }
 

@@ -36,6 +36,7 @@ class RunningApplications;
 class Screens;
 class SecureRandom;
 class StandardOutput;
+class Texts;
 class Updater;
 class WindowList;
 class WindowServer;
@@ -73,6 +74,7 @@ struct Platform {
   WindowList& windowList;
   Dragging& dragging;
   Wording& wording;
+  Texts& texts;
 };
 
 /// The set in force. Calling it with none installed is a programming error and ends the program.

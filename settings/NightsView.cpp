@@ -3,6 +3,7 @@
 #include "core/Config.h"
 #include "engine/NightReport.h"
 #include "platform/Platform.h"
+#include "platform/Texts.h"
 
 namespace dormel {
 namespace {
@@ -30,15 +31,15 @@ std::vector<std::string> NightsView::sentences() const {
 std::vector<NightsView::Figure> NightsView::figures() const {
   const int inARow = history_.keptInARow();
   const auto minutes = history_.medianIdleMinutes();
-  return {{std::to_string(inARow), inARow == 1 ? "night kept\nin a row" : "nights kept\nin a row"},
+  return {{std::to_string(inARow), translatePlural("night kept\nin a row", "nights kept\nin a row", inARow)},
           {std::to_string(history_.keptOfRecent()),
-           "kept of the\nlast " + std::to_string(NightHistory::RECENT) + " nights"},
-          {minutes ? std::to_string(*minutes) + " min" : "–", "from last use\nto lock (median)"}};
+           translate("kept of the\nlast %1 nights", {std::to_string(NightHistory::RECENT)})},
+          {minutes ? std::to_string(*minutes) + " min" : "–", translate("from last use\nto lock (median)")}};
 }
 
 std::string NightsView::note() const {
-  if (history_.damaged) return NightReport::DAMAGED;
-  return history_.empty() ? NightReport::NO_NIGHTS : "";
+  if (history_.damaged) return translate(NightReport::DAMAGED);
+  return history_.empty() ? translate(NightReport::NO_NIGHTS) : "";
 }
 
 }  // namespace dormel

@@ -9,6 +9,7 @@
 #include "platform/Accessibility.h"
 #include "platform/Defaults.h"
 #include "platform/Platform.h"
+#include "platform/Texts.h"
 #include "platform/Windows.h"
 #include "platform/Wording.h"
 
@@ -100,10 +101,10 @@ void SettingsView::setEnabled(bool enabled) {
   trace(std::string("dormel ") + (enabled ? "enabled" : "disabled") + " by user");
 }
 
-std::string SettingsView::statusTitle() const { return enabled_ ? "Enabled" : "Disabled"; }
+std::string SettingsView::statusTitle() const { return enabled_ ? translate("Enabled") : translate("Disabled"); }
 
 std::string SettingsView::statusText() const {
-  return enabled_ ? "Locks your screen on schedule." : "Dormel won't lock your screen.";
+  return enabled_ ? translate("Locks your screen on schedule.") : translate("Dormel won't lock your screen.");
 }
 
 void SettingsView::setStartHour(int hour) {
@@ -131,7 +132,7 @@ void SettingsView::commitStartHour() {
 std::vector<int> SettingsView::startHourOptions() const { return Config::startHourOptions(startHour_); }
 
 std::string SettingsView::scheduleText() const {
-  return "Locks " + hourLabel(startHour_) + ", unlocks " + hourLabel(UNLOCK_HOUR) + ".";
+  return translate("Locks %1, unlocks %2.", {hourLabel(startHour_), hourLabel(UNLOCK_HOUR)});
 }
 
 void SettingsView::setUse24Hour(bool on) {
@@ -165,17 +166,18 @@ void SettingsView::setAutoUpdates(bool on) {
 
 std::string SettingsView::autoUpdatesText() const {
   if (!canUpdate()) {
-    return platform().bundle.isPackaged() ? "Updates come with your system's updates."
-                                          : "This copy doesn't look for updates. To update it, open a newer copy.";
+    return platform().bundle.isPackaged()
+               ? translate("Updates come with your system's updates.")
+               : translate("This copy doesn't look for updates. To update it, open a newer copy.");
   }
-  return autoUpdates_ ? "Dormel updates itself overnight. Nothing to click."
-                      : "Updates arrive only when you check by hand.";
+  return autoUpdates_ ? translate("Dormel updates itself overnight. Nothing to click.")
+                      : translate("Updates arrive only when you check by hand.");
 }
 
 std::string SettingsView::versionText() const {
   const Bundle& bundle = platform().bundle;
-  return bundle.info("CFBundleShortVersionString").value_or("1.0") + " (build " +
-         bundle.info("CFBundleVersion").value_or("?") + ")";
+  return translate("%1 (build %2)", {bundle.info("CFBundleShortVersionString").value_or("1.0"),
+                                     bundle.info("CFBundleVersion").value_or("?")});
 }
 
 }  // namespace dormel

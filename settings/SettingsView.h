@@ -15,6 +15,7 @@
 #include "platform/Geometry.h"
 #include "platform/PropertyList.h"
 #include "platform/RunLoop.h"
+#include "platform/Texts.h"
 #include "platform/Updater.h"
 #include "platform/View.h"
 
@@ -45,7 +46,9 @@ class SettingsView : public View, public Observable, public std::enable_shared_f
   /// What the user changed last could not be written, so it is as it was before: the controls show what is stored.
   [[nodiscard]] bool isUnsaved(const char* key) const { return *unsaved_ == key; }
   /// Said beside the control of that key.
-  [[nodiscard]] static std::string unsavedText() { return "Your settings can't be saved. Nothing was changed."; }
+  [[nodiscard]] static std::string unsavedText() {
+    return translate("Your settings can't be saved. Nothing was changed.");
+  }
 
   [[nodiscard]] bool isEnabled() const { return enabled_; }
   /// The master switch. Switching off while locked in does nothing.

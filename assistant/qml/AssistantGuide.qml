@@ -33,7 +33,7 @@ Item {
             activeFocusOnTab: false
 
             Accessible.role: Accessible.Button
-            Accessible.name: "Back"
+            Accessible.name: qsTr("Back")
 
             onClicked: root.view.back()
 

@@ -19,7 +19,7 @@ ChipsBridge::ChipsBridge(const std::shared_ptr<KeepsBeat>& screen)
       exclusive_(false),
       isSelected_([known = screen.get()](std::size_t chip) { return known->isSelected(chip); }),
       press_([known = screen.get()](std::size_t chip) { known->toggle(chip); }) {
-  for (const std::string& label : screen->labels()) labels_ << QString::fromStdString(label);
+  for (const onboardingOptions::Keep& keep : screen->options()) labels_ << QString::fromStdString(keep.label);
 }
 
 QVariantList ChipsBridge::selected() const {

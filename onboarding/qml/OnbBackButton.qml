@@ -12,7 +12,7 @@ Pressable {
     implicitHeight: 36
 
     Accessible.role: Accessible.Button
-    Accessible.name: "Back"
+    Accessible.name: qsTr("Back")
     Accessible.focusable: true
     Accessible.onPressAction: click()
 

@@ -15,7 +15,7 @@ Item {
     implicitHeight: 72
 
     Accessible.role: Accessible.Grouping
-    Accessible.name: granted ? name + ", granted" : name
+    Accessible.name: granted ? qsTr("%1, granted").arg(name) : name
 
     Rectangle {
         anchors.fill: parent

@@ -78,6 +78,7 @@ Item {
 
         UnlockConfirm {
             anchors.centerIn: dial
+            confirmation: root.view.confirmation
             relockText: root.view.relockText
             opacity: 1 - root.challenge
         }
@@ -115,7 +116,7 @@ Item {
             anchors.horizontalCenter: parent.horizontalCenter
             anchors.top: status.bottom
             anchors.topMargin: 16
-            text: "Space to reshuffle keys"
+            text: root.view.hint
             font: Typeface.at(13, Font.Light)
             color: Qt.rgba(1, 1, 1, 0.20)
             opacity: root.challenge

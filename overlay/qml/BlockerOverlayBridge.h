@@ -29,6 +29,8 @@ class BlockerOverlayBridge : public StateBridge {
   Q_PROPERTY(QString amPm READ amPm NOTIFY changed)
   Q_PROPERTY(bool showUnlockConfirm READ showUnlockConfirm NOTIFY changed)
   Q_PROPERTY(QString relockText READ relockText NOTIFY changed)
+  Q_PROPERTY(QString hint READ hint NOTIFY changed)
+  Q_PROPERTY(QString confirmation READ confirmation NOTIFY changed)
 
   // What time alone changes: to be read on every display frame while all keys are held.
   Q_PROPERTY(double progress READ progress NOTIFY advanced)
@@ -55,6 +57,8 @@ class BlockerOverlayBridge : public StateBridge {
   [[nodiscard]] QString amPm() const { return QString::fromStdString(state_.amPm); }
   [[nodiscard]] bool showUnlockConfirm() const { return state_.showUnlockConfirm; }
   [[nodiscard]] QString relockText() const { return QString::fromStdString(state_.relockText); }
+  [[nodiscard]] QString hint() const { return QString::fromStdString(state_.words.hint); }
+  [[nodiscard]] QString confirmation() const { return QString::fromStdString(state_.words.unlocked); }
 
   /// A display frame has passed.
   Q_INVOKABLE void advance() { emit advanced(); }

@@ -5,13 +5,14 @@ import Dormel.Ui
 Column {
     id: root
 
+    required property string confirmation
     required property string relockText
 
     spacing: 14
 
     Text {
         anchors.horizontalCenter: parent.horizontalCenter
-        text: "Unlocked. Let go."
+        text: root.confirmation
         font: Typeface.at(44, Font.DemiBold)
         color: "white"
     }

@@ -17,7 +17,7 @@ struct DesktopFacts {
   std::string autostartPage;
   /// The job's own entry there.
   std::string autostartFile;
-  /// What GNOME Shell's extension still needs, ready to be shown; empty where it is of no use.
+  /// What GNOME Shell's extension still needs, in English (translatable()); empty where it is of no use.
   std::string extensionAdvice;
   /// Workspace::open of the permission's page goes some of that way.
   bool leadsToExtension = false;

@@ -29,6 +29,7 @@
 #include "platform/linux/posix/PosixFiles.h"
 #include "platform/linux/posix/PosixQueues.h"
 #include "platform/linux/posix/PropertyListDefaults.h"
+#include "platform/linux/posix/SessionTexts.h"
 #include "platform/linux/posix/StandardDescriptors.h"
 #include "platform/linux/updates/BundleUpdater.h"
 #include "platform/linux/updates/HelperProcess.h"
@@ -80,6 +81,7 @@ struct LinuxServices::Parts {
         files(freedesktop::noteCreatedFolder),
         process(queues, freedesktop::seatFiles(),
                 [this](int fd, std::function<bool()> action) { watchReadable(fd, std::move(action)); }),
+        texts(bundle.path() + "/Contents/Resources/texts", output),
         children(bundle.tools()),
         defaults(files, output, BUNDLE_IDENTIFIER),
         launcher(bundle.helper("paint"), loop),
@@ -164,6 +166,7 @@ struct LinuxServices::Parts {
   posix::PosixBundle bundle;
   posix::PosixQueues queues;
   posix::PosixProcess process;
+  posix::SessionTexts texts;
   posix::PosixChildProcesses children;
   posix::PropertyListDefaults defaults;
   paint::HelperLauncher launcher;
@@ -221,7 +224,8 @@ Platform& LinuxServices::with(const Shown& shown) {
                                      p.display.runningApplications(),
                                      p.display.windowList(),
                                      shown.dragging,
-                                     p.wording});
+                                     p.wording,
+                                     p.texts});
 }
 
 EventLoop& LinuxServices::loop() { return parts_->loop; }

@@ -13,6 +13,7 @@
 #include "platform/linux/qt/QtMainMenu.h"
 #include "platform/linux/qt/QtMainWindows.h"
 #include "platform/linux/qt/SceneGraph.h"
+#include "platform/linux/qt/TextsTranslator.h"
 #include "platform/linux/qt/Toolkit.h"
 
 namespace dormel {
@@ -53,9 +54,12 @@ struct WindowPlatform::Parts {
         alerts(windows),
         mainWindows(windows),
         mainMenu(windows, otherApplications(common.x11())),
-        services(common.with({panels, alerts, mainWindows, mainMenu, dragging})) {}
+        services(common.with({panels, alerts, mainWindows, mainMenu, dragging})) {
+    QCoreApplication::installTranslator(&translator);
+  }
 
   Toolkit toolkit;
+  TextsTranslator translator;
   QIcon icon;
   std::shared_ptr<QmlStage> stage;
   LinuxServices common;

@@ -73,7 +73,7 @@ Platform SimMachine::services() {
   return {clock,      calendar,    runLoop,       queues,   defaults, files,       process,  childProcesses,
           output,     random,      accessibility, keyboard, keyboard, keyboard,    layout,   screens,
           windows,    application, notices,       bundle,   alerts,   mainWindows, mainMenu, workspace,
-          loginItems, updater,     others,        others,   dragging, wording};
+          loginItems, updater,     others,        others,   dragging, wording,     texts};
 }
 
 void SimMachine::setWallClock(const std::string& localMoment) {

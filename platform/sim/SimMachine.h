@@ -31,6 +31,7 @@
 #include "platform/sim/SimRandom.h"
 #include "platform/sim/SimScheduler.h"
 #include "platform/sim/SimScreens.h"
+#include "platform/sim/SimTexts.h"
 #include "platform/sim/SimTime.h"
 #include "platform/sim/SimTimeline.h"
 #include "platform/sim/SimUpdater.h"
@@ -125,6 +126,7 @@ class SimMachine {
   SimOtherApplications others;
   SimDragging dragging;
   SimWording wording;
+  SimTexts texts;
   SimScheduler scheduler;
 
  private:

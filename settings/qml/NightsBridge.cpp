@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "platform/Texts.h"
+
 namespace dormel {
 
 NightsBridge::NightsBridge(std::shared_ptr<NightsView> nights) : nights_(std::move(nights)) {
@@ -9,7 +11,7 @@ NightsBridge::NightsBridge(std::shared_ptr<NightsView> nights) : nights_(std::mo
 }
 
 QStringList NightsBridge::plainLines() const {
-  QStringList lines{QStringLiteral("Your nights")};
+  QStringList lines{QString::fromStdString(translate("Your nights"))};
   for (const NightsView::Figure& figure : nights_->figures()) {
     lines << QString::fromStdString(figure.value + " " + figure.text).replace(QLatin1Char('\n'), QLatin1Char(' '));
   }

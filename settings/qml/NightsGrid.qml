@@ -43,7 +43,7 @@ Item {
     implicitHeight: gridY + 7 * pitch - gap
 
     Accessible.role: Accessible.Table
-    Accessible.name: "The last ninety nights"
+    Accessible.name: qsTr("The last ninety nights")
 
     Repeater {
         model: root.view.months
@@ -61,7 +61,7 @@ Item {
         }
     }
     Repeater {
-        model: ["Mon", "", "Wed", "", "Fri", "", "Sun"]
+        model: [qsTr("Mon"), "", qsTr("Wed"), "", qsTr("Fri"), "", qsTr("Sun")]
 
         Text {
             required property int index

@@ -12,7 +12,7 @@ FocusScope {
     implicitHeight: 552
 
     Accessible.role: Accessible.Pane
-    Accessible.name: "Your nights"
+    Accessible.name: qsTr("Your nights")
 
     // The arrow keys work at once; nothing wears a ring before they are used.
     focus: true
@@ -28,7 +28,7 @@ FocusScope {
 
         Text {
             x: 4
-            text: "Your nights"
+            text: qsTr("Your nights")
             font: Typeface.at(20, Font.DemiBold)
             color: Tone.text
 
@@ -118,19 +118,19 @@ FocusScope {
                 model: [
                     {
                         "unlocks": 0,
-                        "text": "kept"
+                        "text": qsTr("kept")
                     },
                     {
                         "unlocks": 1,
-                        "text": "opened"
+                        "text": qsTr("opened")
                     },
                     {
                         "unlocks": 3,
-                        "text": "opened often"
+                        "text": qsTr("opened often")
                     },
                     {
                         "unlocks": -1,
-                        "text": "no lock recorded"
+                        "text": qsTr("no lock recorded")
                     }
                 ]
 

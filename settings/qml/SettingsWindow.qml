@@ -84,7 +84,7 @@ Item {
                     x: 24
                     width: parent.width - x
                     visible: root.view.lockedIn
-                    text: "Can't turn Dormel off during blocking hours."
+                    text: qsTr("Can't turn Dormel off during blocking hours.")
                 }
                 CardNote {
                     x: 24
@@ -95,13 +95,13 @@ Item {
             }
             SectionCard {
                 width: parent.width
-                title: "Schedule"
+                title: qsTr("Schedule")
 
                 CardLine {
-                    title: "Lock at"
+                    title: qsTr("Lock at")
 
                     MenuPicker {
-                        name: "Lock at"
+                        name: qsTr("Lock at")
                         ground: root
                         enabled: !root.view.lockedIn
                         options: root.view.startHours
@@ -115,7 +115,7 @@ Item {
                 }
                 CardNote {
                     visible: root.view.lockedIn
-                    text: "Can't change the schedule during blocking hours."
+                    text: qsTr("Can't change the schedule during blocking hours.")
                 }
                 CardNote {
                     visible: text !== ""
@@ -124,14 +124,14 @@ Item {
             }
             SectionCard {
                 width: parent.width
-                title: "Clock"
+                title: qsTr("Clock")
 
                 CardLine {
-                    title: "Format"
+                    title: qsTr("Format")
 
                     SegmentedPicker {
-                        name: "Format"
-                        options: ["24-hour", "12-hour"]
+                        name: qsTr("Format")
+                        options: [qsTr("24-hour"), qsTr("12-hour")]
                         current: root.view.use24Hour ? 0 : 1
                         onChosen: index => root.view.setUse24Hour(index === 0)
                     }
@@ -143,7 +143,7 @@ Item {
             }
             SectionCard {
                 width: parent.width
-                title: "Permissions"
+                title: qsTr("Permissions")
 
                 StateRow {
                     title: root.view.permissionName
@@ -160,7 +160,7 @@ Item {
             }
             SectionCard {
                 width: parent.width
-                title: "Updates"
+                title: qsTr("Updates")
 
                 Column {
                     width: parent.width
@@ -168,11 +168,11 @@ Item {
 
                     CardLine {
                         visible: root.view.canUpdate
-                        title: "Install updates automatically"
+                        title: qsTr("Install updates automatically")
                         height: 24
 
                         ToggleSwitch {
-                            name: "Install updates automatically"
+                            name: qsTr("Install updates automatically")
                             checked: root.view.autoUpdates
                             onToggled: on => root.view.setAutoUpdates(on)
                         }
@@ -186,7 +186,7 @@ Item {
                 }
                 PushButton {
                     visible: root.view.canUpdate
-                    text: "Check for Updates…"
+                    text: qsTr("Check for Updates…")
                     enabled: root.view.canCheckForUpdates
                     onClicked: root.view.checkForUpdates()
                 }
@@ -198,7 +198,7 @@ Item {
             }
             SectionCard {
                 width: parent.width
-                title: "About"
+                title: qsTr("About")
 
                 Item {
                     width: parent.width
@@ -225,7 +225,7 @@ Item {
                         }
                         CardText {
                             width: implicitWidth
-                            text: "by Orvane"
+                            text: qsTr("by Orvane")
                         }
                     }
                 }
@@ -236,17 +236,17 @@ Item {
                     spacing: 4
 
                     PlainButton {
-                        text: "Rehearse the lock"
+                        text: qsTr("Rehearse the lock")
                         onClicked: root.view.testNow()
                     }
                     PlainButton {
                         visible: root.view.canPreviewOnboarding
-                        text: "Replay the introduction"
+                        text: qsTr("Replay the introduction")
                         onClicked: root.view.previewOnboarding()
                     }
                     PlainButton {
                         visible: root.view.canShowNights
-                        text: "Your nights"
+                        text: qsTr("Your nights")
                         onClicked: root.view.showNights()
                     }
                 }
@@ -255,7 +255,7 @@ Item {
                 anchors.horizontalCenter: parent.horizontalCenter
                 // Locked in, there is no way out through here.
                 visible: !root.view.lockedIn
-                text: "Uninstall Dormel"
+                text: qsTr("Uninstall Dormel")
                 onClicked: root.view.uninstall()
             }
         }

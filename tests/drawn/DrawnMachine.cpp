@@ -2,6 +2,9 @@
 
 #include <QCoreApplication>
 #include <cmath>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
 #include <utility>
 
 #include "assistant/qml/AssistantScenes.h"
@@ -66,6 +69,7 @@ DrawnMachine::DrawnMachine(std::uint64_t seed)
     : machine({.seed = seed, .start = "2026-11-16 12:00:00", .processRuns = true}),
       stage(std::make_shared<QmlStage>(allScenes())),
       factory(stage) {
+  QCoreApplication::installTranslator(&translator_);
   machine.bundle.setPath(DORMEL_BUNDLE);
   machine.screens.plug("DP-1", {0, 0, 1920, 1080});
   store(defaultsKey::onboardingComplete, {true});
@@ -78,6 +82,14 @@ void DrawnMachine::speakAsLinux() {
     return DesktopFacts{DisplayKind::x11, true, true, "Startup Applications", "~/.config/autostart/x.desktop"};
   });
   machine.wording.speakAs(wording);
+}
+
+void DrawnMachine::speak(const std::string& language) {
+  if (language == "en") return;
+  std::ifstream file(std::string(DORMEL_BUNDLE "/Contents/Resources/texts/") + language + ".mo", std::ios::binary);
+  auto catalog = Catalog::parse(std::string{std::istreambuf_iterator<char>(file), {}});
+  if (!catalog) throw std::runtime_error("no texts in " + language);
+  machine.texts.setLanguage(language, std::move(*catalog));
 }
 
 void DrawnMachine::pass(Seconds duration) {

@@ -13,6 +13,7 @@
 #include "platform/linux/qt/QmlCanvas.h"
 #include "platform/linux/qt/QmlCanvasFactory.h"
 #include "platform/linux/qt/QmlStage.h"
+#include "platform/linux/qt/TextsTranslator.h"
 #include "platform/sim/SimMachine.h"
 
 namespace dormel {
@@ -69,6 +70,9 @@ class DrawnMachine {
   /// Says what the program says on a Linux desktop: on one that lets nobody lock it, where it has most to say.
   void speakAsLinux();
 
+  /// Speaks that language, of those that the program has: "de".
+  void speak(const std::string& language);
+
   /// Puts a value into the settings, as another process would.
   void store(const char* key, PropertyListValue value) { machine.defaults.writeFromOutside(key, std::move(value)); }
 
@@ -77,6 +81,7 @@ class DrawnMachine {
   QmlCanvasFactory factory;
 
  private:
+  TextsTranslator translator_;
   SteppedAnimations animations_;
 };
 

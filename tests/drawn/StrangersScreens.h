@@ -28,4 +28,16 @@ inline constexpr std::array STRANGERS_SCREENS{
     StrangersScreen{"4k-200", 3840, 2160, 2},
 };
 
+/// Each of them in English, and the one with least room in every other language.
+struct ForeignScreen {
+  StrangersScreen screen;
+  const char* language;
+};
+inline constexpr std::array FOREIGN_SCREENS{
+    ForeignScreen{STRANGERS_SCREENS[0], "en"}, ForeignScreen{STRANGERS_SCREENS[1], "en"},
+    ForeignScreen{STRANGERS_SCREENS[2], "en"}, ForeignScreen{STRANGERS_SCREENS[3], "en"},
+    ForeignScreen{STRANGERS_SCREENS[4], "en"}, ForeignScreen{STRANGERS_SCREENS[2], "de"},
+    ForeignScreen{STRANGERS_SCREENS[2], "fr"},
+};
+
 }  // namespace dormel

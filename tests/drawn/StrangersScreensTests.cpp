@@ -16,6 +16,7 @@
 #include "platform/linux/qt/AboutView.h"
 #include "platform/linux/qt/AlertView.h"
 #include "settings/AccessibilityCardView.h"
+#include "settings/NightsView.h"
 #include "settings/SettingsView.h"
 #include "tests/drawn/DrawnMachine.h"
 #include "ui/qml/Pressable.h"
@@ -36,6 +37,7 @@ void collect(const QQuickItem& item, const QQuickItem& page, std::vector<Part>& 
   if (isControl || (item.inherits("QQuickText") && !item.property("text").toString().isEmpty())) {
     QString what = item.property(isControl ? "title" : "text").toString();
     if (what.isEmpty()) what = QString::fromLatin1(item.metaObject()->className());
+    EXPECT_FALSE(item.property("truncated").toBool()) << qPrintable(what);
     found.push_back({what, item.mapRectToItem(&page, {0, 0, item.width(), item.height()}), page.size(), isControl});
   }
   // What overflows a scroll area is scrolled into it.
@@ -67,8 +69,9 @@ void expectAllInside(const std::string& where) {
 }
 
 TEST(StrangersScreens, HaveRoomForEveryScreenOfTheFirstRun) {
-  for (const StrangersScreen& screen : STRANGERS_SCREENS) {
+  for (const auto& [screen, language] : FOREIGN_SCREENS) {
     DrawnMachine desk;
+    desk.speak(language);
     desk.speakAsLinux();
     desk.machine.accessibility.setTrusted(false);
     desk.store(defaultsKey::onboardingLate, {std::int64_t{26}});
@@ -84,7 +87,7 @@ TEST(StrangersScreens, HaveRoomForEveryScreenOfTheFirstRun) {
       for (const Seconds moment : {1.7, 6.7, 11.6}) {  // while it comes in, and at each scene of the longest
         desk.pass(moment);
         drawn.picture();
-        expectAllInside(std::string(screen.name) + ", screen " + std::to_string(rawValue(beat)));
+        expectAllInside(std::string(screen.name) + ", " + language + ", screen " + std::to_string(rawValue(beat)));
       }
       EXPECT_FALSE(partsOf().empty()) << rawValue(beat);
     }
@@ -102,9 +105,11 @@ TEST(StrangersScreens, HaveRoomForEveryOtherWindow) {
        [](DrawnMachine& desk) {
          desk.machine.accessibility.setTrusted(false);
          desk.machine.updater.setStatus("Dormel 1.1 is ready and will be installed when you open Dormel again.");
-         return SettingsView::create(desk.machine.updater, {});
+         return SettingsView::create(desk.machine.updater,
+                                     {[] {}, [] {}, [] {}, [] { return true; }, [] {}, [] {}, [] {}});
        },
        Size{460, 660}},
+      {"nights", [](DrawnMachine&) { return NightsView::create(); }, NightsView::SIZE},
       {"card", [](DrawnMachine&) { return AccessibilityCardView::create([] {}); }, {}},
       {"about", [](DrawnMachine&) { return std::make_shared<AboutView>(); }, {}},
       {"alert",
@@ -115,9 +120,10 @@ TEST(StrangersScreens, HaveRoomForEveryOtherWindow) {
        },
        {}},
   };
-  for (const StrangersScreen& screen : STRANGERS_SCREENS) {
+  for (const auto& [screen, language] : FOREIGN_SCREENS) {
     for (const auto& window : windows) {
       DrawnMachine desk;
+      desk.speak(language);
       desk.speakAsLinux();
       const auto view = window.make(desk);
       const Size wanted = window.wanted ? *window.wanted : QmlCanvas(desk.stage, view).fittingSize();
@@ -125,7 +131,7 @@ TEST(StrangersScreens, HaveRoomForEveryOtherWindow) {
       drawn.picture();
       desk.pass(3);
       drawn.picture();
-      expectAllInside(std::string(screen.name) + ", " + window.name);
+      expectAllInside(std::string(screen.name) + ", " + language + ", " + window.name);
       EXPECT_FALSE(partsOf().empty()) << window.name;
     }
   }

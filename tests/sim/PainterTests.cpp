@@ -72,6 +72,7 @@ TEST(PaintedStates, ArriveAsTheyWereSent) {
   overlay.amPm = "PM";
   overlay.showUnlockConfirm = true;
   overlay.relockText = "Relocking in 4:05";
+  overlay.words = {"hint", "unlocked", "hold", "keep"};
   EXPECT_EQ(decodedBlockerOverlay(encoded(overlay)), overlay);
   EXPECT_FALSE(decodedBlockerOverlay(encoded(overlay).substr(1)));
   const GraceCountdownState grace{0.25, ink::orange(1), "45s remaining"};
@@ -333,6 +334,8 @@ TEST(PlainLines, NameTheKeysThatEverybodyCanRead) {
       {"Ж", "", "H", 4, true, false}, {"თ", "", "T", 17, false, false}, {"L.Cmd", "Super", "L.Cmd", 55, false, true}};
   state.hold = {100, 30};
   state.allKeysHeld = true;
+  state.words.hold = "Hold all of them down for %1 seconds.";
+  state.words.keepHolding = "Keep holding... %1 s left";
   const auto lines = state.plainLines(117.5, paint::canWritePlainly);
   const auto says = [&](std::string_view text) {
     return std::any_of(lines.begin(), lines.end(),

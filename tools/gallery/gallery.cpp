@@ -1,6 +1,6 @@
-// Draws the screens in their states to PNG files: gallery [folder [pictures]]. Needs no display. What the documentation
-// shows goes into the second folder as well. Look at them, at both scales, whenever something about the look has
-// changed.
+// Draws the screens in their states to PNG files: gallery [folder [language [pictures]]]. Needs no display. What the
+// documentation shows goes into the second folder as well. Look at them, at both scales, whenever something about the
+// look has changed.
 #include <QDir>
 #include <QGuiApplication>
 #include <QLinearGradient>
@@ -18,6 +18,7 @@
 #include "assistant/OverlayContentView.h"
 #include "core/AppSupport.h"
 #include "core/Config.h"
+#include "platform/Texts.h"
 #include "platform/linux/qt/AboutView.h"
 #include "platform/linux/qt/AlertView.h"
 #include "settings/AccessibilityCardView.h"
@@ -112,7 +113,8 @@ class Gallery {
   using MakeView = std::function<std::shared_ptr<View>(DrawnMachine&)>;
   using Touch = std::function<void(QQuickItem& root)>;
 
-  Gallery(const QDir& folder, const std::optional<QDir>& pictures) : folder_(folder), pictures_(pictures) {}
+  Gallery(const QDir& folder, std::string language, const std::optional<QDir>& pictures)
+      : folder_(folder), language_(std::move(language)), pictures_(pictures) {}
 
   [[nodiscard]] bool isWhole() const { return whole_; }
 
@@ -121,6 +123,7 @@ class Gallery {
             const std::function<void(DrawnNight&)>& then = {}, Docs docs = Docs::no) {
     for (const Monitor& monitor : MONITORS) {
       DrawnNight night(options);
+      night.speak(language_);
       play(night);
       const bool pill = night.view()->kind() == ViewKind::graceCountdown;
       const Size pillSize{220, 64};
@@ -144,6 +147,7 @@ class Gallery {
   void showPage(const char* name, const MakeView& make, Seconds after = 3, Docs docs = Docs::no) {
     for (const int scale : {1, 2}) {
       DrawnMachine machine;
+      machine.speak(language_);
       machine.speakAsLinux();
       DrawnView drawn(machine.factory, make(machine), scale);
       drawn.picture();
@@ -169,9 +173,10 @@ class Gallery {
   }
 
  private:
-  [[nodiscard]] static QImage windowPicture(const MakeView& make, const Touch& touch, double scale,
-                                            const std::optional<StrangersScreen>& screen) {
+  [[nodiscard]] QImage windowPicture(const MakeView& make, const Touch& touch, double scale,
+                                     const std::optional<StrangersScreen>& screen) const {
     DrawnMachine machine;
+    machine.speak(language_);
     machine.speakAsLinux();
     DrawnView drawn(machine.factory, make(machine), scale);
     if (screen) drawn.canvas().resize(screen->sizeOf(drawn.canvas().fittingSize()), scale);
@@ -205,6 +210,7 @@ class Gallery {
   }
 
   QDir folder_;
+  std::string language_;
   std::optional<QDir> pictures_;
   bool whole_ = true;
 };
@@ -325,14 +331,14 @@ void showWindows(Gallery& gallery) {
   gallery.showPage("card", card, 2.2, Docs::yes);
   gallery.showPage("alert-move", [](DrawnMachine&) {
     return alert({AlertStyle::informational,
-                  "Move Dormel to Applications",
-                  "Dormel is running from a disk image. It needs to be in your Applications folder to work "
-                  "properly.\n\nAfter moving, you can eject the disk image.",
-                  {"Move to Applications", "Quit"}});
+                  translate("Move Dormel to Applications"),
+                  translate("Dormel is running from a disk image. It needs to be in your Applications folder to work "
+                            "properly.\n\nAfter moving, you can eject the disk image."),
+                  {translate("Move to Applications"), translate("Quit")}});
   });
   gallery.showPage("alert-recovery", [](DrawnMachine& desk) {
     const RecoveryWords words = desk.machine.wording.recovery(true);
-    return alert({AlertStyle::warning, words.title, words.text, {words.button, "Not Now"}});
+    return alert({AlertStyle::warning, words.title, words.text, {words.button, translate("Not Now")}});
   });
   gallery.showPage("alert-not-armed", [](DrawnMachine& desk) {
     const RecoveryWords words = desk.machine.wording.recovery(false);
@@ -340,8 +346,8 @@ void showWindows(Gallery& gallery) {
   });
   gallery.showPage("alert-short", [](DrawnMachine& desk) {
     return alert({AlertStyle::informational,
-                  "Dormel uninstalled",
-                  "Dormel has been removed from your " + desk.machine.wording.computer() + ".",
+                  translate("Dormel uninstalled"),
+                  translate("Dormel has been removed from your %1.", {desk.machine.wording.computer()}),
                   {"OK"}});
   });
   for (const AssentaPanel panel : {AssentaPanel::accessibility, AssentaPanel::screenRecording}) {
@@ -363,10 +369,10 @@ int main(int argc, char** argv) {
   qputenv("QT_QPA_PLATFORM", "offscreen");
   QGuiApplication application(argc, argv);
   const QDir folder(argc > 1 ? QString::fromLocal8Bit(argv[1]) : QStringLiteral("gallery"));
-  const std::optional<QDir> pictures = argc > 2 ? std::optional(QDir(QString::fromLocal8Bit(argv[2]))) : std::nullopt;
+  const std::optional<QDir> pictures = argc > 3 ? std::optional(QDir(QString::fromLocal8Bit(argv[3]))) : std::nullopt;
   if (!folder.mkpath(QStringLiteral("."))) return 1;
   if (pictures && !pictures->mkpath(QStringLiteral("."))) return 1;
-  Gallery gallery(folder, pictures);
+  Gallery gallery(folder, argc > 2 ? argv[2] : "en", pictures);
 
   showSettings(gallery);
   showNights(gallery);

@@ -1,6 +1,6 @@
-// Draws the first run to PNG files: onboarding_gallery [folder [pictures]]. Its components in all their states, all its
-// screens, early and settled, at both scales, and a sheet of them. The sheet goes into the second folder as well, for
-// the documentation. Needs no display.
+// Draws the first run to PNG files: onboarding_gallery [folder [language [pictures]]]. Its components in all their
+// states, all its screens, early and settled, at both scales, and a sheet of them. The sheet goes into the second
+// folder as well, for the documentation. Needs no display.
 #include <QDir>
 #include <QGuiApplication>
 #include <QPainter>
@@ -129,8 +129,10 @@ class Sheet {
 };
 
 /// A screen at rest, in the room that a stranger's screen has for it.
-bool drawForStranger(const QDir& folder, const Moment& moment, const StrangersScreen& screen) {
+bool drawForStranger(const QDir& folder, const std::string& language, const Moment& moment,
+                     const StrangersScreen& screen) {
   DrawnMachine desk;
+  desk.speak(language);
   desk.speakAsLinux();
   answer(desk);
   if (moment.given) moment.given(desk);
@@ -144,8 +146,9 @@ bool drawForStranger(const QDir& folder, const Moment& moment, const StrangersSc
               drawn.picture());
 }
 
-bool draw(const QDir& folder, const Moment& moment, int scale, Sheet& sheet) {
+bool draw(const QDir& folder, const std::string& language, const Moment& moment, int scale, Sheet& sheet) {
   DrawnMachine desk;
+  desk.speak(language);
   desk.speakAsLinux();
   answer(desk);
   if (moment.given) moment.given(desk);
@@ -180,17 +183,18 @@ int main(int argc, char** argv) {
   qputenv("QT_QPA_PLATFORM", "offscreen");
   QGuiApplication application(argc, argv);
   const QDir folder(argc > 1 ? QString::fromLocal8Bit(argv[1]) : QStringLiteral("gallery"));
+  const std::string language = argc > 2 ? argv[2] : "en";
   bool saved = folder.mkpath(QStringLiteral("."));
   Sheet sheet;
   for (const int scale : {1, 2}) {
     saved = drawComponents(folder, scale) && saved;
-    for (const Moment& moment : moments()) saved = draw(folder, moment, scale, sheet) && saved;
+    for (const Moment& moment : moments()) saved = draw(folder, language, moment, scale, sheet) && saved;
   }
   for (const StrangersScreen& screen : STRANGERS_SCREENS) {
-    for (const Moment& moment : moments()) saved = drawForStranger(folder, moment, screen) && saved;
+    for (const Moment& moment : moments()) saved = drawForStranger(folder, language, moment, screen) && saved;
   }
   saved = save(folder, QStringLiteral("first-run"), sheet.picture()) && saved;
-  if (argc > 2)
-    saved = save(QDir(QString::fromLocal8Bit(argv[2])), QStringLiteral("first-run"), sheet.picture()) && saved;
+  if (argc > 3)
+    saved = save(QDir(QString::fromLocal8Bit(argv[3])), QStringLiteral("first-run"), sheet.picture()) && saved;
   return saved ? 0 : 1;
 }

@@ -16,9 +16,9 @@ struct Range {
   unsigned last;
 };
 
-// What keyboards print in the alphabets that the typeface has, and all that our own lines need.
-constexpr Range RANGES[] = {{0x20, 0x7E},   {0xA0, 0x17F},  {0x218, 0x21B},
-                            {0x386, 0x3CE}, {0x400, 0x4FF}, {0x1E9E, 0x1E9E}};
+// What keyboards print in the alphabets that the typeface has, and all that our own lines need. In ascending order.
+constexpr Range RANGES[] = {{0x20, 0x7E},   {0xA0, 0x17F},    {0x218, 0x21B},  {0x386, 0x3CE},
+                            {0x400, 0x4FF}, {0x1E9E, 0x1E9E}, {0x2013, 0x2026}};
 constexpr int SIZES[] = {18, 36};
 
 class Output {

@@ -11,7 +11,7 @@ FocusScope {
     implicitHeight: column.height + 40 + 36
 
     Accessible.role: Accessible.Dialog
-    Accessible.name: "About Dormel"
+    Accessible.name: qsTr("About Dormel")
     Accessible.description: "Dormel " + view.versionText
 
     Ground {
@@ -54,7 +54,7 @@ FocusScope {
         }
         Text {
             anchors.horizontalCenter: parent.horizontalCenter
-            text: "by Orvane"
+            text: qsTr("by Orvane")
             font: Typeface.at(12, Font.Normal)
             color: Tone.faint
         }

@@ -23,7 +23,7 @@ Item {
 
         WindowButton {
             visible: root.minimizable
-            name: "Minimize"
+            name: qsTr("Minimize")
             onClicked: root.Window.window.showMinimized()
 
             Rectangle {
@@ -34,7 +34,7 @@ Item {
             }
         }
         WindowButton {
-            name: "Close"
+            name: qsTr("Close")
             onClicked: root.Window.window.close()
 
             Repeater {

@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "platform/Identifiers.h"
+#include "platform/Texts.h"
 #include "platform/linux/freedesktop/AutostartEntry.h"
 
 namespace dormel::freedesktop {
@@ -27,8 +28,8 @@ bool AutostartLoginItems::openSettings() { return opener_.openSettings(SettingsP
 std::string AutostartLoginItems::file() { return AutostartEntry(BUNDLE_IDENTIFIER).path(); }
 
 std::string AutostartLoginItems::advice() const {
-  return settingsAdvice(SettingsPage::autostart) + " Where there is no such page, delete the file " + file() +
-         " and open Dormel again.";
+  return settingsAdvice(SettingsPage::autostart) + " " +
+         translate("Where there is no such page, delete the file %1 and open Dormel again.", {file()});
 }
 
 }  // namespace dormel::freedesktop

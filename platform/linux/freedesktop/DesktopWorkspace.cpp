@@ -11,6 +11,7 @@
 
 #include "platform/Identifiers.h"
 #include "platform/Process.h"
+#include "platform/Texts.h"
 #include "platform/linux/freedesktop/AppBundle.h"
 #include "platform/linux/freedesktop/ApplicationEntry.h"
 #include "platform/linux/freedesktop/AutostartEntry.h"
@@ -150,15 +151,16 @@ void DesktopWorkspace::forgetApplication() {
 
 std::optional<AuthorizationError> DesktopWorkspace::runAsAdministrator(const std::string& command) {
   const auto tool = findProgram("pkexec");
-  if (!tool) return AuthorizationError{NOT_AUTHORIZED, "This needs an administrator, and pkexec is not installed."};
+  if (!tool)
+    return AuthorizationError{NOT_AUTHORIZED, translate("This needs an administrator, and pkexec is not installed.")};
   const auto outcome = children_.runHearingErrors(*tool, {"/bin/sh", "-c", command});
   switch (outcome.status) {
     case 0:
       return {};
     case DISMISSED:
-      return AuthorizationError{DISMISSED, "The administrator's password was not given."};
+      return AuthorizationError{DISMISSED, translate("The administrator's password was not given.")};
     case NOT_AUTHORIZED:
-      return AuthorizationError{NOT_AUTHORIZED, "The administrator's rights could not be had."};
+      return AuthorizationError{NOT_AUTHORIZED, translate("The administrator's rights could not be had.")};
     default:
       break;
   }

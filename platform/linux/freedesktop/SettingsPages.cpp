@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <sstream>
 
+#include "platform/Texts.h"
+
 namespace dormel::freedesktop {
 namespace {
 
@@ -159,18 +161,25 @@ bool namesDesktop(std::string_view currentDesktop, std::string_view name) {
 }
 
 std::string settingsAdvice(SettingsPage page) {
-  const std::string opening = "Dormel does not know the settings of this desktop. Open them yourself, and look for ";
   switch (page) {
     case SettingsPage::accessibility:
-      return opening + "what programs may do with the keyboard; it often goes by Accessibility or Privacy.";
+      return translate(
+          "Dormel does not know the settings of this desktop. Open them yourself, and look for what programs may do "
+          "with the keyboard; it often goes by Accessibility or Privacy.");
     case SettingsPage::screenRecording:
-      return opening + "which programs may see the screen; it often goes by Privacy.";
+      return translate(
+          "Dormel does not know the settings of this desktop. Open them yourself, and look for which programs may see "
+          "the screen; it often goes by Privacy.");
     case SettingsPage::appManagement:
-      return opening + "what the installed programs may do; it often goes by Applications.";
+      return translate(
+          "Dormel does not know the settings of this desktop. Open them yourself, and look for what the installed "
+          "programs may do; it often goes by Applications.");
     case SettingsPage::autostart:
       break;
   }
-  return opening + "what starts when you log in, and switch Dormel on there.";
+  return translate(
+      "Dormel does not know the settings of this desktop. Open them yourself, and look for what starts when you log "
+      "in, and switch Dormel on there.");
 }
 
 bool isSettingsProgram(std::string_view windowName) {

@@ -1,14 +1,15 @@
 #include "platform/linux/qt/AboutView.h"
 
 #include "platform/Platform.h"
+#include "platform/Texts.h"
 #include "platform/Windows.h"
 
 namespace dormel {
 
 std::string AboutView::versionText() const {
   const Bundle& bundle = platform().bundle;
-  return "Version " + bundle.info("CFBundleShortVersionString").value_or("1.0") + " (" +
-         bundle.info("CFBundleVersion").value_or("?") + ")";
+  return translate("Version %1 (%2)", {bundle.info("CFBundleShortVersionString").value_or("1.0"),
+                                       bundle.info("CFBundleVersion").value_or("?")});
 }
 
 }  // namespace dormel

@@ -4,6 +4,7 @@
 #include <QMetaMethod>
 #include <utility>
 
+#include "platform/Texts.h"
 #include "platform/linux/qt/AboutView.h"
 
 namespace dormel {
@@ -148,7 +149,7 @@ bool QtMainMenu::takes(const QKeyEvent& press) {
 void QtMainMenu::showAbout() {
   if (!about_) {
     about_.reset(new DesktopWindow(group_, std::make_shared<AboutView>(), Qt::Dialog | Qt::WindowCloseButtonHint));
-    about_->setTitle(QStringLiteral("About Dormel"));
+    about_->setTitle(QString::fromStdString(translate("About Dormel")));
     about_->fixSize();
     about_->wearFrame(false);
     about_->setTransientParent(group_->mainWindow());

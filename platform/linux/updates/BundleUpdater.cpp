@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "platform/Defaults.h"
+#include "platform/Texts.h"
 #include "platform/Time.h"
 #include "platform/linux/updates/UpdateHelper.h"
 
@@ -106,7 +107,7 @@ void BundleUpdater::look(bool fetch, bool byHand) {
   looking_ = true;
   byHand_ = byHand;
   heard_ = {};
-  status_ = "Looking for updates…";
+  status_ = translate("Looking for updates…");
   // Noted before anything can go wrong: a server, or a program, that fails is not asked again at once.
   defaults_.set(updateKey::lastCheck, {now()});
   const auto weakly = [weak = std::weak_ptr(self_)](auto operation) {

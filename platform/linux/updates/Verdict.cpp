@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "platform/Texts.h"
 #include "platform/linux/updates/BundleVersion.h"
 
 namespace dormel::updates {
@@ -13,33 +14,33 @@ using Kind = Verdict::Kind;
 struct Wording {
   Kind kind;
   std::string_view word;
-  std::string_view sentence;  // %n: the update with its version; %o: the program with its own
+  std::string_view sentence;  // %1: the update with its version; %2: the program with its own
 };
 constexpr Wording WORDINGS[] = {
     {Kind::nothing, "nothing", ""},
-    {Kind::current, "current", "%o is the newest version."},
-    {Kind::available, "available", "%n is available."},
+    {Kind::current, "current", translatable("%2 is the newest version.")},
+    {Kind::available, "available", translatable("%1 is available.")},
     {Kind::administrator, "administrator",
-     "%n is available. Only an administrator of this computer can install it, because Dormel was installed by one."},
-    {Kind::fetching, "fetching", "Downloading %n…"},
-    {Kind::ready, "ready", "%n is ready and will be installed when you open Dormel again."},
-    {Kind::installed, "installed", "%n is installed."},
-    {Kind::unreachable, "unreachable", "The update server did not answer. Dormel will try again later."},
+     translatable("%1 is available. Only an administrator of this computer can install it, because Dormel was "
+                  "installed by one.")},
+    {Kind::fetching, "fetching", translatable("Downloading %1…")},
+    {Kind::ready, "ready", translatable("%1 is ready and will be installed when you open Dormel again.")},
+    {Kind::installed, "installed", translatable("%1 is installed.")},
+    {Kind::unreachable, "unreachable", translatable("The update server did not answer. Dormel will try again later.")},
     {Kind::unreadable, "unreadable",
-     "The update server's answer could not be understood. Dormel will try again later."},
-    {Kind::notFetched, "not-fetched", "%n could not be downloaded. Nothing was changed; Dormel will try again later."},
+     translatable("The update server's answer could not be understood. Dormel will try again later.")},
+    {Kind::notFetched, "not-fetched",
+     translatable("%1 could not be downloaded. Nothing was changed; Dormel will try again later.")},
     {Kind::notGenuine, "not-genuine",
-     "The download of %n was damaged or not genuine, so it was thrown away. Nothing was changed."},
+     translatable("The download of %1 was damaged or not genuine, so it was thrown away. Nothing was changed.")},
     {Kind::unsuitable, "unsuitable",
-     "The download of %n was not what it should have been, so it was thrown away. Nothing was changed."},
-    {Kind::notKept, "not-kept", "%n could not be saved on this disk. Nothing was changed."},
-    {Kind::broken, "broken", "Dormel could not look for updates. It will try again later."},
+     translatable("The download of %1 was not what it should have been, so it was thrown away. Nothing was changed.")},
+    {Kind::notKept, "not-kept", translatable("%1 could not be saved on this disk. Nothing was changed.")},
+    {Kind::broken, "broken", translatable("Dormel could not look for updates. It will try again later.")},
 };
 
-std::string named(const std::string& version) { return version.empty() ? "The update" : "Dormel " + version; }
-
-void replace(std::string& text, std::string_view mark, const std::string& by) {
-  if (const auto at = text.find(mark); at != std::string::npos) text.replace(at, mark.size(), by);
+std::string named(const std::string& version) {
+  return version.empty() ? translate("The update") : "Dormel " + version;
 }
 
 const Wording& wordingOf(Kind kind) {
@@ -65,10 +66,8 @@ std::optional<Verdict> parseVerdict(std::string_view line) {
 }
 
 std::string sentence(const Verdict& verdict, const std::string& own) {
-  std::string text(wordingOf(verdict.kind).sentence);
-  replace(text, "%n", named(verdict.version));
-  replace(text, "%o", "Dormel " + own);
-  return text;
+  const std::string_view sentence = wordingOf(verdict.kind).sentence;
+  return sentence.empty() ? std::string() : translate(sentence, {named(verdict.version), "Dormel " + own});
 }
 
 }  // namespace dormel::updates
