@@ -99,6 +99,7 @@ void ScreenManager::beginBlocking() {
   startAccessibilityWatch();
   registerObservers();
   startWatchdog();
+  spokenLock_ = SpokenLock::create(shared_from_this(), false);
 }
 
 void ScreenManager::createWindows(bool lockdown, bool fadeIn) {
@@ -234,6 +235,7 @@ void ScreenManager::orderOutWindows() {
 
 void ScreenManager::deactivate() {
   ++overlayEpoch_;
+  spokenLock_.reset();
   state_ = State::idle;
   isDegraded_ = false;
   isFadingOut_ = false;

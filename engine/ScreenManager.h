@@ -16,6 +16,7 @@
 #include "challenge/BypassController.h"
 #include "challenge/KeyInterceptor.h"
 #include "core/Constants.h"
+#include "engine/SpokenLock.h"
 #include "overlay/BlockerWindow.h"
 #include "overlay/OverlaySession.h"
 #include "platform/Queues.h"
@@ -167,6 +168,7 @@ class ScreenManager : public OverlaySession, public std::enable_shared_from_this
   Published<bool> overlayFadesIn_{this, false};
   std::vector<Rect> lastScreenSignature_;
   std::vector<std::unique_ptr<Registration>> observers_;
+  std::shared_ptr<SpokenLock> spokenLock_;
 };
 
 }  // namespace dormel

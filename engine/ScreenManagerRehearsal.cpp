@@ -50,6 +50,7 @@ void ScreenManager::startTest(bool hasAccessibility, std::function<void()> onEnd
         "real test.");
   }
   rearmTestTimeout();
+  spokenLock_ = SpokenLock::create(shared_from_this(), true);
 }
 
 void ScreenManager::startTestInterceptor() {
@@ -102,6 +103,7 @@ void ScreenManager::installTestEscapeMonitor() {
 void ScreenManager::endTest(bool completed) {
   if (!isTest_) return;
   isTest_ = false;
+  spokenLock_.reset();
   ++overlayEpoch_;
   graceTimer_.invalidate();
   testDidGrace_ = false;
@@ -139,6 +141,7 @@ bool ScreenManager::startOnboardingDemo(std::function<void()> onEnd) {
   installTestEscapeMonitor();
   startTestInterceptor();
   armDemoBackstop();
+  spokenLock_ = SpokenLock::create(shared_from_this(), true);
   return true;
 }
 

@@ -35,6 +35,7 @@ class RunLoop;
 class RunningApplications;
 class Screens;
 class SecureRandom;
+class Speech;
 class StandardOutput;
 class Texts;
 class Updater;
@@ -75,6 +76,7 @@ struct Platform {
   Dragging& dragging;
   Wording& wording;
   Texts& texts;
+  Speech& speech;
 };
 
 /// The set in force. Calling it with none installed is a programming error and ends the program.

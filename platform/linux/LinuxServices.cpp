@@ -31,6 +31,7 @@
 #include "platform/linux/posix/PropertyListDefaults.h"
 #include "platform/linux/posix/SessionTexts.h"
 #include "platform/linux/posix/StandardDescriptors.h"
+#include "platform/linux/speech/DesktopSpeech.h"
 #include "platform/linux/updates/BundleUpdater.h"
 #include "platform/linux/updates/HelperProcess.h"
 
@@ -98,6 +99,7 @@ struct LinuxServices::Parts {
         workspace(children, output, extension),
         loginItems(children, output),
         wording([this] { return facts(); }),
+        speech(loop, children, texts),
         updateHelper(loop, bundle.helper("update"), bundle.path()),
         updater(clock, loop, defaults, updateHelper, updateOptions()) {
     if (x11::X11Platform* const x11 = display.x11()) {
@@ -183,6 +185,7 @@ struct LinuxServices::Parts {
   DesktopWording wording;
   DesktopFacts knownFacts;
   std::optional<Seconds> factsSince;
+  speech::DesktopSpeech speech;
   updates::HelperProcess updateHelper;
   updates::BundleUpdater updater;
   std::optional<Platform> services;
@@ -225,7 +228,8 @@ Platform& LinuxServices::with(const Shown& shown) {
                                      p.display.windowList(),
                                      shown.dragging,
                                      p.wording,
-                                     p.texts});
+                                     p.texts,
+                                     p.speech});
 }
 
 EventLoop& LinuxServices::loop() { return parts_->loop; }

@@ -39,6 +39,7 @@ SimMachine::SimMachine(const Options& options)
       updater(journal),
       others(timeline),
       dragging(timeline, journal),
+      speech(timeline, journal),
       scheduler(
           timeline, calendar, files, process,
           [this](const std::string& executable, const std::vector<std::string>& arguments, const std::string& logPath) {
@@ -73,7 +74,7 @@ Platform SimMachine::services() {
   return {clock,      calendar,    runLoop,       queues,   defaults, files,       process,  childProcesses,
           output,     random,      accessibility, keyboard, keyboard, keyboard,    layout,   screens,
           windows,    application, notices,       bundle,   alerts,   mainWindows, mainMenu, workspace,
-          loginItems, updater,     others,        others,   dragging, wording,     texts};
+          loginItems, updater,     others,        others,   dragging, wording,     texts,    speech};
 }
 
 void SimMachine::setWallClock(const std::string& localMoment) {

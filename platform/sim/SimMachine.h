@@ -31,6 +31,7 @@
 #include "platform/sim/SimRandom.h"
 #include "platform/sim/SimScheduler.h"
 #include "platform/sim/SimScreens.h"
+#include "platform/sim/SimSpeech.h"
 #include "platform/sim/SimTexts.h"
 #include "platform/sim/SimTime.h"
 #include "platform/sim/SimTimeline.h"
@@ -127,6 +128,7 @@ class SimMachine {
   SimDragging dragging;
   SimWording wording;
   SimTexts texts;
+  SimSpeech speech;
   SimScheduler scheduler;
 
  private:

@@ -1,0 +1,27 @@
+// Whether a screen reader is on, as the session's accessibility bus has it (org.a11y.Status). Main thread only.
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include "platform/linux/freedesktop/Bus.h"
+
+namespace dormel::speech {
+
+class ScreenReader {
+ public:
+  /// Calls `handler` from the loop with the answer, and with every change. Never, where nobody answers: the service is
+  /// not started for this. `loop` outlives this.
+  ScreenReader(EventLoop& loop, std::function<void(bool isOn)> handler);
+  ScreenReader(const ScreenReader&) = delete;
+  ScreenReader& operator=(const ScreenReader&) = delete;
+  ~ScreenReader() = default;
+
+ private:
+  void ask();
+
+  std::function<void(bool isOn)> handler_;
+  std::unique_ptr<freedesktop::Bus> bus_;
+};
+
+}  // namespace dormel::speech
