@@ -10,7 +10,10 @@
 #include "overlay/qml/OverlayScenes.h"
 #include "platform/Platform.h"
 #include "platform/linux/WindowPlatform.h"
+#include "platform/linux/freedesktop/DesktopLook.h"
 #include "settings/qml/SettingsScenes.h"
+#include "ui/qml/Motion.h"
+#include "ui/qml/Tone.h"
 #include "ui/qml/UiModule.h"
 
 int main(int argc, char** argv) {
@@ -24,6 +27,9 @@ int main(int argc, char** argv) {
     std::fputs("Dormel: there is no display to open a window on; see --help\n", stderr);
     return 1;
   }
+  const freedesktop::DesktopLook look = freedesktop::desktopLook();
+  Motion::reduce(look.reducedMotion);
+  Tone::setHighContrast(look.highContrast);
   QmlSceneRegistry scenes;
   registerUiScenes(scenes);
   registerOverlayScenes(scenes);

@@ -1,5 +1,6 @@
 // A screen that, once it is gone, goes up like vapour. From that moment nothing in it can be pressed or reached.
 import QtQuick
+import Dormel.Ui
 
 OnbDrift {
     id: root
@@ -17,7 +18,7 @@ OnbDrift {
 
     Behavior on progress {
         NumberAnimation {
-            duration: 850
+            duration: Motion.duration(850)
             easing.type: Easing.BezierSpline
             easing.bezierCurve: [0.4, 0, 0.9, 1, 1, 1]
             onRunningChanged: if (!running && root.progress === 1) root.evaporated()

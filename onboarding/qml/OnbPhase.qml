@@ -19,7 +19,7 @@ Item {
 
     Behavior on place {
         NumberAnimation {
-            duration: 1000
+            duration: Motion.duration(1000)
             easing.type: Easing.BezierSpline
             easing.bezierCurve: Motion.reveal
         }

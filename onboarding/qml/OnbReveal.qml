@@ -21,7 +21,7 @@ Item {
 
     Behavior on progress {
         NumberAnimation {
-            duration: 1100
+            duration: Motion.duration(1100)
             easing.type: Easing.BezierSpline
             easing.bezierCurve: Motion.reveal
         }

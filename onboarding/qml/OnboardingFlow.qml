@@ -53,7 +53,7 @@ FocusScope {
 
         Behavior on opacity {
             NumberAnimation {
-                duration: 850
+                duration: Motion.duration(850)
                 easing.type: Easing.BezierSpline
                 easing.bezierCurve: Motion.easeInOut
             }

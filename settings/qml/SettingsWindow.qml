@@ -49,7 +49,7 @@ Item {
 
                     Behavior on drawn {
                         NumberAnimation {
-                            duration: 1400
+                            duration: Motion.duration(1400)
                             easing.type: Easing.BezierSpline
                             easing.bezierCurve: Motion.easeInOut
                         }

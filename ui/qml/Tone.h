@@ -20,6 +20,7 @@ class Tone : public QObject {
   Q_PROPERTY(QColor hairline READ hairline CONSTANT)
   Q_PROPERTY(QColor green READ green CONSTANT)
   Q_PROPERTY(QColor warm READ warm CONSTANT)
+  Q_PROPERTY(bool highContrast READ highContrast CONSTANT)
 
  public:
   [[nodiscard]] static QColor white(double opacity) { return QColor::fromRgbF(1, 1, 1, static_cast<float>(opacity)); }
@@ -28,14 +29,21 @@ class Tone : public QObject {
   /// What stands in front of the background: an alert.
   [[nodiscard]] static QColor raised() { return {22, 22, 24}; }
   [[nodiscard]] static QColor text() { return white(0.95); }
-  [[nodiscard]] static QColor secondary() { return white(0.6); }
-  [[nodiscard]] static QColor faint() { return white(0.35); }
-  [[nodiscard]] static QColor fill() { return white(0.08); }
-  [[nodiscard]] static QColor hairline() { return white(0.08); }
+  [[nodiscard]] static QColor secondary() { return white(highContrast_ ? 0.9 : 0.6); }
+  [[nodiscard]] static QColor faint() { return white(highContrast_ ? 0.8 : 0.35); }
+  [[nodiscard]] static QColor fill() { return white(highContrast_ ? 0.2 : 0.08); }
+  [[nodiscard]] static QColor hairline() { return white(highContrast_ ? 0.6 : 0.08); }
   /// All is well.
   [[nodiscard]] static QColor green() { return {84, 199, 132}; }
   /// Somebody should look.
   [[nodiscard]] static QColor warm() { return {240, 178, 92}; }
+
+  /// The user wants more of it. Before any scene is made.
+  [[nodiscard]] static bool highContrast() { return highContrast_; }
+  static void setHighContrast(bool on) { highContrast_ = on; }
+
+ private:
+  static inline bool highContrast_ = false;
 };
 
 }  // namespace dormel
