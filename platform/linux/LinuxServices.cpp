@@ -22,6 +22,7 @@
 #include "platform/linux/freedesktop/SettingsPages.h"
 #include "platform/linux/freedesktop/ShellOverview.h"
 #include "platform/linux/gnome/ExtensionSwitch.h"
+#include "platform/linux/gnome/Link.h"
 #include "platform/linux/paint/PainterLauncher.h"
 #include "platform/linux/posix/PosixBundle.h"
 #include "platform/linux/posix/PosixChildProcesses.h"

@@ -1,5 +1,6 @@
 #include "platform/linux/SessionWorkspace.h"
 
+#include "platform/Texts.h"
 #include "platform/linux/freedesktop/SettingsPages.h"
 #include "platform/linux/gnome/ExtensionSwitch.h"
 #include "platform/linux/gnome/Link.h"
@@ -15,7 +16,7 @@ bool SessionWorkspace::open(const std::string& pathOrAddress) {
 }
 
 std::string SessionWorkspace::adviceFor(const std::string& settingsAddress) const {
-  std::string advice = leadsToExtension(settingsAddress) ? gnome::advice(extension_.state()) : std::string();
+  std::string advice = leadsToExtension(settingsAddress) ? translate(gnome::advice(extension_.state())) : std::string();
   return advice.empty() ? DesktopWorkspace::adviceFor(settingsAddress) : advice;
 }
 

@@ -16,7 +16,6 @@
 #include "platform/linux/qt/AboutView.h"
 #include "platform/linux/qt/AlertView.h"
 #include "settings/AccessibilityCardView.h"
-#include "settings/NightsView.h"
 #include "settings/SettingsView.h"
 #include "tests/drawn/DrawnMachine.h"
 #include "ui/qml/Pressable.h"
@@ -109,7 +108,6 @@ TEST(StrangersScreens, HaveRoomForEveryOtherWindow) {
                                      {[] {}, [] {}, [] {}, [] { return true; }, [] {}, [] {}, [] {}});
        },
        Size{460, 660}},
-      {"nights", [](DrawnMachine&) { return NightsView::create(); }, NightsView::SIZE},
       {"card", [](DrawnMachine&) { return AccessibilityCardView::create([] {}); }, {}},
       {"about", [](DrawnMachine&) { return std::make_shared<AboutView>(); }, {}},
       {"alert",

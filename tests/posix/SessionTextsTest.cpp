@@ -31,10 +31,10 @@ TEST(SessionTexts, AreThoseOfTheFirstLanguageThatIsThereAndWhole) {
     const char* back;
     std::size_t errors = 0;
   } rows[] = {
-      {"de_DE.UTF-8", "", "de", "Zurück"}, {"xx_YY.UTF-8", "xx:fr", "fr", "Retour"},  // the C library has no such
-                                                                                      // locale, and nobody has
-                                                                                      // translated it
-      {"sv_SE.UTF-8", "", "en", "Back"},   {"nl_NL.UTF-8", "nl:de", "en", "Back", 1}, {"C", "de", "en", "Back"},
+      // The C library has no locale "xx_YY", and nobody has translated "xx".
+      {"de_DE.UTF-8", "", "de", "Zurück"}, {"xx_YY.UTF-8", "xx:fr", "fr", "Retour"},
+      {"sv_SE.UTF-8", "", "en", "Back"},   {"nl_NL.UTF-8", "nl:de", "en", "Back", 1},
+      {"C", "de", "en", "Back"},
   };
   for (const char* name : {"LC_ALL", "LC_MESSAGES"}) ::unsetenv(name);
   for (const auto& row : rows) {

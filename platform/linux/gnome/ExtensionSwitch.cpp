@@ -19,6 +19,7 @@
 
 #include "platform/Identifiers.h"
 #include "platform/Process.h"
+#include "platform/Texts.h"
 #include "platform/linux/freedesktop/BaseDirectories.h"
 #include "platform/linux/freedesktop/CreatedFolders.h"
 #include "platform/linux/freedesktop/Programs.h"
@@ -261,27 +262,34 @@ std::string advice(ExtensionState state) {
     case ExtensionState::on:
       return {};
     case ExtensionState::onOlder:
-      return "A newer extension of Dormel takes over when you log in the next time. Until then the older one does its "
-             "work.";
+      return translatable(
+          "A newer extension of Dormel takes over when you log in the next time. Until then the older one does its "
+          "work.");
     case ExtensionState::tooOld:
-      return "This version of GNOME lets no program lock a Wayland session. Log out, and at the login screen choose "
-             "\"GNOME on Xorg\" behind the gear wheel.";
+      return translatable(
+          "This version of GNOME lets no program lock a Wayland session. Log out, and at the login screen choose "
+          "\"GNOME on Xorg\" behind the gear wheel.");
     case ExtensionState::allOff:
-      return "GNOME's extensions are all switched off, and Dormel's with them. Open the program Extensions, and switch "
-             "them on at the top.";
+      return translatable(
+          "GNOME's extensions are all switched off, and Dormel's with them. Open the program Extensions, and switch "
+          "them on at the top.");
     case ExtensionState::failed:
-      return "GNOME cannot run Dormel's extension. A newer Dormel may be made for this version of GNOME; until then, "
-             "choose \"GNOME on Xorg\" at the login screen.";
+      return translatable(
+          "GNOME cannot run Dormel's extension. A newer Dormel may be made for this version of GNOME; until then, "
+          "choose \"GNOME on Xorg\" at the login screen.");
     case ExtensionState::off:
-      return "Dormel's extension of GNOME is switched off. Open the program Extensions, and switch Dormel on.";
+      return translatable(
+          "Dormel's extension of GNOME is switched off. Open the program Extensions, and switch Dormel on.");
     case ExtensionState::absent:
-      return "Dormel locks a GNOME session by a small extension of it, which is not there yet. Once it is, log out and "
-             "in again.";
+      return translatable(
+          "Dormel locks a GNOME session by a small extension of it, which is not there yet. Once it is, log out and "
+          "in again.");
     case ExtensionState::afterLogin:
       break;
   }
-  return "Dormel's extension of GNOME is in its place. GNOME looks for new ones only when you log in: log out and in "
-         "again once, and Dormel can lock.";
+  return translatable(
+      "Dormel's extension of GNOME is in its place. GNOME looks for new ones only when you log in: log out and in "
+      "again once, and Dormel can lock.");
 }
 
 }  // namespace dormel::gnome

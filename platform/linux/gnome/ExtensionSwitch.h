@@ -61,7 +61,7 @@ class ExtensionSwitch {
   const std::string resources_;
 };
 
-/// Where to look, in words for people; empty for a state in which there is nothing to do.
+/// Where to look, in words for people, in English (translatable()); empty for a state in which there is nothing to do.
 [[nodiscard]] std::string advice(ExtensionState state);
 
 }  // namespace dormel::gnome

@@ -1,13 +1,13 @@
 #include "platform/linux/qt/TextsTranslator.h"
 
-#include "platform/Platform.h"
 #include "platform/Texts.h"
 
 namespace dormel {
 
 QString TextsTranslator::translate(const char* /*context*/, const char* sourceText, const char* /*disambiguation*/,
                                    int /*count*/) const {
-  return QString::fromStdString(platform().texts.translated(sourceText));
+  // Qt asks on its own account as soon as it has one, before there is a platform.
+  return QString::fromStdString(dormel::translate(sourceText));
 }
 
 }  // namespace dormel
