@@ -4,6 +4,8 @@
 #include <cmath>
 #include <utility>
 
+#include "platform/common/Shadow.h"
+
 namespace dormel::gnome {
 namespace {
 
@@ -26,9 +28,11 @@ Panel::Panel(std::shared_ptr<Stage> stage, const WindowStyle& style, const Rect&
 
 Panel::~Panel() { orderOut(); }
 
+Rect Panel::area() const { return outset(frame_, shadowMargin(style_)); }
+
 void Panel::say(Seconds duration, TimingCurve curve) {
   stage_->say("panel", {{"id", number_},
-                        {"at", placeOf(stage_->toShell(frame_))},
+                        {"at", placeOf(stage_->toShell(area()))},
                         {"black", isBlack()},
                         {"level", levelOf(style_.level)},
                         {"alpha", alpha_},
@@ -136,12 +140,12 @@ Rect Panel::contentPlace() const {
 
 void Panel::layOut() {
   if (!isVisible_ || !canvas_) return;
-  Size size{frame_.width, frame_.height};
+  Size size{area().width, area().height};
   if (isBlack()) {
     fitting_ = canvas_->fittingSize();
     size = {std::min(fitting_.width, size.width), std::min(fitting_.height, size.height)};
   }
-  const double scale = stage_->scaleAt(stage_->toShell(frame_));
+  const double scale = stage_->scaleAt(stage_->toShell(area()));
   if (size == laidOut_ && scale == laidOutScale_) return;
   laidOut_ = size;
   laidOutScale_ = scale;

@@ -52,6 +52,8 @@ class Panel final : public Window, public std::enable_shared_from_this<Panel> {
     double y;
   };
 
+  /// Its frame and the room for its shadow.
+  [[nodiscard]] Rect area() const;
   void say(Seconds duration, TimingCurve curve);
   void layOut();
   void showContent();
