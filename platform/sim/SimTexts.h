@@ -27,7 +27,7 @@ class SimTexts : public Texts {
   void setMarked(bool on) { isMarked_ = on; }
 
  private:
-  [[nodiscard]] std::string marked(std::string text) const { return isMarked_ ? "‹" + text + "›" : text; }
+  [[nodiscard]] std::string marked(const std::string& text) const { return isMarked_ ? "‹" + text + "›" : text; }
 
   std::string language_ = "en";
   std::optional<Catalog> catalog_;
