@@ -41,6 +41,7 @@ class SimApplication : public Application {
   void setPresentationOptions(std::uint32_t options) override {
     journal_.note("presentation ", options);
     options_ = options;
+    if (onOptions_) onOptions_(options != 0);
   }
   [[nodiscard]] std::uint32_t presentationOptions() const override { return options_; }
   void terminate() override {
@@ -49,6 +50,8 @@ class SimApplication : public Application {
     process_.exit(0);
   }
 
+  /// Told whether any are in force now.
+  void setOnOptions(std::function<void(bool)> onOptions) { onOptions_ = std::move(onOptions); }
   /// Not owned; null for none.
   void setDelegate(ApplicationDelegate* delegate) { delegate_ = delegate; }
 
@@ -73,6 +76,7 @@ class SimApplication : public Application {
   SimJournal& journal_;
   Process& process_;
   ApplicationDelegate* delegate_ = nullptr;
+  std::function<void(bool)> onOptions_;
   bool isActive_ = false;
   std::uint32_t options_ = 0;
 };

@@ -35,11 +35,16 @@ class SimTap : public EventTap {
       : keyboard_(keyboard), state_(std::move(state)) {}
   SimTap(const SimTap&) = delete;
   SimTap& operator=(const SimTap&) = delete;
-  ~SimTap() override { keyboard_.change(state_, false); }
+  ~SimTap() override {
+    state_->wanted = false;
+    keyboard_.change(state_, false);
+    keyboard_.tellWanted();
+  }
 
   void enable(bool on) override {
     state_->wanted = on;
     keyboard_.change(state_, on && !keyboard_.grabDenied_);
+    keyboard_.tellWanted();
   }
   [[nodiscard]] bool isEnabled() const override { return state_->enabled; }
 
@@ -162,6 +167,14 @@ void SimKeyboard::change(const std::shared_ptr<TapState>& tap, bool enabled) {
   if (isTaken() != takenBefore) journal_.note(takenBefore ? "keyboard given back" : "keyboard taken");
 }
 
+void SimKeyboard::tellWanted() {
+  if (!onWanted_) return;
+  onWanted_(std::any_of(taps_.begin(), taps_.end(), [](const auto& weak) {
+    const auto tap = weak.lock();
+    return tap && tap->wanted;
+  }));
+}
+
 void SimKeyboard::send(KeyCode keyCode, bool isDown) {
   const EventType letter = isDown ? EventType::keyDown : EventType::keyUp;
   deliver({isModifier(keyCode) ? EventType::flagsChanged : letter, keyCode, flags()}, true);
@@ -189,7 +202,7 @@ void SimKeyboard::passOn(const KeyEvent& event) {
   }
   const bool isDown =
       event.type == EventType::keyDown || (event.type == EventType::flagsChanged && this->isDown(event.keyCode));
-  if (!isDown) return;
+  if (!isDown || reachNobody_) return;
   foreignKeys_.push_back(event.keyCode);
   journal_.note("another application got key ", event.keyCode);
 }

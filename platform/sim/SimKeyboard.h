@@ -44,6 +44,10 @@ class SimKeyboard : public EventTaps, public HardwareKeys, public InputIdle {
   // What goes wrong.
   /// Another program has the keyboard: taps stay disabled until it lets go.
   void setGrabDenied(bool denied);
+  /// A session lock is up: what no tap has reaches nobody.
+  void setKeysReachNobody(bool reachNobody) { reachNobody_ = reachNobody; }
+  /// Told whenever a tap is enabled or disabled by its owner: whether any is to have the keyboard.
+  void setOnWanted(std::function<void(bool)> onWanted) { onWanted_ = std::move(onWanted); }
   /// The system disables the tap and says so; it stays disabled until somebody enables it again.
   void loseTap(EventType how = EventType::tapDisabledByTimeout);
   /// No tap can be made at all.
@@ -71,6 +75,7 @@ class SimKeyboard : public EventTaps, public HardwareKeys, public InputIdle {
   };
 
   void change(const std::shared_ptr<TapState>& tap, bool enabled);
+  void tellWanted();
   void send(KeyCode keyCode, bool isDown);
   void deliver(const KeyEvent& event, bool toTap);
   void passOn(const KeyEvent& event);
@@ -83,7 +88,9 @@ class SimKeyboard : public EventTaps, public HardwareKeys, public InputIdle {
   std::map<InputKind, Seconds> lastInput_;
   std::map<InputKind, Seconds> scriptedIdle_;
   std::vector<KeyCode> foreignKeys_;
+  std::function<void(bool)> onWanted_;
   bool grabDenied_ = false;
+  bool reachNobody_ = false;
   bool tapsImpossible_ = false;
   bool sidesReported_ = true;
 };

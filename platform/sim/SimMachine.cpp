@@ -48,11 +48,14 @@ SimMachine::SimMachine(const Options& options)
             }
             launch(arguments, logPath);
           }),
+      compositor(timeline, journal, windows, keyboard, clock),
       services_(services()) {
   childProcesses.install("/bin/launchctl",
                          [this](const std::vector<std::string>& arguments) { return scheduler.run(arguments); });
   childProcesses.install("/usr/bin/xattr", [](const std::vector<std::string>&) { return 0; });
   screens.setOnChange([this] { windows.screensChanged(); });
+  application.setOnOptions([this](bool isLockdown) { compositor.setLockdown(isLockdown); });
+  process.setLastWill([this] { compositor.processExits(); });
   timeline.setProcessHooks([this](bool leaving) { journal.setMuted(leaving); },
                            [this](int status) { processEnded(status); });
   if (!options.processRuns) timeline.clear();
@@ -105,6 +108,7 @@ void SimMachine::launch(const std::vector<std::string>& arguments, const std::st
   output.redirect(logPath);
   timeline.startProcess();
   scope_.emplace(services_);  // a new process shares nothing with the last one
+  compositor.processStarts();
   timeline.perform([&] { launched_ = program_(arguments); });
 }
 
@@ -123,6 +127,7 @@ void SimMachine::processEnded(int status) {
   journal.setMuted(false);
   journal.note("exit ", status);
   endings_.push_back({status, timeline.now()});
+  compositor.processEnded();
   windows.processEnded();
   keyboard.processEnded();
   journal.setMuted(true);

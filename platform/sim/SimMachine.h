@@ -18,6 +18,7 @@
 
 #include "platform/Platform.h"
 #include "platform/sim/SimAlerts.h"
+#include "platform/sim/SimCompositor.h"
 #include "platform/sim/SimDefaults.h"
 #include "platform/sim/SimDesktop.h"
 #include "platform/sim/SimDragging.h"
@@ -130,6 +131,7 @@ class SimMachine {
   SimTexts texts;
   SimSpeech speech;
   SimScheduler scheduler;
+  SimCompositor compositor;
 
  private:
   void processEnded(int status);

@@ -18,7 +18,10 @@ class SimProcess : public Process {
 
   /// Unwinds to the machine, which lets the serial queues run dry and then runs nothing of this process any more.
   using Process::exit;
-  [[noreturn]] void exit(const ExitStatus& status) override { timeline_.exit(status); }
+  [[noreturn]] void exit(const ExitStatus& status) override {
+    if (lastWill_) lastWill_();
+    timeline_.exit(status);
+  }
   void endWithin(std::optional<Seconds> uptime) override;
   [[nodiscard]] int processId() const override { return 4711; }
   [[nodiscard]] unsigned userId() const override { return 1000; }
@@ -31,6 +34,8 @@ class SimProcess : public Process {
   void terminate();
   /// The signal that no process survives.
   void kill();
+  /// What the process still does when it ends by itself.
+  void setLastWill(Task lastWill) { lastWill_ = std::move(lastWill); }
   /// Another process has the seat of the scheduled run.
   void setSeatTaken(bool taken) { seatTaken_ = taken; }
   /// Another process has the seat of the opened program.
@@ -43,6 +48,7 @@ class SimProcess : public Process {
   SimTimeline& timeline_;
   SimJournal& journal_;
   std::uint64_t lastResort_ = 0;
+  Task lastWill_;
   Task terminationHandler_;
   Task onReopen_;
   bool seatTaken_ = false;

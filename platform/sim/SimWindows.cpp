@@ -109,10 +109,12 @@ double SimWindow::alpha() const {
 }
 
 void SimWindow::setAlpha(double alpha) {
+  if (this->alpha() != alpha) lowering_ = visible_ && alpha < this->alpha();
   if (this->alpha() != alpha) server_.journal_.note("window ", number_, " alpha ", alpha);
   alpha_ = alpha;
   alphaDuration_ = 0;
   server_.checkCover();
+  server_.panelsChanged();
 }
 
 void SimWindow::animate(double to, Seconds duration, TimingCurve curve) {
@@ -121,6 +123,7 @@ void SimWindow::animate(double to, Seconds duration, TimingCurve curve) {
   alphaSince_ = server_.timeline_.uptime();
   alphaDuration_ = duration;
   curve_ = curve;
+  if (alpha_ != alphaFrom_) lowering_ = visible_ && alpha_ < alphaFrom_;
 }
 
 void SimWindow::makeKeyAndOrderFront() {
@@ -147,8 +150,10 @@ void SimWindowServer::animateAlpha(const std::vector<std::shared_ptr<Window>>& w
     animated.animate(alpha, duration, curve);
     journal_.note("window ", animated.number_, " fades to ", alpha, " in ", duration, " s ", nameOf(curve));
   }
+  panelsChanged();
   timeline_.addMain(duration, 0, [this, done = std::move(completion)] {
     checkCover();
+    panelsChanged();
     if (done) done();
   });
 }
@@ -263,10 +268,12 @@ void SimWindowServer::show(SimWindow& window) {
     return;
   }
   window.visible_ = true;
+  window.lowering_ = false;
   order_.push_back(&window);
   journal_.note("window ", window.number_, " in");
   checkCover();
   window.showContent();
+  panelsChanged();
   if (window.content_ && !std::exchange(window.shownBefore_, true)) tellFirstShown(window.content_);
 }
 
@@ -291,6 +298,7 @@ void SimWindowServer::hide(SimWindow& window) {
     keyWindow_ = next == order_.rend() ? nullptr : *next;
   }
   checkCover();
+  panelsChanged();
 }
 
 void SimWindowServer::makeKey(SimWindow& window) {

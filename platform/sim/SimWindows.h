@@ -39,6 +39,8 @@ class SimWindow : public Window, public std::enable_shared_from_this<SimWindow> 
 
   /// Where it stands in pixels.
   [[nodiscard]] const PixelRect& area() const { return area_; }
+  /// It has become less black since it came up, or is about to.
+  [[nodiscard]] bool isLowering() const { return lowering_; }
   /// Counts the windows of the machine from 1.
   [[nodiscard]] int number() const { return number_; }
   [[nodiscard]] const WindowStyle& style() const { return style_; }
@@ -66,6 +68,7 @@ class SimWindow : public Window, public std::enable_shared_from_this<SimWindow> 
   std::function<void(const KeyEvent&)> keyHandler_;
   bool visible_ = false;
   bool shownBefore_ = false;
+  bool lowering_ = false;
   // Alpha: where it stands, or from where and since when it moves there.
   double alpha_ = 1;
   double alphaFrom_ = 1;
@@ -120,6 +123,9 @@ class SimWindowServer : public WindowServer {
   /// Has panels draw their content, by canvases of that maker; null for nobody. It outlives this.
   void setCanvases(CanvasFactory* canvases) { canvases_ = canvases; }
 
+  /// Told when a panel came, went, or is black in another strength: the first and the last step of a fade.
+  void setOnPanelsChanged(Task onChange) { onPanelsChanged_ = std::move(onChange); }
+
   /// All windows are gone with their process.
   void processEnded();
 
@@ -130,6 +136,9 @@ class SimWindowServer : public WindowServer {
   void makeKey(SimWindow& window);
   void checkCover();
   void placeAnew();
+  void panelsChanged() {
+    if (onPanelsChanged_) onPanelsChanged_();
+  }
 
   SimTimeline& timeline_;
   SimJournal& journal_;
@@ -142,6 +151,7 @@ class SimWindowServer : public WindowServer {
   CanvasFactory* canvases_ = nullptr;
   std::function<void(View&)> firstShown_;
   std::function<Size(const View&)> fittingSize_;
+  Task onPanelsChanged_;
   int lastNumber_ = 0;
   bool ordinaryFocus_ = false;
   bool watching_ = false;

@@ -112,6 +112,12 @@ const std::vector<Row> ROWS{
      4,
      2,
      {{{0, 3}, {0, 1}, {}}}},
+    {Kind::steal, "steal", "the compositor hands the keyboard to somebody else", 0, 0, {}},
+    {Kind::otherLock, "otherlock", "another program locks the session for so long", 0, 0, {{SPELL, {}, {}}}},
+    {Kind::compositor, "compositor", "the compositor ends, and another one comes up", 0, 0, {}},
+    {Kind::gone, "gone", "killed, and the program is deleted for so long", 0, 0, {{SPELL, {}, {}}}},
+    {Kind::both, "both", "killed together with what watches over the lock", 0, 0, {}},
+    {Kind::runtime, "runtime", "the runtime folder takes nothing for so long", 0, 0, {{SPELL, {}, {}}}},
     {Kind::test, "test", "the user starts a test run", 0, 25, {}},
     {Kind::demo, "demo", "the demo starts", 0, 15, {}},
 };
@@ -153,6 +159,13 @@ std::optional<Happening> Happening::parsed(const std::string& line) {
 }
 
 const char* meaning(Kind kind) { return rowOf(kind).meaning; }
+
+Happening drawnWaylandHappening(Dice& dice, std::int64_t at) {
+  constexpr std::array<Kind, 9> KINDS{Kind::steal, Kind::steal, Kind::otherLock, Kind::compositor, Kind::gone,
+                                      Kind::gone,  Kind::both,  Kind::kill,      Kind::runtime};
+  const Kind kind = KINDS.at(static_cast<std::size_t>(dice.between(0, static_cast<std::int64_t>(KINDS.size()) - 1)));
+  return {at, kind, {rowOf(kind).ranges[0].drawn(dice)}};
+}
 
 Happening drawnHappening(Dice& dice, std::int64_t at, bool opened) {
   const auto weight = [opened](const Row& row) { return opened ? row.openedWeight : row.weight; };

@@ -52,6 +52,13 @@ enum class Kind {
   settings,
   hours,
   flag,
+  // A Wayland desktop.
+  steal,
+  otherLock,
+  compositor,
+  gone,
+  both,
+  runtime,
   // A program that the user opened.
   test,
   demo,
@@ -74,5 +81,8 @@ struct Happening {
 
 /// A happening of any kind that fits a scheduled run (or, with `opened`, a program that the user opened) at `at`.
 [[nodiscard]] Happening drawnHappening(Dice& dice, std::int64_t at, bool opened);
+
+/// One that only a Wayland desktop knows.
+[[nodiscard]] Happening drawnWaylandHappening(Dice& dice, std::int64_t at);
 
 }  // namespace dormel::nights

@@ -68,6 +68,25 @@ void drawRehearsal(Night& night, Dice& dice) {
   night.happenings.push_back({at, Kind::hold, {12 * SECOND + dice.between(60, 2500), spacing, dice.between(0, 1023)}});
 }
 
+/// Dice of its own: what else happens in a night does not depend on it.
+void drawDesktop(Night& night) {
+  using Desktop = SimCompositor::Desktop;
+  Dice dice(night.seed ^ 0x5DEECE66DU);
+  if (dice.percent(35)) return;
+  night.desktop = dice.percent(70) ? Desktop::sessionLock : Desktop::overlay;
+  for (std::int64_t count = dice.between(0, 6); count > 0; --count) {
+    // Mostly around something else: a hold, a sleep, the end of the hours.
+    std::int64_t at = dice.between(0, night.length);
+    if (!night.happenings.empty() && dice.percent(50)) {
+      const auto last = static_cast<std::int64_t>(night.happenings.size()) - 1;
+      at = night.happenings.at(static_cast<std::size_t>(dice.between(0, last))).at + dice.spread(1, 20 * SECOND);
+    } else if (dice.percent(30)) {
+      at = dice.percent(50) ? dice.between(0, 30 * SECOND) : night.length - dice.between(0, 220 * SECOND);
+    }
+    night.happenings.push_back(drawnWaylandHappening(dice, std::clamp<std::int64_t>(at, 0, night.length)));
+  }
+}
+
 }  // namespace
 
 Night Night::drawn(std::uint64_t seed) {
@@ -104,6 +123,7 @@ Night Night::drawn(std::uint64_t seed) {
     }
     night.happenings.push_back(drawnHappening(dice, std::clamp<std::int64_t>(at, 0, night.length), night.opened));
   }
+  drawDesktop(night);
   std::stable_sort(night.happenings.begin(), night.happenings.end());
   return night;
 }
@@ -118,11 +138,12 @@ std::string Night::text() const {
                 static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
                 static_cast<int>(time.hours().count()), static_cast<int>(time.minutes().count()),
                 static_cast<int>(time.seconds().count()));
+  constexpr std::array<const char*, 3> DESKTOPS{"", "a session lock, ", "an overlay, "};
   constexpr std::array<const char*, 4> RECORDS{"no", "a few", "old", "malformed"};
   line << (opened ? "opened " : "") << moment.data() << ", hours " << startHour << " to " << endHour << ", " << screens
-       << " screens, " << (enabled ? "" : "switched off, ") << (onboarded ? "" : "not set up, ")
-       << (trusted ? "" : "no permission, ") << (sidesReported ? "" : "no sides, ") << (debugLog ? "debug log, " : "")
-       << RECORDS.at(static_cast<std::size_t>(records)) << " records, idle ";
+       << " screens, " << DESKTOPS.at(static_cast<std::size_t>(desktop)) << (enabled ? "" : "switched off, ")
+       << (onboarded ? "" : "not set up, ") << (trusted ? "" : "no permission, ") << (sidesReported ? "" : "no sides, ")
+       << (debugLog ? "debug log, " : "") << RECORDS.at(static_cast<std::size_t>(records)) << " records, idle ";
   if (idleSeconds) {
     line << *idleSeconds << " s";
   } else {

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/sim/SimCompositor.h"
 #include "tools/night-runner/Happening.h"
 
 namespace dormel::nights {
@@ -28,6 +29,7 @@ struct Night {
   bool trusted = true;
   bool sidesReported = true;
   int screens = 1;
+  SimCompositor::Desktop desktop = SimCompositor::Desktop::x11;
   std::optional<std::int64_t> idleSeconds;  ///< nothing: no input was ever seen
   Records records = Records::none;
   bool hasUnlockLog = false;

@@ -93,11 +93,12 @@ class Player {
     if (night_.debugLog) defaults.putBoolean(defaultsKey::debugLoggingEnabled, true);
     machine_.files.put("/Applications/Dormel.app/Contents/Linux/Dormel", "program", 0755);
     machine_.bundle.setPath("/Applications/Dormel.app");
-    machine_.accessibility.setTrusted(night_.trusted);
+    machine_.compositor.setDesktop(night_.desktop);
+    machine_.accessibility.setTrusted(night_.trusted || isWayland());
     machine_.keyboard.setSidesReported(night_.sidesReported);
     if (night_.screens == 0) machine_.screens.pull("DP-1");
     for (int place = 1; place < night_.screens; ++place) plug(place, 1280 + 320 * place, 1024);
-    machine_.setProgram([this](const std::vector<std::string>& arguments) { return program(arguments); });
+    setProgram(true);
     putRecords();
     // The user sets it up; what the scheduler starts at once comes when time begins.
     machine_.launch({"--setup"});
@@ -130,6 +131,11 @@ class Player {
     machine_.files.chmod(AppSupport::directory(), 0700);
   }
 
+  void setProgram(bool isThere) {
+    if (!isThere) return machine_.setProgram({});
+    machine_.setProgram([this](const std::vector<std::string>& arguments) { return program(arguments); });
+  }
+
   /// What main does.
   std::shared_ptr<void> program(const std::vector<std::string>& arguments) {
     canvases_ = std::make_unique<paint::PaintedCanvases>(painter_);
@@ -138,7 +144,8 @@ class Player {
     cliArgs.insert(cliArgs.end(), arguments.begin(), arguments.end());
     if (watch_ != nullptr) {
       const bool scheduled = std::find(arguments.begin(), arguments.end(), "--scheduled") != arguments.end();
-      watch_->processStarts(scheduled, scheduled && !byHand_);
+      isRestarted_ = scheduled && !byHand_;
+      watch_->processStarts(scheduled, isRestarted_);
     }
     EntryPoint::runOneShotCommand();
     auto delegate = EntryPoint::startApplication();
@@ -225,7 +232,11 @@ class Player {
     }
   }
 
+  [[nodiscard]] bool isWayland() const { return night_.desktop != SimCompositor::Desktop::x11; }
+
+  /// On Wayland the permission is there for as long as the compositor is.
   void permit(bool trusted) {
+    if (isWayland()) return;
     machine_.accessibility.setTrusted(trusted);
     watch_->look();
   }
@@ -263,6 +274,35 @@ class Player {
     machine_.files.chmod(folder, h.n[1] == 0 ? 0 : 0555);
     diskTrouble(h.n[2], true);
     machine_.after(seconds(h.n[2]), [this, folder] { machine_.files.chmod(folder, 0700); });
+  }
+
+  void denyKeyboard(int change) {
+    denied_ += change;
+    watch_->grabDenied(denied_ > 0);
+  }
+
+  /// Killed, and nobody can start it again for so long: only what watches over the lock is left.
+  void disappear(std::int64_t milliseconds) {
+    if (!machine_.timeline.processRuns()) return;
+    watch_->deathExpected();
+    watch_->programGone();
+    setProgram(false);
+    machine_.process.kill();
+    machine_.after(seconds(milliseconds), [this] {
+      setProgram(true);
+      byHand_ = true;
+      machine_.launch({"--scheduled"});
+      byHand_ = false;
+    });
+  }
+
+  void restartCompositor() {
+    if (!isWayland()) return;
+    constexpr int CONNECTION_LOST = 70;
+    watch_->deathExpected();
+    watch_->compositorEnds();
+    machine_.compositor.restart();
+    machine_.timeline.killProcess(CONNECTION_LOST);
   }
 
   void painterFails(const Happening& h) {
@@ -367,15 +407,49 @@ class Player {
         break;
       case Kind::deny:
         forAWhile(
-            denied_, h.n[0],
+            denials_, h.n[0],
             [this] {
-              watch_->grabDenied(true);
-              machine_.keyboard.setGrabDenied(true);
+              if (denials_ == 1) denyKeyboard(1);
+              machine_.compositor.keepFocus(true);
             },
             [this] {
-              watch_->grabDenied(false);
-              machine_.keyboard.setGrabDenied(false);
+              denyKeyboard(-1);
+              machine_.compositor.keepFocus(false);
             });
+        break;
+      case Kind::steal:
+        watch_->tapDisabled();
+        machine_.compositor.stealFocus();
+        break;
+      case Kind::otherLock:
+        forAWhile(
+            otherLocks_, h.n[0],
+            [this] {
+              if (otherLocks_ == 1) denyKeyboard(1);
+              machine_.compositor.lockForAnother(true);
+            },
+            [this] {
+              denyKeyboard(-1);
+              machine_.compositor.lockForAnother(false);
+            });
+        break;
+      case Kind::compositor:
+        restartCompositor();
+        break;
+      case Kind::gone:
+        disappear(h.n[0]);
+        break;
+      case Kind::both:
+        // Only the scheduler is left to see to it.
+        if (machine_.timeline.processRuns() && isRestarted_) machine_.compositor.killWatchers();
+        watch_->deathExpected();
+        machine_.process.kill();
+        break;
+      case Kind::runtime:
+        watch_->marksMayBeMissing();
+        forAWhile(
+            markless_, h.n[0], [this] { machine_.compositor.setMarkWritable(false); },
+            [this] { machine_.compositor.setMarkWritable(true); });
         break;
       case Kind::loseTap:
         watch_->tapDisabled();
@@ -460,8 +534,12 @@ class Player {
   std::vector<KeyCode> down_;
   Seconds origin_ = 0;  // the uptime at which the night begins
   bool byHand_ = false;
+  bool isRestarted_ = false;  // the scheduler started the present process, and would again
   int paintless_ = 0;
   int denied_ = 0;
+  int denials_ = 0;
+  int otherLocks_ = 0;
+  int markless_ = 0;
   int tapless_ = 0;
   int full_ = 0;
   int hanging_ = 0;

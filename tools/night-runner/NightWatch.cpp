@@ -92,7 +92,7 @@ void NightWatch::processStarts(bool scheduled, bool byScheduler) {
   optionsAtStart_ = machine_.application.presentationOptions();
   diedAt_.reset();
   termAt_.reset();
-  deathExpected_ = quitAsked_ = epochMustGrow_ = false;
+  deathExpected_ = quitAsked_ = epochMustGrow_ = programGone_ = false;
   lastEpoch_ = 0;
   unlocks_ = 0;
   phase_ = scheduled ? Phase::none : Phase::opened;
@@ -210,6 +210,7 @@ void NightWatch::look() {
       checkOpened();
       break;
   }
+  checkOwner();
   checkTimers();
   checkEpoch();
 }
@@ -318,7 +319,8 @@ void NightWatch::processEnded() {
   phase_ = Phase::none;
   broken_ = {};
   termAt_.reset();
-  if (status != 0 && scheduled_ && byScheduler_) diedAt_ = now();
+  if (status != 0 && scheduled_ && byScheduler_ && !programGone_) diedAt_ = now();
+  isLockLeft_ = hasMarks_ && machine_.compositor.isLockedByUs();
   deathExpected_ = quitAsked_ = false;
   hoursOverSince_.reset();
   lastEpoch_.reset();
@@ -363,6 +365,20 @@ void NightWatch::checkNone() {
   if (!machine_.windows.visible().empty()) fail(Rule::nothing, "a window without a lock");
   if (machine_.keyboard.isTaken()) fail(Rule::nothing, "the keyboard is taken without a lock");
   if (diedAt_ && lateByUptime(*diedAt_, 1.1)) fail(Rule::restart, "not started again");
+}
+
+void NightWatch::checkOwner() {
+  const SimCompositor& compositor = machine_.compositor;
+  const auto longer = [&](std::optional<Moment>& since, bool isSo) {
+    if (!isSo) return since.reset(), false;
+    if (!since) since = now();
+    return lateByUptime(*since, 15.1);
+  };
+  if (longer(ownerlessSince_, compositor.isOwnerless())) fail(Rule::owner, "a session lock without an owner");
+  if (diedAt_ && isLockLeft_ && !compositor.isLockedByUs()) fail(Rule::owner, "open before it was started again");
+  if (longer(lockedOutsideSince_, compositor.isLockedByUs() && !hoursOn_)) {
+    fail(Rule::owner, "the session is locked outside the hours");
+  }
 }
 
 void NightWatch::checkEpoch() {

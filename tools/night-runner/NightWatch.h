@@ -59,6 +59,11 @@ class NightWatch {
     dirty_ = true;
   }
   void terminationSignal();
+  void compositorEnds() { isLockLeft_ = false; }
+  /// A lock may have no mark from now on, and who watches over it cannot tell whether it was taken over.
+  void marksMayBeMissing() { hasMarks_ = false; }
+  /// Nobody can start the program again.
+  void programGone() { programGone_ = true; }
   void quitRequest() { quitAsked_ = true; }
   void deathExpected() { deathExpected_ = true; }
   /// The clocks, the calendar or the settings were changed.
@@ -117,7 +122,7 @@ class NightWatch {
     Moment at;
     bool isDue;
   };
-  enum Promise { covered, opaque, pictured, lockdown, tapped, granted, PROMISES };
+  enum Promise { covered, opaque, pictured, lockdown, tapped, granted, sessionLocked, PROMISES };
 
   void afterEvent();
   [[nodiscard]] Moment now() const;
@@ -142,6 +147,7 @@ class NightWatch {
   void checkDegraded();
   void checkOpened();
   void checkNone();
+  void checkOwner();
   void checkPictures();
   void checkChallenge(const std::vector<KeyIndicator>& keys);
   void checkEarned();
@@ -191,6 +197,9 @@ class NightWatch {
   std::size_t lines_ = 0;
   std::optional<Moment> diedAt_;
   bool deathExpected_ = false;
+  bool programGone_ = false;
+  bool isLockLeft_ = false;  // by the process that ended last
+  bool hasMarks_ = true;
   bool quitAsked_ = false;
   std::optional<Moment> termAt_;
   std::optional<int> lastEpoch_;
@@ -199,6 +208,8 @@ class NightWatch {
   // The hours.
   bool hoursOn_ = false;
   std::optional<Moment> hoursOverSince_;
+  std::optional<Moment> ownerlessSince_;
+  std::optional<Moment> lockedOutsideSince_;
 
   // The lock.
   Moment phaseBegan_{};

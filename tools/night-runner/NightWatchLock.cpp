@@ -53,6 +53,10 @@ void NightWatch::checkLocked() {
   promise(lockdown, options == LOCKDOWN, 0.1, Rule::options, "locked without the lockdown options");
   promise(tapped, !tapPromised_ || denied_ || machine_.keyboard.isTaken(), 5.2, Rule::tap,
           "locked without the keyboard");
+  const SimCompositor& compositor = machine_.compositor;
+  const bool isDue = compositor.desktop() == SimCompositor::Desktop::sessionLock && seen.blockers > 0 && seen.opaque;
+  promise(sessionLocked, !isDue || compositor.isLockedByUs() || compositor.isLockedByAnother(), 2, Rule::owner,
+          "locked without the session lock");
   if (seen.others != 0) fail(Rule::cover, "something else is on a screen");
 
   SimWindowServer& windows = machine_.windows;
@@ -177,6 +181,7 @@ void NightWatch::checkGrace() {
   if (since < 3.65 && options != LOCKDOWN) fail(Rule::options, "the lockdown options went before their time");
   if (late(phaseBegan_, 3.9)) {
     if (seen.blockers != 0) fail(Rule::grace, "the overlay is still there");
+    if (machine_.compositor.isLockedByUs()) fail(Rule::owner, "the session is still locked");
     if (options != 0) fail(Rule::options, "the lockdown options stayed");
     const bool isSure = screensChanged_.up < phaseBegan_.up;
     if (seen.others > 1 || (isSure && seen.others != (screens_.empty() ? 0 : 1))) fail(Rule::grace, "not one pill");

@@ -30,6 +30,7 @@ enum class Rule {
   history,
   epochs,
   timers,
+  owner,
   nothing,
   rehearsal,
   sound,
@@ -40,7 +41,7 @@ struct RuleText {
   const char* meaning;
 };
 
-inline constexpr std::array<RuleText, 23> RULES{{
+inline constexpr std::array<RuleText, 24> RULES{{
     {"lock",
      "a scheduled run inside the hours, set up, switched on and permitted, locks at once; without the permission it "
      "shows its card and locks within 3 s of getting it; any other ends with status 0, or is started again if the "
@@ -102,6 +103,10 @@ inline constexpr std::array<RuleText, 23> RULES{{
     {"epochs", "the generation of the overlay only grows, and does so with every lock and every unlock"},
     {"timers",
      "no timer survives its owner: as many repeat as the present state needs, and not one more, 0.25 s after anything"},
+    {"owner",
+     "where the desktop has a session lock, it is up 2 s of working time after the blockers are opaque, "
+     "and gone with them; a killed program's is up until that runs again; none is without an owner for longer than 15 "
+     "s, and none of ours is up 15 s after the hours"},
     {"nothing", "without a process there is no window, and the keyboard is free"},
     {"rehearsal",
      "a rehearsal ends by itself 90 s after its last step, and at once at Escape; it leaves no window, no tap, no "
