@@ -12,6 +12,12 @@ namespace {
 
 constexpr double FRACTIONS = 120;
 constexpr const char* NAMESPACE = "dormel";
+/// What a compositor says beyond that is no size.
+constexpr std::uint32_t FAR = 1U << 24U;
+
+Size sized(std::uint32_t width, std::uint32_t height) {
+  return {static_cast<double>(std::min(width, FAR)), static_cast<double>(std::min(height, FAR))};
+}
 
 }  // namespace
 
@@ -73,7 +79,7 @@ LayerSheet::LayerSheet(Connection& connection, Shades& shades, const std::shared
   static constexpr zwlr_layer_surface_v1_listener LISTENER{
       [](void* data, zwlr_layer_surface_v1* role, std::uint32_t serial, std::uint32_t width, std::uint32_t height) {
         zwlr_layer_surface_v1_ack_configure(role, serial);
-        static_cast<LayerSheet*>(data)->configured({static_cast<double>(width), static_cast<double>(height)});
+        static_cast<LayerSheet*>(data)->configured(sized(width, height));
       },
       [](void* data, zwlr_layer_surface_v1*) {
         const Task onClosed = static_cast<LayerSheet*>(data)->onClosed_;
@@ -131,7 +137,7 @@ LockSheet::LockSheet(Connection& connection, Shades& shades, std::shared_ptr<Out
                                                                     std::uint32_t serial, std::uint32_t width,
                                                                     std::uint32_t height) {
     ext_session_lock_surface_v1_ack_configure(role, serial);
-    static_cast<LockSheet*>(data)->configured({static_cast<double>(width), static_cast<double>(height)});
+    static_cast<LockSheet*>(data)->configured(sized(width, height));
   }};
   ext_session_lock_surface_v1_add_listener(role_.get(), &LISTENER, this);
   setBlack(1);
