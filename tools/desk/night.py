@@ -200,6 +200,9 @@ class Night:
         if status not in (None, "exited 0"):
             raise NotSeen(f"exit status 0 (the scheduler saw: {status})")
         until("a key reaches the document", desk.keys_reach_the_document, 3)
+        complaints = [line for line in desk.home.log("dormel.log") if line.startswith("Q")]
+        if complaints:
+            raise NotSeen(f"the log holds the program's own lines only, not {len(complaints)} like {complaints[0]}")
         self._report("exit status 0", "and not started again" if status else
                      "not started again (only a status of 0 does that)", time.monotonic(), None)
 

@@ -5,7 +5,8 @@
 namespace dormel {
 namespace {
 
-/// The control is never initialised: that is for graphics drivers, and would load one.
+/// The control is never initialised: that is for graphics drivers, and would load one. Frames begin and end for them,
+/// too; without one, Qt 6.8 complains twice for each.
 class SoftwareRenderer : public SceneRenderer {
  public:
   void setTarget(QQuickWindow& window, QImage& image) override {
@@ -16,10 +17,8 @@ class SoftwareRenderer : public SceneRenderer {
 
   bool render(QQuickRenderControl& control) override {
     control.polishItems();
-    control.beginFrame();
     control.sync();
     control.render();
-    control.endFrame();
     return true;
   }
 };
