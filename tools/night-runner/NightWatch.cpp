@@ -222,15 +222,13 @@ void NightWatch::readOutput() {
 
 void NightWatch::readLine(const std::string& line) {
   const auto is = [&](const char* text) { return line.starts_with(text); };
-  if (is("Accessibility permission OK.")) {
+  if (is("Accessibility permission OK.") || is("[a11y] Accessibility granted — starting the block now.")) {
     lockBegins(false);
   } else if (is("[a11y] Accessibility is OFF")) {
     phase_ = Phase::degraded;
     phaseBegan_ = now();
     cardDue_ = !screens_.empty();
     broken_ = {};
-  } else if (is("[a11y] Accessibility granted — starting the block now.")) {
-    lockBegins(false);
   } else if (is("[a11y] Accessibility changed → true")) {
     tapPromised_ = true;
   } else if (is("Warning: KeyInterceptor failed to start")) {
