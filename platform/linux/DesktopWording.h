@@ -18,7 +18,7 @@ struct DesktopFacts {
   /// The job's own entry there.
   std::string autostartFile;
   /// What GNOME Shell's extension still needs, in English (translatable()); empty where it is of no use.
-  std::string extensionAdvice;
+  std::string extensionAdvice{};
   /// Workspace::open of the permission's page goes some of that way.
   bool leadsToExtension = false;
 };
