@@ -5,6 +5,8 @@
 // dying process changes piece by piece.
 #pragma once
 
+#include <algorithm>
+#include <limits>
 #include <optional>
 
 #include "platform/Time.h"
@@ -43,12 +45,12 @@ class LockWatch {
     if (!seen.isCompositorAlive) return Step::end;  // the lock went with it
     if (isMarked_ && !seen.mark) return Step::end;  // it was taken over and given back
     const bool isOther = seen.mark && seen.mark->owner != owner_;
-    if (!isOther || !seen.isOwnerAlive) takenAt_.reset();
     if (isOther && seen.isOwnerAlive) {
-      if (!takenAt_) takenAt_ = now;
       // Whoever has had it for a while has a watcher, too.
-      return now >= *takenAt_ + SETTLED ? Step::end : Step::look;
+      settledAt_ = std::min(settledAt_, now + SETTLED);
+      return now >= settledAt_ ? Step::end : Step::look;
     }
+    settledAt_ = NEVER;
     if (isOther) {
       // It has died as well, and is to be started again as the one before was.
       owner_ = seen.mark->owner;
@@ -66,11 +68,12 @@ class LockWatch {
  private:
   static constexpr int MOST_REFUSALS = 20;
   static constexpr Seconds SETTLED = 1;
+  static constexpr Seconds NEVER = std::numeric_limits<Seconds>::infinity();
 
   ProcessMark owner_;
   bool isMarked_;
   Seconds deadline_;
-  std::optional<Seconds> takenAt_;
+  Seconds settledAt_ = NEVER;  ///< when the new owner will have had it for long enough
   int refusals_ = 0;
 };
 
