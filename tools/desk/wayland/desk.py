@@ -141,7 +141,8 @@ class WaylandDesk:
         return self.eyes.dark([monitor])
 
     def pill(self, pid):
-        """What is dark in the upper right corner of the main screen, where the document is light; or None."""
+        """What is dark in the upper right corner of the main screen, where the document is light; or None, also while
+        all of it still clears."""
         main = self.eyes.primary()
         shot = self.eyes.rectangle(main.x + main.width // 2, main.y, main.width // 2, main.height // 4)
         dark = [(at % shot.width, at // shot.width) for at in range(shot.width * shot.height)
@@ -149,6 +150,8 @@ class WaylandDesk:
         if not dark:
             return None
         (left, right), (top, bottom) = [(min(values), max(values)) for values in zip(*dark)]
+        if left == 0 or bottom == shot.height - 1:
+            return None
         return TopWindow(0, pid, main.x + main.width // 2 + left, main.y + top, right - left + 1, bottom - top + 1,
                          True)
 
