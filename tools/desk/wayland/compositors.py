@@ -307,7 +307,8 @@ class KWin(Compositor):
     def picture(self, monitor):
         """By the compositor's own service, which hands the pixels over in a pipe; or from outside."""
         if self._outside is not None:
-            return self._outside.picture(self._outside.monitors()[self.monitors().index(monitor)])
+            names = [m.name for m in self.monitors()]  # by name: it may have moved since it was asked about
+            return self._outside.picture(self._outside.monitors()[names.index(monitor.name)])
         script = ("import dbus, os, sys, threading\n"
                   "read, write = os.pipe()\n"
                   "out = []\n"
