@@ -4,10 +4,10 @@
 #include "core/Config.h"
 #include "core/Constants.h"
 #include "core/DebugLog.h"
+#include "platform/Bundle.h"
 #include "platform/Files.h"
 #include "platform/Platform.h"
 #include "platform/Process.h"
-#include "platform/Windows.h"
 
 namespace dormel::AgentManager {
 namespace {

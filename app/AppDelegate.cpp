@@ -31,8 +31,8 @@ constexpr Size SETTINGS_SIZE{460, 660};
 
 // An end may take its time, on a hung disk or until the scheduler's kill, and nobody starts a run that ended with 0
 // again. Who holds the seat ten seconds later is not about to leave it.
-constexpr Seconds SEAT_PAUSE = 0.25;
-constexpr int SEAT_TRIES = 40;
+constexpr Seconds INSTANCE_LOCK_PAUSE = 0.25;
+constexpr int INSTANCE_LOCK_TRIES = 40;
 
 void print(const std::string& line) { platform().output.print(line); }
 
@@ -62,7 +62,7 @@ void AppDelegate::didFinishLaunching() {
 
 void AppDelegate::startScheduledBlock() {
   mode_ = Mode::scheduled;
-  claimNight(SEAT_TRIES);
+  claimNight(INSTANCE_LOCK_TRIES);
 }
 
 void AppDelegate::claimNight(int triesLeft) {
@@ -71,7 +71,7 @@ void AppDelegate::claimNight(int triesLeft) {
     print("Dormel is already watching this night in another process. Exiting.");
     platform().process.exit(0);
   }
-  platform().runLoop.asyncAfter(SEAT_PAUSE, [weak = weak_from_this(), triesLeft] {
+  platform().runLoop.asyncAfter(INSTANCE_LOCK_PAUSE, [weak = weak_from_this(), triesLeft] {
     if (const auto self = weak.lock()) self->claimNight(triesLeft - 1);
   });
 }

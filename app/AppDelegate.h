@@ -9,8 +9,8 @@
 #include "engine/ScreenManager.h"
 #include "onboarding/OnboardingView.h"
 #include "platform/Alerts.h"
+#include "platform/Application.h"
 #include "platform/MainWindow.h"
-#include "platform/Windows.h"
 #include "settings/NightsView.h"
 #include "settings/SettingsView.h"
 

@@ -7,12 +7,13 @@
 #include "app/AgentManager.h"
 #include "core/Config.h"
 #include "platform/Alerts.h"
+#include "platform/Application.h"
+#include "platform/Bundle.h"
 #include "platform/Files.h"
 #include "platform/Platform.h"
 #include "platform/Process.h"
 #include "platform/RunLoop.h"
 #include "platform/Texts.h"
-#include "platform/Windows.h"
 #include "platform/Workspace.h"
 
 namespace dormel::AppInstaller {

@@ -9,12 +9,12 @@
 #include "core/Config.h"
 #include "engine/NightReport.h"
 #include "platform/Accessibility.h"
+#include "platform/Bundle.h"
 #include "platform/Defaults.h"
 #include "platform/Files.h"
 #include "platform/Platform.h"
 #include "platform/Process.h"
 #include "platform/Texts.h"
-#include "platform/Windows.h"
 #include "platform/Workspace.h"
 
 namespace dormel::EntryPoint {

@@ -12,8 +12,8 @@
 #include "platform/linux/WindowPlatform.h"
 #include "platform/linux/freedesktop/DesktopLook.h"
 #include "settings/qml/SettingsScenes.h"
+#include "ui/qml/AppPalette.h"
 #include "ui/qml/Motion.h"
-#include "ui/qml/Tone.h"
 #include "ui/qml/UiModule.h"
 
 int main(int argc, char** argv) {
@@ -29,7 +29,7 @@ int main(int argc, char** argv) {
   }
   const freedesktop::DesktopLook look = freedesktop::desktopLook();
   Motion::reduce(look.reducedMotion);
-  Tone::setHighContrast(look.highContrast);
+  AppPalette::setHighContrast(look.highContrast);
   QmlSceneRegistry scenes;
   registerUiScenes(scenes);
   registerOverlayScenes(scenes);

@@ -5,8 +5,8 @@
 #include "platform/Alerts.h"
 #include "platform/Platform.h"
 #include "platform/RunningApplications.h"
+#include "platform/Screens.h"
 #include "platform/Texts.h"
-#include "platform/Windows.h"
 #include "platform/Workspace.h"
 
 namespace dormel {

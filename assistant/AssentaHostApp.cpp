@@ -1,8 +1,8 @@
 #include "assistant/AssentaHostApp.h"
 
+#include "platform/Bundle.h"
 #include "platform/PercentEncoding.h"
 #include "platform/Platform.h"
-#include "platform/Windows.h"
 #include "platform/Workspace.h"
 
 namespace dormel {

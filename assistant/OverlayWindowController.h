@@ -8,6 +8,7 @@
 
 #include "assistant/AssentaHostApp.h"
 #include "assistant/AssentaPanel.h"
+#include "platform/Registration.h"
 #include "platform/Time.h"
 #include "platform/Windows.h"
 

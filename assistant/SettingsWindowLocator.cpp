@@ -1,10 +1,11 @@
 #include "assistant/SettingsWindowLocator.h"
 
+#include "platform/Application.h"
 #include "platform/CommonArea.h"
 #include "platform/Platform.h"
 #include "platform/RunningApplications.h"
+#include "platform/Screens.h"
 #include "platform/WindowList.h"
-#include "platform/Windows.h"
 
 namespace dormel {
 namespace {

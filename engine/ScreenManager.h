@@ -19,9 +19,10 @@
 #include "engine/SpokenLock.h"
 #include "overlay/BlockerWindow.h"
 #include "overlay/OverlaySession.h"
+#include "platform/Application.h"
 #include "platform/Queues.h"
+#include "platform/Registration.h"
 #include "platform/RunLoop.h"
-#include "platform/Windows.h"
 
 namespace dormel {
 

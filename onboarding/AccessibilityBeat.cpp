@@ -4,9 +4,10 @@
 
 #include "assistant/AssentaAssistant.h"
 #include "platform/Accessibility.h"
+#include "platform/Application.h"
+#include "platform/Bundle.h"
 #include "platform/Platform.h"
 #include "platform/Texts.h"
-#include "platform/Windows.h"
 
 namespace dormel {
 namespace {

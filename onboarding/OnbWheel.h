@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "onboarding/OnbReveal.h"
-#include "platform/Windows.h"
+#include "platform/Registration.h"
 
 namespace dormel {
 

@@ -9,23 +9,23 @@ namespace {
 constexpr std::size_t LONGEST_TEXT = 256;
 constexpr std::size_t MOST_KEYS = 16;
 
-void put(ByteWriter& to, const Ink& ink) { to.put(ink.red).put(ink.green).put(ink.blue).put(ink.alpha); }
+void put(ByteWriter& to, const Color& color) { to.put(color.red).put(color.green).put(color.blue).put(color.alpha); }
 
-Ink getInk(ByteReader& from) {
-  Ink ink;
-  for (double* part : {&ink.red, &ink.green, &ink.blue, &ink.alpha}) *part = from.get<double>();
-  return ink;
+Color getColor(ByteReader& from) {
+  Color color;
+  for (double* part : {&color.red, &color.green, &color.blue, &color.alpha}) *part = from.get<double>();
+  return color;
 }
 
 std::string getText(ByteReader& from) { return std::string(from.getText(LONGEST_TEXT)); }
 
 }  // namespace
 
-Ink BlockerOverlayState::progressColor(Seconds uptime) const {
+Color BlockerOverlayState::progressColor(Seconds uptime) const {
   const double done = progress(uptime);
-  if (done <= 0.4) return ink::white(0.30);
-  if (done <= 0.8) return ink::white(0.50);
-  return ink::red(0.80);
+  if (done <= 0.4) return color::white(0.30);
+  if (done <= 0.8) return color::white(0.50);
+  return color::red(0.80);
 }
 
 std::string BlockerOverlayState::secondsText(Seconds uptime) const {
@@ -82,7 +82,7 @@ std::optional<BlockerOverlayState> decodedBlockerOverlay(std::string_view bytes)
     key.isModifier = from.get<bool>();
   }
   state.statusText = getText(from);
-  state.statusColor = getInk(from);
+  state.statusColor = getColor(from);
   state.allKeysHeld = from.get<bool>();
   const bool holds = from.get<bool>();
   const auto since = from.get<double>();

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "challenge/Hold.h"
-#include "overlay/Ink.h"
+#include "overlay/Color.h"
 #include "platform/Keyboard.h"
 #include "platform/PaintedView.h"
 
@@ -27,9 +27,9 @@ struct KeyIndicator {
   [[nodiscard]] double width() const { return isModifier ? 80 : 68; }
   [[nodiscard]] static constexpr double height() { return 68; }
   [[nodiscard]] double labelSize() const { return isModifier ? 13 : 28; }
-  [[nodiscard]] Ink labelColor() const { return isPressed ? ink::black(1) : ink::white(0.70); }
-  [[nodiscard]] Ink fill() const { return isPressed ? ink::white(1) : ink::white(isModifier ? 0.05 : 0.08); }
-  [[nodiscard]] Ink border() const { return ink::white(isPressed ? 0 : 0.15); }
+  [[nodiscard]] Color labelColor() const { return isPressed ? color::black(1) : color::white(0.70); }
+  [[nodiscard]] Color fill() const { return isPressed ? color::white(1) : color::white(isModifier ? 0.05 : 0.08); }
+  [[nodiscard]] Color border() const { return color::white(isPressed ? 0 : 0.15); }
   friend bool operator==(const KeyIndicator&, const KeyIndicator&) = default;
 };
 
@@ -54,7 +54,7 @@ struct BlockerOverlayState {
 
   /// The line below the keys, and its colour.
   std::string statusText;
-  Ink statusColor;
+  Color statusColor;
 
   /// While all keys are held the dial shows the seconds left and is to be redrawn on every display frame.
   bool allKeysHeld = false;
@@ -71,7 +71,7 @@ struct BlockerOverlayState {
   BlockerOverlayWords words;
 
   [[nodiscard]] double progress(Seconds uptime) const { return hold.progress(uptime); }
-  [[nodiscard]] Ink progressColor(Seconds uptime) const;
+  [[nodiscard]] Color progressColor(Seconds uptime) const;
   [[nodiscard]] std::string secondsText(Seconds uptime) const;
   /// As PaintedView::plainLines.
   [[nodiscard]] std::vector<std::string> plainLines(Seconds uptime, const CanWrite& canWrite) const;

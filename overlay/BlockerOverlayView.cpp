@@ -97,7 +97,7 @@ BlockerOverlayState BlockerOverlayView::state() const {
   state.keys = keys();
   state.showUnlockConfirm = session && session->showUnlockConfirm();
   state.statusText = statusText(state.showUnlockConfirm);
-  state.statusColor = ink::white(bypassController_->justReshuffled() ? 0.60 : 0.40);
+  state.statusColor = color::white(bypassController_->justReshuffled() ? 0.60 : 0.40);
   state.allKeysHeld = bypassController_->allKeysHeld();
   state.hold = bypassController_->hold();
   state.words = {translate("Space to reshuffle keys"), translate("Unlocked. Let go."),

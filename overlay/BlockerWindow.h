@@ -8,6 +8,7 @@
 
 #include "overlay/OverlaySession.h"
 #include "platform/Geometry.h"
+#include "platform/Screens.h"
 #include "platform/Windows.h"
 
 namespace dormel {

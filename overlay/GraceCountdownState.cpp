@@ -10,13 +10,13 @@ constexpr std::size_t LONGEST_TEXT = 256;
 }  // namespace
 
 std::string encoded(const GraceCountdownState& state) {
-  const Ink& ink = state.urgencyColor;
+  const Color& color = state.urgencyColor;
   return ByteWriter()
       .put(state.progress)
-      .put(ink.red)
-      .put(ink.green)
-      .put(ink.blue)
-      .put(ink.alpha)
+      .put(color.red)
+      .put(color.green)
+      .put(color.blue)
+      .put(color.alpha)
       .putText(state.text)
       .take();
 }
@@ -24,8 +24,9 @@ std::string encoded(const GraceCountdownState& state) {
 std::optional<GraceCountdownState> decodedGraceCountdown(std::string_view bytes) {
   ByteReader from(bytes);
   GraceCountdownState state;
-  Ink& ink = state.urgencyColor;
-  for (double* part : {&state.progress, &ink.red, &ink.green, &ink.blue, &ink.alpha}) *part = from.get<double>();
+  Color& color = state.urgencyColor;
+  for (double* part : {&state.progress, &color.red, &color.green, &color.blue, &color.alpha})
+    *part = from.get<double>();
   state.text = from.getText(LONGEST_TEXT);
   if (!from.isExact()) return {};
   return state;

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "overlay/Ink.h"
+#include "overlay/Color.h"
 
 namespace dormel {
 
@@ -13,7 +13,7 @@ struct GraceCountdownState {
   /// How much of the grace period is left, 1 down to 0.
   double progress = 0;
   /// White while there is time, orange in the last minute, red in its second half.
-  Ink urgencyColor;
+  Color urgencyColor;
   /// "4:05 remaining", "45s remaining".
   std::string text;
   friend bool operator==(const GraceCountdownState&, const GraceCountdownState&) = default;

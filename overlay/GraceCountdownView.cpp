@@ -20,7 +20,7 @@ GraceCountdownState GraceCountdownView::state() const {
   const int seconds = session ? session->graceSecondsRemaining() : 0;
   GraceCountdownState state;
   if (session && session->graceTotal() > 0) state.progress = seconds / session->graceTotal();
-  state.urgencyColor = seconds > 60 ? ink::white(0.60) : seconds > 30 ? ink::orange(1) : ink::red(1);
+  state.urgencyColor = seconds > 60 ? color::white(0.60) : seconds > 30 ? color::orange(1) : color::red(1);
   state.text = translate("%1 remaining", {seconds < 60 ? std::to_string(seconds) + "s" : graceCountdownText(seconds)});
   return state;
 }

@@ -7,8 +7,9 @@
 #include <string>
 #include <vector>
 
+#include "platform/Application.h"
+#include "platform/Registration.h"
 #include "platform/RunLoop.h"
-#include "platform/Windows.h"
 
 namespace dormel {
 

@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-#include "platform/Windows.h"
+#include "platform/Registration.h"
 
 namespace dormel {
 

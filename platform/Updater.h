@@ -6,8 +6,8 @@
 #include <memory>
 #include <string>
 
+#include "platform/Registration.h"
 #include "platform/RunLoop.h"
-#include "platform/Windows.h"
 
 namespace dormel {
 

@@ -7,10 +7,10 @@
 #include "core/Config.h"
 #include "core/DebugLog.h"
 #include "platform/Accessibility.h"
+#include "platform/Bundle.h"
 #include "platform/Defaults.h"
 #include "platform/Platform.h"
 #include "platform/Texts.h"
-#include "platform/Windows.h"
 #include "platform/Wording.h"
 
 namespace dormel {

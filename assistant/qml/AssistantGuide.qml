@@ -72,7 +72,7 @@ Item {
                 anchors.verticalCenter: parent.verticalCenter
                 anchors.verticalCenterOffset: 3
                 name: "arrow.up"
-                color: Tone.text
+                color: AppPalette.text
                 transform: Translate {
                     y: arrow.bounce
                 }
@@ -101,7 +101,7 @@ Item {
                 text: root.view.title
                 elide: Text.ElideRight
                 font: Typeface.at(13, Font.Medium)
-                color: Tone.text
+                color: AppPalette.text
             }
         }
 

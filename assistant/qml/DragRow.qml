@@ -56,7 +56,7 @@ Item {
         text: root.view.name
         elide: Text.ElideRight
         font: Typeface.at(15, Font.Normal)
-        color: Tone.text
+        color: AppPalette.text
     }
     MouseArea {
         id: pointer

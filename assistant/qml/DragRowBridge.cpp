@@ -2,8 +2,8 @@
 
 #include <utility>
 
+#include "platform/Bundle.h"
 #include "platform/Platform.h"
-#include "platform/Windows.h"
 #include "platform/Workspace.h"
 
 namespace dormel {

@@ -4,7 +4,7 @@
 #include <QPainterPath>
 #include <QPen>
 
-#include "ui/qml/Tone.h"
+#include "ui/qml/AppPalette.h"
 
 namespace dormel {
 namespace {
@@ -19,13 +19,13 @@ GuideBackdrop::GuideBackdrop(QQuickItem* parent) : QQuickPaintedItem(parent) { s
 
 void GuideBackdrop::paint(QPainter* painter) {
   const QRectF box(0, 0, width(), height());
-  QColor ground = Tone::raised();
+  QColor ground = AppPalette::raised();
   ground.setAlpha(OPACITY);
   QPainterPath shape;
   shape.addRoundedRect(box, RADIUS, RADIUS);
   painter->fillPath(shape, ground);
   const double half = HAIRLINE / 2;
-  painter->setPen(QPen(Tone::white(HAIRLINE_OPACITY), HAIRLINE));
+  painter->setPen(QPen(AppPalette::white(HAIRLINE_OPACITY), HAIRLINE));
   painter->setBrush(Qt::NoBrush);
   painter->drawRoundedRect(box.adjusted(half, half, -half, -half), RADIUS - half, RADIUS - half);
 }

@@ -3,7 +3,7 @@ import QtQuick
 import Dormel.Ui
 
 Mark {
-    color: Tone.text
+    color: AppPalette.text
     // Finer where it is large.
     stroke: width > 48 ? 1.1 : 1.6
 

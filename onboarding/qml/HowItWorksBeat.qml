@@ -115,7 +115,7 @@ OnbBeat {
                 text: root.beat.closingLine
                 textFormat: Text.PlainText
                 font: Typeface.spaced(26, Font.DemiBold, -0.4)
-                color: Tone.text
+                color: AppPalette.text
 
                 Accessible.role: Accessible.StaticText
                 Accessible.name: text

@@ -26,7 +26,7 @@ Pressable {
     OnbCapsule {
         anchors.fill: parent
         fill: Qt.rgba(1, 1, 1, root.selected ? 0.95 : root.hovering ? 0.12 : 0.06)
-        hairline: Tone.hairline
+        hairline: AppPalette.hairline
         grow: root.down ? -1 : root.hovering || root.selected ? 1 : 0
 
         Behavior on fill {
@@ -50,7 +50,7 @@ Pressable {
             text: root.label
             textFormat: Text.PlainText
             font: Typeface.at(16, Font.Medium)
-            color: root.selected ? Tone.background : Qt.rgba(1, 1, 1, root.hovering ? 0.95 : 0.8)
+            color: root.selected ? AppPalette.background : Qt.rgba(1, 1, 1, root.hovering ? 0.95 : 0.8)
         }
     }
     FocusRing {

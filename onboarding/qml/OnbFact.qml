@@ -18,7 +18,7 @@ Column {
         text: root.text
         textFormat: Text.PlainText
         font: Typeface.spaced(24, Font.Bold, -0.3)
-        color: Tone.text
+        color: AppPalette.text
 
         Accessible.ignored: true
     }
@@ -27,7 +27,7 @@ Column {
         text: root.qualifier
         textFormat: Text.PlainText
         font: Typeface.at(15, Font.Normal)
-        color: Tone.secondary
+        color: AppPalette.secondary
 
         Accessible.ignored: true
     }

@@ -15,7 +15,7 @@ Text {
     textFormat: markup !== "" ? Text.StyledText : Text.PlainText
     horizontalAlignment: Text.AlignHCenter
     font: Typeface.spaced(size, Font.Bold, -0.012 * size)
-    color: soft ? Tone.secondary : Tone.text
+    color: soft ? AppPalette.secondary : AppPalette.text
 
     Accessible.role: Accessible.Heading
     Accessible.name: plain

@@ -11,9 +11,9 @@ Rectangle {
     implicitWidth: 58
     implicitHeight: 58
     radius: 16
-    color: held ? "white" : Tone.fill
+    color: held ? "white" : AppPalette.fill
     border.width: held ? 0 : 1
-    border.color: Tone.hairline
+    border.color: AppPalette.hairline
 
     Behavior on color {
         ColorAnimation {

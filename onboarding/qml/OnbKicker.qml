@@ -5,7 +5,7 @@ import Dormel.Ui
 Text {
     textFormat: Text.PlainText
     font: Typeface.spaced(11, Font.DemiBold, 0.6)
-    color: Tone.secondary
+    color: AppPalette.secondary
 
     Accessible.role: Accessible.Heading
     Accessible.name: text

@@ -42,7 +42,7 @@ Item {
         text: root.name
         textFormat: Text.PlainText
         font: Typeface.at(16, Font.Medium)
-        color: Tone.text
+        color: AppPalette.text
     }
     PushButton {
         anchors.right: parent.right
@@ -62,7 +62,7 @@ Item {
         height: 28
         radius: 14
         visible: root.granted
-        color: Qt.rgba(Tone.green.r, Tone.green.g, Tone.green.b, 0.16)
+        color: Qt.rgba(AppPalette.green.r, AppPalette.green.g, AppPalette.green.b, 0.16)
 
         Glyph {
             anchors.centerIn: parent
@@ -70,7 +70,7 @@ Item {
             height: 14
             shape: Glyph.Check
             lineWidth: 2
-            color: Tone.green
+            color: AppPalette.green
         }
     }
 }

@@ -60,7 +60,7 @@ Pressable {
             textFormat: Text.PlainText
             font: Typeface.at(15, Font.DemiBold)
             // Dark on a capsule that has all but gone could not be read.
-            color: root.quiet ? Qt.rgba(1, 1, 1, root.hovering ? 0.95 : 0.7) : root.available ? Tone.background : "white"
+            color: root.quiet ? Qt.rgba(1, 1, 1, root.hovering ? 0.95 : 0.7) : root.available ? AppPalette.background : "white"
         }
     }
     FocusRing {

@@ -9,7 +9,7 @@ Text {
     horizontalAlignment: Text.AlignHCenter
     lineHeight: 1.3
     font: Typeface.at(17, Font.Normal)
-    color: Tone.secondary
+    color: AppPalette.secondary
 
     Accessible.role: Accessible.StaticText
     Accessible.name: text

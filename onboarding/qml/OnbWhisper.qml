@@ -5,7 +5,7 @@ import Dormel.Ui
 Text {
     textFormat: Text.PlainText
     font: Typeface.at(13, Font.Normal)
-    color: Tone.faint
+    color: AppPalette.faint
 
     Accessible.role: Accessible.StaticText
     Accessible.name: text

@@ -5,7 +5,7 @@
 #include <memory>
 
 #include "onboarding/OnboardingView.h"
-#include "onboarding/qml/BeatsOnStage.h"
+#include "onboarding/qml/VisibleScreens.h"
 #include "platform/linux/qt/ViewBridge.h"
 
 namespace dormel {
@@ -38,7 +38,7 @@ class OnboardingBridge : public ViewBridge {
 
  private:
   std::shared_ptr<OnboardingView> view_;
-  BeatsOnStage beats_;
+  VisibleScreens beats_;
   Observation observation_;
 };
 

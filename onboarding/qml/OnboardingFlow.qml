@@ -16,7 +16,7 @@ FocusScope {
 
     focus: true
 
-    Ground {}
+    WindowBackground {}
 
     Repeater {
         model: root.view.beats

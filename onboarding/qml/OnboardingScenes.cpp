@@ -3,7 +3,7 @@
 #include <memory>
 
 #include "onboarding/qml/OnboardingBridge.h"
-#include "ui/qml/Tone.h"
+#include "ui/qml/AppPalette.h"
 #include "ui/qml/UiModule.h"
 
 // Generated beside this file. Naming it keeps the registration in a statically linked program.
@@ -21,7 +21,7 @@ void registerOnboardingScenes(QmlSceneRegistry& registry) {
                 [](const std::shared_ptr<View>& view) -> std::unique_ptr<ViewBridge> {
                   return std::make_unique<OnboardingBridge>(std::static_pointer_cast<OnboardingView>(view));
                 },
-                Tone::background()});
+                AppPalette::background()});
 }
 
 }  // namespace dormel

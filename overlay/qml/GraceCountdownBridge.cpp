@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "overlay/qml/InkColor.h"
+#include "overlay/qml/QtColor.h"
 
 namespace dormel {
 

@@ -1,6 +1,6 @@
 #include "overlay/qml/KeyModel.h"
 
-#include "overlay/qml/InkColor.h"
+#include "overlay/qml/QtColor.h"
 
 namespace dormel {
 

@@ -7,8 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include "platform/Registration.h"
 #include "platform/RunLoop.h"
-#include "platform/Windows.h"
 
 namespace dormel {
 

@@ -5,7 +5,9 @@
 #include <map>
 #include <memory>
 
-#include "platform/Windows.h"
+#include "platform/Application.h"
+#include "platform/Notices.h"
+#include "platform/Registration.h"
 #include "platform/common/HandlerList.h"
 
 namespace dormel {

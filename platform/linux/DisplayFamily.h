@@ -1,9 +1,10 @@
 // What a kind of display offers of the platform's services. One family is in force in a process, chosen once from what
-// is there (DisplayChoice.h). Main thread only, but for `lastWill`.
+// is there (DisplayChoice.h). Main thread only, but for `restoreAtExit`.
 #pragma once
 
 #include "platform/Accessibility.h"
 #include "platform/Keyboard.h"
+#include "platform/Screens.h"
 #include "platform/Windows.h"
 
 namespace dormel {
@@ -30,7 +31,7 @@ class DisplayFamily {
   /// Gives back what must not be left behind by a process that ends without coming back to the main loop; to be
   /// called right before it exits. `comesBack`: it will be started again, and what it covers may stay covered. Takes
   /// half a second at most, whatever the display does. Any thread.
-  virtual void lastWill(bool comesBack) = 0;
+  virtual void restoreAtExit(bool comesBack) = 0;
 };
 
 }  // namespace dormel

@@ -106,8 +106,8 @@ WindowList& DisplayInForce::windowList() {
   return *noNeighbours_;
 }
 
-void DisplayInForce::lastWill(bool comesBack) {
-  family().lastWill(comesBack);
+void DisplayInForce::restoreAtExit(bool comesBack) {
+  family().restoreAtExit(comesBack);
   const auto mark = wayland::readMark(lockMark_);
   if (!mark || wayland::isAlive(mark->owner)) return;
   // A compositor that does not answer must not keep the process from ending.

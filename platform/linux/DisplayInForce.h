@@ -1,5 +1,5 @@
 // The display of this process: the family that was chosen from what is there, and its services. Main thread only, but
-// for `lastWill`.
+// for `restoreAtExit`.
 #pragma once
 
 #include <functional>
@@ -48,7 +48,7 @@ class DisplayInForce {
 
   /// Gives back what must not be left behind, a session lock that one of us left behind included. Takes three seconds
   /// at most. Any thread.
-  void lastWill(bool comesBack);
+  void restoreAtExit(bool comesBack);
 
  private:
   /// Where nobody tells what other programs show: nothing is known of them.

@@ -16,9 +16,9 @@
 #include "platform/linux/SessionWorkspace.h"
 #include "platform/linux/freedesktop/AutostartLoginItems.h"
 #include "platform/linux/freedesktop/CreatedFolders.h"
+#include "platform/linux/freedesktop/InstanceLockFiles.h"
 #include "platform/linux/freedesktop/Logind.h"
 #include "platform/linux/freedesktop/Opener.h"
-#include "platform/linux/freedesktop/SeatFiles.h"
 #include "platform/linux/freedesktop/SettingsPages.h"
 #include "platform/linux/freedesktop/ShellOverview.h"
 #include "platform/linux/gnome/ExtensionSwitch.h"
@@ -81,7 +81,7 @@ struct LinuxServices::Parts {
   explicit Parts(LaunchKind kind)
       : kind(kind),
         files(freedesktop::noteCreatedFolder),
-        process(queues, freedesktop::seatFiles(),
+        process(queues, freedesktop::instanceLockFiles(),
                 [this](int fd, std::function<bool()> action) { watchReadable(fd, std::move(action)); }),
         texts(bundle.path() + "/Contents/Resources/texts", output),
         children(bundle.tools()),
@@ -109,7 +109,7 @@ struct LinuxServices::Parts {
         return isSettings ? SYSTEM_SETTINGS : className;
       });
     }
-    process.beforeExit([this](const Process::ExitStatus& status) { display.lastWill(status() != 0); });
+    process.beforeExit([this](const Process::ExitStatus& status) { display.restoreAtExit(status() != 0); });
     display.family().setOnScreensChanged([this] { notices.post(Notice::screenParametersChanged); });
     display.family().setOnLost([this] {
       output.print("The display is gone. Exiting, to be started again.");

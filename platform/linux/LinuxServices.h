@@ -3,6 +3,7 @@
 
 #include <memory>
 
+#include "platform/Application.h"
 #include "platform/Platform.h"
 #include "platform/Windows.h"
 #include "platform/common/Canvas.h"

@@ -6,13 +6,13 @@
 #include "platform/linux/LinuxServices.h"
 #include "platform/linux/posix/StandardDescriptors.h"
 #include "platform/linux/qt/EventLoopCarrier.h"
-#include "platform/linux/qt/QmlStage.h"
 #include "platform/linux/qt/QtAlerts.h"
 #include "platform/linux/qt/QtDragging.h"
 #include "platform/linux/qt/QtGuideWindows.h"
 #include "platform/linux/qt/QtMainMenu.h"
 #include "platform/linux/qt/QtMainWindows.h"
 #include "platform/linux/qt/SceneGraph.h"
+#include "platform/linux/qt/SceneLoader.h"
 #include "platform/linux/qt/TextsTranslator.h"
 #include "platform/linux/qt/Toolkit.h"
 
@@ -45,7 +45,7 @@ OtherApplications otherApplications(x11::X11Platform* x11) {
 struct WindowPlatform::Parts {
   explicit Parts(QmlSceneRegistry scenes)
       : icon(scenes.icon()),
-        stage(std::make_shared<QmlStage>(std::move(scenes), sceneRenderer())),
+        stage(std::make_shared<SceneLoader>(std::move(scenes), sceneRenderer())),
         common(LaunchKind::windows),
         carrier(common.loop()),
         windows(std::make_shared<WindowGroup>(stage, windowHelp(common.x11()))),
@@ -61,7 +61,7 @@ struct WindowPlatform::Parts {
   Toolkit toolkit;
   TextsTranslator translator;
   QIcon icon;
-  std::shared_ptr<QmlStage> stage;
+  std::shared_ptr<SceneLoader> stage;
   LinuxServices common;
   qt::EventLoopCarrier carrier;
   std::shared_ptr<WindowGroup> windows;

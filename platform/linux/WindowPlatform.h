@@ -4,8 +4,8 @@
 
 #include <memory>
 
+#include "platform/Application.h"
 #include "platform/Platform.h"
-#include "platform/Windows.h"
 #include "platform/linux/qt/QmlSceneRegistry.h"
 
 namespace dormel {

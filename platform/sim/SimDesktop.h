@@ -7,8 +7,9 @@
 #include <utility>
 
 #include "platform/Accessibility.h"
+#include "platform/Application.h"
+#include "platform/Bundle.h"
 #include "platform/Process.h"
-#include "platform/Windows.h"
 #include "platform/sim/SimJournal.h"
 #include "platform/sim/SimTimeline.h"
 

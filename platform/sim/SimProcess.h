@@ -19,7 +19,7 @@ class SimProcess : public Process {
   /// Unwinds to the machine, which lets the serial queues run dry and then runs nothing of this process any more.
   using Process::exit;
   [[noreturn]] void exit(const ExitStatus& status) override {
-    if (lastWill_) lastWill_();
+    if (restoreAtExit_) restoreAtExit_();
     timeline_.exit(status);
   }
   void endWithin(std::optional<Seconds> uptime) override;
@@ -35,7 +35,7 @@ class SimProcess : public Process {
   /// The signal that no process survives.
   void kill();
   /// What the process still does when it ends by itself.
-  void setLastWill(Task lastWill) { lastWill_ = std::move(lastWill); }
+  void setLastWill(Task restoreAtExit) { restoreAtExit_ = std::move(restoreAtExit); }
   /// Another process has the seat of the scheduled run.
   void setSeatTaken(bool taken) { seatTaken_ = taken; }
   /// Another process has the seat of the opened program.
@@ -48,7 +48,7 @@ class SimProcess : public Process {
   SimTimeline& timeline_;
   SimJournal& journal_;
   std::uint64_t lastResort_ = 0;
-  Task lastWill_;
+  Task restoreAtExit_;
   Task terminationHandler_;
   Task onReopen_;
   bool seatTaken_ = false;

@@ -4,7 +4,9 @@
 
 #include <vector>
 
-#include "platform/Windows.h"
+#include "platform/Notices.h"
+#include "platform/Registration.h"
+#include "platform/Screens.h"
 #include "platform/common/CoordinateSpace.h"
 #include "platform/sim/SimJournal.h"
 #include "platform/sim/SimTimeline.h"

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/Registration.h"
 #include "platform/Windows.h"
 #include "platform/common/Canvas.h"
 #include "platform/sim/SimJournal.h"

@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <array>
 
-#include "ui/qml/Tone.h"
+#include "ui/qml/AppPalette.h"
 
 namespace dormel {
 namespace {
@@ -68,12 +68,12 @@ void CardBackdrop::paint(QPainter* painter) {
   const QRectF box(0, 0, width(), height());
   const QPainterPath shape = card(box, radius_);
   painter->fillPath(shape, MATERIAL);
-  QColor background = Tone::background();
+  QColor background = AppPalette::background();
   background.setAlphaF(BACKGROUND_OPACITY);
   painter->fillPath(shape, background);
   QLinearGradient light(box.topLeft(), box.bottomLeft());
-  light.setColorAt(0, Tone::white(LIGHT_ABOVE));
-  light.setColorAt(1, Tone::white(LIGHT_BELOW));
+  light.setColorAt(0, AppPalette::white(LIGHT_ABOVE));
+  light.setColorAt(1, AppPalette::white(LIGHT_BELOW));
   painter->strokePath(card(box.adjusted(0.5, 0.5, -0.5, -0.5), radius_ - 0.5), QPen(light, 1));
 }
 

@@ -15,7 +15,7 @@ Item {
         anchors.verticalCenter: parent.verticalCenter
         text: root.title
         font: Typeface.at(15, Font.Medium)
-        color: Tone.text
+        color: AppPalette.text
     }
     Item {
         id: control

@@ -6,7 +6,7 @@ Text {
     width: parent.width
     wrapMode: Text.Wrap
     font: Typeface.at(12, Font.Medium)
-    color: Tone.warm
+    color: AppPalette.warm
     opacity: visible ? 0.9 : 0
 
     Accessible.role: Accessible.StaticText

@@ -6,7 +6,7 @@ Text {
     width: parent.width
     wrapMode: Text.Wrap
     font: Typeface.at(13, Font.Normal)
-    color: Tone.secondary
+    color: AppPalette.secondary
 
     Accessible.role: Accessible.StaticText
     Accessible.name: text

@@ -55,7 +55,7 @@ Item {
             x: root.gridX + root.view.monthColumns[index] * root.pitch
             text: modelData
             font: Typeface.at(11, Font.Medium)
-            color: Tone.faint
+            color: AppPalette.faint
 
             Accessible.ignored: true
         }
@@ -72,7 +72,7 @@ Item {
             verticalAlignment: Text.AlignVCenter
             text: modelData
             font: Typeface.at(11, Font.Medium)
-            color: Tone.faint
+            color: AppPalette.faint
 
             Accessible.ignored: true
         }

@@ -19,7 +19,7 @@ FocusScope {
     Keys.onPressed: event => grid.step(event)
     Keys.onEscapePressed: Window.window.close()
 
-    Ground {}
+    WindowBackground {}
 
     Column {
         x: 24
@@ -30,7 +30,7 @@ FocusScope {
             x: 4
             text: qsTr("Your nights")
             font: Typeface.at(20, Font.DemiBold)
-            color: Tone.text
+            color: AppPalette.text
 
             Accessible.role: Accessible.Heading
             Accessible.name: text
@@ -61,13 +61,13 @@ FocusScope {
                     Text {
                         text: figure.modelData
                         font: Typeface.at(40, Font.ExtraLight)
-                        color: Tone.text
+                        color: AppPalette.text
                     }
                     Text {
                         text: figure.text
                         lineHeight: 1.15
                         font: Typeface.at(12, Font.Normal)
-                        color: Tone.secondary
+                        color: AppPalette.secondary
                     }
                 }
             }
@@ -105,7 +105,7 @@ FocusScope {
             wrapMode: Text.Wrap
             lineHeight: 1.2
             font: Typeface.at(13, Font.Normal)
-            color: Tone.text
+            color: AppPalette.text
             elide: Text.ElideRight
 
             Accessible.ignored: true
@@ -149,7 +149,7 @@ FocusScope {
                     Text {
                         text: parent.modelData.text
                         font: Typeface.at(12, Font.Normal)
-                        color: Tone.secondary
+                        color: AppPalette.secondary
                     }
                 }
             }
@@ -163,7 +163,7 @@ FocusScope {
             width: parent.width - 2 * x
             text: root.view.note
             font: Typeface.at(12, Font.Normal)
-            color: Tone.secondary
+            color: AppPalette.secondary
 
             Accessible.role: Accessible.StaticText
             Accessible.name: text

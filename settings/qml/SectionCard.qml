@@ -18,7 +18,7 @@ Item {
         x: 4
         text: root.title
         font: Typeface.at(12, Font.Medium)
-        color: Tone.faint
+        color: AppPalette.faint
     }
     Rectangle {
         id: ground

@@ -5,7 +5,7 @@
 #include "settings/qml/AccessibilityCardBridge.h"
 #include "settings/qml/NightsBridge.h"
 #include "settings/qml/SettingsBridge.h"
-#include "ui/qml/Tone.h"
+#include "ui/qml/AppPalette.h"
 #include "ui/qml/UiModule.h"
 
 // Generated beside this file. Naming it keeps the registration in a statically linked program.
@@ -30,8 +30,8 @@ void registerSettingsScenes(QmlSceneRegistry& registry) {
   registry.prepareWith(loadUiModule);
   registry.add(ViewKind::accessibilityCard,
                scene<AccessibilityCardBridge, PaintedView>("AccessibilityCard", Qt::transparent));
-  registry.add(ViewKind::nights, scene<NightsBridge, NightsView>("NightsWindow", Tone::background()));
-  registry.add(ViewKind::settings, scene<SettingsBridge, SettingsView>("SettingsWindow", Tone::background()));
+  registry.add(ViewKind::nights, scene<NightsBridge, NightsView>("NightsWindow", AppPalette::background()));
+  registry.add(ViewKind::settings, scene<SettingsBridge, SettingsView>("SettingsWindow", AppPalette::background()));
 }
 
 }  // namespace dormel

@@ -14,7 +14,7 @@ Item {
     Accessible.role: Accessible.Pane
     Accessible.name: "Dormel"
 
-    Ground {}
+    WindowBackground {}
 
     ScrollArea {
         id: scroll
@@ -72,7 +72,7 @@ Item {
                 StateRow {
                     title: root.view.statusTitle
                     text: root.view.statusText
-                    dot: root.view.lockEnabled ? Tone.green : Tone.warm
+                    dot: root.view.lockEnabled ? AppPalette.green : AppPalette.warm
 
                     ToggleSwitch {
                         name: "Dormel"
@@ -148,7 +148,7 @@ Item {
                 StateRow {
                     title: root.view.permissionName
                     text: root.view.permissionText
-                    dot: root.view.trusted ? Tone.green : Tone.warm
+                    dot: root.view.trusted ? AppPalette.green : AppPalette.warm
                 }
                 PushButton {
                     id: openSettings
@@ -218,7 +218,7 @@ Item {
                         Text {
                             text: "Dormel " + root.view.versionText
                             font: Typeface.at(15, Font.Medium)
-                            color: Tone.text
+                            color: AppPalette.text
 
                             Accessible.role: Accessible.StaticText
                             Accessible.name: text
@@ -275,7 +275,7 @@ Item {
         covering: 0.1
     }
 
-    component Fade: Ground {
+    component Fade: WindowBackground {
         id: fade
 
         // How far from the edge it hides what is below.
@@ -287,15 +287,15 @@ Item {
         gradient: Gradient {
             GradientStop {
                 position: 0
-                color: Tone.background
+                color: AppPalette.background
             }
             GradientStop {
                 position: fade.covering
-                color: Qt.alpha(Tone.background, 0.98)
+                color: Qt.alpha(AppPalette.background, 0.98)
             }
             GradientStop {
                 position: 1
-                color: Qt.alpha(Tone.background, 0)
+                color: Qt.alpha(AppPalette.background, 0)
             }
         }
     }

@@ -43,7 +43,7 @@ Item {
             width: parent.width
             text: root.title
             font: Typeface.at(15, Font.Medium)
-            color: Tone.text
+            color: AppPalette.text
             elide: Text.ElideRight
         }
         Text {
@@ -51,7 +51,7 @@ Item {
             text: root.text
             wrapMode: Text.Wrap
             font: Typeface.at(13, Font.Normal)
-            color: Tone.secondary
+            color: AppPalette.secondary
         }
     }
     Item {

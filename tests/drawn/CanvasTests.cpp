@@ -80,7 +80,8 @@ TEST(FallbackTest, ADriverThatStopsAnsweringLeavesTheKeysReadable) {
   DrawnNight night;
   QmlSceneRegistry registry;
   registerOverlayScenes(registry);
-  QmlCanvasFactory factory(std::make_shared<QmlStage>(std::move(registry), [] { return std::make_unique<Failing>(); }));
+  QmlCanvasFactory factory(
+      std::make_shared<SceneLoader>(std::move(registry), [] { return std::make_unique<Failing>(); }));
   DrawnView drawn(factory, night.view(), 1);
   drawn.picture();
   EXPECT_TRUE(night.machine.output.errors().empty());

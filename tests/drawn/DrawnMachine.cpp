@@ -67,7 +67,7 @@ const QImage& DrawnView::picture() {
 
 DrawnMachine::DrawnMachine(std::uint64_t seed)
     : machine({.seed = seed, .start = "2026-11-16 12:00:00", .processRuns = true}),
-      stage(std::make_shared<QmlStage>(allScenes())),
+      stage(std::make_shared<SceneLoader>(allScenes())),
       factory(stage) {
   QCoreApplication::installTranslator(&translator_);
   machine.bundle.setPath(DORMEL_BUNDLE);

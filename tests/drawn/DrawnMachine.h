@@ -12,7 +12,7 @@
 
 #include "platform/linux/qt/QmlCanvas.h"
 #include "platform/linux/qt/QmlCanvasFactory.h"
-#include "platform/linux/qt/QmlStage.h"
+#include "platform/linux/qt/SceneLoader.h"
 #include "platform/linux/qt/TextsTranslator.h"
 #include "platform/sim/SimMachine.h"
 
@@ -77,7 +77,7 @@ class DrawnMachine {
   void store(const char* key, PropertyListValue value) { machine.defaults.writeFromOutside(key, std::move(value)); }
 
   SimMachine machine;
-  std::shared_ptr<QmlStage> stage;
+  std::shared_ptr<SceneLoader> stage;
   QmlCanvasFactory factory;
 
  private:

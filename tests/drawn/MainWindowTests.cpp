@@ -104,7 +104,7 @@ TEST_F(MainWindowTest, EditingCommandsGoToTheFocusedControl) {
   QmlSceneRegistry registry;
   registry.add(ViewKind::settings,
                {QUrl::fromLocalFile(source.fileName()), [](const auto&) { return std::make_unique<ViewBridge>(); }});
-  DesktopWindow editor(std::make_shared<WindowGroup>(std::make_shared<QmlStage>(std::move(registry)), WindowHelp{}),
+  DesktopWindow editor(std::make_shared<WindowGroup>(std::make_shared<SceneLoader>(std::move(registry)), WindowHelp{}),
                        SettingsView::create(windows.machine.updater, {}), Qt::Window);
   editor.fixSize();
   editor.bringToFront();

@@ -1,7 +1,7 @@
 // What a server says about updates, and what the helper says about what the server said.
 #include "platform/linux/updates/Address.h"
 #include "platform/linux/updates/Feed.h"
-#include "platform/linux/updates/Verdict.h"
+#include "platform/linux/updates/UpdateResult.h"
 #include "tests/fuzz/FuzzInput.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -10,16 +10,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string_view text = dormel::fuzz::text(data, size);
   if (const auto offers = parseFeed(text)) {
     require(offers->size() <= MOST_OFFERS, "not too many offers");
-    for (const Offer& offer : *offers) {
+    for (const FeedEntry& offer : *offers) {
       require(isAllowedAddress(offer.address), "its address is allowed");
       require(offer.length > 0 && offer.length <= LARGEST_ARCHIVE, "its length is in bounds");
       require(offer.build <= newest(*offers)->build, "the newest is the newest");
-      const auto again = parseOffer(write(offer));
+      const auto again = parseEntry(write(offer));
       require(again && write(*again) == write(offer), "what is kept can be read");
     }
   }
-  if (const auto verdict = parseVerdict(text)) {
-    require(parseVerdict(write(*verdict)) == verdict, "a verdict goes through its line");
+  if (const auto verdict = parseResult(text)) {
+    require(parseResult(write(*verdict)) == verdict, "a verdict goes through its line");
     require(sentence(*verdict, "1.0").find('%') == std::string::npos, "a sentence is whole");
   }
   if (isAllowedAddress(text) && text.starts_with("http://")) {

@@ -252,9 +252,9 @@ TEST_F(GnomeFamily, TheLastWillLeavesALockToTheNextRunOnly) {
   connect();
   lock(0);
   EXPECT_TRUE(until([&] { return isCovered(); }));
-  std::thread([&] { family_->lastWill(true); }).join();
+  std::thread([&] { family_->restoreAtExit(true); }).join();
   EXPECT_FALSE(until([&] { return extension_->count("release") > 0; }, 100ms));
-  std::thread([&] { family_->lastWill(false); }).join();
+  std::thread([&] { family_->restoreAtExit(false); }).join();
   EXPECT_TRUE(until([&] { return extension_->count("release") == 1; }));
 }
 

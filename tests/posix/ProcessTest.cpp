@@ -1,4 +1,4 @@
-// Queues, seats and the end of the process.
+// Queues, paths and the end of the process.
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -71,11 +71,11 @@ TEST(PosixQueues, ATimerMayEndItselfFromItsOwnTick) {
 TEST(PosixProcess, ExitWaitsForTheRecordsButNotForEver) {
   const TemporaryHome home;
   const std::string path = home.path() + "/record";
-  const posix::Seats seats{home.path() + "/session", home.path() + "/window"};
+  const posix::InstanceLockPaths paths{home.path() + "/session", home.path() + "/window"};
   const auto noWatch = [](int, const std::function<bool()>&) {};
   EXPECT_EQ(statusOf([&] {
               posix::PosixQueues queues;
-              posix::PosixProcess process(queues, seats, noWatch);
+              posix::PosixProcess process(queues, paths, noWatch);
               const auto queue = queues.makeSerial("com.example.records");
               queue->async([&] {
                 ::usleep(50'000);
@@ -94,11 +94,11 @@ TEST(PosixProcess, ExitWaitsForTheRecordsButNotForEver) {
 
 TEST(PosixProcess, TheLastResortEndsAStoppedProcessUnlessItIsTakenBack) {
   const TemporaryHome home;
-  const posix::Seats seats{home.path() + "/session", home.path() + "/window"};
+  const posix::InstanceLockPaths paths{home.path() + "/session", home.path() + "/window"};
   const auto ends = [&](std::optional<Seconds> last) {
     return statusOf([&] {
       posix::PosixQueues queues;
-      posix::PosixProcess process(queues, seats, [](int, const std::function<bool()>&) {});
+      posix::PosixProcess process(queues, paths, [](int, const std::function<bool()>&) {});
       process.endWithin(0.05);
       process.endWithin(last);
       if (last) ::raise(SIGSTOP);
@@ -114,12 +114,12 @@ TEST(PosixProcess, OneSessionAtATime) {
   const TemporaryHome home;
   posix::PosixQueues queues;
   const auto noWatch = [](int, const std::function<bool()>&) {};
-  const posix::Seats seats{home.path() + "/session", home.path() + "/window"};
+  const posix::InstanceLockPaths paths{home.path() + "/session", home.path() + "/window"};
   const auto claimed = [&] {
-    return statusOf([&] { return posix::PosixProcess(queues, seats, noWatch).claimSession(); });
+    return statusOf([&] { return posix::PosixProcess(queues, paths, noWatch).claimSession(); });
   };
   {
-    posix::PosixProcess process(queues, seats, noWatch);
+    posix::PosixProcess process(queues, paths, noWatch);
     EXPECT_TRUE(process.claimSession());
     EXPECT_EQ(claimed(), 0);
   }
@@ -129,19 +129,19 @@ TEST(PosixProcess, OneSessionAtATime) {
 TEST(PosixProcess, TheSecondWindowTellsTheFirst) {
   const TemporaryHome home;
   posix::PosixQueues queues;
-  const posix::Seats seats{home.path() + "/session", home.path() + "/window"};
+  const posix::InstanceLockPaths paths{home.path() + "/session", home.path() + "/window"};
   std::function<bool()> onReadable;
   const auto watch = [&](int, std::function<bool()> action) { onReadable = std::move(action); };
   int reopened = 0;
   const auto another = [&] {
-    return statusOf([&] { return posix::PosixProcess(queues, seats, watch).claimWindow([] {}); });
+    return statusOf([&] { return posix::PosixProcess(queues, paths, watch).claimWindow([] {}); });
   };
   const auto claim = [&](posix::PosixProcess& process) { return process.claimWindow([&] { ++reopened; }); };
 
   // Something else stands in the place: it is nobody's seat.
-  put(seats.window, "left behind");
+  put(paths.window, "left behind");
   {
-    posix::PosixProcess first(queues, seats, watch);
+    posix::PosixProcess first(queues, paths, watch);
     EXPECT_TRUE(claim(first));
     EXPECT_TRUE(onReadable());
     EXPECT_EQ(reopened, 0) << "nobody called";
@@ -154,11 +154,11 @@ TEST(PosixProcess, TheSecondWindowTellsTheFirst) {
     EXPECT_TRUE(onReadable());
     EXPECT_TRUE(onReadable());
     EXPECT_EQ(reopened, 2);
-    std::filesystem::remove(seats.window);
+    std::filesystem::remove(paths.window);
     EXPECT_EQ(another(), 1) << "a deleted seat can be had anew";
   }
   EXPECT_EQ(another(), 1) << "free again with its holder gone, though its file is still there";
-  const posix::Seats nowhere{"/nowhere/session", "/nowhere/window"};
+  const posix::InstanceLockPaths nowhere{"/nowhere/session", "/nowhere/window"};
   EXPECT_TRUE(posix::PosixProcess(queues, nowhere, watch).claimWindow([] {}));
 }
 

@@ -35,7 +35,7 @@ class OverlayTest : public testing::Test {
 
 TEST_F(OverlayTest, StatusTellsWhatHappens) {
   EXPECT_EQ(view->state().statusText, "Good night. Time to sleep.");
-  EXPECT_EQ(view->state().statusColor, ink::white(0.40));
+  EXPECT_EQ(view->state().statusColor, color::white(0.40));
   hold();
   EXPECT_EQ(view->state().statusText, "Keep holding...");
   session->controller->handleKeyUp(session->controller->requiredKeys()[4].keyCode);
@@ -44,7 +44,7 @@ TEST_F(OverlayTest, StatusTellsWhatHappens) {
   EXPECT_EQ(view->state().statusText, "");
   session->controller->handleKeyDown(49);
   EXPECT_EQ(view->state().statusText, "Keys reshuffled");
-  EXPECT_EQ(view->state().statusColor, ink::white(0.60));
+  EXPECT_EQ(view->state().statusColor, color::white(0.60));
   machine.advance(1.5);
   EXPECT_EQ(view->state().statusText, "");
 }

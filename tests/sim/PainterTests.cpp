@@ -65,7 +65,7 @@ TEST(PaintedStates, ArriveAsTheyWereSent) {
   overlay.appearDuration = 2.5;
   overlay.keys = {{"Ω", "", "A", 3, true, false}, {"L.Option", "Alt", "L.Option", 58, false, true}};
   overlay.statusText = "Keep holding...";
-  overlay.statusColor = ink::red(0.4);
+  overlay.statusColor = color::red(0.4);
   overlay.allKeysHeld = true;
   overlay.hold = {12.5, 30};
   overlay.clock = "11:05";
@@ -75,7 +75,7 @@ TEST(PaintedStates, ArriveAsTheyWereSent) {
   overlay.words = {"hint", "unlocked", "hold", "keep"};
   EXPECT_EQ(decodedBlockerOverlay(encoded(overlay)), overlay);
   EXPECT_FALSE(decodedBlockerOverlay(encoded(overlay).substr(1)));
-  const GraceCountdownState grace{0.25, ink::orange(1), "45s remaining"};
+  const GraceCountdownState grace{0.25, color::orange(1), "45s remaining"};
   EXPECT_EQ(decodedGraceCountdown(encoded(grace)), grace);
   EXPECT_FALSE(decodedGraceCountdown(encoded(grace) + " "));
   const AccessibilityCardState card{true, {"title", "text", "hint", "button", "footer"}};

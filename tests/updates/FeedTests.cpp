@@ -8,7 +8,7 @@
 #include "platform/linux/updates/BundleExchange.h"
 #include "platform/linux/updates/Feed.h"
 #include "platform/linux/updates/Signature.h"
-#include "platform/linux/updates/Verdict.h"
+#include "platform/linux/updates/UpdateResult.h"
 #include "tests/posix/TemporaryHome.h"
 
 namespace dormel::updates {
@@ -63,12 +63,12 @@ std::string entry(const std::string& key = "", const std::string& value = "") {
 
 TEST(Updates, FeedIsReadWholeOrNotAtAll) {
   const auto feed = [](const std::string& entries) { return R"({"format": 1, "updates": [)" + entries + "]}"; };
-  const auto offers = parseFeed(feed(entry() + "," + entry("build", R"("15.1")") + "," + entry("build", R"("9")")));
-  ASSERT_TRUE(offers);
-  EXPECT_EQ(newest(*offers)->build.text(), "15.1");
-  const Offer& offer = offers->front();
-  EXPECT_EQ(write(*parseOffer(write(offer))), write(offer));
-  EXPECT_EQ(offer.length, 5U);
+  const auto entries = parseFeed(feed(entry() + "," + entry("build", R"("15.1")") + "," + entry("build", R"("9")")));
+  ASSERT_TRUE(entries);
+  EXPECT_EQ(newest(*entries)->build.text(), "15.1");
+  const FeedEntry& entry = entries->front();
+  EXPECT_EQ(write(*parseEntry(write(entry))), write(entry));
+  EXPECT_EQ(entry.length, 5U);
   ASSERT_TRUE(parseFeed(feed("")));
   EXPECT_EQ(newest(*parseFeed(feed(""))), nullptr);
   EXPECT_TRUE(parseFeed(R"({"later": [{}], "format": 1, "updates": []})"));
@@ -222,12 +222,12 @@ TEST(Updates, ExchangesBundlesAndRepairsHalfAnExchange) {
 }
 
 TEST(Updates, VerdictsGoThroughTheirLine) {
-  for (int kind = 0; kind <= static_cast<int>(Verdict::Kind::broken); ++kind) {
-    const Verdict verdict{static_cast<Verdict::Kind>(kind), "1.1"};
-    EXPECT_EQ(parseVerdict(write(verdict)), verdict);
-    EXPECT_EQ(sentence(verdict, "1.0").find('%'), std::string::npos);
+  for (int kind = 0; kind <= static_cast<int>(UpdateResult::Kind::broken); ++kind) {
+    const UpdateResult result{static_cast<UpdateResult::Kind>(kind), "1.1"};
+    EXPECT_EQ(parseResult(write(result)), result);
+    EXPECT_EQ(sentence(result, "1.0").find('%'), std::string::npos);
   }
-  for (const char* line : {"", "what", "ready ", "ready <b>", "ready  1.1"}) EXPECT_FALSE(parseVerdict(line)) << line;
+  for (const char* line : {"", "what", "ready ", "ready <b>", "ready  1.1"}) EXPECT_FALSE(parseResult(line)) << line;
 }
 
 }  // namespace

@@ -8,30 +8,30 @@
 namespace dormel::updates {
 namespace {
 
-using Kind = Verdict::Kind;
+using Kind = UpdateResult::Kind;
 
 struct FakeHelper final : UpdateHelper {
-  void check(bool fetch, std::function<void(const Verdict&)> onVerdict, Task onEnd) override {
+  void check(bool fetch, std::function<void(const UpdateResult&)> onResult, Task onEnd) override {
     checks.push_back(fetch ? "fetch" : "look");
-    tell = std::move(onVerdict);
+    tell = std::move(onResult);
     end = std::move(onEnd);
   }
   void cancel() override { checks.emplace_back("cancel"); }
   [[nodiscard]] std::optional<std::string> waiting() const override { return staged; }
-  Verdict install() override { return placed; }
+  UpdateResult install() override { return placed; }
   void clear() override { checks.emplace_back("clear"); }
   /// The helper's process says this and ends.
-  void answer(const std::vector<Verdict>& verdicts) {
-    for (const Verdict& verdict : verdicts) tell(verdict);
+  void answer(const std::vector<UpdateResult>& verdicts) {
+    for (const UpdateResult& result : verdicts) tell(result);
     end();
   }
   std::vector<std::string> asked() { return std::exchange(checks, {}); }
 
   std::vector<std::string> checks;
-  std::function<void(const Verdict&)> tell;
+  std::function<void(const UpdateResult&)> tell;
   Task end;
   std::optional<std::string> staged;
-  Verdict placed{Kind::nothing};
+  UpdateResult placed{Kind::nothing};
 };
 
 class UpdaterTest : public testing::Test {
@@ -44,7 +44,7 @@ class UpdaterTest : public testing::Test {
     updater.emplace(machine.clock, machine.runLoop, machine.defaults, helper,
                     BundleUpdater::Options{enabled, 21600, 10, "1.0"});
   }
-  std::string after(const std::vector<Verdict>& verdicts) {
+  std::string after(const std::vector<UpdateResult>& verdicts) {
     helper.answer(verdicts);
     return updater->status();
   }
@@ -90,7 +90,7 @@ TEST_F(UpdaterTest, SaysWhatCameOfIt) {
   int notes = 0;
   const auto registration = updater->observe([&] { ++notes; });
   const struct {
-    std::vector<Verdict> verdicts;
+    std::vector<UpdateResult> verdicts;
     const char* status;
   } rows[] = {
       {{{Kind::current}}, "Dormel 1.0 is the newest version."},

@@ -127,7 +127,7 @@ class UpdateHelperTest(unittest.TestCase):
         self.store = os.path.join(self.applications, ".It's Dormel.app.update")
         self.before = tree(self.bundle)
 
-    def offer(self, name="new", version="1.1", build="15", key=None, archive=None):
+    def entry(self, name="new", version="1.1", build="15", key=None, archive=None):
         """Serves a feed with one archive. What the server has is what is asked for by /archive."""
         path = os.path.join(self.applications, "..", "served")
         with open(self.archives[name], "rb") as file:
@@ -160,7 +160,7 @@ class UpdateHelperTest(unittest.TestCase):
         self.assertFalse(os.path.lexists(self.store))
 
     def test_a_good_update_is_kept_and_put_in_place(self):
-        self.offer()
+        self.entry()
         self.assertEqual(self.run_helper("check"), ["available 1.1"])
         self.assert_untouched()
         self.server.answers["/feed.json"], feed = lambda r: r.go_on("/moved"), self.server.answers["/feed.json"]
@@ -172,7 +172,7 @@ class UpdateHelperTest(unittest.TestCase):
         self.server.asked.clear()
         self.assertEqual(self.check(), ["ready 1.1"])
         self.assertNotIn("/archive", self.server.asked)
-        # Its maker takes it back, and offers it again.
+        # Its maker takes it back, and entries it again.
         feed, self.server.answers["/here"] = self.server.answers["/here"], b'{"format": 1, "updates": []}'
         self.assertEqual(self.check(), ["current"])
         self.assert_untouched()
@@ -180,13 +180,13 @@ class UpdateHelperTest(unittest.TestCase):
         self.assertEqual(self.check()[-1], "ready 1.1")
         self.assertEqual(stat.S_IMODE(os.stat(self.store).st_mode), 0o700)
         # It is taken back in favour of a newer one that cannot be had, or that waits to be fetched by hand.
-        self.offer("newer", "1.2", "16")
+        self.entry("newer", "1.2", "16")
         self.server.answers["/archive"] = None
         self.assertEqual(self.check(), ["fetching 1.2", "not-fetched 1.2"])
         self.assert_untouched()
-        self.offer()
+        self.entry()
         self.check()
-        self.offer("newer", "1.2", "16")
+        self.entry("newer", "1.2", "16")
         self.assertEqual(self.check(), ["fetching 1.2", "ready 1.2"])
         self.assertEqual(self.run_helper("install"), ["installed 1.2"])
         self.assertEqual(tree(self.bundle), tree(os.path.join(self.work, "newer", "Dormel.app")))
@@ -198,25 +198,25 @@ class UpdateHelperTest(unittest.TestCase):
         flipped = good[:-100] + bytes([good[-100] ^ 1]) + good[-99:]
 
         def answer(**answers):
-            return lambda: (self.offer(), self.server.answers.update({"/" + k: v for k, v in answers.items()}))
+            return lambda: (self.entry(), self.server.answers.update({"/" + k: v for k, v in answers.items()}))
 
         def feed(value):
-            return lambda: (self.offer(), self.server.answers.update({"/feed.json": value}))
+            return lambda: (self.entry(), self.server.answers.update({"/feed.json": value}))
 
         cases = {
-            "nothing newer": (lambda: self.offer(build="14"), ["current"]),
-            "older": (lambda: self.offer("old", "0.9", "9"), ["current"]),
+            "nothing newer": (lambda: self.entry(build="14"), ["current"]),
+            "older": (lambda: self.entry("old", "0.9", "9"), ["current"]),
             "an empty feed": (feed(b'{"format": 1, "updates": []}'), ["current"]),
-            "somebody else's key": (lambda: self.offer(key=self.other), ["fetching 1.1", "not-genuine 1.1"]),
+            "somebody else's key": (lambda: self.entry(key=self.other), ["fetching 1.1", "not-genuine 1.1"]),
             "tampered with": (answer(archive=flipped), ["fetching 1.1", "not-genuine 1.1"]),
             "cut off": (answer(archive=lambda r: r.give(good[:-1], len(good))), ["fetching 1.1", "not-fetched 1.1"]),
             "shorter": (answer(archive=good[:-1]), ["fetching 1.1", "not-fetched 1.1"]),
             "longer": (answer(archive=good + b"x"), ["fetching 1.1", "not-fetched 1.1"]),
             "gone": (answer(archive=None), ["fetching 1.1", "not-fetched 1.1"]),
             "slow": (answer(archive=lambda r: r.stall(good)), ["fetching 1.1", "not-fetched 1.1"]),
-            "an old one under a new number": (lambda: self.offer("old"), ["fetching 1.1", "unsuitable 1.1"]),
-            "another program": (lambda: self.offer("other"), ["fetching 1.1", "unsuitable 1.1"]),
-            "no archive at all": (lambda: self.offer(archive=b"hello"), ["fetching 1.1", "unsuitable 1.1"]),
+            "an old one under a new number": (lambda: self.entry("old"), ["fetching 1.1", "unsuitable 1.1"]),
+            "another program": (lambda: self.entry("other"), ["fetching 1.1", "unsuitable 1.1"]),
+            "no archive at all": (lambda: self.entry(archive=b"hello"), ["fetching 1.1", "unsuitable 1.1"]),
             "feed gone": (feed(None), ["unreachable"]),
             "feed too large": (feed(b'{"format": 1, "updates": []}' + b" " * 1024 * 1024), ["unreadable"]),
             "no feed": (feed(b"<html>"), ["unreadable"]),
@@ -240,7 +240,7 @@ class UpdateHelperTest(unittest.TestCase):
         self.assertEqual(self.check(), ["unreachable"])
 
     def test_a_bundle_that_is_uninstalled_during_the_download(self):
-        data = self.offer()
+        data = self.entry()
 
         def uninstall_half_way(request):
             request.give(data[:len(data) // 2], len(data))
@@ -259,9 +259,9 @@ class UpdateHelperTest(unittest.TestCase):
         def rename(**values):
             path = os.path.join(self.store, "update.json")
             with open(path, encoding="utf-8") as file:
-                offer = json.load(file)
+                entry = json.load(file)
             with open(path, "w", encoding="utf-8") as file:
-                json.dump({**offer, **values}, file)
+                json.dump({**entry, **values}, file)
 
         cases = {"tampered with": (tamper, ["not-genuine 1.1"]),
                  "renamed": (lambda: rename(build="99"), ["unsuitable 1.1"]),
@@ -270,7 +270,7 @@ class UpdateHelperTest(unittest.TestCase):
                  "the other half": (lambda: os.remove(os.path.join(self.store, "update.json")), ["nothing"])}
         for name, (damage, verdicts) in cases.items():
             with self.subTest(name):
-                self.offer()
+                self.entry()
                 self.assertEqual(self.check()[-1], "ready 1.1", self.complaint)
                 damage()
                 self.assertEqual(self.run_helper("install"), verdicts)
@@ -280,7 +280,7 @@ class UpdateHelperTest(unittest.TestCase):
         elsewhere = tempfile.mkdtemp(dir=self.work)
         os.mkdir(os.path.join(elsewhere, "trial"))
         os.symlink(elsewhere, self.store)
-        self.offer()
+        self.entry()
         self.assertEqual(self.check()[-1], "not-kept 1.1")
         self.assertEqual(os.listdir(elsewhere), ["trial"])
         self.assert_untouched()
@@ -294,12 +294,12 @@ class UpdateHelperTest(unittest.TestCase):
         else:
             os.chmod(self.applications, 0o555)
             self.addCleanup(os.chmod, self.applications, 0o755)
-        self.offer()
+        self.entry()
         self.assertEqual(self.run_helper("check", "--fetch", prefix=prefix), ["administrator 1.1"])
         self.assert_untouched()
 
     def test_a_certificate_that_nobody_vouches_for(self):
-        self.offer()
+        self.entry()
         certificate = os.path.join(self.work, "certificate.pem")
         subprocess.run(["openssl", "req", "-x509", "-newkey", "rsa:2048", "-nodes", "-subj", "/CN=localhost", "-addext",
                         "subjectAltName=DNS:localhost", "-keyout", certificate + ".key", "-out", certificate],
@@ -316,7 +316,7 @@ class UpdateHelperTest(unittest.TestCase):
         self.assertEqual(self.server.asked, [])
 
     def test_without_a_key_nothing_is_asked(self):
-        self.offer()
+        self.entry()
         make_bundle(self.bundle + "/x", "1.0", "14")
         shutil.copy(self.bundle + "/x/Contents/Info.plist", self.bundle + "/Contents/Info.plist")
         done = subprocess.run([self.helper, "check", "--fetch"], capture_output=True, check=False, timeout=60)

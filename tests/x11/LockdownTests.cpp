@@ -18,12 +18,12 @@ class LockdownTest : public testing::Test {
  protected:
   void SetUp() override {
     server->run({"setxkbmap", "-option", "terminate:ctrl_alt_bksp,grab:break_actions"});
-    before = keyActions();
+    before = serverHotkeys();
     ASSERT_GT(waysOut(before), 20);
   }
 
   /// The actions of the core keyboard's keys and of XTEST's, as text.
-  [[nodiscard]] std::string keyActions() const {
+  [[nodiscard]] std::string serverHotkeys() const {
     std::string text;
     for (const char* device : {"3", "5"}) {
       const std::string command = "xkbcomp -a -i " + std::string(device) + " " + server->display() +
@@ -66,7 +66,7 @@ TEST_F(LockdownTest, KillsTheServersEscapeKeysAndGivesThemBackExactly) {
   bool isLost = false;
   desk.x11.setOnLost([&] { isLost = true; });
   desk.x11.setLockdown(true);
-  EXPECT_EQ(waysOut(keyActions()), 0);
+  EXPECT_EQ(waysOut(serverHotkeys()), 0);
   EXPECT_FALSE(canGrabPointer());
   {
     Witness meddler(*server);
@@ -80,12 +80,12 @@ TEST_F(LockdownTest, KillsTheServersEscapeKeysAndGivesThemBackExactly) {
 
   // A new layout brings them back, for a moment.
   server->run({"setxkbmap", "de"});
-  EXPECT_TRUE(until([&] { return waysOut(keyActions()) == 0; }));
+  EXPECT_TRUE(until([&] { return waysOut(serverHotkeys()) == 0; }));
   server->run({"setxkbmap", "us"});
-  EXPECT_TRUE(until([&] { return waysOut(keyActions()) == 0; }));
+  EXPECT_TRUE(until([&] { return waysOut(serverHotkeys()) == 0; }));
 
   desk.x11.setLockdown(false);
-  EXPECT_EQ(keyActions(), before);
+  EXPECT_EQ(serverHotkeys(), before);
   EXPECT_TRUE(canGrabPointer());
   zap();  // as ever
   EXPECT_TRUE(until([&] { return isLost; }));
@@ -112,14 +112,14 @@ TEST_F(LockdownTest, TheNextStartRepairsWhatACrashLeftAndNobodyDisturbsALivingLo
   ASSERT_EQ(read(ready[0], &mark, 1), 1);
   close(ready[0]);
   close(ready[1]);
-  EXPECT_EQ(waysOut(keyActions()), 0);
+  EXPECT_EQ(waysOut(serverHotkeys()), 0);
   { const Desk second(*server); }
-  EXPECT_EQ(waysOut(keyActions()), 0) << "the first one is still at it";
+  EXPECT_EQ(waysOut(serverHotkeys()), 0) << "the first one is still at it";
 
   locker.kill();
-  EXPECT_EQ(waysOut(keyActions()), 0) << "they do not come back by themselves";
+  EXPECT_EQ(waysOut(serverHotkeys()), 0) << "they do not come back by themselves";
   { const Desk next(*server); }
-  EXPECT_EQ(keyActions(), before);
+  EXPECT_EQ(serverHotkeys(), before);
 }
 
 TEST_F(LockdownTest, SlowKeysRestWhileItIsOnAndComeBackEvenAfterACrash) {
@@ -157,7 +157,7 @@ TEST_F(LockdownTest, SlowKeysRestWhileItIsOnAndComeBackEvenAfterACrash) {
   EXPECT_TRUE(until([&] { return on() == (SLOW | BOUNCE); }));
 
   const auto connection = server->client();
-  auto dying = std::make_unique<TypingAids>(connection, ServerFeatures::query(*connection));
+  auto dying = std::make_unique<AccessX>(connection, ServerFeatures::query(*connection));
   dying->suspend();
   connection->sync();
   EXPECT_EQ(on(), 0U);
@@ -202,7 +202,7 @@ TEST_F(LockdownTest, WhatKeysLockInTheServerIsAsBeforeWhenTheLockGoes) {
 
     tap->enable(true);
     pressAll();
-    std::thread([&] { desk.x11.lastWill(false); }).join();
+    std::thread([&] { desk.x11.restoreAtExit(false); }).join();
     EXPECT_EQ(locked(), before) << "by a process that ends";
   }
   const auto connection = server->client();
@@ -215,9 +215,9 @@ TEST_F(LockdownTest, WhatKeysLockInTheServerIsAsBeforeWhenTheLockGoes) {
 TEST_F(LockdownTest, TheLastWillNeedsNoMainThread) {
   Desk desk(*server);
   desk.x11.setLockdown(true);
-  ASSERT_EQ(waysOut(keyActions()), 0);
-  std::thread([&] { desk.x11.lastWill(false); }).join();
-  EXPECT_EQ(keyActions(), before);
+  ASSERT_EQ(waysOut(serverHotkeys()), 0);
+  std::thread([&] { desk.x11.restoreAtExit(false); }).join();
+  EXPECT_EQ(serverHotkeys(), before);
 }
 
 TEST_F(LockdownTest, TheLastWillStandsWhateverTheMainThreadIsDoing) {
@@ -229,17 +229,17 @@ TEST_F(LockdownTest, TheLastWillStandsWhateverTheMainThreadIsDoing) {
     auto windows = desk.blockers();
     desk.cover(windows, 1);
     desk.x11.setLockdown(true);
-    ASSERT_TRUE(until([&] { return waysOut(keyActions()) == 0; }));
+    ASSERT_TRUE(until([&] { return waysOut(serverHotkeys()) == 0; }));
     std::atomic<bool> isDone = false;
     std::thread end([&] {
-      desk.x11.lastWill(false);
+      desk.x11.restoreAtExit(false);
       isDone = true;
     });
     // The keymap that comes back is news to the main loop, which is used to taking the ways out of those.
     EXPECT_TRUE(until([&] { return isDone.load(); }));
     end.join();
     spin(100);
-    EXPECT_EQ(keyActions(), before);
+    EXPECT_EQ(serverHotkeys(), before);
     const auto focus =
         owned(xcb_get_input_focus_reply(document.connection(), xcb_get_input_focus(document.connection()), nullptr));
     EXPECT_EQ(focus->focus, document.window()) << "handed back";
@@ -256,7 +256,7 @@ TEST_F(LockdownTest, TheFocusGoesBackToWhoHadItBeforeTheLockThatEnds) {
   Witness second(*server);
   desk.cover(windows, 1);
   desk.x11.setLockdown(true);
-  std::thread([&] { desk.x11.lastWill(false); }).join();
+  std::thread([&] { desk.x11.restoreAtExit(false); }).join();
   const auto focus =
       owned(xcb_get_input_focus_reply(second.connection(), xcb_get_input_focus(second.connection()), nullptr));
   EXPECT_EQ(focus->focus, second.window());

@@ -29,7 +29,7 @@ TEST(Server, WithoutADisplayThereAreNoScreensAndNoTrustAndWindowsThatNobodySees)
   EXPECT_EQ(x11.windows().addLocalKeyDownMonitor([](const KeyEvent&) { return false; }), nullptr);
   x11.setLockdown(true);
   x11.setLockdown(false);
-  x11.lastWill(false);
+  x11.restoreAtExit(false);
   const auto window = x11.windows().makeWindow(blockerStyle(), {0, 0, 800, 600});
   window->makeKeyAndOrderFront();
   EXPECT_TRUE(window->isVisible());

@@ -11,7 +11,7 @@ Item {
 
     Rectangle {
         anchors.fill: parent
-        color: Tone.background
+        color: AppPalette.background
     }
 
     component Kind: Item {
@@ -27,7 +27,7 @@ Item {
             y: row.y + (row.height - height) / 2
             text: kind.name
             font: Typeface.at(11, Font.Medium)
-            color: Tone.faint
+            color: AppPalette.faint
         }
         Row {
             id: row

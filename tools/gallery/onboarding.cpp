@@ -170,7 +170,7 @@ bool drawComponents(const QDir& folder, int scale) {
   registry.add(ViewKind::aboutPanel,
                {QUrl::fromLocalFile(QStringLiteral(DORMEL_SOURCE "/tools/gallery/Components.qml")),
                 [](const auto&) { return std::make_unique<ViewBridge>(); }});
-  QmlCanvasFactory factory(std::make_shared<QmlStage>(std::move(registry)));
+  QmlCanvasFactory factory(std::make_shared<SceneLoader>(std::move(registry)));
   DrawnView drawn(factory, std::make_shared<AboutView>(), scale);
   drawn.picture();
   desk.pass(2);

@@ -14,8 +14,8 @@ FocusScope {
     Accessible.name: qsTr("About Dormel")
     Accessible.description: "Dormel " + view.versionText
 
-    Ground {
-        color: Tone.raised
+    WindowBackground {
+        color: AppPalette.raised
     }
 
     Column {
@@ -36,7 +36,7 @@ FocusScope {
             anchors.horizontalCenter: parent.horizontalCenter
             text: "Dormel"
             font: Typeface.at(20, Font.DemiBold)
-            color: Tone.text
+            color: AppPalette.text
         }
         Item {
             width: 1
@@ -46,7 +46,7 @@ FocusScope {
             anchors.horizontalCenter: parent.horizontalCenter
             text: root.view.versionText
             font: Typeface.at(13, Font.Normal)
-            color: Tone.secondary
+            color: AppPalette.secondary
         }
         Item {
             width: 1
@@ -56,7 +56,7 @@ FocusScope {
             anchors.horizontalCenter: parent.horizontalCenter
             text: qsTr("by Orvane")
             font: Typeface.at(12, Font.Normal)
-            color: Tone.faint
+            color: AppPalette.faint
         }
     }
 

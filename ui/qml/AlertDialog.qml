@@ -18,8 +18,8 @@ FocusScope {
 
     focus: true
 
-    Ground {
-        color: Tone.raised
+    WindowBackground {
+        color: AppPalette.raised
         border.width: 1
         border.color: Qt.rgba(1, 1, 1, 0.12)
     }
@@ -47,9 +47,9 @@ FocusScope {
                 width: 12
                 height: 12
                 radius: 6
-                color: Tone.warm
+                color: AppPalette.warm
                 border.width: 2
-                border.color: Tone.raised
+                border.color: AppPalette.raised
             }
             Column {
                 id: texts
@@ -63,7 +63,7 @@ FocusScope {
                     textFormat: Text.PlainText
                     wrapMode: Text.Wrap
                     font: Typeface.at(15, Font.DemiBold)
-                    color: Tone.text
+                    color: AppPalette.text
                 }
                 Text {
                     width: parent.width
@@ -73,7 +73,7 @@ FocusScope {
                     wrapMode: Text.Wrap
                     lineHeight: 1.25
                     font: Typeface.at(13, Font.Normal)
-                    color: Tone.secondary
+                    color: AppPalette.secondary
                 }
             }
         }

@@ -49,7 +49,7 @@ Pressable {
         anchors.verticalCenter: parent.verticalCenter
         text: root.options[root.current] ?? ""
         font: Typeface.at(13, Font.Medium)
-        color: Tone.text
+        color: AppPalette.text
     }
     // Up and down.
     Item {
@@ -182,7 +182,7 @@ Pressable {
                                     visible: option.index === root.current
                                     text: "✓"
                                     font: Typeface.at(12, Font.DemiBold)
-                                    color: Tone.text
+                                    color: AppPalette.text
                                 }
                                 Text {
                                     x: 30

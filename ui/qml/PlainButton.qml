@@ -25,7 +25,7 @@ Pressable {
         anchors.centerIn: parent
         text: root.text
         font: Typeface.at(12, Font.Medium)
-        color: Qt.rgba(1, 1, 1, root.down ? 0.35 : root.hovered || root.focusVisible || Tone.highContrast ? 0.85 : 0.5)
+        color: Qt.rgba(1, 1, 1, root.down ? 0.35 : root.hovered || root.focusVisible || AppPalette.highContrast ? 0.85 : 0.5)
 
         Behavior on color {
             ColorAnimation {

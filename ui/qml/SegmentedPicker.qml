@@ -21,7 +21,7 @@ OptionGroup {
     Rectangle {
         anchors.fill: parent
         radius: 10
-        color: Tone.fill
+        color: AppPalette.fill
     }
     Rectangle {
         x: 2 + root.current * width

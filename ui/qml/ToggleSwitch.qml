@@ -73,7 +73,7 @@ Pressable {
     Rectangle {
         anchors.fill: parent
         radius: height / 2
-        color: root.down ? Qt.darker(Tone.green, 1.15) : Tone.green
+        color: root.down ? Qt.darker(AppPalette.green, 1.15) : AppPalette.green
         opacity: root.shown * (root.enabled ? 1 : 0.5)
     }
     Rectangle {

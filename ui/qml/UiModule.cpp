@@ -4,9 +4,9 @@
 
 #include "ui/qml/AboutBridge.h"
 #include "ui/qml/AlertBridge.h"
+#include "ui/qml/AppPalette.h"
 #include "ui/qml/Mark.h"
 #include "ui/qml/PressableAccessible.h"
-#include "ui/qml/Tone.h"
 #include "ui/qml/Typeface.h"
 
 // Generated beside this file. Naming it keeps the registration in a statically linked program.
@@ -25,12 +25,12 @@ void registerUiScenes(QmlSceneRegistry& registry) {
                                  [](const std::shared_ptr<View>& view) -> std::unique_ptr<ViewBridge> {
                                    return std::make_unique<AlertBridge>(std::static_pointer_cast<AlertView>(view));
                                  },
-                                 Tone::raised()});
+                                 AppPalette::raised()});
   registry.add(ViewKind::aboutPanel, {QUrl(QStringLiteral("qrc:/qt/qml/Dormel/Ui/AboutPanel.qml")),
                                       [](const std::shared_ptr<View>& view) -> std::unique_ptr<ViewBridge> {
                                         return std::make_unique<AboutBridge>(std::static_pointer_cast<AboutView>(view));
                                       },
-                                      Tone::raised()});
+                                      AppPalette::raised()});
   registry.setWindowFrame(QUrl(QStringLiteral("qrc:/qt/qml/Dormel/Ui/WindowFrame.qml")));
   registry.setIcon(AppTile::icon);
 }

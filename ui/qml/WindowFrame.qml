@@ -8,10 +8,10 @@ Item {
 
     required property bool minimizable
 
-    Ground {
+    WindowBackground {
         color: "transparent"
         border.width: 1
-        border.color: Tone.hairline
+        border.color: AppPalette.hairline
     }
 
     Row {

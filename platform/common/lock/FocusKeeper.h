@@ -6,7 +6,7 @@
 #include <functional>
 
 #include "platform/RunLoop.h"
-#include "platform/common/RateBudget.h"
+#include "platform/common/RateLimiter.h"
 
 namespace dormel {
 
@@ -35,7 +35,7 @@ class FocusKeeper {
   void attempt();
 
   Hooks hooks_;
-  RateBudget budget_;
+  RateLimiter budget_;
   bool isWanted_ = false;
   bool isUnderLock_ = false;
   bool isYielding_ = false;

@@ -5,7 +5,7 @@
 #include <memory>
 #include <utility>
 
-#include "platform/Windows.h"
+#include "platform/Registration.h"
 
 namespace dormel {
 

@@ -17,9 +17,9 @@
 #include "platform/linux/freedesktop/AutostartEntry.h"
 #include "platform/linux/freedesktop/BaseDirectories.h"
 #include "platform/linux/freedesktop/CreatedFolders.h"
+#include "platform/linux/freedesktop/InstanceLockFiles.h"
 #include "platform/linux/freedesktop/MountTable.h"
 #include "platform/linux/freedesktop/Programs.h"
-#include "platform/linux/freedesktop/SeatFiles.h"
 #include "platform/linux/freedesktop/TextFile.h"
 #include "platform/linux/freedesktop/Trash.h"
 #include "platform/linux/freedesktop/Tree.h"
@@ -143,7 +143,7 @@ void DesktopWorkspace::forgetApplication() {
   ::unlink(AutostartEntry(BUNDLE_IDENTIFIER).path().c_str());
   std::error_code ignored;
   fs::remove_all(cacheHome() + "/Dormel", ignored);
-  removeSeatFiles();
+  removeInstanceLockFiles();
   // Which programs GNOME Shell's extension answers.
   ::unlink((stateHome() + "/" + BUNDLE_IDENTIFIER + ".gnome.programs").c_str());
   removeCreatedFolders();

@@ -13,8 +13,8 @@ constexpr Seconds LONGEST_PAUSE = 60;
 
 }  // namespace
 
-Logind::Logind(EventLoop& loop, std::function<void(bool)> onSleep, std::function<void(const char*)> complain)
-    : loop_(loop), onSleep_(std::move(onSleep)), complain_(std::move(complain)), pause_(FIRST_PAUSE) {
+Logind::Logind(EventLoop& loop, std::function<void(bool)> onSleep, std::function<void(const char*)> report)
+    : loop_(loop), onSleep_(std::move(onSleep)), report_(std::move(report)), pause_(FIRST_PAUSE) {
   connect();
 }
 
@@ -40,8 +40,8 @@ void Logind::connect() {
 
 void Logind::tryAgain() {
   bus_.reset();
-  if (const auto complain = std::exchange(complain_, {})) {
-    complain("Dormel: no system bus; sleep and waking will go unnoticed until the next check of the hours");
+  if (const auto report = std::exchange(report_, {})) {
+    report("Dormel: no system bus; sleep and waking will go unnoticed until the next check of the hours");
   }
   retry_ = Timer::once(loop_, pause_, [this] { connect(); });
   pause_ = std::min(2 * pause_, LONGEST_PAUSE);

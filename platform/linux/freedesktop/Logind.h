@@ -8,12 +8,12 @@
 
 namespace dormel::freedesktop {
 
-/// Without a system bus nothing is announced, which is said once in one line by `complain`, until there is one: it is
+/// Without a system bus nothing is announced, which is said once in one line by `report`, until there is one: it is
 /// looked for again after a second, then ever more rarely, once a minute in the end.
 class Logind {
  public:
   /// `onSleep` is called with true before sleep and with false after waking. `loop` outlives this.
-  Logind(EventLoop& loop, std::function<void(bool)> onSleep, std::function<void(const char*)> complain);
+  Logind(EventLoop& loop, std::function<void(bool)> onSleep, std::function<void(const char*)> report);
   Logind(const Logind&) = delete;
   Logind& operator=(const Logind&) = delete;
   ~Logind() = default;
@@ -24,7 +24,7 @@ class Logind {
 
   EventLoop& loop_;
   std::function<void(bool)> onSleep_;
-  std::function<void(const char*)> complain_;
+  std::function<void(const char*)> report_;
   std::unique_ptr<Bus> bus_;
   Seconds pause_;
   Timer retry_;

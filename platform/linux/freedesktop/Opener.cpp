@@ -19,7 +19,7 @@ std::string currentDesktop() {
 
 bool isGnome() { return namesDesktop(currentDesktop(), "GNOME"); }
 
-bool Opener::complain(const std::string& what) const {
+bool Opener::report(const std::string& what) const {
   output_.printError("Dormel: cannot open " + what);
   return false;
 }
@@ -27,14 +27,14 @@ bool Opener::complain(const std::string& what) const {
 bool Opener::open(const std::string& pathOrAddress) const {
   if (isSettingsAddress(pathOrAddress)) {
     const auto page = settingsPageAt(pathOrAddress);
-    return page ? openSettings(*page) : complain("the settings: nothing is known of " + pathOrAddress);
+    return page ? openSettings(*page) : report("the settings: nothing is known of " + pathOrAddress);
   }
   if (isBundle(pathOrAddress)) {
-    return children_.start(bundleExecutable(pathOrAddress), {}) || complain(pathOrAddress + ": its program cannot run");
+    return children_.start(bundleExecutable(pathOrAddress), {}) || report(pathOrAddress + ": its program cannot run");
   }
   const auto tool = findProgram("xdg-open");
-  if (!tool) return complain(pathOrAddress + ": there is no xdg-open");
-  return children_.start(*tool, {pathOrAddress}) || complain(pathOrAddress);
+  if (!tool) return report(pathOrAddress + ": there is no xdg-open");
+  return children_.start(*tool, {pathOrAddress}) || report(pathOrAddress);
 }
 
 bool Opener::openSettings(SettingsPage page) const {
@@ -44,7 +44,7 @@ bool Opener::openSettings(SettingsPage page) const {
     if (program && children_.start(*program, {command.begin() + 1, command.end()})) return true;
   }
   const std::string name = desktop.empty() ? "no desktop that we know" : desktop;
-  return complain("the settings: " + name + " has no such page here");
+  return report("the settings: " + name + " has no such page here");
 }
 
 std::string Opener::autostartPage() const {

@@ -30,7 +30,7 @@ class Opener {
   [[nodiscard]] std::string autostartPage() const;
 
  private:
-  bool complain(const std::string& what) const;
+  bool report(const std::string& what) const;
 
   ChildProcesses& children_;
   StandardOutput& output_;

@@ -1,5 +1,5 @@
 // Everything of this program that goes through GNOME Shell's extension, put together for one session. Main thread only,
-// but for `lastWill`.
+// but for `restoreAtExit`.
 #pragma once
 
 #include <memory>
@@ -35,7 +35,7 @@ class GnomePlatform final : public DisplayFamily {
   [[nodiscard]] WindowServer& windows() override;
 
   void setLockdown(bool on) override { stage_->setLockdown(on); }
-  void lastWill(bool comesBack) override { stage_->lastWill(comesBack, mayBeAbandoned_); }
+  void restoreAtExit(bool comesBack) override { stage_->restoreAtExit(comesBack, mayBeAbandoned_); }
 
  private:
   struct Services;

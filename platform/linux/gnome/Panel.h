@@ -6,7 +6,7 @@
 #include <optional>
 
 #include "platform/common/Canvas.h"
-#include "platform/linux/display/Later.h"
+#include "platform/linux/display/CoalescedTimer.h"
 #include "platform/linux/gnome/FrameMemory.h"
 #include "platform/linux/gnome/Stage.h"
 
@@ -86,8 +86,8 @@ class Panel final : public Window, public std::enable_shared_from_this<Panel> {
   double laidOutScale_ = 0;
   std::optional<Drag> drag_;
   std::function<void(const KeyEvent&)> keyHandler_;
-  Later showContentLater_;
-  Later layOutLater_;
+  CoalescedTimer showContentLater_;
+  CoalescedTimer layOutLater_;
   Timer pace_;  ///< runs while it is too early for another frame
 };
 

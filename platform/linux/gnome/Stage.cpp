@@ -365,7 +365,7 @@ void Stage::deliver(const KeyEvent& event) {
   if (front != visible.rend()) (*front)->key(event);
 }
 
-void Stage::lastWill(bool comesBack, bool mayBeAbandoned) const {
+void Stage::restoreAtExit(bool comesBack, bool mayBeAbandoned) const {
   const std::lock_guard lock(linkMutex_);
   if (link_ && !(comesBack && isLockdown_) && (hasHeld_ || mayBeAbandoned)) link_->releaseNow();
 }

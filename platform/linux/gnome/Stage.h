@@ -1,5 +1,5 @@
 // What is to be seen and held on GNOME's monitors: the screens, the panels, the cover and the keys, told to the shell's
-// extension as states and told again to each new connection. Main thread only, but for `lastWill`.
+// extension as states and told again to each new connection. Main thread only, but for `restoreAtExit`.
 #pragma once
 
 #include <atomic>
@@ -9,10 +9,10 @@
 #include <optional>
 #include <vector>
 
-#include "platform/Windows.h"
+#include "platform/Screens.h"
 #include "platform/common/Canvas.h"
+#include "platform/linux/display/CoalescedTimer.h"
 #include "platform/linux/display/KeyTracker.h"
-#include "platform/linux/display/Later.h"
 #include "platform/linux/display/XkbLabels.h"
 #include "platform/linux/gnome/Link.h"
 
@@ -90,7 +90,7 @@ class Stage final : public Screens, public HardwareKeys {
 
   /// Nothing stays held, but for a lock of a process that comes back. `mayBeAbandoned`: what is held may be an earlier
   /// run's. Any thread.
-  void lastWill(bool comesBack, bool mayBeAbandoned) const;
+  void restoreAtExit(bool comesBack, bool mayBeAbandoned) const;
 
  private:
   struct Held {
@@ -118,7 +118,7 @@ class Stage final : public Screens, public HardwareKeys {
   const Clock& clock_;
   Limit limit_;
   const bool mayComeLater_;
-  mutable std::mutex linkMutex_;  ///< for `lastWill`; only the main thread changes what it guards
+  mutable std::mutex linkMutex_;  ///< for `restoreAtExit`; only the main thread changes what it guards
   std::unique_ptr<Link> link_;
   std::vector<Monitor> monitors_;
   XkbLabels labels_;
@@ -126,7 +126,7 @@ class Stage final : public Screens, public HardwareKeys {
   Held held_;
   Message said_;  ///< the hold
   bool isHolding_ = false;
-  std::atomic<bool> hasHeld_ = false;     ///< `lastWill` asks it from any thread
+  std::atomic<bool> hasHeld_ = false;     ///< `restoreAtExit` asks it from any thread
   std::atomic<bool> isLockdown_ = false;  ///< and this
   bool areKeysWanted_ = false;
   bool wasCovered_ = false;  ///< by an earlier run of ours, and that must not end before we cover
@@ -138,8 +138,8 @@ class Stage final : public Screens, public HardwareKeys {
   Task onScreensChanged_;
   Task onLost_;
   std::optional<Seconds> lostAt_;
-  Later update_;
-  Later comeBack_;
+  CoalescedTimer update_;
+  CoalescedTimer comeBack_;
   Timer look_;  ///< while something is to be held: what was refused may be had now, and the end may have moved
 };
 

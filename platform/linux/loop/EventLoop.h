@@ -13,8 +13,8 @@
 #include <thread>
 #include <vector>
 
+#include "platform/Registration.h"
 #include "platform/RunLoop.h"
-#include "platform/Windows.h"
 #include "platform/common/HandlerList.h"
 
 struct sd_event;

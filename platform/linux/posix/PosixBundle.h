@@ -4,8 +4,8 @@
 #include <map>
 #include <string>
 
+#include "platform/Bundle.h"
 #include "platform/PropertyList.h"
-#include "platform/Windows.h"
 
 namespace dormel::posix {
 

@@ -57,10 +57,10 @@ void writeLine(int fd, std::string_view text) {
 
 }  // namespace
 
-PosixProcess::PosixProcess(PosixQueues& queues, Seats seats, WatchReadable watchReadable)
+PosixProcess::PosixProcess(PosixQueues& queues, InstanceLockPaths paths, WatchReadable watchReadable)
     : queues_(queues),
-      sessionLockPath_(std::move(seats.session)),
-      windowSeat_(std::move(seats.window)),
+      sessionLockPath_(std::move(paths.session)),
+      windowSeat_(std::move(paths.window)),
       watchReadable_(std::move(watchReadable)) {
   // A log pipe whose reader went away costs a line, not the lock.
   ::signal(SIGPIPE, SIG_IGN);

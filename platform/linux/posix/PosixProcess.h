@@ -12,14 +12,14 @@
 #include "platform/Process.h"
 #include "platform/Random.h"
 #include "platform/linux/posix/FileDescriptor.h"
-#include "platform/linux/posix/WindowSeat.h"
+#include "platform/linux/posix/InstanceLock.h"
 
 namespace dormel::posix {
 
 class PosixQueues;
 
 /// The files by which the processes of one login session find out about each other.
-struct Seats {
+struct InstanceLockPaths {
   std::string session;  ///< of the scheduled run
   std::string window;   ///< of the opened program
 };
@@ -31,7 +31,7 @@ class PosixProcess final : public Process {
   /// Hands a descriptor to the main loop, which runs the action whenever it is readable until that returns false.
   using WatchReadable = std::function<void(int fd, std::function<bool()> action)>;
 
-  PosixProcess(PosixQueues& queues, Seats seats, WatchReadable watchReadable);
+  PosixProcess(PosixQueues& queues, InstanceLockPaths paths, WatchReadable watchReadable);
 
   /// Adds something to be done at every exit, on whichever thread exits; it must not depend on the main thread. It is
   /// given what will be asked for the status, which may answer otherwise by then.
@@ -54,7 +54,7 @@ class PosixProcess final : public Process {
  private:
   PosixQueues& queues_;
   std::string sessionLockPath_;
-  WindowSeat windowSeat_;
+  InstanceLock windowSeat_;
   WatchReadable watchReadable_;
   std::vector<std::function<void(const ExitStatus&)>> beforeExit_;
   std::mutex lastResortMutex_;

@@ -147,7 +147,7 @@ bool PropertyListDefaults::load(bool isLocked) const {
     isWhole_ = entries.has_value();
     stored_ = std::move(entries).value_or(PropertyListDictionary{});
   }
-  if (trouble) complain(*trouble + (isWhole_ ? "; using what it said before" : "; using the default settings"));
+  if (trouble) report(*trouble + (isWhole_ ? "; using what it said before" : "; using the default settings"));
   return !isUnreadable;
 }
 
@@ -165,7 +165,7 @@ std::optional<std::string> PropertyListDefaults::keepAside(bool isLocked) const 
   return kept ? "is damaged and was kept as " + aside : "is damaged";
 }
 
-void PropertyListDefaults::complain(const std::string& what) const {
+void PropertyListDefaults::report(const std::string& what) const {
   std::string line = "Dormel: the settings file " + path_ + " " + what;
   if (line == lastComplaint_) return;
   output_.printError(line);
@@ -174,7 +174,7 @@ void PropertyListDefaults::complain(const std::string& what) const {
 
 bool PropertyListDefaults::flush() {
   const auto cannotWrite = [this](const std::string& reason) {
-    complain("cannot be written (" + reason + "); the change holds until Dormel ends");
+    report("cannot be written (" + reason + "); the change holds until Dormel ends");
     return false;
   };
   if (const auto error = files_.createDirectories(folder_, 0700)) return cannotWrite(error->message);

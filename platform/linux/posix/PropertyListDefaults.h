@@ -61,7 +61,7 @@ class PropertyListDefaults final : public DefaultsStore {
   bool load(bool isLocked) const;
   /// Moves the damaged file away; what came of it. Nothing when another process is at it.
   [[nodiscard]] std::optional<std::string> keepAside(bool isLocked) const;
-  void complain(const std::string& what) const;
+  void report(const std::string& what) const;
   bool flush();
 
   Files& files_;

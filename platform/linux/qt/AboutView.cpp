@@ -1,8 +1,8 @@
 #include "platform/linux/qt/AboutView.h"
 
+#include "platform/Bundle.h"
 #include "platform/Platform.h"
 #include "platform/Texts.h"
-#include "platform/Windows.h"
 
 namespace dormel {
 

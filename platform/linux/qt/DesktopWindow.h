@@ -8,7 +8,7 @@
 
 #include "platform/Geometry.h"
 #include "platform/RunLoop.h"
-#include "platform/linux/qt/QmlStage.h"
+#include "platform/linux/qt/SceneLoader.h"
 #include "platform/linux/qt/WindowGroup.h"
 
 namespace dormel {

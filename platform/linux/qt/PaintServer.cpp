@@ -30,8 +30,8 @@
 #include "platform/linux/posix/PosixBundle.h"
 #include "platform/linux/posix/PosixClock.h"
 #include "platform/linux/qt/QmlCanvas.h"
-#include "platform/linux/qt/QmlStage.h"
 #include "platform/linux/qt/SceneGraph.h"
+#include "platform/linux/qt/SceneLoader.h"
 
 namespace dormel::paint {
 namespace {
@@ -168,7 +168,7 @@ class SharedFrames {
 
 class ServedCanvas {
  public:
-  ServedCanvas(std::uint32_t number, ViewKind kind, const std::shared_ptr<QmlStage>& stage, Wire& wire)
+  ServedCanvas(std::uint32_t number, ViewKind kind, const std::shared_ptr<SceneLoader>& stage, Wire& wire)
       : number_(number),
         wire_(wire),
         view_(std::make_shared<DistantView>(kind,
@@ -254,7 +254,7 @@ class PaintServer {
   PaintServer(const PaintServer&) = delete;
   PaintServer& operator=(const PaintServer&) = delete;
   ~PaintServer() = default;
-  explicit PaintServer(std::shared_ptr<QmlStage> stage)
+  explicit PaintServer(std::shared_ptr<SceneLoader> stage)
       : stage_(std::move(stage)), notifier_(PAINTER_DESCRIPTOR, QSocketNotifier::Read) {
     QObject::connect(&notifier_, &QSocketNotifier::activated, &notifier_, [this] { read(); });
   }
@@ -285,7 +285,7 @@ class PaintServer {
   }
   void carryOut(const Ping& ping) { wire_.send(Pong{ping.serial}); }
 
-  std::shared_ptr<QmlStage> stage_;
+  std::shared_ptr<SceneLoader> stage_;
   Wire wire_;
   std::map<std::uint32_t, std::unique_ptr<ServedCanvas>> canvases_;
   std::array<char, LONGEST_MESSAGE> buffer_{};
@@ -325,7 +325,7 @@ int runPainter(QmlSceneRegistry scenes) {
     std::fprintf(stderr, "%.*s\n", static_cast<int>(line.size()), line.data());
   };
   services.bundlePath = [&bundle] { return bundle.path(); };
-  PaintServer server(std::make_shared<QmlStage>(std::move(scenes), makeSoftwareRenderer, std::move(services)));
+  PaintServer server(std::make_shared<SceneLoader>(std::move(scenes), makeSoftwareRenderer, std::move(services)));
   return QGuiApplication::exec();
 }
 

@@ -19,7 +19,7 @@ Pixels pixelsOf(const QImage& image) {
 
 }  // namespace
 
-QmlCanvas::QmlCanvas(std::shared_ptr<QmlStage> stage, std::shared_ptr<View> view)
+QmlCanvas::QmlCanvas(std::shared_ptr<SceneLoader> stage, std::shared_ptr<View> view)
     : stage_(std::move(stage)), view_(std::move(view)) {
   frameTimer_.setSingleShot(true);
   frameTimer_.setTimerType(Qt::PreciseTimer);

@@ -14,13 +14,13 @@
 
 #include "platform/common/Canvas.h"
 #include "platform/linux/qt/Picture.h"
-#include "platform/linux/qt/QmlStage.h"
+#include "platform/linux/qt/SceneLoader.h"
 
 namespace dormel {
 
 class QmlCanvas : public Canvas {
  public:
-  QmlCanvas(std::shared_ptr<QmlStage> stage, std::shared_ptr<View> view);
+  QmlCanvas(std::shared_ptr<SceneLoader> stage, std::shared_ptr<View> view);
   QmlCanvas(const QmlCanvas&) = delete;
   QmlCanvas& operator=(const QmlCanvas&) = delete;
   ~QmlCanvas() override = default;
@@ -46,7 +46,7 @@ class QmlCanvas : public Canvas {
   void drawFrame();
   void report();
 
-  std::shared_ptr<QmlStage> stage_;
+  std::shared_ptr<SceneLoader> stage_;
   std::shared_ptr<View> view_;
   std::function<void(const Pixels&, const PixelRect&)> onFrame_;
   std::function<void()> onDrawn_;

@@ -3,14 +3,14 @@
 #include <utility>
 
 #include "platform/linux/qt/QmlCanvas.h"
-#include "platform/linux/qt/QmlStage.h"
+#include "platform/linux/qt/SceneLoader.h"
 
 namespace dormel {
 
 QmlCanvasFactory::QmlCanvasFactory(QmlSceneRegistry registry)
-    : QmlCanvasFactory(std::make_shared<QmlStage>(std::move(registry))) {}
+    : QmlCanvasFactory(std::make_shared<SceneLoader>(std::move(registry))) {}
 
-QmlCanvasFactory::QmlCanvasFactory(std::shared_ptr<QmlStage> stage) : stage_(std::move(stage)) {}
+QmlCanvasFactory::QmlCanvasFactory(std::shared_ptr<SceneLoader> stage) : stage_(std::move(stage)) {}
 
 QmlCanvasFactory::~QmlCanvasFactory() = default;
 

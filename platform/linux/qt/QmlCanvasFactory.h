@@ -11,14 +11,14 @@
 namespace dormel {
 
 /// What all canvases of a factory share; the QML engine in it is made when the first scene is loaded.
-class QmlStage;
+class SceneLoader;
 
 class QmlCanvasFactory : public CanvasFactory {
  public:
   /// In software, with a stage of its own.
   explicit QmlCanvasFactory(QmlSceneRegistry registry);
   /// Shares the stage with windows of the toolkit's own.
-  explicit QmlCanvasFactory(std::shared_ptr<QmlStage> stage);
+  explicit QmlCanvasFactory(std::shared_ptr<SceneLoader> stage);
   ~QmlCanvasFactory() override;
 
   /// Costs next to nothing: the scene is loaded when the canvas is first asked for its size, or just before its
@@ -26,7 +26,7 @@ class QmlCanvasFactory : public CanvasFactory {
   [[nodiscard]] std::unique_ptr<Canvas> make(std::shared_ptr<View> view) override;
 
  private:
-  std::shared_ptr<QmlStage> stage_;
+  std::shared_ptr<SceneLoader> stage_;
 };
 
 }  // namespace dormel

@@ -91,7 +91,7 @@ struct QtDragging::Session {
   QVariantAnimation flight;
 };
 
-QtDragging::QtDragging(std::shared_ptr<QmlStage> stage, const Screens& screens)
+QtDragging::QtDragging(std::shared_ptr<SceneLoader> stage, const Screens& screens)
     : stage_(std::move(stage)), screens_(screens) {}
 
 QtDragging::~QtDragging() = default;

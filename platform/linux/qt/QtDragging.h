@@ -6,15 +6,15 @@
 #include <memory>
 
 #include "platform/Dragging.h"
-#include "platform/Windows.h"
-#include "platform/linux/qt/QmlStage.h"
+#include "platform/Screens.h"
+#include "platform/linux/qt/SceneLoader.h"
 
 namespace dormel {
 
 class QtDragging final : public QObject, public Dragging {
  public:
   /// `stage` draws the pictures; `screens` outlive this object.
-  QtDragging(std::shared_ptr<QmlStage> stage, const Screens& screens);
+  QtDragging(std::shared_ptr<SceneLoader> stage, const Screens& screens);
   ~QtDragging() override;
 
   bool begin(DragItem item, std::function<void(DragOperation)> onEnd) override;
@@ -28,7 +28,7 @@ class QtDragging final : public QObject, public Dragging {
   void flyHome(const QPoint& from);
   void end(DragOperation operation);
 
-  std::shared_ptr<QmlStage> stage_;
+  std::shared_ptr<SceneLoader> stage_;
   const Screens& screens_;
   std::unique_ptr<Session> session_;
 };

@@ -5,6 +5,8 @@
 
 #include <memory>
 
+#include "platform/Registration.h"
+#include "platform/Screens.h"
 #include "platform/Windows.h"
 #include "platform/linux/qt/QtDragging.h"
 #include "platform/linux/qt/WindowGroup.h"

@@ -4,7 +4,7 @@
 
 #include <QRectF>
 
-#include "platform/Windows.h"
+#include "platform/Screens.h"
 
 namespace dormel {
 

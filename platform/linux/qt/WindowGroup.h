@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/linux/qt/QmlStage.h"
+#include "platform/linux/qt/SceneLoader.h"
 
 namespace dormel {
 
@@ -26,9 +26,9 @@ struct WindowHelp {
 
 class WindowGroup {
  public:
-  WindowGroup(std::shared_ptr<QmlStage> stage, WindowHelp help) : stage_(std::move(stage)), help_(std::move(help)) {}
+  WindowGroup(std::shared_ptr<SceneLoader> stage, WindowHelp help) : stage_(std::move(stage)), help_(std::move(help)) {}
 
-  [[nodiscard]] QmlStage& stage() { return *stage_; }
+  [[nodiscard]] SceneLoader& stage() { return *stage_; }
   [[nodiscard]] const WindowHelp& help() const { return help_; }
 
   /// The one that alerts belong to; null when none is open.
@@ -46,7 +46,7 @@ class WindowGroup {
   [[nodiscard]] bool takes(const QKeyEvent& press) const;
 
  private:
-  std::shared_ptr<QmlStage> stage_;
+  std::shared_ptr<SceneLoader> stage_;
   WindowHelp help_;
   QPointer<DesktopWindow> mainWindow_;
   std::function<void(DesktopWindow&)> onMainWindow_;

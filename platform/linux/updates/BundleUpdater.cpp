@@ -58,9 +58,9 @@ bool BundleUpdater::installStagedUpdate() {
   if (!options_.enabled || looking_) return false;
   const auto version = helper_.waiting();
   if (version && !isWanted(*version)) return false;
-  const Verdict verdict = helper_.install();
-  say(verdict);  // nothing, too: what seemed to wait was of no use any more
-  return verdict.kind == Verdict::Kind::installed;
+  const UpdateResult result = helper_.install();
+  say(result);  // nothing, too: what seemed to wait was of no use any more
+  return result.kind == UpdateResult::Kind::installed;
 }
 
 void BundleUpdater::forget() {
@@ -97,9 +97,9 @@ void BundleUpdater::sayWhatWaits() {
   const auto version = helper_.waiting();
   if (!version) return;
   if (isWanted(*version)) {
-    say({Verdict::Kind::ready, *version});
+    say({UpdateResult::Kind::ready, *version});
   } else {
-    say({Verdict::Kind::nothing});
+    say({UpdateResult::Kind::nothing});
   }
 }
 
@@ -119,23 +119,23 @@ void BundleUpdater::look(bool fetch, bool byHand) {
   observers_.call();
 }
 
-void BundleUpdater::heard(const Verdict& verdict) {
-  heard_ = verdict;
-  if (verdict.kind == Verdict::Kind::fetching) say(verdict);
+void BundleUpdater::heard(const UpdateResult& result) {
+  heard_ = result;
+  if (result.kind == UpdateResult::Kind::fetching) say(result);
 }
 
 void BundleUpdater::ended() {
   looking_ = false;
-  // A helper that fell silent in the middle of a download: the verdict that it owes is that one.
-  if (heard_.kind == Verdict::Kind::fetching) heard_.kind = Verdict::Kind::notFetched;
-  if (heard_.kind == Verdict::Kind::ready && byHand_) defaults_.set(updateKey::askedFor, {heard_.version});
+  // A helper that fell silent in the middle of a download: the result that it owes is that one.
+  if (heard_.kind == UpdateResult::Kind::fetching) heard_.kind = UpdateResult::Kind::notFetched;
+  if (heard_.kind == UpdateResult::Kind::ready && byHand_) defaults_.set(updateKey::askedFor, {heard_.version});
   // Switched off while it was fetched: it is going to stay where it is.
-  const bool rests = heard_.kind == Verdict::Kind::ready && !isWanted(heard_.version);
-  say(rests ? Verdict{Verdict::Kind::nothing} : heard_);
+  const bool rests = heard_.kind == UpdateResult::Kind::ready && !isWanted(heard_.version);
+  say(rests ? UpdateResult{UpdateResult::Kind::nothing} : heard_);
 }
 
-void BundleUpdater::say(const Verdict& verdict) {
-  status_ = sentence(verdict, options_.version);
+void BundleUpdater::say(const UpdateResult& result) {
+  status_ = sentence(result, options_.version);
   observers_.call();
 }
 

@@ -10,7 +10,7 @@
 
 #include "platform/Updater.h"
 #include "platform/common/HandlerList.h"
-#include "platform/linux/updates/Verdict.h"
+#include "platform/linux/updates/UpdateResult.h"
 
 namespace dormel {
 class Clock;
@@ -59,9 +59,9 @@ class BundleUpdater final : public Updater {
   void look(bool fetch, bool byHand);
   void sayWhatWaits();
   [[nodiscard]] bool isWanted(const std::string& version) const;
-  void heard(const Verdict& verdict);
+  void heard(const UpdateResult& result);
   void ended();
-  void say(const Verdict& verdict);
+  void say(const UpdateResult& result);
   [[nodiscard]] std::int64_t now() const;
   [[nodiscard]] std::int64_t untilDue() const;
 
@@ -72,7 +72,7 @@ class BundleUpdater final : public Updater {
   Options options_;
   bool looking_ = false;
   bool byHand_ = false;  // the look that is under way
-  Verdict heard_;
+  UpdateResult heard_;
   std::string status_;
   HandlerList observers_;
   const std::shared_ptr<BundleUpdater*> self_;  // what waits in the loop finds out by it whether we still live

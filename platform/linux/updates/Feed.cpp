@@ -29,7 +29,7 @@ std::optional<BundleVersion> versionAt(const Json& object, const char* key) {
   return text == nullptr ? std::nullopt : BundleVersion::parse(*text);
 }
 
-std::optional<Offer> offerFrom(const Json& object) {
+std::optional<FeedEntry> entryFrom(const Json& object) {
   if (!object.is_object()) return {};
   auto build = versionAt(object, "build");
   auto version = versionAt(object, "version");
@@ -40,41 +40,41 @@ std::optional<Offer> offerFrom(const Json& object) {
   if (!isAllowedAddress(*address) || signature->size() != SIGNATURE_TEXT || !length->is_number_unsigned()) return {};
   const auto bytes = length->get<std::uint64_t>();
   if (bytes == 0 || bytes > LARGEST_ARCHIVE) return {};
-  return Offer{std::move(*build), std::move(*version), *address, bytes, *signature};
+  return FeedEntry{std::move(*build), std::move(*version), *address, bytes, *signature};
 }
 
 }  // namespace
 
-std::optional<std::vector<Offer>> parseFeed(std::string_view text) {
+std::optional<std::vector<FeedEntry>> parseFeed(std::string_view text) {
   const Json root = parse(text);
   if (!root.is_object()) return {};
   const auto format = root.find("format");
   if (format == root.end() || !format->is_number_integer() || *format != FORMAT) return {};
   const auto updates = root.find("updates");
   if (updates == root.end() || !updates->is_array() || updates->size() > MOST_OFFERS) return {};
-  std::vector<Offer> offers;
+  std::vector<FeedEntry> entries;
   for (const Json& update : *updates) {
-    auto offer = offerFrom(update);
-    if (!offer) return {};
-    offers.push_back(std::move(*offer));
+    auto entry = entryFrom(update);
+    if (!entry) return {};
+    entries.push_back(std::move(*entry));
   }
-  return offers;
+  return entries;
 }
 
-const Offer* newest(const std::vector<Offer>& offers) {
-  const auto best =
-      std::max_element(offers.begin(), offers.end(), [](const Offer& a, const Offer& b) { return a.build < b.build; });
-  return best == offers.end() ? nullptr : &*best;
+const FeedEntry* newest(const std::vector<FeedEntry>& entries) {
+  const auto best = std::max_element(entries.begin(), entries.end(),
+                                     [](const FeedEntry& a, const FeedEntry& b) { return a.build < b.build; });
+  return best == entries.end() ? nullptr : &*best;
 }
 
-std::optional<Offer> parseOffer(std::string_view text) { return offerFrom(parse(text)); }
+std::optional<FeedEntry> parseEntry(std::string_view text) { return entryFrom(parse(text)); }
 
-std::string write(const Offer& offer) {
-  return Json{{"build", offer.build.text()},
-              {"version", offer.version.text()},
-              {"url", offer.address},
-              {"length", offer.length},
-              {"signature", offer.signature}}
+std::string write(const FeedEntry& entry) {
+  return Json{{"build", entry.build.text()},
+              {"version", entry.version.text()},
+              {"url", entry.address},
+              {"length", entry.length},
+              {"signature", entry.signature}}
              .dump() +
          "\n";
 }

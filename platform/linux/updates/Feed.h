@@ -24,7 +24,7 @@ inline constexpr std::uint64_t LARGEST_ARCHIVE = std::uint64_t{128} * 1024 * 102
 inline constexpr std::size_t MOST_OFFERS = 100;
 
 /// One update that is offered. Nothing of it is known to be true until the archive's signature was checked.
-struct Offer {
+struct FeedEntry {
   BundleVersion build;
   BundleVersion version;
   std::string address;       ///< an allowed one
@@ -32,14 +32,14 @@ struct Offer {
   std::string signature;     ///< base64, 88 characters; not looked at any closer
 };
 
-/// The offers of the document, in its order; nothing when it is not one. Any bytes may be passed.
-[[nodiscard]] std::optional<std::vector<Offer>> parseFeed(std::string_view text);
+/// The entries of the document, in its order; nothing when it is not one. Any bytes may be passed.
+[[nodiscard]] std::optional<std::vector<FeedEntry>> parseFeed(std::string_view text);
 
-/// The offer with the greatest build, the first of equal ones; null without any.
-[[nodiscard]] const Offer* newest(const std::vector<Offer>& offers);
+/// The entry with the greatest build, the first of equal ones; null without any.
+[[nodiscard]] const FeedEntry* newest(const std::vector<FeedEntry>& entries);
 
-/// One offer by itself, as the document lists it: how an update that was fetched is remembered.
-[[nodiscard]] std::optional<Offer> parseOffer(std::string_view text);
-[[nodiscard]] std::string write(const Offer& offer);
+/// One entry by itself, as the document lists it: how an update that was fetched is remembered.
+[[nodiscard]] std::optional<FeedEntry> parseEntry(std::string_view text);
+[[nodiscard]] std::string write(const FeedEntry& entry);
 
 }  // namespace dormel::updates

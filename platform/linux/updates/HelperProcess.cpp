@@ -15,10 +15,10 @@ namespace {
 // Unpacking takes a second; a disk that takes a minute for it must not keep the window from its user for ever.
 constexpr std::chrono::milliseconds INSTALL_LIMIT{60'000};
 
-std::optional<Verdict> nextVerdict(posix::PipedProcess& process) {
+std::optional<UpdateResult> nextResult(posix::PipedProcess& process) {
   const auto line = process.nextLine();
   if (!line) return {};
-  return parseVerdict(*line).value_or(Verdict{});
+  return parseResult(*line).value_or(UpdateResult{});
 }
 
 }  // namespace
@@ -28,9 +28,9 @@ HelperProcess::HelperProcess(EventLoop& loop, std::string program, const std::st
 
 HelperProcess::~HelperProcess() = default;
 
-void HelperProcess::check(bool fetch, std::function<void(const Verdict&)> onVerdict, Task onEnd) {
+void HelperProcess::check(bool fetch, std::function<void(const UpdateResult&)> onResult, Task onEnd) {
   cancel();
-  onVerdict_ = std::move(onVerdict);
+  onResult_ = std::move(onResult);
   onEnd_ = std::move(onEnd);
   process_ = posix::PipedProcess::start(
       program_, fetch ? std::vector<std::string>{"check", "--fetch"} : std::vector<std::string>{"check"});
@@ -45,10 +45,10 @@ void HelperProcess::hear() {
   const posix::PipedProcess* heard = process_.get();
   const bool isOver = !process_->read();
   while (process_.get() == heard) {  // who is told may cancel it
-    const auto verdict = nextVerdict(*process_);
-    if (!verdict) break;
-    const auto tell = onVerdict_;
-    tell(*verdict);
+    const auto result = nextResult(*process_);
+    if (!result) break;
+    const auto tell = onResult_;
+    tell(*result);
   }
   if (isOver && process_.get() == heard) end();
 }
@@ -63,18 +63,18 @@ void HelperProcess::cancel() {
   failure_.invalidate();
   output_.reset();
   process_.reset();
-  onVerdict_ = {};
+  onResult_ = {};
   onEnd_ = {};
 }
 
 std::optional<std::string> HelperProcess::waiting() const {
-  const auto offer = store_.staged();
-  return offer ? std::optional(offer->version.text()) : std::nullopt;
+  const auto entry = store_.staged();
+  return entry ? std::optional(entry->version.text()) : std::nullopt;
 }
 
-Verdict HelperProcess::install() {
-  if (!store_.exists()) return {Verdict::Kind::nothing};
-  Verdict verdict;
+UpdateResult HelperProcess::install() {
+  if (!store_.exists()) return {UpdateResult::Kind::nothing};
+  UpdateResult result;
   if (const auto process = posix::PipedProcess::start(program_, {"install"})) {
     const auto end = std::chrono::steady_clock::now() + INSTALL_LIMIT;
     while (process->read()) {
@@ -82,11 +82,11 @@ Verdict HelperProcess::install() {
       pollfd output{process->descriptor(), POLLIN, 0};
       if (left.count() <= 0 || (::poll(&output, 1, static_cast<int>(left.count())) < 0 && errno != EINTR)) break;
     }
-    while (const auto next = nextVerdict(*process)) verdict = *next;
+    while (const auto next = nextResult(*process)) result = *next;
   }
   // It may have been ended at the worst of moments.
   repairExchange(bundle_, store_.folder() + "/old");
-  return verdict;
+  return result;
 }
 
 void HelperProcess::clear() {

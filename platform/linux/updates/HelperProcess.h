@@ -17,10 +17,10 @@ class HelperProcess final : public UpdateHelper {
   HelperProcess(EventLoop& loop, std::string program, const std::string& bundle);
   ~HelperProcess() override;
 
-  void check(bool fetch, std::function<void(const Verdict&)> onVerdict, Task onEnd) override;
+  void check(bool fetch, std::function<void(const UpdateResult&)> onResult, Task onEnd) override;
   void cancel() override;
   [[nodiscard]] std::optional<std::string> waiting() const override;
-  Verdict install() override;
+  UpdateResult install() override;
   void clear() override;
 
  private:
@@ -34,7 +34,7 @@ class HelperProcess final : public UpdateHelper {
   std::unique_ptr<posix::PipedProcess> process_;  ///< of a check, until it is over
   EventLoop::Watch output_;
   Timer failure_;  ///< to start it
-  std::function<void(const Verdict&)> onVerdict_;
+  std::function<void(const UpdateResult&)> onResult_;
   Task onEnd_;
 };
 

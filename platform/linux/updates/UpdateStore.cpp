@@ -49,13 +49,13 @@ bool UpdateStore::exists() const {
   return fs::exists(fs::symlink_status(folder_, ignored));
 }
 
-std::optional<Offer> UpdateStore::staged() const {
+std::optional<FeedEntry> UpdateStore::staged() const {
   const auto text = readFile(in(OFFER), [](std::uintmax_t size) { return size <= LARGEST_OFFER; });
-  return text ? parseOffer(*text) : std::nullopt;
+  return text ? parseEntry(*text) : std::nullopt;
 }
 
-std::optional<std::string> UpdateStore::archive(const Offer& offer) const {
-  return readFile(in(ARCHIVE), [&](std::uintmax_t size) { return size == offer.length; });
+std::optional<std::string> UpdateStore::archive(const FeedEntry& entry) const {
+  return readFile(in(ARCHIVE), [&](std::uintmax_t size) { return size == entry.length; });
 }
 
 bool UpdateStore::isOurs() const {
@@ -73,7 +73,7 @@ FileResult UpdateStore::openUp() const {
   return {};
 }
 
-FileResult UpdateStore::keep(const Offer& offer, std::string_view archive) const {
+FileResult UpdateStore::keep(const FeedEntry& entry, std::string_view archive) const {
   if (auto failure = openUp()) return failure;
   posix::PosixFiles files;
   // A disk that is full notices here, where what waited before still stands.
@@ -82,7 +82,7 @@ FileResult UpdateStore::keep(const Offer& offer, std::string_view archive) const
   std::error_code ignored;
   fs::remove(in(OFFER), ignored);
   FileResult failure = files.rename(in(COMING), in(ARCHIVE));
-  if (!failure) failure = files.writeAtomically(in(OFFER), write(offer));
+  if (!failure) failure = files.writeAtomically(in(OFFER), write(entry));
   if (failure) clear();
   return failure;
 }

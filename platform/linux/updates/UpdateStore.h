@@ -23,12 +23,12 @@ class UpdateStore {
   /// Whether anything is there, a rest of something included.
   [[nodiscard]] bool exists() const;
   /// The update that waits; nothing when none does, or none that can be made out.
-  [[nodiscard]] std::optional<Offer> staged() const;
+  [[nodiscard]] std::optional<FeedEntry> staged() const;
   /// Its archive, if it has the length that it should have.
-  [[nodiscard]] std::optional<std::string> archive(const Offer& offer) const;
+  [[nodiscard]] std::optional<std::string> archive(const FeedEntry& entry) const;
 
   /// Keeps an update in place of what waited before; half of one is never kept. On a full disk the earlier one stays.
-  [[nodiscard]] FileResult keep(const Offer& offer, std::string_view archive) const;
+  [[nodiscard]] FileResult keep(const FeedEntry& entry, std::string_view archive) const;
   /// An empty folder in the store, replacing an earlier one of that name; nothing when the disk refuses,
   /// or somebody else's folder stands in the store's place.
   [[nodiscard]] std::optional<std::string> makeFolder(const std::string& name) const;

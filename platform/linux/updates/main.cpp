@@ -16,7 +16,7 @@
 
 #include "platform/linux/posix/PosixBundle.h"
 #include "platform/linux/posix/PosixProcess.h"
-#include "platform/linux/updates/BundleUpdate.h"
+#include "platform/linux/updates/UpdateWorker.h"
 
 namespace {
 
@@ -35,13 +35,13 @@ int main(int count, char** words) {
   const bool install = arguments[0] == "install";
   if (install ? arguments.size() != 1 : arguments[0] != "check") return usage();
   bool fetch = false;
-  Patience patience;
+  Timeouts timeouts;
   for (std::size_t i = 1; i < arguments.size(); ++i) {
     if (arguments[i] == "--fetch") {
       fetch = true;
     } else if (arguments[i] == "--idle" && i + 1 < arguments.size()) {
-      patience.idle = std::strtol(arguments[++i].c_str(), nullptr, 10);
-      if (patience.idle < 1) return usage();
+      timeouts.idle = std::strtol(arguments[++i].c_str(), nullptr, 10);
+      if (timeouts.idle < 1) return usage();
     } else {
       return usage();
     }
@@ -55,8 +55,8 @@ int main(int count, char** words) {
     output.printError("update: the bundle names no feed, or no key to trust");
     return 78;
   }
-  const auto tell = [&output](const Verdict& verdict) { output.print(write(verdict)); };
-  BundleUpdate update(std::move(*facts), patience, tell,
+  const auto tell = [&output](const UpdateResult& result) { output.print(write(result)); };
+  UpdateWorker update(std::move(*facts), timeouts, tell,
                       [&output](const std::string& trouble) { output.printError("update: " + trouble); });
   if (!install) ::setpriority(PRIO_PROCESS, 0, 10);  // nobody waits for it
   tell(install ? update.install() : update.check(fetch));

@@ -41,7 +41,7 @@ class EventTapsWayland::Tap : public EventTap {
   std::shared_ptr<State> state_;
 };
 
-EventTapsWayland::EventTapsWayland(std::shared_ptr<PanelEnvironment> environment)
+EventTapsWayland::EventTapsWayland(std::shared_ptr<PanelContext> environment)
     : env_(std::move(environment)), self_(std::make_shared<EventTapsWayland*>(this)) {}
 
 EventTapsWayland::~EventTapsWayland() { *self_ = nullptr; }

@@ -13,7 +13,7 @@ namespace dormel::wayland {
 
 class EventTapsWayland : public EventTaps {
  public:
-  explicit EventTapsWayland(std::shared_ptr<PanelEnvironment> environment);
+  explicit EventTapsWayland(std::shared_ptr<PanelContext> environment);
   EventTapsWayland(const EventTapsWayland&) = delete;
   EventTapsWayland& operator=(const EventTapsWayland&) = delete;
   ~EventTapsWayland() override;
@@ -37,7 +37,7 @@ class EventTapsWayland : public EventTaps {
 
   void wantedChanged();
 
-  std::shared_ptr<PanelEnvironment> env_;
+  std::shared_ptr<PanelContext> env_;
   /// Outlived by taps of a platform that is gone.
   std::shared_ptr<EventTapsWayland*> self_;
   std::vector<std::weak_ptr<State>> taps_;

@@ -46,7 +46,7 @@ void Keyboard::arrived(const Connection::Arrival& arrival) {
   seat.source = ++lastSource_;
   seat.handle.reset(static_cast<wl_seat*>(wl_registry_bind(connection_.registry(), arrival.number, &wl_seat_interface,
                                                            std::min(arrival.version, std::uint32_t{5}))));
-  seat.forget = std::make_unique<Later>(
+  seat.forget = std::make_unique<CoalescedTimer>(
       loop_, [this, source = seat.source] { deliver(tracker_.releaseAll(source)); }, FORGET_MILLISECONDS);
   static constexpr wl_seat_listener LISTENER{[](void* data, wl_seat*, std::uint32_t capabilities) {
                                                auto& told = *static_cast<Seat*>(data);

@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "platform/Keyboard.h"
+#include "platform/linux/display/CoalescedTimer.h"
 #include "platform/linux/display/KeyCodes.h"
 #include "platform/linux/display/KeyTracker.h"
-#include "platform/linux/display/Later.h"
 #include "platform/linux/display/XkbLabels.h"
 #include "platform/linux/wayland/Connection.h"
 
@@ -28,7 +28,7 @@ class Keyboard : public HardwareKeys {
     Owned<wl_seat> handle;
     Owned<wl_keyboard> keyboard;
     bool isFocused = false;
-    std::unique_ptr<Later> forget;
+    std::unique_ptr<CoalescedTimer> forget;
   };
 
   /// `connection` and `loop` outlive it.

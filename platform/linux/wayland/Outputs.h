@@ -10,9 +10,9 @@
 #include <string>
 #include <vector>
 
-#include "platform/Windows.h"
+#include "platform/Screens.h"
 #include "platform/common/Canvas.h"
-#include "platform/linux/display/Later.h"
+#include "platform/linux/display/CoalescedTimer.h"
 #include "platform/linux/wayland/Connection.h"
 
 namespace dormel::wayland {
@@ -25,7 +25,7 @@ struct Output {
   /// In the compositor's space: points from the top left, y downwards. Empty until it is known.
   PixelRect area;
   int scale = 1;  ///< pixels to the point, rounded up where it is a fraction
-  Later* changed = nullptr;
+  CoalescedTimer* changed = nullptr;
 };
 
 /// Where screens lie, as logic sees them, given the areas of the compositor's outputs. Plain computation.
@@ -70,7 +70,7 @@ class Outputs : public Screens {
   Desk announced_;
   Task onOutputs_;
   Task onChange_;
-  Later announcement_;
+  CoalescedTimer announcement_;
 };
 
 }  // namespace dormel::wayland

@@ -15,9 +15,9 @@ constexpr std::size_t MOST_PUT_BACKS = 20;  // in a second
 
 }  // namespace
 
-PanelEnvironment::PanelEnvironment(Connection& theConnection, EventLoop& theLoop, Outputs& theOutputs,
-                                   Keyboard& theKeyboard, Pointer& thePointer, CanvasFactory& theCanvases,
-                                   const Clock& theClock, const std::string& lockMark)
+PanelContext::PanelContext(Connection& theConnection, EventLoop& theLoop, Outputs& theOutputs, Keyboard& theKeyboard,
+                           Pointer& thePointer, CanvasFactory& theCanvases, const Clock& theClock,
+                           const std::string& lockMark)
     : connection(theConnection),
       loop(theLoop),
       outputs(theOutputs),
@@ -51,7 +51,7 @@ PanelEnvironment::PanelEnvironment(Connection& theConnection, EventLoop& theLoop
   });
 }
 
-std::vector<std::shared_ptr<Panel>> PanelEnvironment::visiblePanels() const {
+std::vector<std::shared_ptr<Panel>> PanelContext::visiblePanels() const {
   std::vector<std::shared_ptr<Panel>> visible;
   for (const auto& weak : panels) {
     auto panel = weak.lock();
@@ -60,11 +60,9 @@ std::vector<std::shared_ptr<Panel>> PanelEnvironment::visiblePanels() const {
   return visible;
 }
 
-KeyboardUse PanelEnvironment::keyboardUse() const {
-  return lock.isRefused() ? KeyboardUse::none : KeyboardUse::exclusive;
-}
+KeyboardUse PanelContext::keyboardUse() const { return lock.isRefused() ? KeyboardUse::none : KeyboardUse::exclusive; }
 
-void PanelEnvironment::panelsChanged() {
+void PanelContext::panelsChanged() {
   bool isAnyBlack = false;
   bool isAllBlack = true;
   bool isLowering = false;
@@ -104,13 +102,13 @@ void PanelEnvironment::panelsChanged() {
   connection.flush();
 }
 
-void PanelEnvironment::outputsChanged() {
+void PanelContext::outputsChanged() {
   lock.lookAtOutputs();
   for (const auto& panel : visiblePanels()) panel->outputsChanged();
   focus.look();
 }
 
-void PanelEnvironment::lockChanged() {
+void PanelContext::lockChanged() {
   focus.setUnderLock(lock.isUp());
   for (const auto& panel : visiblePanels()) {
     panel->setKeyboardUse(keyboardUse());
@@ -121,9 +119,9 @@ void PanelEnvironment::lockChanged() {
   connection.flush();
 }
 
-void PanelEnvironment::keyboardChanged() { focus.look(); }
+void PanelContext::keyboardChanged() { focus.look(); }
 
-bool PanelEnvironment::isSwallowed(const KeyEvent& event) {
+bool PanelContext::isSwallowed(const KeyEvent& event) {
   std::erase_if(keyMonitors, [](const auto& weak) { return weak.expired(); });
   const auto present = keyMonitors;
   return std::any_of(present.begin(), present.end(), [&](const auto& weak) {
@@ -132,14 +130,14 @@ bool PanelEnvironment::isSwallowed(const KeyEvent& event) {
   });
 }
 
-void PanelEnvironment::deliver(const KeyEvent& event) {
+void PanelContext::deliver(const KeyEvent& event) {
   const auto visible = visiblePanels();
   const auto front = std::find_if(visible.rbegin(), visible.rend(), [](const auto& panel) { return panel->isKey(); });
   if (event.type == EventType::keyDown && isSwallowed(event)) return;
   if (front != visible.rend()) (*front)->key(event);
 }
 
-Panel::Panel(std::shared_ptr<PanelEnvironment> environment, const WindowStyle& style, const Rect& contentRect)
+Panel::Panel(std::shared_ptr<PanelContext> environment, const WindowStyle& style, const Rect& contentRect)
     : env_(std::move(environment)),
       style_(style),
       frame_(contentRect),

@@ -8,10 +8,10 @@
 #include <vector>
 
 #include "platform/common/Canvas.h"
-#include "platform/common/RateBudget.h"
+#include "platform/common/RateLimiter.h"
 #include "platform/common/lock/FocusKeeper.h"
 #include "platform/linux/display/AlphaAnimator.h"
-#include "platform/linux/display/Later.h"
+#include "platform/linux/display/CoalescedTimer.h"
 #include "platform/linux/wayland/Content.h"
 #include "platform/linux/wayland/Inhibitors.h"
 #include "platform/linux/wayland/Keyboard.h"
@@ -25,11 +25,11 @@ class Panel;
 using KeyMonitor = std::function<bool(const KeyEvent&)>;
 
 /// What all panels of one connection share. It outlives the last of them.
-struct PanelEnvironment {
-  PanelEnvironment(Connection& connection, EventLoop& loop, Outputs& outputs, Keyboard& keyboard, Pointer& pointer,
-                   CanvasFactory& canvases, const Clock& clock, const std::string& lockMark);
-  PanelEnvironment(const PanelEnvironment&) = delete;
-  PanelEnvironment& operator=(const PanelEnvironment&) = delete;
+struct PanelContext {
+  PanelContext(Connection& connection, EventLoop& loop, Outputs& outputs, Keyboard& keyboard, Pointer& pointer,
+               CanvasFactory& canvases, const Clock& clock, const std::string& lockMark);
+  PanelContext(const PanelContext&) = delete;
+  PanelContext& operator=(const PanelContext&) = delete;
 
   /// A panel came, went, or is black in another strength.
   void panelsChanged();
@@ -56,7 +56,7 @@ struct PanelEnvironment {
   SessionLock lock;
   FocusKeeper focus;
   std::unique_ptr<LayerSheet> holder;  ///< a clear point that has the keyboard where no panel can have it
-  Later updateHolder;
+  CoalescedTimer updateHolder;
   bool isFreshHolderWanted = false;
   std::vector<std::weak_ptr<Panel>> panels;  ///< in the order in which they came up
   std::vector<std::weak_ptr<KeyMonitor>> keyMonitors;
@@ -64,7 +64,7 @@ struct PanelEnvironment {
 
 class Panel final : public FadingWindow, public std::enable_shared_from_this<Panel> {
  public:
-  Panel(std::shared_ptr<PanelEnvironment> environment, const WindowStyle& style, const Rect& contentRect);
+  Panel(std::shared_ptr<PanelContext> environment, const WindowStyle& style, const Rect& contentRect);
   Panel(const Panel&) = delete;
   Panel& operator=(const Panel&) = delete;
   ~Panel() override;
@@ -114,7 +114,7 @@ class Panel final : public FadingWindow, public std::enable_shared_from_this<Pan
   void onFrame(const Pixels& pixels, const PixelRect& changed);
   bool tellCanvas(PointerAction action, double x, double y);
 
-  std::shared_ptr<PanelEnvironment> env_;
+  std::shared_ptr<PanelContext> env_;
   WindowStyle style_;
   Rect frame_;
   double alpha_ = 1;
@@ -130,10 +130,10 @@ class Panel final : public FadingWindow, public std::enable_shared_from_this<Pan
   double laidOutScale_ = 0;
   std::optional<Drag> drag_;
   std::function<void(const KeyEvent&)> keyHandler_;
-  RateBudget putBackBudget_;
-  Later showContentLater_;
-  Later layOutLater_;
-  Later putBackLater_;
+  RateLimiter putBackBudget_;
+  CoalescedTimer showContentLater_;
+  CoalescedTimer layOutLater_;
+  CoalescedTimer putBackLater_;
 };
 
 }  // namespace dormel::wayland

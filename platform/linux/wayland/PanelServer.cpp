@@ -19,7 +19,7 @@ class MonitorRegistration : public Registration {
 
 }  // namespace
 
-PanelServer::PanelServer(std::shared_ptr<PanelEnvironment> environment)
+PanelServer::PanelServer(std::shared_ptr<PanelContext> environment)
     : env_(std::move(environment)), animator_(env_->loop, env_->clock, [] { return FRAME_MILLISECONDS; }) {}
 
 std::shared_ptr<Window> PanelServer::makeWindow(const WindowStyle& style, const Rect& contentRect) {

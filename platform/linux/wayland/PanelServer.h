@@ -9,7 +9,7 @@ namespace dormel::wayland {
 
 class PanelServer : public WindowServer {
  public:
-  explicit PanelServer(std::shared_ptr<PanelEnvironment> environment);
+  explicit PanelServer(std::shared_ptr<PanelContext> environment);
 
   [[nodiscard]] std::shared_ptr<Window> makeWindow(const WindowStyle& style, const Rect& contentRect) override;
   void animateAlpha(const std::vector<std::shared_ptr<Window>>& windows, double alpha, Seconds duration,
@@ -19,7 +19,7 @@ class PanelServer : public WindowServer {
   [[nodiscard]] std::unique_ptr<Registration> makeDisplayLink(Task onFrame) override;
 
  private:
-  std::shared_ptr<PanelEnvironment> env_;
+  std::shared_ptr<PanelContext> env_;
   AlphaAnimator animator_;
 };
 

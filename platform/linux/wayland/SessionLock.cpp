@@ -120,7 +120,7 @@ void SessionLock::changed() {
   if (onChange_) onChange_();
 }
 
-void SessionLock::lastWill(std::chrono::milliseconds limit) {
+void SessionLock::restoreAtExit(std::chrono::milliseconds limit) {
   if (isLocked_.exchange(false)) {
     ext_session_lock_v1_unlock_and_destroy(lock_.exchange(nullptr));
   } else if (!isEnding_) {

@@ -1,6 +1,6 @@
 // The compositor's session lock: while it is up, nothing shows but our sheets, one on each output, and no key reaches
 // anybody else. When it is taken and given back decides LockKeeper; here are the compositor, the mark in the runtime
-// folder and the process that watches over this one. Main thread only, but for `lastWill`.
+// folder and the process that watches over this one. Main thread only, but for `restoreAtExit`.
 #pragma once
 
 #include <atomic>
@@ -45,7 +45,7 @@ class SessionLock final : private LockPlace {
   void setOnSheet(std::function<void(wl_surface*, bool isThere)> onSheet) { onSheet_ = std::move(onSheet); }
 
   /// Ends the lock for a process that ends now. Any thread.
-  void lastWill(std::chrono::milliseconds limit);
+  void restoreAtExit(std::chrono::milliseconds limit);
 
  private:
   using Sheets = std::map<std::uint32_t, std::unique_ptr<LockSheet>>;

@@ -6,7 +6,7 @@
 namespace dormel::wayland {
 namespace {
 
-constexpr std::chrono::milliseconds LAST_WILL_LIMIT{500};
+constexpr std::chrono::milliseconds RESTORE_LIMIT{500};
 
 }  // namespace
 
@@ -16,8 +16,8 @@ WaylandPlatform::WaylandPlatform(std::unique_ptr<Connection> connection, const s
       outputs_(*connection_, loop),
       keyboard_(*connection_, loop),
       pointer_(*connection_),
-      environment_(std::make_shared<PanelEnvironment>(*connection_, loop, outputs_, keyboard_, pointer_, canvases,
-                                                      clock, lockMark)),
+      environment_(
+          std::make_shared<PanelContext>(*connection_, loop, outputs_, keyboard_, pointer_, canvases, clock, lockMark)),
       accessibility_(*connection_),
       taps_(environment_),
       panels_(environment_) {
@@ -62,6 +62,6 @@ void WaylandPlatform::setLockdown(bool on) {
   connection_->flush();
 }
 
-void WaylandPlatform::lastWill(bool /*comesBack*/) { environment_->lock.lastWill(LAST_WILL_LIMIT); }
+void WaylandPlatform::restoreAtExit(bool /*comesBack*/) { environment_->lock.restoreAtExit(RESTORE_LIMIT); }
 
 }  // namespace dormel::wayland

@@ -1,5 +1,5 @@
 // Everything of this program that speaks Wayland, put together for one compositor. Main thread only, but for
-// `lastWill`.
+// `restoreAtExit`.
 #pragma once
 
 #include <atomic>
@@ -36,7 +36,7 @@ class WaylandPlatform final : public DisplayFamily {
   [[nodiscard]] WindowServer& windows() override { return panels_; }
 
   void setLockdown(bool on) override;
-  void lastWill(bool comesBack) override;
+  void restoreAtExit(bool comesBack) override;
 
  private:
   class Trust : public Accessibility {
@@ -57,7 +57,7 @@ class WaylandPlatform final : public DisplayFamily {
   Outputs outputs_;
   Keyboard keyboard_;
   Pointer pointer_;
-  std::shared_ptr<PanelEnvironment> environment_;
+  std::shared_ptr<PanelContext> environment_;
   Trust accessibility_;
   EventTapsWayland taps_;
   UnknownIdle idle_;

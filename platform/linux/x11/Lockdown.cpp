@@ -12,7 +12,7 @@ Lockdown::Lockdown(std::shared_ptr<Connection> connection, const ServerFeatures&
       keys_(connection_, features),
       care_(std::move(care)),
       pointer_(connection_),
-      otherHands_(connection_, features),
+      secondaryDeviceGrabs_(connection_, features),
       features_(features),
       marker_(connection_->newId()),
       client_(connection_->newId()),
@@ -53,7 +53,7 @@ void Lockdown::set(bool on) {
   if (!std::exchange(isOn_, false)) return;
   subscription_.reset();
   pointer_.want(false);
-  otherHands_.release();
+  secondaryDeviceGrabs_.release();
   keys_.restore();
   careHold_.reset();
   xcb_set_selection_owner(*connection_, XCB_NONE, selection_, XCB_CURRENT_TIME);
@@ -62,7 +62,7 @@ void Lockdown::set(bool on) {
 
 void Lockdown::look() {
   keys_.disarm();
-  otherHands_.take();
+  secondaryDeviceGrabs_.take();
 }
 
 void Lockdown::handle(const xcb_generic_event_t& event) {
@@ -76,7 +76,7 @@ void Lockdown::bequeath(const std::string& display, std::uint32_t client, xcb_wi
   // First, so that nothing undoes what follows. The server throws away what it has not carried out yet.
   xcb_kill_client(*connection, client);
   const ServerFeatures features = ServerFeatures::query(*connection);
-  KeyActions(connection, features).restore();
+  ServerHotkeys(connection, features).restore();
   LockedState(connection, features).restore();
   const auto present = owned(xcb_get_input_focus_reply(*connection, xcb_get_input_focus(*connection), nullptr));
   const bool isFree = present && (present->focus == XCB_NONE || present->focus == XCB_INPUT_FOCUS_POINTER_ROOT);

@@ -6,10 +6,10 @@
 #include <memory>
 #include <string>
 
-#include "platform/linux/display/Later.h"
-#include "platform/linux/x11/KeyActions.h"
-#include "platform/linux/x11/OtherHands.h"
+#include "platform/linux/display/CoalescedTimer.h"
 #include "platform/linux/x11/PointerGrab.h"
+#include "platform/linux/x11/SecondaryDeviceGrabs.h"
+#include "platform/linux/x11/ServerHotkeys.h"
 #include "platform/linux/x11/TypingCare.h"
 
 namespace dormel::x11 {
@@ -37,18 +37,18 @@ class Lockdown {
   void look();
 
   std::shared_ptr<Connection> connection_;
-  KeyActions keys_;
+  ServerHotkeys keys_;
   std::shared_ptr<TypingCare> care_;
   TypingCare::Hold careHold_;
   PointerGrab pointer_;
-  OtherHands otherHands_;
+  SecondaryDeviceGrabs secondaryDeviceGrabs_;
   ServerFeatures features_;
   xcb_window_t marker_;
   xcb_pixmap_t client_;  ///< no window: other programs see those, and could destroy it
   xcb_atom_t selection_;
   bool isOn_ = false;
   Subscription subscription_;
-  Later check_;
+  CoalescedTimer check_;
 };
 
 }  // namespace dormel::x11

@@ -4,8 +4,8 @@
 #include <cstring>
 #include <utility>
 
-#include "platform/linux/x11/KeyActions.h"
 #include "platform/linux/x11/Reply.h"
+#include "platform/linux/x11/ServerHotkeys.h"
 #include "platform/linux/x11/Xkb.h"
 
 namespace dormel::x11 {

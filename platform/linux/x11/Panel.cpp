@@ -22,14 +22,14 @@ constexpr int PUT_BACK_LATER_MILLISECONDS = 100;
 
 }  // namespace
 
-std::shared_ptr<Panel> Panel::create(std::shared_ptr<PanelEnvironment> environment, const WindowStyle& style,
+std::shared_ptr<Panel> Panel::create(std::shared_ptr<PanelContext> environment, const WindowStyle& style,
                                      const Rect& contentRect) {
   std::shared_ptr<Panel> panel(new Panel(std::move(environment), style, contentRect));
   panel->makeWindow();
   return panel;
 }
 
-Panel::Panel(std::shared_ptr<PanelEnvironment> environment, const WindowStyle& style, const Rect& contentRect)
+Panel::Panel(std::shared_ptr<PanelContext> environment, const WindowStyle& style, const Rect& contentRect)
     : env_(std::move(environment)),
       style_(style),
       frame_(contentRect),

@@ -6,15 +6,15 @@
 #include <optional>
 
 #include "platform/linux/display/AlphaAnimator.h"
-#include "platform/linux/display/Later.h"
-#include "platform/linux/x11/PanelEnvironment.h"
+#include "platform/linux/display/CoalescedTimer.h"
+#include "platform/linux/x11/PanelContext.h"
 #include "platform/linux/x11/PanelSurface.h"
 
 namespace dormel::x11 {
 
 class Panel final : public FadingWindow, public std::enable_shared_from_this<Panel> {
  public:
-  [[nodiscard]] static std::shared_ptr<Panel> create(std::shared_ptr<PanelEnvironment> environment,
+  [[nodiscard]] static std::shared_ptr<Panel> create(std::shared_ptr<PanelContext> environment,
                                                      const WindowStyle& style, const Rect& contentRect);
   Panel(const Panel&) = delete;
   Panel& operator=(const Panel&) = delete;
@@ -49,7 +49,7 @@ class Panel final : public FadingWindow, public std::enable_shared_from_this<Pan
     PixelRect from;
   };
 
-  Panel(std::shared_ptr<PanelEnvironment> environment, const WindowStyle& style, const Rect& contentRect);
+  Panel(std::shared_ptr<PanelContext> environment, const WindowStyle& style, const Rect& contentRect);
   void makeWindow();
   void setProperties();
   void tellShadow();
@@ -70,7 +70,7 @@ class Panel final : public FadingWindow, public std::enable_shared_from_this<Pan
   void putBack();
   [[nodiscard]] bool isBlack() const { return style_.background == WindowBackground::black; }
 
-  std::shared_ptr<PanelEnvironment> env_;
+  std::shared_ptr<PanelContext> env_;
   WindowStyle style_;
   Rect frame_;      ///< in points, the truth
   PixelRect area_;  ///< where that is in the root window
@@ -83,11 +83,11 @@ class Panel final : public FadingWindow, public std::enable_shared_from_this<Pan
   double laidOutScale_ = 0;
   bool isVisible_ = false;
   std::optional<Drag> drag_;
-  RateBudget putBackBudget_;
+  RateLimiter putBackBudget_;
   std::function<void(const KeyEvent&)> keyHandler_;
-  Later showContentLater_;
-  Later layOutLater_;
-  Later putBackLater_;
+  CoalescedTimer showContentLater_;
+  CoalescedTimer layOutLater_;
+  CoalescedTimer putBackLater_;
 };
 
 }  // namespace dormel::x11

@@ -6,7 +6,7 @@
 #include <memory>
 #include <vector>
 
-#include "platform/common/RateBudget.h"
+#include "platform/common/RateLimiter.h"
 #include "platform/linux/x11/Connection.h"
 
 namespace dormel::x11 {
@@ -31,7 +31,7 @@ class PanelFocus {
   std::shared_ptr<Connection> connection_;
   std::vector<xcb_window_t> keyWindows_;  ///< the last one has the focus
   std::atomic<xcb_window_t> owed_ = XCB_NONE;
-  RateBudget budget_;
+  RateLimiter budget_;
   Subscription subscription_;
 };
 

@@ -3,8 +3,8 @@
 #include <utility>
 
 #include "platform/linux/display/DisplayLink.h"
+#include "platform/linux/x11/NullWindow.h"
 #include "platform/linux/x11/Panel.h"
-#include "platform/linux/x11/UnseenWindow.h"
 
 namespace dormel::x11 {
 namespace {
@@ -24,7 +24,7 @@ class MonitorRegistration : public Registration {
 
 PanelServer::PanelServer(RunLoop& loop, const std::shared_ptr<Connection>& connection, const ServerFeatures& features,
                          std::shared_ptr<ScreensX11> screens, CanvasFactory& canvases, const Clock& clock)
-    : env_(connection ? std::make_shared<PanelEnvironment>(connection, features, std::move(screens), canvases, clock)
+    : env_(connection ? std::make_shared<PanelContext>(connection, features, std::move(screens), canvases, clock)
                       : nullptr),
       loop_(loop),
       animator_(loop, clock, [this] {
@@ -32,7 +32,7 @@ PanelServer::PanelServer(RunLoop& loop, const std::shared_ptr<Connection>& conne
       }) {}
 
 std::shared_ptr<Window> PanelServer::makeWindow(const WindowStyle& style, const Rect& contentRect) {
-  if (!env_) return std::make_shared<UnseenWindow>(contentRect);
+  if (!env_) return std::make_shared<NullWindow>(contentRect);
   return Panel::create(env_, style, contentRect);
 }
 

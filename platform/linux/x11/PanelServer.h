@@ -5,7 +5,7 @@
 #include <memory>
 
 #include "platform/linux/display/AlphaAnimator.h"
-#include "platform/linux/x11/PanelEnvironment.h"
+#include "platform/linux/x11/PanelContext.h"
 
 namespace dormel::x11 {
 
@@ -34,7 +34,7 @@ class PanelServer : public WindowServer {
   [[nodiscard]] bool isCompositing() const { return env_ && env_->compositor.isRunning(); }
 
  private:
-  std::shared_ptr<PanelEnvironment> env_;  ///< null without a display
+  std::shared_ptr<PanelContext> env_;  ///< null without a display
   RunLoop& loop_;
   AlphaAnimator animator_;
 };

@@ -24,7 +24,7 @@ std::uint16_t u16(int value) { return static_cast<std::uint16_t>(value); }
 
 }  // namespace
 
-PanelSurface::PanelSurface(const PanelEnvironment& environment, WindowBackground ground)
+PanelSurface::PanelSurface(const PanelContext& environment, WindowBackground ground)
     : env_(environment),
       ground_(ground),
       isArgb_(ground == WindowBackground::clear && environment.visuals.argbVisual != 0) {}
@@ -133,7 +133,7 @@ PixelRect PanelSurface::contentArea() const {
 void PanelSurface::updateContent(const Pixels& pixels, const PixelRect& changed) {
   if (!content_) {
     const std::uint8_t depth = isArgb_ ? std::uint8_t{32} : env_.visuals.rootDepth;
-    content_ = std::make_unique<ContentImage>(env_.connection, env_.visuals, depth);
+    content_ = std::make_unique<ServerPixmap>(env_.connection, env_.visuals, depth);
   }
   const PixelRect before = contentArea();
   content_->update(pixels, changed);

@@ -11,15 +11,15 @@
 
 #include "platform/Windows.h"
 #include "platform/common/Canvas.h"
-#include "platform/linux/x11/ContentImage.h"
-#include "platform/linux/x11/PanelEnvironment.h"
+#include "platform/linux/x11/PanelContext.h"
+#include "platform/linux/x11/ServerPixmap.h"
 
 namespace dormel::x11 {
 
 class PanelSurface {
  public:
   /// `environment` outlives it.
-  PanelSurface(const PanelEnvironment& environment, WindowBackground ground);
+  PanelSurface(const PanelContext& environment, WindowBackground ground);
   PanelSurface(const PanelSurface&) = delete;
   PanelSurface& operator=(const PanelSurface&) = delete;
   ~PanelSurface();
@@ -59,7 +59,7 @@ class PanelSurface {
   void applyShape();
   void groundBlack();
 
-  const PanelEnvironment& env_;
+  const PanelContext& env_;
   WindowBackground ground_;
   bool isArgb_;
 
@@ -67,7 +67,7 @@ class PanelSurface {
   xcb_gcontext_t gc_ = XCB_NONE;
   xcb_render_picture_t picture_ = XCB_NONE;
   PixelRect area_;
-  std::unique_ptr<ContentImage> content_;
+  std::unique_ptr<ServerPixmap> content_;
   std::vector<xcb_rectangle_t> outline_;
   double alpha_ = 1;
   std::uint32_t opacity_ = UINT32_MAX;  ///< as the property says; absent means opaque

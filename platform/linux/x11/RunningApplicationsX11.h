@@ -9,7 +9,7 @@
 
 #include "platform/RunningApplications.h"
 #include "platform/common/HandlerList.h"
-#include "platform/linux/display/Later.h"
+#include "platform/linux/display/CoalescedTimer.h"
 #include "platform/linux/x11/ClientWindows.h"
 
 namespace dormel::x11 {
@@ -37,7 +37,7 @@ class RunningApplicationsX11 final : public RunningApplications {
   ApplicationNaming naming_;
   HandlerList observers_;
   Subscription subscription_;  // from the first observer on
-  Later telling_;
+  CoalescedTimer telling_;
 };
 
 }  // namespace dormel::x11

@@ -4,9 +4,9 @@
 #include <optional>
 #include <vector>
 
-#include "platform/Windows.h"
+#include "platform/Screens.h"
 #include "platform/common/CoordinateSpace.h"
-#include "platform/linux/display/Later.h"
+#include "platform/linux/display/CoalescedTimer.h"
 #include "platform/linux/x11/Connection.h"
 #include "platform/linux/x11/Monitors.h"
 #include "platform/linux/x11/ServerFeatures.h"
@@ -57,7 +57,7 @@ class ScreensX11 : public Screens {
   Task onChange_;
   Task afterChange_;
   Subscription subscription_;
-  Later announcement_;
+  CoalescedTimer announcement_;
 };
 
 }  // namespace dormel::x11

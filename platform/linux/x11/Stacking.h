@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "platform/Windows.h"
-#include "platform/common/RateBudget.h"
-#include "platform/linux/display/Later.h"
+#include "platform/common/RateLimiter.h"
+#include "platform/linux/display/CoalescedTimer.h"
 #include "platform/linux/x11/Connection.h"
 
 namespace dormel::x11 {
@@ -43,9 +43,9 @@ class Stacking {
 
   std::shared_ptr<Connection> connection_;
   std::vector<Kept> kept_;  ///< from bottom to top, as they should be
-  RateBudget screenSaverBudget_;
-  RateBudget floatingBudget_;
-  Later later_;
+  RateLimiter screenSaverBudget_;
+  RateLimiter floatingBudget_;
+  CoalescedTimer later_;
   Subscription subscription_;
 };
 

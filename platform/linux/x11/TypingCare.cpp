@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "platform/linux/x11/KeyActions.h"
+#include "platform/linux/x11/ServerHotkeys.h"
 
 namespace dormel::x11 {
 

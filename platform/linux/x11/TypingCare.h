@@ -7,9 +7,9 @@
 #include <atomic>
 #include <memory>
 
-#include "platform/linux/display/Later.h"
+#include "platform/linux/display/CoalescedTimer.h"
+#include "platform/linux/x11/AccessX.h"
 #include "platform/linux/x11/LockedState.h"
-#include "platform/linux/x11/TypingAids.h"
 
 namespace dormel::x11 {
 
@@ -35,12 +35,12 @@ class TypingCare : public std::enable_shared_from_this<TypingCare> {
 
   std::shared_ptr<Connection> connection_;
   ServerFeatures features_;
-  TypingAids aids_;
+  AccessX aids_;
   LockedState locked_;
   std::weak_ptr<const void> held_;
   std::atomic<bool> isHeld_ = false;
   Subscription subscription_;
-  Later check_;
+  CoalescedTimer check_;
 };
 
 }  // namespace dormel::x11

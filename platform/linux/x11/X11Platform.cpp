@@ -12,7 +12,7 @@
 namespace dormel::x11 {
 namespace {
 
-constexpr std::chrono::milliseconds LAST_WILL_LIMIT{500};
+constexpr std::chrono::milliseconds RESTORE_LIMIT{500};
 
 /// The atoms of a start are asked for in its first message: each would be a question of its own else, for which the
 /// screens wait bare.
@@ -100,7 +100,7 @@ void X11Platform::setLockdown(bool on) {
   if (!on) isLockedDown_ = false;
 }
 
-void X11Platform::lastWill(bool /*comesBack*/) {
+void X11Platform::restoreAtExit(bool /*comesBack*/) {
   if (!isLockedDown_ && !(typingCare_ && typingCare_->isHeld())) return;
   isEnding_ = true;
   // A server that does not answer must not keep the process from ending.
@@ -114,7 +114,7 @@ void X11Platform::lastWill(bool /*comesBack*/) {
   } catch (const std::system_error&) {
     return;  // no thread left on this machine: the next start gives them back
   }
-  isGiven.wait_for(LAST_WILL_LIMIT);
+  isGiven.wait_for(RESTORE_LIMIT);
 }
 
 }  // namespace dormel::x11

@@ -1,4 +1,4 @@
-// Everything of this program that speaks X, put together for one display. Main thread only, but for `lastWill`.
+// Everything of this program that speaks X, put together for one display. Main thread only, but for `restoreAtExit`.
 #pragma once
 
 #include <atomic>
@@ -62,7 +62,7 @@ class X11Platform final : public DisplayFamily {
   /// Gives back what must not be left behind by a process that ends without coming back to the main loop; to be
   /// called right before it exits: where keys are taken, it ends the connection to the server, and that is not reported
   /// as lost. Takes half a second at most, whatever the server does. Any thread.
-  void lastWill(bool comesBack) override;
+  void restoreAtExit(bool comesBack) override;
 
  private:
   std::shared_ptr<Connection> connection_;

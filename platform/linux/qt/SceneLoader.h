@@ -1,0 +1,51 @@
+// The QML engine that all canvases and windows share, and the scenes they may load. Main thread only.
+#pragma once
+
+#include <QQmlEngine>
+#include <functional>
+#include <memory>
+
+#include "platform/linux/qt/DrawingServices.h"
+#include "platform/linux/qt/LoadedScene.h"
+#include "platform/linux/qt/Picture.h"
+#include "platform/linux/qt/QmlSceneRegistry.h"
+#include "platform/linux/qt/SceneRenderer.h"
+
+namespace dormel {
+
+class SceneLoader {
+ public:
+  /// Draws in software, and makes that the process's choice.
+  explicit SceneLoader(QmlSceneRegistry registry);
+  /// `makeRenderer` fits what the process has chosen.
+  SceneLoader(QmlSceneRegistry registry, MakeSceneRenderer makeRenderer,
+              DrawingServices services = DrawingServices::ofPlatform());
+
+  /// The scene of `view`. One that is missing or cannot be loaded is reported in one line on standard error.
+  [[nodiscard]] LoadedScene load(const std::shared_ptr<View>& view);
+
+  /// The picture of `view`; `onChange` is called whenever it has something to draw. Where there is no scene, the
+  /// view's plain text takes its place.
+  [[nodiscard]] std::unique_ptr<Picture> makePicture(const std::shared_ptr<View>& view,
+                                                     const std::function<void()>& onChange);
+
+  /// The same with the view's plain text, for a picture that can no longer be drawn; says so in one line on standard
+  /// error.
+  [[nodiscard]] std::unique_ptr<Picture> makeTextPicture(const std::shared_ptr<View>& view,
+                                                         const std::function<void()>& onChange);
+
+  /// What a window wears, see QmlSceneRegistry::setWindowFrame; null when there is none.
+  [[nodiscard]] std::unique_ptr<QQuickItem> makeWindowFrame(bool minimizable);
+
+ private:
+  QQmlEngine& engine();
+  void report(const QString& reason) const;
+  std::unique_ptr<QQuickItem> create(const QUrl& source, const QVariantMap& properties);
+
+  QmlSceneRegistry registry_;
+  MakeSceneRenderer makeRenderer_;
+  DrawingServices services_;
+  std::unique_ptr<QQmlEngine> engine_;  // made for the first scene
+};
+
+}  // namespace dormel

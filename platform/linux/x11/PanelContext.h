@@ -1,0 +1,67 @@
+// What all panels of one connection share. It outlives the last of them. Main thread only.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <vector>
+
+#include "platform/common/Canvas.h"
+#include "platform/linux/display/KeyTracker.h"
+#include "platform/linux/x11/Compositor.h"
+#include "platform/linux/x11/DesktopSnapshot.h"
+#include "platform/linux/x11/KeyNumbering.h"
+#include "platform/linux/x11/PanelFocus.h"
+#include "platform/linux/x11/ScreensX11.h"
+#include "platform/linux/x11/Stacking.h"
+
+namespace dormel::x11 {
+
+class Panel;
+
+struct PanelAtoms {
+  explicit PanelAtoms(Connection& connection);
+  xcb_atom_t utf8String;
+  xcb_atom_t netWmName;
+  xcb_atom_t netWmPid;
+  xcb_atom_t netWmWindowType;
+  xcb_atom_t netWmWindowTypeNotification;
+  xcb_atom_t netWmWindowOpacity;
+  xcb_atom_t gtkFrameExtents;
+};
+
+using KeyMonitor = std::function<bool(const KeyEvent&)>;
+
+struct PanelContext {
+  PanelContext(std::shared_ptr<Connection> connection, const ServerFeatures& features,
+               std::shared_ptr<ScreensX11> screens, CanvasFactory& canvases, const Clock& clock);
+  PanelContext(const PanelContext&) = delete;
+  PanelContext& operator=(const PanelContext&) = delete;
+  ~PanelContext();
+
+  void handle(const xcb_generic_event_t& event);
+  void compositorChanged();
+  void placePanelsAnew();
+  /// Shows a key-down to the local monitors; true when one swallows it.
+  [[nodiscard]] bool isSwallowed(const KeyEvent& event);
+
+  std::shared_ptr<Connection> connection;
+  ServerFeatures features;
+  std::shared_ptr<ScreensX11> screens;
+  CanvasFactory& canvases;
+  const Clock& clock;
+  PanelAtoms atoms;
+  Visuals visuals;
+  Compositor compositor;
+  DesktopSnapshot desktop;
+  Stacking stacking;
+  PanelFocus focus;
+  xcb_cursor_t blankCursor;
+  KeyNumbering numbering;
+  KeyTracker keys;  ///< of the key events that reach our windows
+  std::map<xcb_window_t, std::weak_ptr<Panel>> panels;
+  std::vector<std::weak_ptr<KeyMonitor>> keyMonitors;
+  Subscription subscription;
+};
+
+}  // namespace dormel::x11

@@ -1,0 +1,75 @@
+#include "platform/linux/x11/ServerPixmap.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+#include "platform/common/PixelRect.h"
+
+namespace dormel::x11 {
+namespace {
+
+constexpr std::size_t REQUEST_HEADER = 64;                        // generous
+constexpr std::size_t BAND_BYTES = std::size_t{4} * 1024 * 1024;  // the server serves others in between
+
+}  // namespace
+
+ServerPixmap::ServerPixmap(std::shared_ptr<Connection> connection, const Visuals& visuals, std::uint8_t depth)
+    : connection_(std::move(connection)), visuals_(visuals), depth_(visuals.canDraw() ? std::uint8_t{32} : depth) {}
+
+ServerPixmap::~ServerPixmap() { release(); }
+
+void ServerPixmap::allocate(int width, int height) {
+  release();
+  width_ = width;
+  height_ = height;
+  Connection& c = *connection_;
+  pixmap_ = c.newId();
+  xcb_create_pixmap(c, depth_, pixmap_, c.root(), static_cast<std::uint16_t>(width),
+                    static_cast<std::uint16_t>(height));
+  gc_ = c.newId();
+  const std::uint32_t noExposures = 0;
+  xcb_create_gc(c, gc_, pixmap_, XCB_GC_GRAPHICS_EXPOSURES, &noExposures);
+  if (!visuals_.canDraw()) return;
+  picture_ = c.newId();
+  xcb_render_create_picture(c, picture_, pixmap_, visuals_.argbFormat, 0, nullptr);
+}
+
+void ServerPixmap::release() {
+  if (pixmap_ == XCB_NONE) return;
+  if (picture_ != XCB_NONE) xcb_render_free_picture(*connection_, std::exchange(picture_, XCB_NONE));
+  xcb_free_gc(*connection_, std::exchange(gc_, XCB_NONE));
+  xcb_free_pixmap(*connection_, std::exchange(pixmap_, XCB_NONE));
+}
+
+void ServerPixmap::update(const Pixels& pixels, const PixelRect& changed) {
+  if (pixels.width <= 0 || pixels.height <= 0) return;
+  PixelRect part = changed;
+  if (isEmpty() || pixels.width != width_ || pixels.height != height_) {
+    allocate(pixels.width, pixels.height);
+    part = {0, 0, width_, height_};
+  }
+  part = intersection(part, {0, 0, width_, height_});
+  if (part.empty()) return;
+  const std::size_t rowBytes = static_cast<std::size_t>(part.width) * sizeof(std::uint32_t);
+  const std::size_t longest = std::size_t{xcb_get_maximum_request_length(*connection_)} * 4 - REQUEST_HEADER;
+  const int rows = static_cast<int>(std::max<std::size_t>(1, std::min(longest, BAND_BYTES) / rowBytes));
+  for (int y = part.y; y < part.y + part.height; y += rows) {
+    const int count = std::min(rows, part.y + part.height - y);
+    const std::uint32_t* from = pixels.data + y * pixels.stride + part.x;
+    const std::uint32_t* data = from;
+    if (pixels.stride != part.width) {
+      band_.resize(static_cast<std::size_t>(part.width) * static_cast<std::size_t>(count));
+      for (int row = 0; row < count; ++row) {
+        std::memcpy(band_.data() + static_cast<std::ptrdiff_t>(row) * part.width, from + row * pixels.stride, rowBytes);
+      }
+      data = band_.data();
+    }
+    xcb_put_image(*connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, pixmap_, gc_, static_cast<std::uint16_t>(part.width),
+                  static_cast<std::uint16_t>(count), static_cast<std::int16_t>(part.x), static_cast<std::int16_t>(y), 0,
+                  depth_, static_cast<std::uint32_t>(rowBytes * static_cast<std::size_t>(count)),
+                  reinterpret_cast<const std::uint8_t*>(data));
+  }
+}
+
+}  // namespace dormel::x11

@@ -1,0 +1,48 @@
+// A canvas's picture on the server's side. Only what changed crosses the wire; exposures are answered from here.
+#pragma once
+
+#include <xcb/render.h>
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "platform/common/Canvas.h"
+#include "platform/linux/x11/Connection.h"
+#include "platform/linux/x11/Visuals.h"
+
+namespace dormel::x11 {
+
+class ServerPixmap {
+ public:
+  /// `depth` is that of the pixmap when the server cannot draw (no Render): the window's own.
+  ServerPixmap(std::shared_ptr<Connection> connection, const Visuals& visuals, std::uint8_t depth);
+  ServerPixmap(const ServerPixmap&) = delete;
+  ServerPixmap& operator=(const ServerPixmap&) = delete;
+  ~ServerPixmap();
+
+  /// Takes `changed` over from `pixels`; everything when the size is another than before.
+  void update(const Pixels& pixels, const PixelRect& changed);
+
+  [[nodiscard]] bool isEmpty() const { return pixmap_ == XCB_NONE; }
+  [[nodiscard]] int width() const { return width_; }
+  [[nodiscard]] int height() const { return height_; }
+  [[nodiscard]] xcb_pixmap_t pixmap() const { return pixmap_; }
+  [[nodiscard]] xcb_render_picture_t picture() const { return picture_; }
+
+ private:
+  void allocate(int width, int height);
+  void release();
+
+  std::shared_ptr<Connection> connection_;
+  Visuals visuals_;
+  std::uint8_t depth_;
+  int width_ = 0;
+  int height_ = 0;
+  xcb_pixmap_t pixmap_ = XCB_NONE;
+  xcb_gcontext_t gc_ = XCB_NONE;
+  xcb_render_picture_t picture_ = XCB_NONE;
+  std::vector<std::uint32_t> band_;
+};
+
+}  // namespace dormel::x11
