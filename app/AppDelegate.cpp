@@ -11,6 +11,7 @@
 #include "core/Config.h"
 #include "core/DebugLog.h"
 #include "platform/Accessibility.h"
+#include "platform/Bundle.h"
 #include "platform/Defaults.h"
 #include "platform/Files.h"
 #include "platform/Platform.h"

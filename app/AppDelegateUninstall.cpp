@@ -7,6 +7,7 @@
 #include "core/AppSupport.h"
 #include "core/Config.h"
 #include "core/DebugLog.h"
+#include "platform/Bundle.h"
 #include "platform/Defaults.h"
 #include "platform/Files.h"
 #include "platform/Platform.h"

@@ -6,6 +6,7 @@
 
 #include "core/Config.h"
 #include "platform/Accessibility.h"
+#include "platform/Notices.h"
 #include "platform/Platform.h"
 #include "platform/Process.h"
 

@@ -7,6 +7,7 @@
 
 #include "onboarding/OnboardingScreen.h"
 #include "platform/Platform.h"
+#include "platform/Windows.h"
 
 namespace dormel {
 namespace {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "onboarding/OnbReveal.h"
+#include "platform/Keyboard.h"
 #include "platform/Registration.h"
 
 namespace dormel {

@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 
+#include "platform/Windows.h"
 #include "platform/common/Canvas.h"
 #include "platform/linux/display/CoalescedTimer.h"
 #include "platform/linux/gnome/FrameMemory.h"
