@@ -1,7 +1,7 @@
 // How fast logic is: whole nights per second, and what one key and one tick of a hold cost.
 #include <benchmark/benchmark.h>
 
-#include "tests/sim/Night.h"
+#include "tests/sim/NightFixture.h"
 
 namespace dormel {
 namespace {

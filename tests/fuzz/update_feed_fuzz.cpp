@@ -9,7 +9,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   using dormel::fuzz::require;
   const std::string_view text = dormel::fuzz::text(data, size);
   if (const auto offers = parseFeed(text)) {
-    require(offers->size() <= MOST_OFFERS, "not too many offers");
+    require(offers->size() <= MOST_ENTRIES, "not too many offers");
     for (const FeedEntry& offer : *offers) {
       require(isAllowedAddress(offer.address), "its address is allowed");
       require(offer.length > 0 && offer.length <= LARGEST_ARCHIVE, "its length is in bounds");

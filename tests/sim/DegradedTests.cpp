@@ -1,7 +1,7 @@
 // Nights without the permission: a card instead of a lock.
 #include <gtest/gtest.h>
 
-#include "tests/sim/Night.h"
+#include "tests/sim/NightFixture.h"
 
 namespace dormel {
 namespace {
@@ -10,7 +10,7 @@ class DegradedTest : public testing::Test {
  protected:
   DegradedTest() { machine.accessibility.setTrusted(false); }
 
-  Night night;
+  NightFixture night;
   SimMachine& machine = night.machine;
 };
 
@@ -28,7 +28,7 @@ TEST_F(DegradedTest, TheCardSitsTenPointsFromTheCornerOfTheUsableArea) {
       {{0, 0, 1000, 700}, 600, {520, 400}, {470, 266, 520, 400}},
   };
   for (const auto& row : rows) {
-    Night own;
+    NightFixture own;
     own.machine.accessibility.setTrusted(false);
     own.machine.screens.setDock(row.dock);
     own.machine.screens.resize("DP-1", row.screen);

@@ -1,7 +1,7 @@
 // The unlock cycle: what the user earned, for as long as it was promised, and the lock's return.
 #include <gtest/gtest.h>
 
-#include "tests/sim/Night.h"
+#include "tests/sim/NightFixture.h"
 
 namespace dormel {
 namespace {
@@ -22,12 +22,12 @@ class GraceTest : public testing::Test {
     machine.keyboard.releaseAll();
   }
 
-  Night night;
+  NightFixture night;
   SimMachine& machine = night.machine;
 };
 
 TEST_F(GraceTest, AWholeNight) {
-  Night whole;
+  NightFixture whole;
   SimMachine& m = whole.machine;
   whole.begin("2026-11-16 22:00:00");
   m.advance(60);
@@ -136,7 +136,7 @@ TEST_F(GraceTest, ALoweringThatIsOvertakenStopsAtItsNextStep) {
   } steps[] = {{"confirming", 1.0}, {"content fading", 2.0}, {"windows fading", 3.0}, {"retiring", 4.5}};
   for (const auto& step : steps) {
     {
-      Night taken;  // down at once
+      NightFixture taken;  // down at once
       taken.begin("2026-11-16 22:00:00");
       taken.unlock();
       taken.machine.advance(step.at - 1);
@@ -148,7 +148,7 @@ TEST_F(GraceTest, ALoweringThatIsOvertakenStopsAtItsNextStep) {
       EXPECT_FALSE(taken.session().isFadingOut()) << step.name;
     }
     {
-      Night rebuilt;  // a new lock
+      NightFixture rebuilt;  // a new lock
       rebuilt.begin("2026-11-16 22:00:00");
       rebuilt.unlock();
       rebuilt.machine.advance(step.at - 1);
@@ -203,7 +203,7 @@ TEST_F(GraceTest, WithoutAScreenThereIsNoPillAndTheCountdownRuns) {
 }
 
 TEST_F(GraceTest, TheHoursMayEndInIt) {
-  Night late;  // seen when the lock is about to return, between two checks of the hours
+  NightFixture late;  // seen when the lock is about to return, between two checks of the hours
   late.begin("2026-11-17 05:50:08");
   late.machine.advanceTo("2026-11-17 05:54:34");
   late.unlock();

@@ -13,7 +13,7 @@
 #include "platform/sim/SimPainter.h"
 #include "settings/AccessibilityCardView.h"
 #include "tests/sim/FakeSession.h"
-#include "tests/sim/Night.h"
+#include "tests/sim/NightFixture.h"
 
 namespace dormel {
 namespace {

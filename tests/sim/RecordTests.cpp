@@ -4,13 +4,13 @@
 #include <nlohmann/json.hpp>
 
 #include "core/AppSupport.h"
-#include "tests/sim/Night.h"
+#include "tests/sim/NightFixture.h"
 
 namespace dormel {
 namespace {
 
 /// The nights recorded, oldest first.
-std::string keys(const Night& night) {
+std::string keys(const NightFixture& night) {
   std::string all;
   const std::string file = night.machine.files.content(AppSupport::url("nights.json"));
   for (const auto& record : nlohmann::json::parse(file)) all += record.at("night").get<std::string>() + " ";
@@ -39,7 +39,7 @@ TEST(Records, DamagedOnesAreReplacedAndOldOnesGo) {
       {"tonight's", "[" + record("2026-11-16") + "]", "2026-11-16 "},
   };
   for (const auto& row : rows) {
-    Night night;
+    NightFixture night;
     night.machine.files.put("/home/user/Library/Application Support/" + std::string(BUNDLE_IDENTIFIER) + "/nights.json",
                             row.before);
     night.begin("2026-11-16 22:00:00");

@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "core/DebugLog.h"
-#include "tests/sim/Night.h"
+#include "tests/sim/NightFixture.h"
 
 namespace dormel {
 namespace {

@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "core/DebugLog.h"
-#include "tests/sim/Night.h"
+#include "tests/sim/NightFixture.h"
 
 namespace dormel {
 namespace {
@@ -30,7 +30,7 @@ TEST(Session, LocksOnlyWhenEverythingSaysSo) {
       {"no hours", true, true, true, 6, 6, "2026-11-17 06:00:00", "Outside blocking hours (6:00–6:00). Exiting."},
   };
   for (const auto& row : rows) {
-    Night night;
+    NightFixture night;
     night.setHours(row.start, row.end);
     night.machine.defaults.putBoolean(defaultsKey::onboardingComplete, row.complete);
     night.machine.defaults.putBoolean(defaultsKey::blockingEnabled, row.enabled);
@@ -43,7 +43,7 @@ TEST(Session, LocksOnlyWhenEverythingSaysSo) {
 }
 
 TEST(Session, IsStartedAgainWhenTheHourStrikesWhileItEnds) {
-  Night night;
+  NightFixture night;
   night.machine.defaults.putBoolean(defaultsKey::debugLoggingEnabled, true);
   night.machine.timeline.setSerialQueuesHang(true);
   night.machine.setProgram([](const Lines&) -> std::shared_ptr<void> {
@@ -58,7 +58,7 @@ TEST(Session, IsStartedAgainWhenTheHourStrikesWhileItEnds) {
 }
 
 TEST(Session, TheKernelEndsItWhenEvenTheWatchdogIsStuck) {
-  Night night;
+  NightFixture night;
   night.begin("2026-11-16 22:00:04");
   night.setHours(22, 7);  // the night grows while it lasts
   night.machine.advanceTo("2026-11-17 06:59:55");
@@ -70,7 +70,7 @@ TEST(Session, TheKernelEndsItWhenEvenTheWatchdogIsStuck) {
 }
 
 TEST(Session, TheWatchdogEndsItWhenTheMainThreadIsStuck) {
-  Night night;
+  NightFixture night;
   night.begin("2026-11-16 22:00:04");
   night.machine.advanceTo("2026-11-17 05:59:50");
   night.machine.stallMain(7200);
@@ -82,7 +82,7 @@ TEST(Session, TheWatchdogEndsItWhenTheMainThreadIsStuck) {
 }
 
 TEST(Session, SleepDropsTheHoldAndWakingLateEndsTheNight) {
-  Night night;
+  NightFixture night;
   night.begin("2026-11-16 22:00:00");
   pressAll(night.machine, night.controller());
   night.machine.advance(25);
@@ -111,7 +111,7 @@ TEST(Session, SleepDropsTheHoldAndWakingLateEndsTheNight) {
 }
 
 TEST(Session, ARebuildPutsTheNewWindowsUpBeforeTheOldOnesGo) {
-  Night night;
+  NightFixture night;
   night.begin("2026-11-16 22:00:00");
   night.machine.advance(5);
   night.machine.journal.clear();
@@ -134,7 +134,7 @@ TEST(Session, ARebuildPutsTheNewWindowsUpBeforeTheOldOnesGo) {
 }
 
 TEST(Session, PermissionThatComesAndGoesUnderTheLock) {
-  Night night;
+  NightFixture night;
   night.begin("2026-11-16 22:00:00");
   night.machine.advance(4);
   night.machine.journal.clear();
@@ -152,7 +152,7 @@ TEST(Session, PermissionThatComesAndGoesUnderTheLock) {
 }
 
 TEST(Session, WithoutATapTheWindowsTakeTheKeys) {
-  Night night;
+  NightFixture night;
   night.machine.keyboard.setTapsImpossible(true);
   night.begin("2026-11-16 22:00:00");
   EXPECT_EQ(night.machine.output.lines(),

@@ -1,7 +1,7 @@
 // The lock as somebody hears it.
 #include <gtest/gtest.h>
 
-#include "tests/sim/Night.h"
+#include "tests/sim/NightFixture.h"
 
 namespace dormel {
 namespace {
@@ -31,7 +31,7 @@ class SpokenLockTest : public testing::Test {
   }
   [[nodiscard]] KeyCode code(std::size_t key) const { return night.controller().requiredKeys().at(key).keyCode; }
 
-  Night night;
+  NightFixture night;
   SimMachine& machine = night.machine;
 };
 

@@ -66,9 +66,9 @@ TEST(Updates, FeedIsReadWholeOrNotAtAll) {
   const auto entries = parseFeed(feed(entry() + "," + entry("build", R"("15.1")") + "," + entry("build", R"("9")")));
   ASSERT_TRUE(entries);
   EXPECT_EQ(newest(*entries)->build.text(), "15.1");
-  const FeedEntry& entry = entries->front();
-  EXPECT_EQ(write(*parseEntry(write(entry))), write(entry));
-  EXPECT_EQ(entry.length, 5U);
+  const FeedEntry& first = entries->front();
+  EXPECT_EQ(write(*parseEntry(write(first))), write(first));
+  EXPECT_EQ(first.length, 5U);
   ASSERT_TRUE(parseFeed(feed("")));
   EXPECT_EQ(newest(*parseFeed(feed(""))), nullptr);
   EXPECT_TRUE(parseFeed(R"({"later": [{}], "format": 1, "updates": []})"));
@@ -95,7 +95,7 @@ TEST(Updates, FeedIsReadWholeOrNotAtAll) {
     EXPECT_FALSE(parseFeed(feed(entry() + "," + entry(key, value)))) << key << ": " << value;
   }
   std::string many = entry();
-  for (std::size_t i = 0; i < MOST_OFFERS; ++i) many += "," + entry();
+  for (std::size_t i = 0; i < MOST_ENTRIES; ++i) many += "," + entry();
   for (const std::string& text :
        {std::string(), std::string("null"), std::string("[]"), std::string(R"({"updates": []})"),
         std::string(R"({"format": 2, "updates": []})"), std::string(R"({"format": "1", "updates": []})"),

@@ -21,8 +21,8 @@ struct FakeHelper final : UpdateHelper {
   UpdateResult install() override { return placed; }
   void clear() override { checks.emplace_back("clear"); }
   /// The helper's process says this and ends.
-  void answer(const std::vector<UpdateResult>& verdicts) {
-    for (const UpdateResult& result : verdicts) tell(result);
+  void answer(const std::vector<UpdateResult>& results) {
+    for (const UpdateResult& result : results) tell(result);
     end();
   }
   std::vector<std::string> asked() { return std::exchange(checks, {}); }
@@ -44,8 +44,8 @@ class UpdaterTest : public testing::Test {
     updater.emplace(machine.clock, machine.runLoop, machine.defaults, helper,
                     BundleUpdater::Options{enabled, 21600, 10, "1.0"});
   }
-  std::string after(const std::vector<UpdateResult>& verdicts) {
-    helper.answer(verdicts);
+  std::string after(const std::vector<UpdateResult>& results) {
+    helper.answer(results);
     return updater->status();
   }
 
@@ -90,7 +90,7 @@ TEST_F(UpdaterTest, SaysWhatCameOfIt) {
   int notes = 0;
   const auto registration = updater->observe([&] { ++notes; });
   const struct {
-    std::vector<UpdateResult> verdicts;
+    std::vector<UpdateResult> results;
     const char* status;
   } rows[] = {
       {{{Kind::current}}, "Dormel 1.0 is the newest version."},
@@ -109,7 +109,7 @@ TEST_F(UpdaterTest, SaysWhatCameOfIt) {
     updater->checkForUpdates();
     EXPECT_EQ(helper.asked(), Asked{"fetch"}) << "one at a time, and by hand it is always fetched";
     notes = 0;
-    EXPECT_EQ(after(row.verdicts), row.status);
+    EXPECT_EQ(after(row.results), row.status);
     EXPECT_GT(notes, 0);
     EXPECT_TRUE(updater->canCheckForUpdates());
   }

@@ -144,7 +144,7 @@ class UpdateHelperTest(unittest.TestCase):
         return data
 
     def run_helper(self, *arguments, prefix=()):
-        """Every verdict, in order."""
+        """Every result, in order."""
         kept = {k: v for k, v in os.environ.items() if "proxy" not in k.lower()}
         done = subprocess.run([*prefix, self.helper, *arguments], capture_output=True, text=True, timeout=60, check=False,
                               env={**kept, "HOME": self.applications})
@@ -225,12 +225,12 @@ class UpdateHelperTest(unittest.TestCase):
             "sent to somewhere plain": (feed(lambda r: r.go_on("http://192.0.2.1/feed.json")), ["unreachable"]),
             "sent to a file": (feed(lambda r: r.go_on("file:///etc/passwd")), ["unreachable"]),
         }
-        for name, (arrange, verdicts) in cases.items():
+        for name, (arrange, results) in cases.items():
             with self.subTest(name):
                 arrange()
                 self.server.asked.clear()
                 begun = time.monotonic()
-                self.assertEqual(self.check(), verdicts, self.complaint)
+                self.assertEqual(self.check(), results, self.complaint)
                 self.assertLess(time.monotonic() - begun, 10)
                 self.assertLessEqual(len(self.server.asked), 6)
                 self.assert_untouched()
@@ -268,12 +268,12 @@ class UpdateHelperTest(unittest.TestCase):
                  "done already": (lambda: rename(build="14"), ["nothing"]),
                  "half of it": (lambda: os.remove(os.path.join(self.store, "archive")), ["not-genuine 1.1"]),
                  "the other half": (lambda: os.remove(os.path.join(self.store, "update.json")), ["nothing"])}
-        for name, (damage, verdicts) in cases.items():
+        for name, (damage, results) in cases.items():
             with self.subTest(name):
                 self.entry()
                 self.assertEqual(self.check()[-1], "ready 1.1", self.complaint)
                 damage()
-                self.assertEqual(self.run_helper("install"), verdicts)
+                self.assertEqual(self.run_helper("install"), results)
                 self.assert_untouched()
 
     def test_a_store_that_somebody_else_made_is_not_used(self):

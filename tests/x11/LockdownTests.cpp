@@ -9,7 +9,7 @@
 
 #include "platform/linux/x11/Reply.h"
 #include "platform/linux/x11/Xkb.h"
-#include "tests/x11/Desk.h"
+#include "tests/x11/Fixture.h"
 
 namespace dormel::x11::test {
 namespace {
@@ -62,7 +62,7 @@ class LockdownTest : public testing::Test {
 };
 
 TEST_F(LockdownTest, KillsTheServersEscapeKeysAndGivesThemBackExactly) {
-  Desk desk(*server);
+  Fixture desk(*server);
   bool isLost = false;
   desk.x11.setOnLost([&] { isLost = true; });
   desk.x11.setLockdown(true);
@@ -113,12 +113,12 @@ TEST_F(LockdownTest, TheNextStartRepairsWhatACrashLeftAndNobodyDisturbsALivingLo
   close(ready[0]);
   close(ready[1]);
   EXPECT_EQ(waysOut(serverHotkeys()), 0);
-  { const Desk second(*server); }
+  { const Fixture second(*server); }
   EXPECT_EQ(waysOut(serverHotkeys()), 0) << "the first one is still at it";
 
   locker.kill();
   EXPECT_EQ(waysOut(serverHotkeys()), 0) << "they do not come back by themselves";
-  { const Desk next(*server); }
+  { const Fixture next(*server); }
   EXPECT_EQ(serverHotkeys(), before);
 }
 
@@ -140,7 +140,7 @@ TEST_F(LockdownTest, SlowKeysRestWhileItIsOnAndComeBackEvenAfterACrash) {
   };
   change(SLOW);
   {
-    Desk desk(*server);
+    Fixture desk(*server);
     desk.x11.setLockdown(true);
     EXPECT_EQ(on(), 0U);
     change(BOUNCE);
@@ -191,7 +191,7 @@ TEST_F(LockdownTest, WhatKeysLockInTheServerIsAsBeforeWhenTheLockGoes) {
     EXPECT_NE(locked().second, before.second);
   };
   {
-    Desk desk(*server);
+    Fixture desk(*server);
     desk.x11.setLockdown(true);
     const auto tap = desk.x11.eventTaps().create([](const KeyEvent&) { return TapVerdict::swallow; });
     tap->enable(true);
@@ -208,12 +208,12 @@ TEST_F(LockdownTest, WhatKeysLockInTheServerIsAsBeforeWhenTheLockGoes) {
   const auto connection = server->client();
   LockedState(connection, ServerFeatures::query(*connection)).remember();
   pressAll();  // and that process died
-  { const Desk next(*server); }
+  { const Fixture next(*server); }
   EXPECT_EQ(locked(), before) << "by the next start";
 }
 
 TEST_F(LockdownTest, TheLastWillNeedsNoMainThread) {
-  Desk desk(*server);
+  Fixture desk(*server);
   desk.x11.setLockdown(true);
   ASSERT_EQ(waysOut(serverHotkeys()), 0);
   std::thread([&] { desk.x11.restoreAtExit(false); }).join();
@@ -224,7 +224,7 @@ TEST_F(LockdownTest, TheLastWillStandsWhateverTheMainThreadIsDoing) {
   bool isLost = false;
   for (int round = 0; round < 5; ++round) {
     Witness document(*server);
-    Desk desk(*server);
+    Fixture desk(*server);
     desk.x11.setOnLost([&] { isLost = true; });
     auto windows = desk.blockers();
     desk.cover(windows, 1);
@@ -249,7 +249,7 @@ TEST_F(LockdownTest, TheLastWillStandsWhateverTheMainThreadIsDoing) {
 
 TEST_F(LockdownTest, TheFocusGoesBackToWhoHadItBeforeTheLockThatEnds) {
   Witness first(*server);
-  Desk desk(*server);
+  Fixture desk(*server);
   auto windows = desk.blockers();
   desk.cover(windows, 1);
   for (const auto& window : windows) window->orderOut();  // a grace begins, and somebody turns to something else

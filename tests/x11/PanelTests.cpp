@@ -2,7 +2,7 @@
 #include <xcb/shape.h>
 
 #include "platform/linux/x11/Reply.h"
-#include "tests/x11/Desk.h"
+#include "tests/x11/Fixture.h"
 
 namespace dormel::x11::test {
 namespace {
@@ -25,7 +25,7 @@ class PanelTest : public testing::Test {
 };
 
 TEST_F(PanelTest, CoversInBlackBeforeAnythingIsDrawnThenShowsItsContent) {
-  Desk desk(*server);
+  Fixture desk(*server);
   const auto windows = desk.blockers();
   desk.cover(windows, 1);
   EXPECT_TRUE(isCovered()) << "in the very turn that ordered them in";
@@ -45,7 +45,7 @@ TEST_F(PanelTest, CoversInBlackBeforeAnythingIsDrawnThenShowsItsContent) {
 }
 
 TEST_F(PanelTest, ComesBackWhenAnotherProgramTakesItDown) {
-  Desk desk(*server);
+  Fixture desk(*server);
   const auto windows = desk.blockers();
   desk.cover(windows, 1);
   const auto tree = owned(xcb_query_tree_reply(
@@ -74,7 +74,7 @@ TEST_F(PanelTest, ComesBackWhenAnotherProgramTakesItDown) {
 }
 
 TEST_F(PanelTest, NeverUncoversDuringARebuild) {
-  Desk desk(*server);
+  Fixture desk(*server);
   auto windows = desk.blockers();
   desk.cover(windows, 1);
   Camera camera(*server, DESKTOP);
@@ -92,7 +92,7 @@ TEST_F(PanelTest, NeverUncoversDuringARebuild) {
 
 TEST_F(PanelTest, StaysOnItsScreenWhenThatMovesInPixelsAndNotInPoints) {
   ASSERT_TRUE(server->run({"xrandr", "--output", "DUMMY1", "--primary"}));
-  Desk desk(*server);
+  Fixture desk(*server);
   auto windows = desk.blockers();
   desk.cover(windows, 1);
   // As the session does it: other frames, other windows; the same frames, nothing.
@@ -142,7 +142,7 @@ class FadeTest : public PanelTest, public testing::WithParamInterface<bool> {
 };
 
 TEST_P(FadeTest, IsOneForTheWholeScreenAtEveryMomentOfIt) {
-  Desk desk(*server);
+  Fixture desk(*server);
   const auto windows = desk.blockers();
   desk.cover(windows, 0);
   ASSERT_TRUE(until([&] { return desk.canvases.made.size() == 2; }));
@@ -180,7 +180,7 @@ TEST_P(FadeTest, IsOneForTheWholeScreenAtEveryMomentOfIt) {
 }
 
 TEST_P(FadeTest, GoesFromTheDesktopToBlackAndBack) {
-  Desk desk(*server);
+  Fixture desk(*server);
   const auto windows = desk.blockers();
   desk.cover(windows, 0);
   for (int i = 0; i < 5; ++i) {
@@ -219,7 +219,7 @@ INSTANTIATE_TEST_SUITE_P(Compositor, FadeTest, testing::Bool(),
                          [](const auto& info) { return info.param ? "With" : "Without"; });
 
 TEST_F(PanelTest, ACompositorThatComesOrGoesNeverUncovers) {
-  Desk desk(*server);
+  Fixture desk(*server);
   const auto windows = desk.blockers();
   desk.cover(windows, 0);
   windows[0]->setAlpha(0.5);
@@ -236,7 +236,7 @@ TEST_F(PanelTest, ACompositorThatComesOrGoesNeverUncovers) {
 }
 
 TEST_F(PanelTest, AKeyPanelHearsTheKeysAndGivesTheFocusBack) {
-  Desk desk(*server);
+  Fixture desk(*server);
   std::string story;
   const auto monitor = desk.x11.windows().addLocalKeyDownMonitor([&](const KeyEvent& event) {
     story += "m" + std::to_string(event.keyCode) + " ";
@@ -281,7 +281,7 @@ TEST_F(PanelTest, AKeyPanelHearsTheKeysAndGivesTheFocusBack) {
 }
 
 TEST_P(FadeTest, ThePillIsDraggedByItsGroundAndHasItsOutline) {
-  Desk desk(*server);
+  Fixture desk(*server);
   const auto pill = desk.x11.windows().makeWindow(pillStyle(), {0, 0, 400, 80});
   pill->setContent(std::make_shared<PlainView>());
   EXPECT_EQ(pill->contentFittingSize(), (Size{100, 60}));

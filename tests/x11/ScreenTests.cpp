@@ -2,7 +2,7 @@
 #include <xcb/randr.h>
 
 #include "platform/linux/x11/DisplayScale.h"
-#include "tests/x11/Desk.h"
+#include "tests/x11/Fixture.h"
 
 namespace dormel::x11::test {
 namespace {
@@ -13,7 +13,7 @@ TEST(Screens, AreInPointsFromTheBottomLeftWithTheMainOneFirst) {
   // A bar of 30 pixels on top of everything, as a window manager announces it.
   ASSERT_TRUE(
       server->run({"xprop", "-root", "-format", "_NET_WORKAREA", "32c", "-set", "_NET_WORKAREA", "0, 30, 1440, 570"}));
-  Desk desk(*server);
+  Fixture desk(*server);
   const auto screens = desk.x11.screens().all();
   ASSERT_EQ(screens.size(), 2U);
   EXPECT_EQ(screens[0].name, "DUMMY1");
@@ -26,7 +26,7 @@ TEST(Screens, AreInPointsFromTheBottomLeftWithTheMainOneFirst) {
 
 TEST(Screens, ChangesAreToldAtOnceAndEmptyMomentsAreNot) {
   const auto server = XServer::withTwoMonitors();
-  Desk desk(*server);
+  Fixture desk(*server);
   int notices = 0;
   std::vector<Screen> seen;
   desk.x11.setOnScreensChanged([&] {

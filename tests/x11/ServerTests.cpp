@@ -9,7 +9,7 @@
 #include <cstring>
 #include <thread>
 
-#include "tests/x11/Desk.h"
+#include "tests/x11/Fixture.h"
 
 namespace dormel::x11::test {
 namespace {
@@ -73,7 +73,7 @@ TEST(Server, OneThatRefusesIsLookedForWithoutAWord) {
 
 TEST(Server, WithoutRandRTheRootIsTheScreen) {
   const auto server = XServer::xorg({"-extension", "RANDR"});
-  Desk desk(*server);
+  Fixture desk(*server);
   const auto screens = desk.x11.screens().all();
   ASSERT_EQ(screens.size(), 1U);
   EXPECT_EQ(screens[0].frame, (Rect{0, 0, 1024, 768}));
@@ -83,7 +83,7 @@ TEST(Server, WithoutRandRTheRootIsTheScreen) {
 TEST(Server, WithoutRenderOrACompositorTheLockIsStillBlackWithItsContent) {
   const auto server = XServer::xorg({"-extension", "RENDER", "-extension", "Composite"});
   const Witness desktop(*server);
-  Desk desk(*server);
+  Fixture desk(*server);
   const auto windows = desk.blockers();
   desk.cover(windows, 0.0);
   desk.fade(windows, 1, 0.1);
@@ -101,7 +101,7 @@ TEST(Server, WithoutXInputOrThroughAWaylandBridgeThereIsNoTrustAndNoTap) {
   for (const Case& c : {Case{"MIT-SHM", "MIT-???", true}, Case{"XInputExtension", "XInput?????????", false},
                         Case{"XWAYLAND", "XINERAMA", false}}) {
     const Masquerade front(*server, c.asked, c.answered);
-    Desk desk(front.display());
+    Fixture desk(front.display());
     ASSERT_TRUE(desk.x11.hasDisplay());
     EXPECT_EQ(desk.x11.accessibility().isProcessTrusted(), c.isTrusted) << c.asked;
     const auto tap = desk.x11.eventTaps().create([](const KeyEvent&) { return TapVerdict::pass; });
@@ -115,7 +115,7 @@ TEST(Server, WithoutXInputOrThroughAWaylandBridgeThereIsNoTrustAndNoTap) {
 
 TEST(Server, ItsDeathIsToldOnce) {
   const auto server = XServer::withTwoMonitors();
-  Desk desk(*server);
+  Fixture desk(*server);
   int losses = 0;
   desk.x11.setOnLost([&] { ++losses; });
   const auto windows = desk.blockers();

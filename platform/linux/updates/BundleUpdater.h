@@ -1,4 +1,4 @@
-// The updater of a bundle: decides when to look, keeps the flags, and puts the helper's verdicts into words. Between
+// The updater of a bundle: decides when to look, keeps the flags, and puts the helper's results into words. Between
 // two looks it is one timer that wakes once an hour: often enough to notice that the machine slept or its clock was
 // set. Main thread.
 #pragma once

@@ -51,7 +51,7 @@ std::optional<std::vector<FeedEntry>> parseFeed(std::string_view text) {
   const auto format = root.find("format");
   if (format == root.end() || !format->is_number_integer() || *format != FORMAT) return {};
   const auto updates = root.find("updates");
-  if (updates == root.end() || !updates->is_array() || updates->size() > MOST_OFFERS) return {};
+  if (updates == root.end() || !updates->is_array() || updates->size() > MOST_ENTRIES) return {};
   std::vector<FeedEntry> entries;
   for (const Json& update : *updates) {
     auto entry = entryFrom(update);

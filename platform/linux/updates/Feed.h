@@ -21,7 +21,7 @@ namespace dormel::updates {
 
 inline constexpr std::size_t LARGEST_FEED = std::size_t{1024} * 1024;
 inline constexpr std::uint64_t LARGEST_ARCHIVE = std::uint64_t{128} * 1024 * 1024;
-inline constexpr std::size_t MOST_OFFERS = 100;
+inline constexpr std::size_t MOST_ENTRIES = 100;
 
 /// One update that is offered. Nothing of it is known to be true until the archive's signature was checked.
 struct FeedEntry {

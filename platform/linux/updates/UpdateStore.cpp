@@ -19,8 +19,8 @@ namespace fs = std::filesystem;
 
 constexpr const char* ARCHIVE = "archive";
 constexpr const char* COMING = "archive.part";
-constexpr const char* OFFER = "update.json";
-constexpr std::uintmax_t LARGEST_OFFER = 16'384;
+constexpr const char* ENTRY = "update.json";
+constexpr std::uintmax_t LARGEST_ENTRY = 16'384;
 
 FileError lastError() { return {std::generic_category().message(errno)}; }
 
@@ -50,7 +50,7 @@ bool UpdateStore::exists() const {
 }
 
 std::optional<FeedEntry> UpdateStore::staged() const {
-  const auto text = readFile(in(OFFER), [](std::uintmax_t size) { return size <= LARGEST_OFFER; });
+  const auto text = readFile(in(ENTRY), [](std::uintmax_t size) { return size <= LARGEST_ENTRY; });
   return text ? parseEntry(*text) : std::nullopt;
 }
 
@@ -80,9 +80,9 @@ FileResult UpdateStore::keep(const FeedEntry& entry, std::string_view archive) c
   if (auto failure = files.writeAtomically(in(COMING), archive)) return failure;
   // In this order a description never stands beside an archive that it does not belong to.
   std::error_code ignored;
-  fs::remove(in(OFFER), ignored);
+  fs::remove(in(ENTRY), ignored);
   FileResult failure = files.rename(in(COMING), in(ARCHIVE));
-  if (!failure) failure = files.writeAtomically(in(OFFER), write(entry));
+  if (!failure) failure = files.writeAtomically(in(ENTRY), write(entry));
   if (failure) clear();
   return failure;
 }
@@ -103,7 +103,7 @@ void UpdateStore::removeFolder(const std::string& name) const {
 
 void UpdateStore::clear() const {
   std::error_code ignored;
-  if (isOurs()) fs::remove(in(OFFER), ignored);
+  if (isOurs()) fs::remove(in(ENTRY), ignored);
   fs::remove_all(folder_, ignored);  // of a link, the link
 }
 

@@ -4,7 +4,7 @@
 //   update check [--fetch] [--idle SECONDS]    read the feed; fetch, verify and keep what is newer
 //   update install                             put in place what was kept
 //
-// Prints verdicts, a line each, of which the last counts; what an operator wants to know goes to standard error.
+// Prints results, a line each, of which the last counts; what an operator wants to know goes to standard error.
 // Exit status: 0; 64 wrong usage; 78 the bundle names no feed or no key.
 #include <sys/resource.h>
 

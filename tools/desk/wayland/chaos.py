@@ -1,4 +1,4 @@
-"""What may go wrong around the program on a Wayland desktop: tools/chaos --desktop NAME plays these trials."""
+"""What may go wrong around the program on a Wayland desktop: tests/chaos/run --desktop NAME plays these trials."""
 
 import os
 import signal
@@ -14,7 +14,7 @@ from .witness import Overlay, Witness
 
 
 def trials(base, promise, compositor):
-    """By their names; `base` is what every trial has (tools/chaos)."""
+    """By their names; `base` is what every trial has (tests/chaos/run)."""
 
     class Trial(base):
         def play(self):

@@ -20,9 +20,9 @@ class BlankCard : public View {
   [[nodiscard]] ViewKind kind() const override { return ViewKind::accessibilityCard; }
 };
 
-class Night {
+class NightFixture {
  public:
-  Night() : machine(startOptions()) {
+  NightFixture() : machine(startOptions()) {
     setHours(22, 6);
     machine.defaults.putBoolean(defaultsKey::onboardingComplete, true);
     machine.keyboard.setIdle(InputKind::mouseMoved, 12.5);

@@ -1,4 +1,4 @@
-#include "tools/night-runner/Night.h"
+#include "tests/nights/RandomNight.h"
 
 #include <algorithm>
 #include <array>
@@ -13,7 +13,7 @@ constexpr std::int64_t MINUTE = 60 * SECOND;
 constexpr std::int64_t HOUR = 60 * MINUTE;
 
 /// Answers how many seconds before the start hour it begins.
-std::int64_t drawSchedule(Night& night, Dice& dice) {
+std::int64_t drawSchedule(RandomNight& night, Dice& dice) {
   if (dice.percent(85)) {
     night.startHour = static_cast<int>(dice.between(20, 26) % 24);
     night.endHour = 6;
@@ -44,7 +44,7 @@ std::int64_t drawSchedule(Night& night, Dice& dice) {
 }
 
 /// Somebody who cannot sleep: holds on, is free for five minutes, is locked again, holds on.
-void drawSleepless(Night& night, Dice& dice) {
+void drawSleepless(RandomNight& night, Dice& dice) {
   std::int64_t at = dice.between(20, 200) * SECOND;
   std::int64_t enough = 30 * SECOND;
   while (at < night.length) {
@@ -57,7 +57,7 @@ void drawSleepless(Night& night, Dice& dice) {
 }
 
 /// Somebody who goes through the whole test run, or nearly.
-void drawRehearsal(Night& night, Dice& dice) {
+void drawRehearsal(RandomNight& night, Dice& dice) {
   std::int64_t at = dice.between(5, 60) * SECOND;
   night.happenings.push_back({at, Kind::test, {}});
   at += dice.spread(100, 20 * SECOND);
@@ -69,7 +69,7 @@ void drawRehearsal(Night& night, Dice& dice) {
 }
 
 /// Dice of its own: what else happens in a night does not depend on it.
-void drawDesktop(Night& night) {
+void drawDesktop(RandomNight& night) {
   using Desktop = SimCompositor::Desktop;
   Dice dice(night.seed ^ 0x5DEECE66DU);
   if (dice.percent(35)) return;
@@ -89,9 +89,9 @@ void drawDesktop(Night& night) {
 
 }  // namespace
 
-Night Night::drawn(std::uint64_t seed) {
+RandomNight RandomNight::drawn(std::uint64_t seed) {
   Dice dice(seed);
-  Night night;
+  RandomNight night;
   night.seed = seed;
   night.opened = dice.percent(10);
   const std::int64_t secondsToStart = drawSchedule(night, dice);
@@ -128,7 +128,7 @@ Night Night::drawn(std::uint64_t seed) {
   return night;
 }
 
-std::string Night::text() const {
+std::string RandomNight::text() const {
   std::ostringstream line;
   const auto days = std::chrono::floor<std::chrono::days>(begin);
   const std::chrono::year_month_day date(days);

@@ -1,4 +1,4 @@
-"""Ways around the lock on a Wayland compositor, each tried on the real program: tools/ways --desktop NAME."""
+"""Ways around the lock on a Wayland compositor, each tried on the real program: tests/bypass/run --desktop NAME."""
 
 import os
 import shutil

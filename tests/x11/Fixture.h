@@ -47,9 +47,9 @@ class PlainCanvases : public CanvasFactory {
 
 constexpr std::uint32_t CANVAS_COLOUR = 0xffe0c080;
 
-struct Desk {
-  explicit Desk(const XServer& server) : Desk(server.display()) {}
-  explicit Desk(const std::string& display) : x11(loop(), canvases, clock, display) {}
+struct Fixture {
+  explicit Fixture(const XServer& server) : Fixture(server.display()) {}
+  explicit Fixture(const std::string& display) : x11(loop(), canvases, clock, display) {}
   /// Blockers over all screens, with content, as a lock has them: not ordered in.
   [[nodiscard]] std::vector<std::shared_ptr<Window>> blockers();
   void cover(const std::vector<std::shared_ptr<Window>>& windows, double alpha);

@@ -8,7 +8,7 @@
 #include <optional>
 #include <string>
 
-#include "tools/night-runner/Dice.h"
+#include "tests/nights/Dice.h"
 
 namespace dormel::nights {
 

@@ -1,4 +1,4 @@
-#include "tools/night-runner/Happening.h"
+#include "tests/nights/Happening.h"
 
 #include <algorithm>
 #include <sstream>

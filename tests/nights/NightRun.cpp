@@ -1,4 +1,4 @@
-#include "tools/night-runner/NightRun.h"
+#include "tests/nights/NightRun.h"
 
 #include <algorithm>
 #include <array>
@@ -33,13 +33,13 @@ std::string momentText(std::chrono::sys_seconds moment) {
   return text.data();
 }
 
-SimMachine::Options options(const Night& night) {
+SimMachine::Options options(const RandomNight& night) {
   return {night.seed, momentText(night.begin - std::chrono::minutes(ZONE)), false};
 }
 
 class Player {
  public:
-  explicit Player(const Night& night) : night_(night), machine_(options(night)) {}
+  explicit Player(const RandomNight& night) : night_(night), machine_(options(night)) {}
   Player(const Player&) = delete;
   Player& operator=(const Player&) = delete;
   ~Player() {
@@ -525,7 +525,7 @@ class Player {
     });
   }
 
-  const Night& night_;
+  const RandomNight& night_;
   SimMachine machine_;
   SimPainter painter_{machine_.timeline};
   std::unique_ptr<paint::PaintedCanvases> canvases_;  // of the process that runs
@@ -548,7 +548,7 @@ class Player {
 
 }  // namespace
 
-Outcome play(const Night& night, bool withJournal) {
+Outcome play(const RandomNight& night, bool withJournal) {
   // The machine goes last: what the program made refers to it.
   Player player(night);
   return player.play(withJournal);

@@ -1,4 +1,4 @@
-#include "tests/x11/Desk.h"
+#include "tests/x11/Fixture.h"
 
 #include <cmath>
 
@@ -62,7 +62,7 @@ WindowStyle pillStyle() {
   return style;
 }
 
-std::vector<std::shared_ptr<Window>> Desk::blockers() {
+std::vector<std::shared_ptr<Window>> Fixture::blockers() {
   std::vector<std::shared_ptr<Window>> windows;
   for (const Screen& screen : x11.screens().all()) {
     windows.push_back(x11.windows().makeWindow(blockerStyle(), screen.frame));
@@ -71,7 +71,7 @@ std::vector<std::shared_ptr<Window>> Desk::blockers() {
   return windows;
 }
 
-void Desk::cover(const std::vector<std::shared_ptr<Window>>& windows, double alpha) {
+void Fixture::cover(const std::vector<std::shared_ptr<Window>>& windows, double alpha) {
   for (const auto& window : windows) {
     window->setAlpha(alpha);
     window->makeKeyAndOrderFront();
@@ -79,7 +79,7 @@ void Desk::cover(const std::vector<std::shared_ptr<Window>>& windows, double alp
   }
 }
 
-void Desk::fade(const std::vector<std::shared_ptr<Window>>& windows, double alpha, Seconds duration) {
+void Fixture::fade(const std::vector<std::shared_ptr<Window>>& windows, double alpha, Seconds duration) {
   x11.windows().animateAlpha(windows, alpha, duration, TimingCurve::easeOut, [this] { ++completions; });
 }
 

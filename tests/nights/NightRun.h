@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "tools/night-runner/Night.h"
-#include "tools/night-runner/NightWatch.h"
+#include "tests/nights/NightWatch.h"
+#include "tests/nights/RandomNight.h"
 
 namespace dormel::nights {
 
@@ -16,6 +16,6 @@ struct Outcome {
 };
 
 /// Plays it from beginning to end, or to the first fault. The same night always goes the same way.
-[[nodiscard]] Outcome play(const Night& night, bool withJournal = false);
+[[nodiscard]] Outcome play(const RandomNight& night, bool withJournal = false);
 
 }  // namespace dormel::nights

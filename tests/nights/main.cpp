@@ -16,7 +16,7 @@
 #include <string_view>
 #include <vector>
 
-#include "tools/night-runner/Shrink.h"
+#include "tests/nights/Shrink.h"
 
 namespace dormel::nights {
 namespace {
@@ -52,7 +52,7 @@ std::string told(const Fault& fault) {
   return std::string("  rule   ") + rule.name + ": " + rule.meaning + "\n  seen   " + fault.what + "\n";
 }
 
-std::string listed(const Night& night) {
+std::string listed(const RandomNight& night) {
   std::ostringstream text;
   text << "night " << night.seed << "   # " << night.text() << "\n";
   for (const Happening& happening : night.happenings) {
@@ -61,13 +61,13 @@ std::string listed(const Night& night) {
   return text.str();
 }
 
-void tellFault(const Night& night, const Fault& fault) {
-  const Night small = shrunk(night, fault.rule);
+void tellFault(const RandomNight& night, const Fault& fault) {
+  const RandomNight small = shrunk(night, fault.rule);
   const Fault last = play(small).fault.value_or(fault);
   print("Night " + std::to_string(night.seed) + " breaks a rule.\n" + told(fault) + "\n" + listed(small) +
-        "\n  there  " + last.what + "\n\nAll of it: tools/nights --replay " + std::to_string(night.seed) + ". These " +
-        std::to_string(small.happenings.size()) + " of " + std::to_string(night.happenings.size()) +
-        " happenings: save the list above, tools/nights --events FILE.\n");
+        "\n  there  " + last.what + "\n\nAll of it: tests/nights/run --replay " + std::to_string(night.seed) +
+        ". These " + std::to_string(small.happenings.size()) + " of " + std::to_string(night.happenings.size()) +
+        " happenings: save the list above, tests/nights/run --events FILE.\n");
   std::fflush(stdout);
 }
 
@@ -76,7 +76,7 @@ bool playNights(const Request& request, std::uint64_t first, Progress& progress)
   for (std::uint64_t i = first; i < request.count; i += static_cast<std::uint64_t>(request.jobs)) {
     const std::uint64_t seed = request.seed + i;
     progress.seed = seed;
-    const Night night = Night::drawn(seed);
+    const RandomNight night = RandomNight::drawn(seed);
     if (const auto fault = play(night).fault) {
       tellFault(night, *fault);
       return false;
@@ -126,7 +126,7 @@ int run(const Request& request) {
   return good ? 0 : 1;
 }
 
-int replay(const Night& night) {
+int replay(const RandomNight& night) {
   const Outcome outcome = play(night, true);
   print(listed(night) + "\n");
   for (const std::string& line : outcome.journal) print(line + "\n");
@@ -139,7 +139,7 @@ int replayFile(const std::string& path) {
   std::ifstream file;
   if (path != "-") file.open(path);
   std::istream& in = path == "-" ? std::cin : file;
-  std::optional<Night> night;
+  std::optional<RandomNight> night;
   for (std::string line; std::getline(in, line);) {
     line.erase(std::min(line.find('#'), line.size()));
     if (line.find_first_not_of(" \t") == std::string::npos) continue;
@@ -147,7 +147,7 @@ int replayFile(const std::string& path) {
     std::string word;
     std::uint64_t seed = 0;
     if (words >> word >> seed && word == "night") {
-      night = Night::drawn(seed);
+      night = RandomNight::drawn(seed);
       night->happenings.clear();
       continue;
     }
@@ -185,7 +185,7 @@ int main(const std::vector<std::string>& arguments) {
     const std::string value = i + 1 < arguments.size() ? arguments[++i] : std::string();
     std::uint64_t seed = 0;
     if (name == "--events" && !value.empty()) return replayFile(value);
-    if (name == "--replay" && parse(value, seed)) return replay(Night::drawn(seed));
+    if (name == "--replay" && parse(value, seed)) return replay(RandomNight::drawn(seed));
     const bool understood = (name == "--seed" && parse(value, request.seed)) ||
                             (name == "--count" && parse(value, request.count)) ||
                             (name == "--jobs" && parse(value, request.jobs) && request.jobs >= 1);

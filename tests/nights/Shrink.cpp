@@ -1,4 +1,4 @@
-#include "tools/night-runner/Shrink.h"
+#include "tests/nights/Shrink.h"
 
 #include <algorithm>
 #include <utility>
@@ -6,18 +6,18 @@
 namespace dormel::nights {
 namespace {
 
-bool breaks(const Night& night, Rule rule) {
+bool breaks(const RandomNight& night, Rule rule) {
   const auto fault = play(night).fault;
   return fault && fault->rule == rule;
 }
 
 /// Takes away parts of the list, halves first, then ever smaller ones, as long as the fault stays.
-void takeAway(Night& night, Rule rule) {
+void takeAway(RandomNight& night, Rule rule) {
   std::size_t part = std::max<std::size_t>(1, night.happenings.size() / 2);
   for (;;) {
     bool any = false;
     for (std::size_t from = 0; from < night.happenings.size();) {
-      Night fewer = night;
+      RandomNight fewer = night;
       const auto first = fewer.happenings.begin() + static_cast<std::ptrdiff_t>(from);
       const std::size_t count = std::min(part, fewer.happenings.size() - from);
       fewer.happenings.erase(first, first + static_cast<std::ptrdiff_t>(count));
@@ -34,11 +34,11 @@ void takeAway(Night& night, Rule rule) {
 }
 
 /// Halves the numbers as long as the fault stays.
-void simplify(Night& night, Rule rule) {
+void simplify(RandomNight& night, Rule rule) {
   for (std::size_t i = 0; i < night.happenings.size(); ++i) {
     for (std::size_t k = 0; k < 3; ++k) {
       for (;;) {
-        Night simpler = night;
+        RandomNight simpler = night;
         std::int64_t& number = simpler.happenings[i].n.at(k);
         if (number == 0) break;
         number /= 2;
@@ -51,7 +51,7 @@ void simplify(Night& night, Rule rule) {
 
 }  // namespace
 
-Night shrunk(Night night, Rule rule) {
+RandomNight shrunk(RandomNight night, Rule rule) {
   takeAway(night, rule);
   simplify(night, rule);
   takeAway(night, rule);

@@ -7,7 +7,7 @@
 
 #include "core/AppSupport.h"
 #include "core/Config.h"
-#include "tools/night-runner/NightWatch.h"
+#include "tests/nights/NightWatch.h"
 
 namespace dormel::nights {
 namespace {

@@ -8,14 +8,14 @@
 #include <vector>
 
 #include "platform/sim/SimCompositor.h"
-#include "tools/night-runner/Happening.h"
+#include "tests/nights/Happening.h"
 
 namespace dormel::nights {
 
 /// What the record file holds before the night.
 enum class Records { none, few, old, malformed };
 
-struct Night {
+struct RandomNight {
   std::uint64_t seed = 0;
 
   /// True: the user opened the program and rehearses; else the scheduler starts it.
@@ -43,7 +43,7 @@ struct Night {
 
   std::vector<Happening> happenings;  ///< in order
 
-  [[nodiscard]] static Night drawn(std::uint64_t seed);
+  [[nodiscard]] static RandomNight drawn(std::uint64_t seed);
   /// What was drawn, but for the happenings, on one line.
   [[nodiscard]] std::string text() const;
 };
