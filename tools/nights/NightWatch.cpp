@@ -1,6 +1,6 @@
 // When it looks, the process's life, and what is said on standard output. The state of the lock and the files have
 // sources of their own.
-#include "tests/nights/NightWatch.h"
+#include "tools/nights/NightWatch.h"
 
 #include <algorithm>
 

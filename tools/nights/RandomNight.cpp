@@ -1,4 +1,4 @@
-#include "tests/nights/RandomNight.h"
+#include "tools/nights/RandomNight.h"
 
 #include <algorithm>
 #include <array>

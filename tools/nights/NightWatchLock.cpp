@@ -6,7 +6,7 @@
 #include "core/Config.h"
 #include "platform/common/paint/PlainLines.h"
 #include "platform/sim/SimPainter.h"
-#include "tests/nights/NightWatch.h"
+#include "tools/nights/NightWatch.h"
 
 namespace dormel::nights {
 namespace {

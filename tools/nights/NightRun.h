@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "tests/nights/NightWatch.h"
-#include "tests/nights/RandomNight.h"
+#include "tools/nights/NightWatch.h"
+#include "tools/nights/RandomNight.h"
 
 namespace dormel::nights {
 

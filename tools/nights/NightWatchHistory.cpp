@@ -6,7 +6,7 @@
 
 #include "core/Config.h"
 #include "engine/NightReport.h"
-#include "tests/nights/NightWatch.h"
+#include "tools/nights/NightWatch.h"
 
 namespace dormel::nights {
 namespace {

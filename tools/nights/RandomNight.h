@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "platform/sim/SimCompositor.h"
-#include "tests/nights/Happening.h"
+#include "tools/nights/Happening.h"
 
 namespace dormel::nights {
 

@@ -8,7 +8,7 @@
 #include <optional>
 #include <string>
 
-#include "tests/nights/Dice.h"
+#include "tools/nights/Dice.h"
 
 namespace dormel::nights {
 

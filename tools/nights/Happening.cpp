@@ -1,4 +1,4 @@
-#include "tests/nights/Happening.h"
+#include "tools/nights/Happening.h"
 
 #include <algorithm>
 #include <sstream>

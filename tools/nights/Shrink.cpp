@@ -1,4 +1,4 @@
-#include "tests/nights/Shrink.h"
+#include "tools/nights/Shrink.h"
 
 #include <algorithm>
 #include <utility>

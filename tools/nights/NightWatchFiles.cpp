@@ -7,7 +7,7 @@
 
 #include "core/AppSupport.h"
 #include "core/Config.h"
-#include "tests/nights/NightWatch.h"
+#include "tools/nights/NightWatch.h"
 
 namespace dormel::nights {
 namespace {

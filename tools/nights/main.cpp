@@ -16,7 +16,7 @@
 #include <string_view>
 #include <vector>
 
-#include "tests/nights/Shrink.h"
+#include "tools/nights/Shrink.h"
 
 namespace dormel::nights {
 namespace {
@@ -65,9 +65,9 @@ void tellFault(const RandomNight& night, const Fault& fault) {
   const RandomNight small = shrunk(night, fault.rule);
   const Fault last = play(small).fault.value_or(fault);
   print("Night " + std::to_string(night.seed) + " breaks a rule.\n" + told(fault) + "\n" + listed(small) +
-        "\n  there  " + last.what + "\n\nAll of it: tests/nights/run --replay " + std::to_string(night.seed) +
+        "\n  there  " + last.what + "\n\nAll of it: tools/nights/run --replay " + std::to_string(night.seed) +
         ". These " + std::to_string(small.happenings.size()) + " of " + std::to_string(night.happenings.size()) +
-        " happenings: save the list above, tests/nights/run --events FILE.\n");
+        " happenings: save the list above, tools/nights/run --events FILE.\n");
   std::fflush(stdout);
 }
 

@@ -1,4 +1,4 @@
-#include "tests/nights/NightRun.h"
+#include "tools/nights/NightRun.h"
 
 #include <algorithm>
 #include <array>

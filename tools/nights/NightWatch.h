@@ -15,7 +15,7 @@
 
 #include "overlay/BlockerOverlayView.h"
 #include "platform/sim/SimMachine.h"
-#include "tests/nights/Rules.h"
+#include "tools/nights/Rules.h"
 
 namespace dormel::nights {
 

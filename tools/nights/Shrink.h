@@ -1,7 +1,7 @@
 // Finds the few happenings of a night that are enough to break the same rule.
 #pragma once
 
-#include "tests/nights/NightRun.h"
+#include "tools/nights/NightRun.h"
 
 namespace dormel::nights {
 
