@@ -36,12 +36,31 @@ def rounds(name, usual):
     return int(os.environ.get(name, usual))
 
 
+class DarkeningNight(Night):
+    """Looks on while the screens darken. `shades`: (time, the brightest channel at a corner of the first monitor)."""
+
+    def see_lock(self, pid, mark):
+        first = self.desk.eyes.monitors()[0]
+        self.shades = []
+
+        def black():
+            shade = max(self.shell_corner(first))
+            self.shades.append((time.monotonic(), shade))
+            return shade == 0
+
+        until("the lock has darkened", black, 15, every=0.05)
+        super().see_lock(pid, mark)
+
+    def shell_corner(self, monitor):
+        return self.desk.server.rectangle(monitor.x + 5, monitor.y + monitor.height - 20, 1, 1).pixel(0, 0)
+
+
 class GuardTest(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
         cls.desk = cls.enterClassContext(GnomeDesk(prepare=extension.install))
         cls.shell = cls.desk.server
-        cls.night = Night(cls.desk, Bundle(cls.desk).install(), lambda *_: None)
+        cls.night = DarkeningNight(cls.desk, Bundle(cls.desk).install(), lambda *_: None)
         cls.night.arm()
 
     def setUp(self):
@@ -76,6 +95,19 @@ class GuardTest(unittest.TestCase):
         self.saw(f"{covered} frames covered, {bare} not")
         self.assertEqual(bare, 0)
         self.assertGreater(covered, 0)
+
+    def test_darkened_slowly_with_the_keys_taken(self):
+        """Over 2.5 s, also where the desktop's own animations are off, and nobody else hears a key meanwhile."""
+        shades = self.night.shades
+        lit = shades[0][1]
+        began = next(at for at, shade in shades if shade < lit)
+        between = [shade for _, shade in shades if 0 < shade < lit]
+        self.saw(f"dark {shades[-1][0] - began:.2f} s after it began; on the way {between}")
+        self.assertEqual(between, sorted(between, reverse=True))
+        self.assertGreater(len({shade for shade in between if 0.2 * lit < shade < 0.8 * lit}), 2)
+        self.assertAlmostEqual(shades[-1][0] - began, 2.5, delta=0.7)
+        taken = next(at for at, focused in self.desk.witness.focus if at > self.night.began and not focused)
+        self.assertLess(taken, began)
 
     def test_killed_again_and_again(self):
         took = []

@@ -110,7 +110,7 @@ export class Cover {
         actor.dormelLevel = panel.level;
         actor.remove_all_transitions();
         const opacity = Math.round(255 * panel.alpha);
-        if (panel.fade > 0)
+        if (panel.fade > 0 && actor.mapped)  // what nobody sees has no frames to move by
             this._fade(actor, opacity, panel);
         else
             actor.opacity = opacity;
@@ -121,16 +121,21 @@ export class Cover {
             this._panels.set_child_below_sibling(actor, above);
     }
 
-    // By our own transition: `ease` is at its end at once where the desktop has animations switched off, and the
-    // program, which waits for the end, would show nothing for as long.
+    // A transition made by hand: where the desktop has animations switched off (as it does by itself in most virtual
+    // machines) the shell makes `ease` and `set_easing_duration` end at once, and the program, which waits for the end,
+    // would show black where it means to darken slowly.
     _fade(actor, opacity, {fade, curve}) {
-        const modes = [Clutter.AnimationMode.LINEAR, Clutter.AnimationMode.EASE_IN_QUAD,
-            Clutter.AnimationMode.EASE_OUT_QUAD, Clutter.AnimationMode.EASE_IN_OUT_QUAD];
-        actor.save_easing_state();
-        actor.set_easing_duration(fade);
-        actor.set_easing_mode(modes[curve]);
-        actor.opacity = opacity;
-        actor.restore_easing_state();
+        const modes = [Clutter.AnimationMode.LINEAR, Clutter.AnimationMode.EASE_IN,
+            Clutter.AnimationMode.EASE_OUT, Clutter.AnimationMode.EASE_IN_OUT];
+        const transition = new Clutter.PropertyTransition({
+            property_name: 'opacity',
+            interval: new Clutter.Interval({value_type: GObject.TYPE_UINT}),
+            duration: fade,
+            progress_mode: modes[curve],
+            remove_on_complete: true,
+        });
+        actor.add_transition('opacity', transition);
+        transition.set_to(opacity);
     }
 
     _hear(actor, id, onPointer) {
