@@ -1,5 +1,6 @@
 #include "app/AgentManager.h"
 
+#include "app/AppInstaller.h"
 #include "app/CommandLine.h"
 #include "core/Config.h"
 #include "core/Constants.h"
@@ -8,6 +9,7 @@
 #include "platform/Files.h"
 #include "platform/Platform.h"
 #include "platform/Process.h"
+#include "platform/Workspace.h"
 
 namespace dormel::AgentManager {
 namespace {
@@ -20,12 +22,25 @@ std::string domainTarget() { return "gui/" + std::to_string(platform().process.u
 
 std::string serviceTarget() { return domainTarget() + "/" + BUNDLE_IDENTIFIER; }
 
+/// The program that the stored job starts.
+std::optional<std::string> storedProgram() {
+  const auto xml = platform().files.read(plistPath());
+  const auto job = xml ? readXmlPropertyList(*xml) : std::nullopt;
+  const auto* entries = job ? job->as<PropertyListDictionary>() : nullptr;
+  if (entries == nullptr || !entries->contains("ProgramArguments")) return {};
+  const auto* arguments = entries->at("ProgramArguments").as<PropertyListArray>();
+  const auto* program = arguments == nullptr || arguments->empty() ? nullptr : arguments->front().as<std::string>();
+  return program == nullptr ? std::nullopt : std::optional(*program);
+}
+
 }  // namespace
 
 std::string executablePath() {
   if (const auto executable = platform().bundle.executablePath()) return *executable;
   return cliArgs.empty() ? std::string() : cliArgs.front();
 }
+
+std::string bundleOf(const std::string& executable) { return executable.substr(0, executable.rfind("/Contents/")); }
 
 std::string plistPath() { return folder() + "/" + BUNDLE_IDENTIFIER + ".plist"; }
 
@@ -61,6 +76,16 @@ bool install(const std::string& executable) {
   }
   return reload();
 }
+
+std::optional<std::string> otherCopy() {
+  const auto program = storedProgram();
+  if (!program || !platform().files.exists(*program)) return {};
+  if (platform().workspace.isSameFile(*program, executablePath())) return {};
+  // One that lies in the wrong place refuses to lock.
+  return AppInstaller::mayLock(bundleOf(*program)) ? program : std::nullopt;
+}
+
+bool rearm() { return install(otherCopy().value_or(executablePath())); }
 
 bool reload() {
   run(TOOL, {"bootout", serviceTarget()});

@@ -131,20 +131,36 @@ void AppDelegate::installMainMenu() {
 }
 
 void AppDelegate::selfHeal() {
-  if (!AppInstaller::isInItsPlace() || AgentManager::isLoaded()) return;
+  if (!AppInstaller::isInItsPlace()) return;
+  if (AgentManager::isLoaded()) return sayWhoLocks();
   if (needsApproval()) {
     trace("self-heal: Dormel is switched off in Login Items — asking the user");
     if (Config::blockingEnabled()) beginLoginItemsRecovery();
     return;
   }
-  if (AgentManager::install()) {
+  if (AgentManager::rearm()) {
     print("Self-heal: LaunchAgent not loaded — re-armed.");
     trace("self-heal: agent not loaded at Settings launch — re-armed");
-    return;
+    return sayWhoLocks();
   }
   if (!Config::blockingEnabled()) return;
   trace("self-heal: re-arm bootstrap FAILED — asking the user");
   beginLoginItemsRecovery();
+}
+
+void AppDelegate::sayWhoLocks() {
+  const auto program = AgentManager::otherCopy();
+  if (!program) return;
+  alert_ = platform().alerts.show(
+      {AlertStyle::informational,
+       translate("Another copy of Dormel does the locking"),
+       translate("It is %1. What you set here holds for it, too.\n\nTo have this copy lock instead, remove that one, "
+                 "then open this one again.",
+                 {AgentManager::bundleOf(*program)}),
+       {translate("OK")}},
+      [weak = weak_from_this()](int) {
+        if (const auto self = weak.lock()) self->alert_.reset();
+      });
 }
 
 void AppDelegate::beginLoginItemsRecovery() {
@@ -178,7 +194,7 @@ void AppDelegate::didBecomeActive() {
   if (isLaunch && !switchSeenOff_) return;
   awaitingLoginItemsFix_ = false;
   recoveryAlert_.reset();
-  if (!AgentManager::isLoaded()) AgentManager::install();
+  if (!AgentManager::isLoaded()) AgentManager::rearm();
   trace("self-heal: Login Items switched back on — agent re-armed");
 }
 
@@ -186,10 +202,10 @@ void AppDelegate::finishOnboarding() {
   platform().defaults.set(defaultsKey::onboardingComplete, {true});
   Config::seedClockFormatFromSystem();
   showSettings();
-  if (AgentManager::install()) {
+  if (AgentManager::rearm()) {
     print("Onboarding complete — scheduler armed (lock " + std::to_string(Config::startHour()) + ":00 → " +
           std::to_string(Config::endHour()) + ":00).");
-    return;
+    return sayWhoLocks();
   }
   print("Onboarding complete but the scheduler could NOT be armed.");
   beginLoginItemsRecovery();
@@ -248,7 +264,7 @@ SettingsView::Hooks AppDelegate::settingsHooks() {
   return {weakly(&AppDelegate::testNow),
           weakly(&AppDelegate::showOnboardingPreview),
           weakly(&AppDelegate::confirmUninstall),
-          [] { return AgentManager::install(); },
+          AgentManager::rearm,
           weakly(&AppDelegate::beginLoginItemsRecovery),
           weakly(&AppDelegate::handleReopen),
           weakly(&AppDelegate::showNights)};

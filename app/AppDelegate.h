@@ -70,6 +70,8 @@ class AppDelegate : public ApplicationDelegate, public std::enable_shared_from_t
   bool putUpdateInPlace();
   void installMainMenu();
   void selfHeal();
+  /// Says so where another copy has the job. Two that both took it would take it from each other without end.
+  void sayWhoLocks();
   void recoveryAnswered(bool opens);
   void present(std::unique_ptr<MainWindow> window);
   void presentOnboarding(std::shared_ptr<OnboardingView> view);

@@ -12,6 +12,7 @@
 #include "platform/Files.h"
 #include "platform/Platform.h"
 #include "platform/Process.h"
+#include "platform/PropertyList.h"
 #include "platform/RunLoop.h"
 #include "platform/Texts.h"
 #include "platform/Workspace.h"
@@ -55,6 +56,14 @@ bool isAppRunning(const std::string& bundle) {
   const auto running = workspace.runningBundles();
   return std::any_of(running.begin(), running.end(),
                      [&](const std::string& path) { return workspace.standardized(path) == wanted; });
+}
+
+bool isInApplicationsFolder(const std::string& bundle) {
+  Workspace& workspace = platform().workspace;
+  const std::string folder = workspace.standardized(parent(bundle));
+  const auto folders = workspace.applicationsDirectories();
+  return std::any_of(folders.begin(), folders.end(),
+                     [&](const std::string& candidate) { return workspace.standardized(candidate) == folder; });
 }
 
 /// The file of this bundle at `own`, in the copy at `bundle`.
@@ -104,7 +113,10 @@ void move() {
   stripQuarantine(destination);
   // The job must name the copy that stays: this one is about to be thrown away by its user, and a scheduled start of
   // it would end at once because it is in the wrong place.
-  if (Config::onboardingComplete()) AgentManager::install(inCopy(destination, AgentManager::executablePath()));
+  // Another copy that locks goes on doing so.
+  if (Config::onboardingComplete()) {
+    AgentManager::install(AgentManager::otherCopy().value_or(inCopy(destination, AgentManager::executablePath())));
+  }
   relaunch(destination);
 }
 
@@ -173,15 +185,19 @@ bool moveToApplicationsFolderIfNeeded(bool isScheduled) {
   return false;
 }
 
-bool isInApplicationsFolder() {
-  Workspace& workspace = platform().workspace;
-  const std::string folder = workspace.standardized(parent(bundlePath()));
-  const auto folders = workspace.applicationsDirectories();
-  return std::any_of(folders.begin(), folders.end(),
-                     [&](const std::string& candidate) { return workspace.standardized(candidate) == folder; });
-}
+bool isInApplicationsFolder() { return isInApplicationsFolder(bundlePath()); }
 
 bool isInItsPlace() { return platform().bundle.isPackaged() || isInApplicationsFolder(); }
+
+bool mayLock(const std::string& bundle) {
+  if (isInApplicationsFolder(bundle)) return true;
+  const auto xml = platform().files.read(bundle + "/Contents/Info.plist");
+  const auto info = xml ? readXmlPropertyList(*xml) : std::nullopt;
+  const auto* entries = info ? info->as<PropertyListDictionary>() : nullptr;
+  if (entries == nullptr || !entries->contains("DormelPackagePlace")) return false;
+  const auto* place = entries->at("DormelPackagePlace").as<std::string>();
+  return place != nullptr && *place == bundle;
+}
 
 bool isRunningFromDMG() { return platform().workspace.isOnReadOnlyImage(bundlePath()); }
 

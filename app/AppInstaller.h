@@ -17,6 +17,9 @@ namespace dormel::AppInstaller {
 /// Whether the bundle may stay where it stands: there, or where the system's package put it.
 [[nodiscard]] bool isInItsPlace();
 
+/// Whether another bundle stands where a scheduled run of it locks.
+[[nodiscard]] bool mayLock(const std::string& bundle);
+
 /// Whether the bundle runs from a read-only disk image.
 [[nodiscard]] bool isRunningFromDMG();
 

@@ -229,6 +229,46 @@ TEST(WindowMode, TheAlertOfARefusedJobWaitsForItsReader) {
   EXPECT_TRUE(program.isArmed());
 }
 
+TEST(WindowMode, AnotherCopyThatHasTheJobKeepsIt) {
+  const std::string packaged = "/usr/lib/dormel/Dormel.app";
+  const std::string byHand = "/Applications/Dormel.app";
+  const auto isArmedFor = [](Program& program, const std::string& bundle) {
+    return program.machine.files.read(PLIST).value_or("").find("<string>" + bundle + "/Contents/") != std::string::npos;
+  };
+  struct Row {
+    std::string first;
+    std::string second;
+  };
+  for (const Row& row : {Row{byHand, packaged}, Row{packaged, byHand}}) {
+    Program program(row.first);
+    program.machine.files.put(packaged + "/Contents/Info.plist",
+                              *writeXmlPropertyList({PropertyListDictionary{{"DormelPackagePlace", {packaged}}}}));
+    program.arm();
+    program.place(row.second);
+    program.machine.bundle.setPath(row.second);
+    if (row.second == packaged) program.machine.bundle.setPackageRemoval("sudo apt remove dormel");
+    program.open();
+    EXPECT_EQ(
+        effects(program).back(),
+        "alert, informational: Another copy of Dormel does the locking / It is " + row.first +
+            ". What you set here holds for it, too.\\n\\nTo have this copy lock instead, remove that one, then open "
+            "this one again. / [OK]");
+    program.answer("OK");
+    program.delegate().finishOnboarding();
+    EXPECT_TRUE(isArmedFor(program, row.first)) << "whatever is set anew";
+
+    program.machine.files.remove(row.first + "/Contents/Linux/Dormel");
+    program.delegate().finishOnboarding();
+    EXPECT_TRUE(isArmedFor(program, row.second)) << "there is no other one any more";
+  }
+  Program program("/home/user/build/Dormel.app");  // where nothing locks
+  program.arm();
+  program.place(byHand);
+  program.machine.bundle.setPath(byHand);
+  program.machine.run([] { AgentManager::rearm(); });
+  EXPECT_TRUE(isArmedFor(program, byHand));
+}
+
 TEST(WindowMode, FinishingTheOnboardingArmsTheSchedulerOrSaysThatItCouldNot) {
   for (const bool refused : {false, true}) {
     Program program;
