@@ -1,6 +1,7 @@
 #include "platform/linux/updates/Download.h"
 
 #include <curl/curl.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -24,6 +25,19 @@ struct Body {
   std::size_t largest;
   bool overflowed = false;
 };
+
+/// The certificates that this system trusts, where the library does not find them by itself: one that travels inside
+/// the bundle looks where the system keeps them that it was built on. Null for nothing better.
+const char* certificates() {
+  const auto isThere = [](const char* file) { return file != nullptr && ::access(file, R_OK) == 0; };
+  if (isThere(curl_version_info(CURLVERSION_NOW)->cainfo)) return nullptr;
+  constexpr std::array PLACES{"/etc/ssl/certs/ca-certificates.crt",  // Debian, Arch
+                              "/etc/pki/tls/certs/ca-bundle.crt",    // Fedora
+                              "/etc/ssl/ca-bundle.pem",              // openSUSE
+                              "/etc/ssl/cert.pem"};                  // Alpine
+  const auto* const place = std::find_if(PLACES.begin(), PLACES.end(), isThere);
+  return place == PLACES.end() ? nullptr : *place;
+}
 
 /// What the library calls for each piece of the body; anything but `count` ends the transfer.
 std::size_t receive(const char* data, std::size_t /*one*/, std::size_t count, void* target) {
@@ -55,6 +69,7 @@ Fetched Download::fetch(const std::string& address, std::size_t largest, long se
   set(CURLOPT_WRITEFUNCTION, receive);
   set(CURLOPT_WRITEDATA, &body);
   set(CURLOPT_USERAGENT, agent_.c_str());
+  if (const char* file = certificates()) set(CURLOPT_CAINFO, file);
   set(CURLOPT_PROTOCOLS_STR, "http,https");
   set(CURLOPT_NOSIGNAL, 1L);
   set(CURLOPT_CONNECTTIMEOUT, timeouts_.idle);
