@@ -2,36 +2,15 @@
 // on only with it. Main thread only.
 #pragma once
 
-#include <string>
-
-#include "onboarding/OnbPill.h"
-#include "onboarding/OnbText.h"
 #include "onboarding/OnboardingScreen.h"
-#include "platform/Platform.h"
-#include "platform/Texts.h"
-#include "platform/Wording.h"
 
 namespace dormel {
 
 class AccessibilityBeat : public OnboardingScreen {
  public:
-  static constexpr double ROW_WIDTH = 400;
-
   explicit AccessibilityBeat(OnbAction go);
 
-  OnbText headline{*this, 0.3, translate("Let's test Dormel.")};
-  OnbText sub{*this, 1.2, platform().wording.permission().need};
-  /// An icon, the name, and the "Grant" button or a check mark.
-  OnbText row{*this, 2.2, platform().wording.permission().name};
-  OnbPill button;
-
   [[nodiscard]] bool granted() const { return granted_; }
-  /// Empty where there is nothing to open: then there is no such button.
-  [[nodiscard]] std::string grantTitle() const { return granted_ ? "" : platform().wording.permission().grantButton; }
-  /// What to do, below the row and with it; may be empty.
-  [[nodiscard]] std::string advice() const { return granted_ ? "" : platform().wording.permission().advice; }
-  /// The row's button: opens the desktop's settings, with a guide.
-  void grant() const;
 
  protected:
   void onAppear() override;
@@ -39,8 +18,13 @@ class AccessibilityBeat : public OnboardingScreen {
 
  private:
   void look();
+  void show(bool granted);
+  void grant() const;
 
-  Published<bool> granted_;
+  bool granted_ = false;
+  OnbElement* row_ = nullptr;     // an icon, the name, and the button or a check mark
+  OnbElement* advice_ = nullptr;  // what to do, with the row; may be empty
+  OnbElement* button_ = nullptr;
   Timer poll_;
 };
 

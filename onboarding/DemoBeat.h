@@ -3,10 +3,7 @@
 
 #include <functional>
 
-#include "onboarding/OnbPill.h"
-#include "onboarding/OnbText.h"
 #include "onboarding/OnboardingScreen.h"
-#include "platform/Texts.h"
 
 namespace dormel {
 
@@ -22,17 +19,13 @@ class DemoBeat : public OnboardingScreen {
   };
   explicit DemoBeat(Actions actions);
 
-  OnbText headline{*this, 0.3, translate("Ready to try?")};
-  OnbText sub;  ///< two lines
-  OnbPill button;
-
   [[nodiscard]] bool started() const { return started_; }
 
  private:
   void start();
 
   Actions actions_;
-  Published<bool> started_{this, false};
+  bool started_ = false;
 };
 
 }  // namespace dormel

@@ -1,10 +1,8 @@
 #include "onboarding/HowItWorksBeat.h"
 
-#include <algorithm>
 #include <array>
 #include <utility>
 
-#include "onboarding/OnbMotion.h"
 #include "platform/Platform.h"
 #include "platform/Texts.h"
 #include "platform/Wording.h"
@@ -28,8 +26,10 @@ constexpr std::array STEPS{Step{1.2, 1},     Step{5.3, 2},     Step{5.9, -1, 1},
 }  // namespace
 
 HowItWorksBeat::HowItWorksBeat(const OnboardingModel& model, OnbAction go)
-    : OnboardingScreen(OnboardingBeat::howItWorks),
-      button(*this, 0, {.title = translate("Continue"), .quiet = true, .released = false}, std::move(go)) {
+    : OnboardingScreen(OnboardingBeat::howItWorks) {
+  add(Kind::kicker, 0.2, translate("How Dormel works"));
+  add(Kind::scene, 0, {}, {.above = 32});
+  button_ = &addButton(0, translate("Continue"), {.above = 32, .quiet = true, .released = false}, std::move(go));
   const int want = model.want->value_or(24);
   const int figure = dayHour(want) % 12;
   clock_ = std::to_string(figure == 0 ? 12 : figure) + ":00";
@@ -44,16 +44,10 @@ void HowItWorksBeat::doStep(std::size_t index) {
   const Step& step = STEPS.at(index);
   if (step.phase >= 0) phase_ = step.phase;
   if (step.heldCount >= 0) heldCount_ = step.heldCount;
-  if (step.time == RING_START) ringSince_ = elapsed();
-  if (step.isEnd) button.reveal().release();
+  if (step.time == RING_START) ringProgress_ = 1;
+  if (step.isEnd) button_->release();
   if (index + 1 < STEPS.size()) at(STEPS.at(index + 1).time, [this, index] { doStep(index + 1); });
 }
-
-double HowItWorksBeat::ringProgress() const {
-  return *ringSince_ ? std::clamp((elapsed() - **ringSince_) / onbMotion::RING_DURATION, 0.0, 1.0) : 0;
-}
-
-bool HowItWorksBeat::ringFills() const { return *ringSince_ && ringProgress() < 1; }
 
 std::vector<OnbSpan> HowItWorksBeat::snoozeLine() {
   return headlineSpans(translate("To snooze it: hold *5 keys* for *30 seconds*"));

@@ -1,29 +1,33 @@
 #include "onboarding/KeepsBeat.h"
 
-#include <algorithm>
 #include <utility>
 
-#include "onboarding/OnboardingOptions.h"
 #include "platform/Texts.h"
 
 namespace dormel {
-KeepsBeat::KeepsBeat(std::function<void(const std::vector<std::string>&)> onContinue)
-    : OnboardingScreen(OnboardingBeat::q4Keeps),
-      button(*this, 2.2, {.title = translate("Continue"), .enabled = false},
-             [this, onContinue = std::move(onContinue)] { onContinue(picks()); }),
-      options_(onboardingOptions::keeps()) {}
 
-bool KeepsBeat::isSelected(std::size_t chip) const {
-  return chip < options_.size() && std::find(picks_->begin(), picks_->end(), options_[chip].value) != picks_->end();
+KeepsBeat::KeepsBeat(std::function<void(const std::vector<std::string>&)> onContinue)
+    : OnboardingScreen(OnboardingBeat::q4Keeps), options_(onboardingOptions::keeps()) {
+  add(Kind::headline, 0.3, translate("What keeps you up?"));
+  add(Kind::sub, 1.0, translate("Pick all that apply."), {.above = 16});
+  chips_ = &add(Kind::chips, 1.5, {}, {.above = 40, .size = 200}, [this](std::size_t chip) { toggle(chip); });
+  chips_->parts = onboardingOptions::labelsOf(options_);
+  button_ = &addButton(2.2, translate("Continue"), {.above = 48},
+                       [this, onContinue = std::move(onContinue)] { onContinue(picks()); });
+  button_->enabled = false;
+}
+
+std::vector<std::string> KeepsBeat::picks() const {
+  std::vector<std::string> values;
+  for (const std::size_t chip : *chips_->chosen) values.push_back(options_.at(chip).value);
+  return values;
 }
 
 void KeepsBeat::toggle(std::size_t chip) {
-  if (!isShown() || !chips.on() || chip >= options_.size()) return;
-  std::vector<std::string> picks = *picks_;
-  const std::string& value = options_[chip].value;
-  if (std::erase(picks, value) == 0) picks.push_back(value);
-  picks_ = std::move(picks);
-  button.setEnabled(!picks_->empty());
+  std::vector<std::size_t> picked = *chips_->chosen;
+  if (std::erase(picked, chip) == 0) picked.push_back(chip);
+  chips_->chosen = std::move(picked);
+  button_->enabled = !chips_->chosen->empty();
 }
 
 }  // namespace dormel

@@ -22,46 +22,39 @@ constexpr Seconds PAUSE = 1;
 
 }  // namespace
 
-OnbWheel::OnbWheel(OnboardingScreen& screen, Seconds delay, std::vector<Option> options, int selection)
-    : options_(std::move(options)),
-      selection_(&screen, selection),
-      reveal_(screen, delay),
+OnbWheel::OnbWheel(OnboardingScreen& screen, OnbElement& rows, std::vector<Option> options, int selection)
+    : screen_(screen),
+      rows_(rows),
+      options_(std::move(options)),
+      selection_(selection),
       lastStep_(-std::numeric_limits<Seconds>::infinity()),
       lastTurn_(lastStep_) {
-  screen.wheels_.push_back(this);
+  rows_.chosen = {position()};
 }
 
 void OnbWheel::begin() {
-  isShown_ = true;
   keyMonitor_ = platform().windows.addLocalKeyDownMonitor([this](const KeyEvent& key) { return keyDown(key.keyCode); });
 }
 
-void OnbWheel::end() {
-  isShown_ = false;
-  keyMonitor_.reset();
-}
+void OnbWheel::end() { keyMonitor_.reset(); }
 
-std::vector<int> OnbWheel::values() const {
-  std::vector<int> values;
-  for (const Option& option : options_) values.push_back(option.value);
-  return values;
-}
+bool OnbWheel::turns() const { return screen_.accepts(rows_); }
 
-int OnbWheel::position() const {
+std::size_t OnbWheel::position() const {
   const auto found = std::find_if(options_.begin(), options_.end(),
                                   [this](const Option& option) { return option.value == selection_; });
-  return found == options_.end() ? 0 : static_cast<int>(found - options_.begin());
+  return found == options_.end() ? 0 : static_cast<std::size_t>(found - options_.begin());
 }
 
 void OnbWheel::step(int by) {
-  if (!turns() || options_.empty()) return;
-  const int last = static_cast<int>(options_.size()) - 1;
-  selection_ = options_[static_cast<std::size_t>(std::clamp(position() + by, 0, last))].value;
+  if (!turns()) return;
+  const auto last = static_cast<std::ptrdiff_t>(options_.size()) - 1;
+  select(static_cast<std::size_t>(std::clamp<std::ptrdiff_t>(static_cast<std::ptrdiff_t>(position()) + by, 0, last)));
 }
 
-void OnbWheel::select(int value) {
-  const std::vector<int> all = values();
-  if (turns() && std::find(all.begin(), all.end(), value) != all.end()) selection_ = value;
+void OnbWheel::select(std::size_t row) {
+  selection_ = options_.at(row).value;
+  rows_.chosen = {row};
 }
 
 void OnbWheel::scroll(double delta) {

@@ -3,15 +3,19 @@
 // when its screen goes. Main thread only.
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <vector>
 
-#include "onboarding/OnbReveal.h"
 #include "platform/Keyboard.h"
 #include "platform/Registration.h"
+#include "platform/Time.h"
 
 namespace dormel {
+
+class OnbElement;
+class OnboardingScreen;
 
 class OnbWheel {
  public:
@@ -21,20 +25,22 @@ class OnbWheel {
     friend bool operator==(const Option&, const Option&) = default;
   };
 
-  OnbWheel(OnboardingScreen& screen, Seconds delay, std::vector<Option> options, int selection);
+  /// `rows` is the element that shows it, on `screen`. Both outlive it.
+  OnbWheel(OnboardingScreen& screen, OnbElement& rows, std::vector<Option> options, int selection);
 
   [[nodiscard]] const std::vector<Option>& options() const { return options_; }
-  [[nodiscard]] std::vector<int> values() const;
   [[nodiscard]] int selection() const { return selection_; }
   /// Where the selection stands among the options; 0 when it is not among them.
-  [[nodiscard]] int position() const;
-  [[nodiscard]] OnbReveal& reveal() { return reveal_; }
-  [[nodiscard]] const OnbReveal& reveal() const { return reveal_; }
+  [[nodiscard]] std::size_t position() const;
+
+  /// Its screen is shown, and has gone.
+  void begin();
+  void end();
 
   /// One row down (1) or up (-1), as far as there is one.
   void step(int by);
-  /// A row was pressed. Nothing happens for a value that no row has, or before the wheel has come in.
-  void select(int value);
+  /// A row was pressed.
+  void select(std::size_t row);
   /// A scroll event anywhere on the wheel's screen; it is consumed in any case. `delta` is vertical, in points: what a
   /// touchpad reports, or 15 for one notch of a scroll wheel; positive when the content moves down (the wheel is turned
   /// away from the user). Small ones and quick successions have no effect.
@@ -48,15 +54,12 @@ class OnbWheel {
   bool keyDown(KeyCode keyCode);
 
  private:
-  friend class OnboardingScreen;
-  void begin();
-  void end();
-  [[nodiscard]] bool turns() const { return reveal_.on() && isShown_; }
+  [[nodiscard]] bool turns() const;
 
+  const OnboardingScreen& screen_;
+  OnbElement& rows_;
   std::vector<Option> options_;
-  Published<int> selection_;
-  OnbReveal reveal_;
-  bool isShown_ = false;
+  int selection_;
   Seconds lastStep_;
   Seconds lastTurn_;
   double turned_ = 0;  // since the last counted notch, from -60, in the direction of the last turn

@@ -8,6 +8,15 @@
 
 namespace dormel::onboardingOptions {
 
+/// What chips and rows say.
+template <typename Option>
+[[nodiscard]] std::vector<std::string> labelsOf(const std::vector<Option>& options) {
+  std::vector<std::string> labels;
+  labels.reserve(options.size());
+  for (const Option& option : options) labels.push_back(option.label);
+  return labels;
+}
+
 /// 11 PM to "4 AM or later".
 [[nodiscard]] std::vector<OnbWheel::Option> latest();
 /// 10 PM to 1 AM.

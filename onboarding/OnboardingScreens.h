@@ -2,14 +2,11 @@
 #pragma once
 
 #include "onboarding/AccessibilityBeat.h"
-#include "onboarding/BrandBeat.h"
-#include "onboarding/DebriefBeat.h"
 #include "onboarding/DemoBeat.h"
-#include "onboarding/FinaleBeat.h"
 #include "onboarding/HowItWorksBeat.h"
 #include "onboarding/KeepsBeat.h"
+#include "onboarding/MessageBeats.h"
 #include "onboarding/MirrorBeat.h"
-#include "onboarding/PromiseBeat.h"
 #include "onboarding/QuestionBeat.h"
 #include "onboarding/ScheduleBeat.h"
 #include "onboarding/ScienceBeat.h"

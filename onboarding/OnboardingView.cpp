@@ -95,7 +95,7 @@ std::shared_ptr<OnboardingScreen> OnboardingView::makeScreen(OnboardingBeat beat
     case Beat::q1Latest:
       return std::make_shared<WheelQuestionBeat>(
           beat, translate("What's the latest you go to bed?"), onboardingOptions::latest(),
-          startOf(onboardingOptions::latest(), model_->late, FIRST_LATE),
+          startOf(onboardingOptions::latest(), model_->late, FIRST_LATE), translate("Continue"),
           answering<int>([](OnboardingModel& model, int hour) { model.late = hour; }, Beat::q2Nights));
     case Beat::q2Nights:
       return std::make_shared<QuestionBeat>(
@@ -104,7 +104,7 @@ std::shared_ptr<OnboardingScreen> OnboardingView::makeScreen(OnboardingBeat beat
     case Beat::q3Want:
       return std::make_shared<WheelQuestionBeat>(
           beat, translate("When do you *want* to be asleep?"), onboardingOptions::want(),
-          startOf(onboardingOptions::want(), model_->want, FIRST_WANT),
+          startOf(onboardingOptions::want(), model_->want, FIRST_WANT), translate("Continue"),
           answering<int>([](OnboardingModel& model, int hour) { model.want = hour; }, Beat::q4Keeps));
     case Beat::q4Keeps:
       return std::make_shared<KeepsBeat>(

@@ -1,5 +1,6 @@
 #include "onboarding/ScienceBeat.h"
 
+#include <array>
 #include <utility>
 
 #include "platform/Platform.h"
@@ -7,13 +8,7 @@
 #include "platform/Workspace.h"
 
 namespace dormel {
-
-ScienceBeat::ScienceBeat(OnbAction go)
-    : OnboardingScreen(OnboardingBeat::science),
-      facts{Fact{*this, 2.4, translate("+55% more energy"), translate("Stanford athletes who slept more")},
-            Fact{*this, 3.8, translate("−38% risk of depression"), translate("a regular sleep schedule")},
-            Fact{*this, 5.2, translate("−48% risk of early death"), translate("same bedtime every night")}},
-      button(*this, 6.4, {.title = translate("Continue"), .quiet = true}, std::move(go)) {}
+namespace {
 
 // Which paper says what:
 // - STANFORD: Mah et al. 2011, "The effects of sleep extension on the athletic performance of collegiate basketball
@@ -27,19 +22,32 @@ ScienceBeat::ScienceBeat(OnbAction go)
 // - UK BIOBANK: Cribb et al. 2023, "Sleep regularity and mortality: a prospective analysis in the UK Biobank"
 //   (eLife 12). A second analysis of the same cohort points the same way: hazard ratios against the median of 1.53 for
 //   the least regular sleepers and 0.90 for the most regular ones.
-const std::vector<ScienceBeat::Wordmark>& ScienceBeat::wordmarks() {
-  static const std::vector<Wordmark> papers{
-      {"STANFORD", "https://doi.org/10.5665/SLEEP.1132"},
-      {"SLEEP", "https://doi.org/10.1093/sleep/zsad253"},
-      {"PSYCHOLOGICAL MEDICINE", "https://doi.org/10.1017/S0033291725101281"},
-      {"UK BIOBANK", "https://doi.org/10.7554/eLife.88359"},
-  };
-  return papers;
-}
+struct Paper {
+  const char* source;
+  const char* url;
+};
+constexpr std::array PAPERS{Paper{"STANFORD", "https://doi.org/10.5665/SLEEP.1132"},
+                            Paper{"SLEEP", "https://doi.org/10.1093/sleep/zsad253"},
+                            Paper{"PSYCHOLOGICAL MEDICINE", "https://doi.org/10.1017/S0033291725101281"},
+                            Paper{"UK BIOBANK", "https://doi.org/10.7554/eLife.88359"}};
 
-void ScienceBeat::open(std::size_t wordmark) const {
-  if (!isShown() || !sources.on() || wordmark >= wordmarks().size()) return;
-  platform().workspace.open(wordmarks()[wordmark].url);
+}  // namespace
+
+ScienceBeat::ScienceBeat(OnbAction go) : OnboardingScreen(OnboardingBeat::science) {
+  add(Kind::headline, 0.3, translate("Better sleep, better everything."));
+  std::vector<std::string> sources;
+  sources.reserve(PAPERS.size());
+  for (const Paper& paper : PAPERS) sources.emplace_back(paper.source);
+  add(Kind::sources, 1.2, {}, {.above = 20}, [](std::size_t source) {
+    platform().workspace.open(PAPERS.at(source).url);
+  }).parts = std::move(sources);
+  const auto fact = [this](Seconds delay, double above, std::string text, std::string qualifier) {
+    add(Kind::fact, delay, std::move(text), {.above = above}).parts = {std::move(qualifier)};
+  };
+  fact(2.4, 40, translate("+55% more energy"), translate("Stanford athletes who slept more"));
+  fact(3.8, 24, translate("−38% risk of depression"), translate("a regular sleep schedule"));
+  fact(5.2, 24, translate("−48% risk of early death"), translate("same bedtime every night"));
+  addButton(6.4, translate("Continue"), {.above = 44, .quiet = true}, std::move(go));
 }
 
 }  // namespace dormel

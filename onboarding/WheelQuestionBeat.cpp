@@ -2,16 +2,21 @@
 
 #include <utility>
 
-#include "platform/Texts.h"
+#include "onboarding/OnbSpan.h"
+#include "onboarding/OnboardingOptions.h"
 
 namespace dormel {
 
-WheelQuestionBeat::WheelQuestionBeat(OnboardingBeat beat, std::string title, std::vector<OnbWheel::Option> options,
-                                     int initial, std::function<void(int)> onContinue)
-    : OnboardingScreen(beat),
-      headline(*this, 0.3, std::move(title)),
-      wheel(*this, 1.2, std::move(options), initial),
-      button(*this, 2.0, {translate("Continue")},
-             [this, onContinue = std::move(onContinue)] { onContinue(wheel.selection()); }) {}
+WheelQuestionBeat::WheelQuestionBeat(OnboardingBeat beat, const std::string& title,
+                                     std::vector<OnbWheel::Option> options, int initial, const std::string& done,
+                                     std::function<void(int)> onContinue)
+    : OnboardingScreen(beat) {
+  add(Kind::headline, 0.3, title);
+  OnbElement& rows = add(Kind::wheel, 1.2, plainText(headlineSpans(title)), {.above = 24},
+                         [this](std::size_t row) { wheel_->select(row); });
+  rows.parts = onboardingOptions::labelsOf(options);
+  wheel_ = std::make_unique<OnbWheel>(*this, rows, std::move(options), initial);
+  addButton(2.0, done, {.above = 24}, [this, onContinue = std::move(onContinue)] { onContinue(wheel_->selection()); });
+}
 
 }  // namespace dormel

@@ -2,11 +2,10 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
-#include "onboarding/OnbPill.h"
-#include "onboarding/OnbText.h"
 #include "onboarding/OnbWheel.h"
 #include "onboarding/OnboardingScreen.h"
 
@@ -14,13 +13,18 @@ namespace dormel {
 
 class WheelQuestionBeat : public OnboardingScreen {
  public:
-  /// `onContinue` gets the wheel's value.
-  WheelQuestionBeat(OnboardingBeat beat, std::string title, std::vector<OnbWheel::Option> options, int initial,
-                    std::function<void(int)> onContinue);
+  /// `onContinue` gets the wheel's value, `done` is the title of the button that hands it over.
+  WheelQuestionBeat(OnboardingBeat beat, const std::string& title, std::vector<OnbWheel::Option> options, int initial,
+                    const std::string& done, std::function<void(int)> onContinue);
 
-  OnbText headline;
-  OnbWheel wheel;
-  OnbPill button;
+  [[nodiscard]] OnbWheel& wheel() { return *wheel_; }
+
+ protected:
+  void onAppear() override { wheel_->begin(); }
+  void onDisappear() override { wheel_->end(); }
+
+ private:
+  std::unique_ptr<OnbWheel> wheel_;
 };
 
 }  // namespace dormel

@@ -1,89 +1,164 @@
 #include "onboarding/qml/BeatBridge.h"
 
+#include <QGuiApplication>
+#include <QVariantMap>
+#include <algorithm>
+#include <array>
 #include <utility>
 
-#include "onboarding/DebriefBeat.h"
-#include "onboarding/DemoBeat.h"
-#include "onboarding/PromiseBeat.h"
-#include "onboarding/qml/AccessibilityBridge.h"
-#include "onboarding/qml/BrandBridge.h"
-#include "onboarding/qml/ChipsBridge.h"
-#include "onboarding/qml/FinaleBridge.h"
-#include "onboarding/qml/HowItWorksBridge.h"
-#include "onboarding/qml/MirrorBridge.h"
-#include "onboarding/qml/ScienceBridge.h"
-#include "onboarding/qml/WheelBridge.h"
+#include "onboarding/WheelQuestionBeat.h"
 
 namespace dormel {
 namespace {
 
-/// A screen that is a headline, a sub-line and a button.
-template <typename Screen>
-std::unique_ptr<BeatBridge> message(const std::shared_ptr<OnboardingScreen>& screen) {
-  const auto& known = static_cast<const Screen&>(*screen);
-  return std::make_unique<BeatBridge>(screen, QStringLiteral("MessageBeat"),
-                                      BeatBridge::Parts{&known.headline, &known.sub, &known.button});
+using Kind = OnbElement::Kind;
+
+/// In the order of OnbElement::Kind; OnbElement.qml knows them.
+constexpr std::array KINDS{"mark", "headline", "sub",   "kicker", "whisper", "line",       "note",  "figure",
+                           "fact", "sources",  "wheel", "choice", "chips",   "permission", "scene", "button"};
+static_assert(KINDS.size() == static_cast<std::size_t>(Kind::button) + 1);
+
+constexpr QChar NO_BREAK_SPACE(0xa0);
+// A notch of a common wheel is 120 eighths of a degree and counts as 15 points.
+constexpr double ANGLE_PER_POINT = 8;
+
+/// On X11 the number of pixels is whatever the driver takes for one.
+bool knowsPixels() { return QGuiApplication::platformName() != QLatin1String("xcb"); }
+
+QString withFirmEnds(QString text) {
+  if (text.startsWith(QLatin1Char(' '))) text[0] = NO_BREAK_SPACE;
+  if (text.endsWith(QLatin1Char(' '))) text[text.size() - 1] = NO_BREAK_SPACE;
+  return text;
 }
 
-template <typename Bridge, typename Screen>
-std::unique_ptr<BeatBridge> bridge(const std::shared_ptr<OnboardingScreen>& screen) {
-  return std::make_unique<Bridge>(std::static_pointer_cast<Screen>(screen));
+std::vector<OnbSpan> spansOf(const OnbElement& element) {
+  const bool isRead = element.kind == Kind::headline || element.kind == Kind::line;
+  return isRead ? headlineSpans(*element.text) : std::vector<OnbSpan>{{*element.text}};
+}
+
+QString wordsOf(const OnbElement& element) { return QString::fromStdString(plainText(spansOf(element))); }
+
+QString markupOf(const OnbElement& element) {
+  const std::vector<OnbSpan> spans = spansOf(element);
+  QString markup;
+  if (std::none_of(spans.begin(), spans.end(), [](const OnbSpan& span) { return span.strong; })) return markup;
+  for (const OnbSpan& span : spans) {
+    const QString piece = QString::fromStdString(span.text).toHtmlEscaped();
+    markup += span.strong ? QStringLiteral("<i>%1</i>").arg(piece) : piece;
+  }
+  return markup;
+}
+
+QVariantList chosenOf(const OnbElement& element) {
+  QVariantList chosen;
+  for (const std::size_t part : *element.chosen) chosen << static_cast<int>(part);
+  return chosen;
+}
+
+QStringList partsOf(const OnbElement& element) {
+  QStringList parts;
+  for (const std::string& part : *element.parts) parts << QString::fromStdString(part);
+  return parts;
 }
 
 }  // namespace
 
-BeatBridge::BeatBridge(std::shared_ptr<OnboardingScreen> screen, QString scene, const Parts& parts)
-    : screen_(std::move(screen)), scene_(std::move(scene)), parts_(parts) {
-  observation_ = screen_->observe([this] { emit changed(); });
+BeatBridge::BeatBridge(std::shared_ptr<OnboardingScreen> screen) : screen_(std::move(screen)) {
+  if (auto* question = dynamic_cast<WheelQuestionBeat*>(screen_.get())) wheel_ = &question->wheel();
+  observation_ = screen_->observe([this] {
+    emit dataChanged(index(0), index(rowCount() - 1));
+    emit changed();
+  });
 }
 
-OnbTextValue BeatBridge::headline() const {
-  return parts_.headline != nullptr ? OnbTextValue::headline(*parts_.headline) : OnbTextValue();
-}
-
-OnbTextValue BeatBridge::sub() const {
-  return parts_.sub != nullptr ? OnbTextValue::line(*parts_.sub) : OnbTextValue();
-}
-
-OnbPillValue BeatBridge::button() const {
-  return parts_.button != nullptr ? OnbPillValue::of(*parts_.button) : OnbPillValue();
-}
-
-void BeatBridge::press() const {
-  if (parts_.button != nullptr && parts_.button->canPress()) parts_.button->press();
-}
-
-std::unique_ptr<BeatBridge> makeBeatBridge(const std::shared_ptr<OnboardingScreen>& screen) {
-  switch (screen->beat()) {
-    case OnboardingBeat::brand:
-      return bridge<BrandBridge, BrandBeat>(screen);
-    case OnboardingBeat::promise:
-      return message<PromiseBeat>(screen);
-    case OnboardingBeat::q1Latest:
-    case OnboardingBeat::q3Want:
-      return bridge<WheelBridge, WheelQuestionBeat>(screen);
-    case OnboardingBeat::q2Nights:
-      return bridge<ChipsBridge, QuestionBeat>(screen);
-    case OnboardingBeat::q4Keeps:
-      return bridge<ChipsBridge, KeepsBeat>(screen);
-    case OnboardingBeat::mirror:
-      return bridge<MirrorBridge, MirrorBeat>(screen);
-    case OnboardingBeat::howItWorks:
-      return bridge<HowItWorksBridge, HowItWorksBeat>(screen);
-    case OnboardingBeat::accessibility:
-      return bridge<AccessibilityBridge, AccessibilityBeat>(screen);
-    case OnboardingBeat::demo:
-      return message<DemoBeat>(screen);
-    case OnboardingBeat::debrief:
-      return message<DebriefBeat>(screen);
-    case OnboardingBeat::science:
-      return bridge<ScienceBridge, ScienceBeat>(screen);
-    case OnboardingBeat::schedule:
-      return bridge<WheelBridge, ScheduleBeat>(screen);
-    case OnboardingBeat::finale:
-      return bridge<FinaleBridge, FinaleBeat>(screen);
+QString BeatBridge::name() const {
+  for (const OnbElement& element : screen_->elements()) {
+    if (!element.text->empty()) return wordsOf(element);
   }
-  return nullptr;
+  return {};
+}
+
+QStringList BeatBridge::plainLines() const {
+  QStringList lines;
+  for (const OnbElement& element : screen_->elements()) {
+    const bool isSaid = element.kind == Kind::headline || element.kind == Kind::sub || element.kind == Kind::button;
+    if (isSaid && !element.text->empty()) lines << wordsOf(element);
+  }
+  return lines;
+}
+
+int BeatBridge::rowCount(const QModelIndex& parent) const {
+  return parent.isValid() ? 0 : static_cast<int>(screen_->elements().size());
+}
+
+QVariant BeatBridge::data(const QModelIndex& index, int role) const {
+  if (!index.isValid() || index.row() >= rowCount()) return {};
+  const OnbElement& element = screen_->elements().at(static_cast<std::size_t>(index.row()));
+  switch (role) {
+    case kind:
+      return QLatin1String(KINDS.at(static_cast<std::size_t>(element.kind)));
+    case words:
+      return wordsOf(element);
+    case markup:
+      return markupOf(element);
+    case spans:
+      return spanList(spansOf(element));
+    case parts:
+      return partsOf(element);
+    case chosen:
+      return chosenOf(element);
+    case above:
+      return element.style.above;
+    case size:
+      return element.style.size;
+    case quiet:
+      return element.style.quiet;
+    case on:
+      return element.on();
+    case available:
+      return *element.enabled;
+    default:
+      return {};
+  }
+}
+
+QHash<int, QByteArray> BeatBridge::roleNames() const {
+  return {{kind, "kind"},   {words, "words"},   {markup, "markup"},      {spans, "spans"},
+          {parts, "parts"}, {chosen, "chosen"}, {above, "above"},        {size, "size"},
+          {quiet, "quiet"}, {on, "on"},         {available, "available"}};
+}
+
+void BeatBridge::press(int element, int part) const {
+  screen_->press(screen_->elements().at(static_cast<std::size_t>(element)), static_cast<std::size_t>(part));
+}
+
+bool BeatBridge::pressButton() const {
+  const OnbElement* button = screen_->find(Kind::button);
+  if (button != nullptr) screen_->press(*button);
+  return button != nullptr;
+}
+
+bool BeatBridge::step(int by) const {
+  if (wheel_ != nullptr) wheel_->step(by);
+  return turns();
+}
+
+void BeatBridge::scroll(const QPointF& pixels, const QPointF& angle, bool byTicks) const {
+  if (wheel_ == nullptr) return;
+  if (byTicks) {
+    wheel_->turn(angle.y());
+  } else {
+    wheel_->scroll(knowsPixels() && !pixels.isNull() ? pixels.y() : angle.y() / ANGLE_PER_POINT);
+  }
+}
+
+QVariantList spanList(const std::vector<OnbSpan>& spans) {
+  QVariantList list;
+  for (const OnbSpan& span : spans) {
+    list << QVariantMap{{QStringLiteral("text"), withFirmEnds(QString::fromStdString(span.text))},
+                        {QStringLiteral("strong"), span.strong}};
+  }
+  return list;
 }
 
 }  // namespace dormel

@@ -1,60 +1,76 @@
-// Hands one screen of the first run to its scene: what many screens have, a headline, a sub-line and a button. Screens
-// with more derive from it. Keeps its screen for as long as it is drawn, which is longer than it is the current one.
-// Main thread only.
+// Hands one screen of the first run to its scene, as the list of its elements, top to bottom. Keeps its screen for as
+// long as it is drawn, which is longer than it is the current one. Main thread only.
 #pragma once
 
 #include <QtQml/qqmlregistration.h>
-#include <QObject>
+#include <QAbstractListModel>
+#include <QPointF>
 #include <memory>
+#include <vector>
 
+#include "onboarding/OnbSpan.h"
 #include "onboarding/OnboardingScreen.h"
-#include "onboarding/qml/OnbValues.h"
 
 namespace dormel {
 
-class BeatBridge : public QObject {
+class OnbWheel;
+
+class BeatBridge : public QAbstractListModel {
   Q_OBJECT
   QML_ELEMENT
   QML_UNCREATABLE("Made by the first run's bridge")
-  Q_PROPERTY(dormel::OnbTextValue headline READ headline NOTIFY changed)
-  Q_PROPERTY(dormel::OnbTextValue sub READ sub NOTIFY changed)
-  Q_PROPERTY(dormel::OnbPillValue button READ button NOTIFY changed)
+  /// What the screen is about, for a screen reader: the first of its texts.
+  Q_PROPERTY(QString name READ name CONSTANT)
+  /// It has a wheel, which is turned from anywhere on it.
+  Q_PROPERTY(bool turns READ turns CONSTANT)
 
  public:
-  /// Elements of the screen; null for those it has not.
-  struct Parts {
-    const OnbText* headline = nullptr;
-    const OnbText* sub = nullptr;
-    const OnbPill* button = nullptr;
+  enum Role {
+    kind = Qt::UserRole + 1,  ///< the name of OnbElement::Kind's value
+    words,                    ///< plain: emphasis is left out
+    markup,                   ///< the same with its emphasis as styled text; empty where it has none
+    spans,                    ///< objects with `text` and `strong`, of a line
+    parts,
+    chosen,
+    above,
+    size,
+    quiet,
+    on,
+    available,  ///< the element's `enabled`
   };
 
-  /// `scene` is the name of the component that draws it.
-  BeatBridge(std::shared_ptr<OnboardingScreen> screen, QString scene, const Parts& parts);
+  explicit BeatBridge(std::shared_ptr<OnboardingScreen> screen);
 
   [[nodiscard]] const std::shared_ptr<OnboardingScreen>& screen() const { return screen_; }
-  [[nodiscard]] const QString& scene() const { return scene_; }
+  [[nodiscard]] QString name() const;
+  [[nodiscard]] bool turns() const { return wheel_ != nullptr; }
+  /// What it says, for the case that it cannot be drawn: headlines, lines below them, and the button.
+  [[nodiscard]] QStringList plainLines() const;
 
-  [[nodiscard]] OnbTextValue headline() const;
-  [[nodiscard]] OnbTextValue sub() const;
-  [[nodiscard]] OnbPillValue button() const;
+  [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
+  [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
+  [[nodiscard]] QHash<int, QByteArray> roleNames() const override;
 
-  /// The button was pressed.
-  Q_INVOKABLE void press() const;
-  /// A display frame has passed: what time alone changes is read again.
-  Q_INVOKABLE void advance() { emit advanced(); }
+  /// A part of an element was pressed.
+  Q_INVOKABLE void press(int element, int part) const;
+  /// Presses the screen's button; false where there is none.
+  Q_INVOKABLE bool pressButton() const;
+  /// One row down (1) or up (-1), for arrow keys that the wheel did not see by itself; false where there is none.
+  Q_INVOKABLE bool step(int by) const;
+  /// A scroll event as the toolkit reports it: pixels where the device knows them, and eighths of a degree.
+  /// `byTicks` says that it comes from a wheel rather than from a finger.
+  Q_INVOKABLE void scroll(const QPointF& pixels, const QPointF& angle, bool byTicks) const;
 
  signals:
   void changed();
-  void advanced();
 
  private:
   std::shared_ptr<OnboardingScreen> screen_;
-  QString scene_;
-  Parts parts_;
+  OnbWheel* wheel_ = nullptr;
   Observation observation_;
 };
 
-/// The bridge of a screen, of the class that knows it.
-[[nodiscard]] std::unique_ptr<BeatBridge> makeBeatBridge(const std::shared_ptr<OnboardingScreen>& screen);
+/// Objects with `text` and `strong`. Spaces at the ends of pieces do not break, so that they keep their width.
+[[nodiscard]] QVariantList spanList(const std::vector<OnbSpan>& spans);
 
 }  // namespace dormel

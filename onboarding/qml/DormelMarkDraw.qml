@@ -2,7 +2,27 @@
 import QtQuick
 
 DormelMark {
-    property real trim: 1
+    id: root
+
+    property real trim: 0
+    // It begins to, in a moment.
+    property bool drawing: false
 
     drawn: trim
+
+    SequentialAnimation {
+        running: root.drawing
+
+        PauseAnimation {
+            duration: 700
+        }
+        NumberAnimation {
+            target: root
+            property: "trim"
+            to: 1
+            duration: 2400
+            easing.type: Easing.BezierSpline
+            easing.bezierCurve: [0.5, 0, 0.2, 1, 1, 1]
+        }
+    }
 }

@@ -1,4 +1,4 @@
-// Hands the scripted scene to its scene. Main thread only.
+// Hands the screen with the scripted scene to its scene. Main thread only.
 #pragma once
 
 #include <QStringList>
@@ -14,9 +14,6 @@ class HowItWorksBridge : public BeatBridge {
   Q_OBJECT
   QML_ELEMENT
   QML_UNCREATABLE("Made by the first run's bridge")
-  Q_PROPERTY(dormel::OnbTextValue kicker READ kicker NOTIFY changed)
-  Q_PROPERTY(double stageWidth READ stageWidth CONSTANT)
-  Q_PROPERTY(double stageHeight READ stageHeight CONSTANT)
   Q_PROPERTY(int phase READ phase NOTIFY changed)
   Q_PROPERTY(QString clock READ clock CONSTANT)
   Q_PROPERTY(QString caption READ caption CONSTANT)
@@ -24,24 +21,16 @@ class HowItWorksBridge : public BeatBridge {
   Q_PROPERTY(QString snoozeLine READ snoozeLine CONSTANT)
   Q_PROPERTY(QStringList keycaps READ keycaps CONSTANT)
   Q_PROPERTY(int heldCount READ heldCount NOTIFY changed)
-  Q_PROPERTY(bool ringFills READ ringFills NOTIFY ringMoved)
-  Q_PROPERTY(double ringProgress READ ringProgress NOTIFY ringMoved)
+  Q_PROPERTY(double ringProgress READ ringProgress NOTIFY changed)
+  Q_PROPERTY(int ringDuration READ ringDuration CONSTANT)  // milliseconds
   Q_PROPERTY(QVariantList graceSpans READ graceSpans CONSTANT)
   Q_PROPERTY(QString graceLine READ graceLine CONSTANT)
   Q_PROPERTY(QString closingLine READ closingLine CONSTANT)
   Q_PROPERTY(QString closingSubline READ closingSubline CONSTANT)
 
  public:
-  explicit HowItWorksBridge(std::shared_ptr<HowItWorksBeat> screen)
-      : BeatBridge(screen, QStringLiteral("HowItWorksBeat"), {nullptr, nullptr, &screen->button}),
-        screen_(std::move(screen)) {
-    connect(this, &BeatBridge::changed, this, &HowItWorksBridge::ringMoved);
-    connect(this, &BeatBridge::advanced, this, &HowItWorksBridge::ringMoved);
-  }
+  explicit HowItWorksBridge(std::shared_ptr<HowItWorksBeat> screen) : BeatBridge(screen), screen_(std::move(screen)) {}
 
-  [[nodiscard]] OnbTextValue kicker() const { return OnbTextValue::line(screen_->kicker); }
-  [[nodiscard]] static double stageWidth() { return HowItWorksBeat::STAGE_WIDTH; }
-  [[nodiscard]] static double stageHeight() { return HowItWorksBeat::STAGE_HEIGHT; }
   [[nodiscard]] int phase() const { return screen_->phase(); }
   [[nodiscard]] QString clock() const { return QString::fromStdString(screen_->clock()); }
   [[nodiscard]] QString caption() const { return QString::fromStdString(screen_->caption()); }
@@ -53,15 +42,12 @@ class HowItWorksBridge : public BeatBridge {
     return labels;
   }
   [[nodiscard]] int heldCount() const { return screen_->heldCount(); }
-  [[nodiscard]] bool ringFills() const { return screen_->ringFills(); }
   [[nodiscard]] double ringProgress() const { return screen_->ringProgress(); }
+  [[nodiscard]] static int ringDuration() { return static_cast<int>(1000 * HowItWorksBeat::RING_DURATION); }
   [[nodiscard]] static QVariantList graceSpans() { return spanList(HowItWorksBeat::graceLine()); }
   [[nodiscard]] static QString graceLine() { return QString::fromStdString(plainText(HowItWorksBeat::graceLine())); }
   [[nodiscard]] static QString closingLine() { return QString::fromStdString(HowItWorksBeat::closingLine()); }
   [[nodiscard]] static QString closingSubline() { return QString::fromStdString(HowItWorksBeat::closingSubline()); }
-
- signals:
-  void ringMoved();
 
  private:
   std::shared_ptr<HowItWorksBeat> screen_;

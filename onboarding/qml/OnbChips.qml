@@ -5,8 +5,8 @@ Grid {
     id: root
 
     required property var labels
-    // One bool per chip.
-    required property var selected
+    // Which of them are.
+    required property var chosen
     required property real chipWidth
     // One of them is the answer.
     property bool exclusive: false
@@ -25,15 +25,14 @@ Grid {
 
     Repeater {
         id: chips
-        model: root.labels
+        model: root.labels.length
 
         OnbChip {
-            required property string modelData
             required property int index
 
             width: root.chipWidth
-            label: modelData
-            selected: root.selected[index]
+            label: root.labels[index]
+            selected: root.chosen.includes(index)
             exclusive: root.exclusive
             onClicked: root.pressed(index)
 

@@ -14,15 +14,16 @@ Row {
     Accessible.name: plain
 
     Repeater {
-        model: root.spans
+        model: root.spans.length
 
         Text {
-            required property var modelData
+            required property int index
+            readonly property var span: root.spans[index]
 
-            text: modelData.text
+            text: span.text
             textFormat: Text.PlainText
-            font: Typeface.at(root.size, modelData.strong ? Font.DemiBold : Font.Normal)
-            color: Qt.rgba(1, 1, 1, modelData.strong ? 0.95 : 0.5)
+            font: Typeface.at(root.size, span.strong ? Font.DemiBold : Font.Normal)
+            color: Qt.rgba(1, 1, 1, span.strong ? 0.95 : 0.5)
 
             Accessible.ignored: true
         }

@@ -6,9 +6,9 @@ import Dormel.Ui
 Item {
     id: root
 
-    property bool on: true
+    required property bool on
     // The space between it and what stands above it in a stack, as far as there is room for it.
-    property real above: 0
+    required property real above
     readonly property real gap: Math.round(above * OnbRoom.inside(Window.height))
     default property alias content: holder.data
 

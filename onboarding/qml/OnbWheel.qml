@@ -31,14 +31,13 @@ FocusScope {
 
         Repeater {
             id: rows
-            model: root.labels
+            model: root.labels.length
 
             OnbWheelRow {
-                required property string modelData
                 required property int index
                 width: root.width
                 height: root.rowHeight
-                label: modelData
+                label: root.labels[index]
                 distance: Math.abs(index - root.position)
                 focus: selected
                 onClicked: root.selected(index)

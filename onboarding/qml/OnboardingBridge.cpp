@@ -13,10 +13,7 @@ OnboardingBridge::OnboardingBridge(std::shared_ptr<OnboardingView> view) : view_
 }
 
 QStringList OnboardingBridge::plainLines() const {
-  const BeatBridge& beat = *beats_.current();
-  QStringList lines{QStringLiteral("Dormel"), beat.headline().text, beat.sub().text, beat.button().title};
-  lines.removeAll(QString());
-  return lines;
+  return QStringList{QStringLiteral("Dormel")} + beats_.current()->plainLines();
 }
 
 }  // namespace dormel

@@ -31,14 +31,12 @@ FocusScope {
             gone: model.gone
             onEvaporated: root.view.evaporated(leaf.model.beat)
 
-            Loader {
+            OnbBeat {
                 anchors.fill: parent
+                beat: leaf.model.beat
                 // Keys that no control takes go to the screen.
                 focus: !leaf.gone
-                Component.onCompleted: setSource(leaf.model.scene, {
-                    "beat": leaf.model.beat
-                })
-                onLoaded: forceActiveFocus(Qt.OtherFocusReason)
+                Component.onCompleted: forceActiveFocus(Qt.OtherFocusReason)
             }
         }
     }

@@ -1,16 +1,27 @@
 #include "onboarding/qml/VisibleScreens.h"
 
 #include <QQmlEngine>
-#include <QUrl>
 #include <algorithm>
 
+#include "onboarding/qml/HowItWorksBridge.h"
+
 namespace dormel {
+namespace {
+
+std::unique_ptr<BeatBridge> bridgeTo(const std::shared_ptr<OnboardingScreen>& screen) {
+  if (auto scripted = std::dynamic_pointer_cast<HowItWorksBeat>(screen)) {
+    return std::make_unique<HowItWorksBridge>(std::move(scripted));
+  }
+  return std::make_unique<BeatBridge>(screen);
+}
+
+}  // namespace
 
 void VisibleScreens::enter(const std::shared_ptr<OnboardingScreen>& screen) {
   if (current() != nullptr && current()->screen() == screen) return;
   const int row = rowCount();
   beginInsertRows({}, row, row);
-  beats_.push_back(makeBeatBridge(screen));
+  beats_.push_back(bridgeTo(screen));
   QQmlEngine::setObjectOwnership(beats_.back().get(), QQmlEngine::CppOwnership);
   endInsertRows();
   if (row > 0) emit dataChanged(index(row - 1), index(row - 1), {gone});
@@ -38,8 +49,6 @@ QVariant VisibleScreens::data(const QModelIndex& index, int role) const {
   switch (role) {
     case beat:
       return QVariant::fromValue<QObject*>(bridge);
-    case scene:
-      return QUrl(QStringLiteral("qrc:/qt/qml/Dormel/Onboarding/%1.qml").arg(bridge->scene()));
     case gone:
       return bridge != current();
     default:
@@ -47,6 +56,6 @@ QVariant VisibleScreens::data(const QModelIndex& index, int role) const {
   }
 }
 
-QHash<int, QByteArray> VisibleScreens::roleNames() const { return {{beat, "beat"}, {scene, "scene"}, {gone, "gone"}}; }
+QHash<int, QByteArray> VisibleScreens::roleNames() const { return {{beat, "beat"}, {gone, "gone"}}; }
 
 }  // namespace dormel

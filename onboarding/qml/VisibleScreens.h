@@ -16,7 +16,6 @@ class VisibleScreens : public QAbstractListModel {
  public:
   enum Role {
     beat = Qt::UserRole + 1,  ///< the bridge
-    scene,                    ///< the address of its component
     gone,                     ///< it is leaving
   };
 

@@ -134,12 +134,12 @@ TEST_F(OnboardingPictureTest, ElementsComeUpOneAfterTheOther) {
 
 TEST_F(OnboardingPictureTest, EveryOptionIsSeenAndPressedTheFarthestDimmest) {
   enter(q1Latest, 4);
-  const OnbWheel& wheel = static_cast<WheelQuestionBeat&>(*view->screen()).wheel;
+  OnbWheel& wheel = static_cast<WheelQuestionBeat&>(*view->screen()).wheel();
   for (const char* option : {"11 PM", "4 AM or later"}) {
     click(boxOf(QString::fromUtf8(option)).center());
     desk.pass(0.6);
     drawn.picture();
-    EXPECT_EQ(wheel.options()[static_cast<std::size_t>(wheel.position())].label, option);
+    EXPECT_EQ(wheel.options()[wheel.position()].label, option);
     double last = 2;
     for (std::size_t away = 0; away < wheel.options().size(); ++away) {
       const std::size_t row = wheel.position() == 0 ? away : wheel.options().size() - 1 - away;
@@ -173,7 +173,7 @@ class OnboardingWindowTest : public testing::Test {
     QCoreApplication::sendEvent(windows.group->mainWindow(), &event);
     return event.isAccepted();
   }
-  [[nodiscard]] const OnbWheel& wheel() const { return static_cast<WheelQuestionBeat&>(*view->screen()).wheel; }
+  [[nodiscard]] const OnbWheel& wheel() const { return static_cast<WheelQuestionBeat&>(*view->screen()).wheel(); }
 
   OpenWindows windows;
   std::shared_ptr<OnboardingView> view = answered(windows);
@@ -202,7 +202,7 @@ TEST_F(OnboardingWindowTest, TheWheelTurnsByNotchesAndFingersAndThenLetsGo) {
     QPoint pixels;
     QPoint angle;
     int times;
-    int position;  // of six; at first the fourth, 3
+    std::size_t position;  // of six; at first the fourth, 3
   } turns[] = {
       {"a notch towards the user", mouse, {}, {0, -120}, 1, 4},
       {"a notch away", mouse, {}, {0, 120}, 1, 3},

@@ -6,7 +6,7 @@
 #include <sstream>
 
 #include "assistant/AssentaAssistant.h"
-#include "onboarding/OnbMotion.h"
+#include "onboarding/OnbSpan.h"
 #include "onboarding/OnboardingOptions.h"
 #include "onboarding/OnboardingScreens.h"
 #include "onboarding/OnboardingView.h"
@@ -30,19 +30,11 @@ std::shared_ptr<OnboardingModel> modelOf(const Answers& answers) {
   return model;
 }
 
-/// The screen's one button; null on the screen that has none.
-template <typename... Screens>
-OnbPill* buttonIn(OnboardingScreen& screen) {
-  OnbPill* button = nullptr;
-  const auto look = [&](auto* concrete) { button = concrete != nullptr ? &concrete->button : button; };
-  (look(dynamic_cast<Screens*>(&screen)), ...);
-  return button;
+void press(OnboardingScreen& screen, OnbElement::Kind kind, std::size_t part = 0) {
+  screen.press(*screen.find(kind), part);
 }
 
-OnbPill* buttonOf(OnboardingScreen& screen) {
-  return buttonIn<BrandBeat, PromiseBeat, WheelQuestionBeat, KeepsBeat, MirrorBeat, HowItWorksBeat, AccessibilityBeat,
-                  DemoBeat, DebriefBeat, ScienceBeat, ScheduleBeat, FinaleBeat>(screen);
-}
+using enum OnbElement::Kind;
 
 TEST(OnboardingScreens, ElementsComeInAtTheirTimesAndButtonsCountFromThenOn) {
   const struct {
@@ -56,9 +48,9 @@ TEST(OnboardingScreens, ElementsComeInAtTheirTimesAndButtonsCountFromThenOn) {
               {"0.3 1.2", "", 0},
               {"0.3 1.2 2", "Continue", 2},
               {"0.3 1 1.5 2.2", "Continue", 2.2},
-              {"0.3 1.4 1.4 1.6 3 3.4 5", "I want to sleep better", 5},
-              {"0.2 17.3", "Continue", 17.3, true},
-              {"0.3 1.2 2.2 3", "Continue", 3},
+              {"0.3 1.4 1.4 3.4 5", "I want to sleep better", 5},
+              {"0 0.2 17.3", "Continue", 17.3, true},
+              {"0.3 1.2 2.2 2.2 3", "Continue", 3},
               {"0.3 1.4 2.6", "Test Dormel", 2.6},
               {"0.3 1.6 3", "Understood", 3},
               {"0.3 1.2 2.4 3.8 5.2 6.4", "Continue", 6.4, true},
@@ -74,25 +66,25 @@ TEST(OnboardingScreens, ElementsComeInAtTheirTimesAndButtonsCountFromThenOn) {
     machine.advance(30);
     view->onAppear();
     const auto screen = view->screen();
-    OnbPill* const button = buttonOf(*screen);
+    const OnbElement* const button = screen->find(OnbElement::Kind::button);
     std::ostringstream times;
     std::size_t before = 0;
     for (int i = 0; i <= 200; ++i) {
       std::size_t now = 0;
-      for (const OnbReveal* reveal : screen->reveals()) now += reveal->on() ? 1 : 0;
+      for (const OnbElement& element : screen->elements()) now += element.on() ? 1 : 0;
       for (; before < now; ++before) times << (times.tellp() == 0 ? "" : " ") << i / 10.0;
-      if (auto* keeps = dynamic_cast<KeepsBeat*>(screen.get()); keeps != nullptr && i == 15) keeps->toggle(0);
-      EXPECT_EQ(button != nullptr && button->canPress(), button != nullptr && i / 10.0 >= row.button) << i;
+      if (screen->find(chips) != nullptr && i == 15) press(*screen, chips);
+      EXPECT_EQ(button != nullptr && screen->accepts(*button), button != nullptr && i / 10.0 >= row.button) << i;
       machine.advance(0.1);
     }
     EXPECT_EQ(times.str(), row.times);
     if (button == nullptr) continue;
-    EXPECT_EQ(button->title(), row.title);
-    EXPECT_EQ(button->quiet(), row.quiet);
-    button->press();
+    EXPECT_EQ(*button->text, row.title);
+    EXPECT_EQ(button->style.quiet, row.quiet);
+    screen->press(*button);
     EXPECT_TRUE(finished == 1 || view->beat() != beat);
     EXPECT_FALSE(screen->isShown());
-    button->press();
+    screen->press(*button);
     EXPECT_LE(finished, 1) << "it has gone";
     view->screen()->disappear();
     EXPECT_EQ(machine.timeline.repeatingTimers(), 0);
@@ -110,8 +102,8 @@ TEST(OnboardingScreens, AScreenThatHasGoneStandsStill) {
   machine.advance(60);
   EXPECT_EQ(changes, 0);
   EXPECT_EQ(screen.elapsed(), 1);
-  EXPECT_TRUE(screen.headline.reveal.on());
-  EXPECT_FALSE(screen.sub.reveal.on());
+  EXPECT_TRUE(screen.find(headline)->on());
+  EXPECT_FALSE(screen.find(sub)->on());
 }
 
 TEST(OnboardingScreens, HeadlinesMarkEmphasisWithAsterisks) {
@@ -158,8 +150,8 @@ TEST(OnboardingScreens, TheWheelTurnsByRowsScrollingAndArrows) {
       {"no such option: as the first", 99, {{key, DOWN}}, 24},
       {"no such option, up", 99, {{key, UP}}, 23},
       {"other keys", 25, {{key, 123}, {key, 124}, {key, 36}}, 25},
-      {"a row", 25, {{row, 27}}, 27},
-      {"no row", 25, {{row, 99}}, 25},
+      {"a row", 25, {{row, 4}}, 27},
+      {"no row", 25, {{row, 6}}, 25},
       {"a notch towards the user", 25, {{scroll, -15}}, 26},
       {"a notch away", 25, {{scroll, 15}}, 24},
       {"small deltas never", 25, {{scroll, 2}, {wait, 1}, {scroll, -2}, {wait, 1}, {scroll, 1.9}}, 25},
@@ -179,31 +171,32 @@ TEST(OnboardingScreens, TheWheelTurnsByRowsScrollingAndArrows) {
     SCOPED_TRACE(row.name);
     SimMachine machine;
     machine.windows.giveFocusToOrdinaryWindow();
-    WheelQuestionBeat screen(OnboardingBeat::q1Latest, "?", onboardingOptions::latest(), row.initial, [](int) {});
-    const auto press = [&](KeyCode key) { return machine.windows.deliverKey({EventType::keyDown, key, 0}); };
+    WheelQuestionBeat screen(OnboardingBeat::q1Latest, "?", onboardingOptions::latest(), row.initial, "", [](int) {});
+    OnbWheel& turned = screen.wheel();
+    const auto pressKey = [&](KeyCode key) { return machine.windows.deliverKey({EventType::keyDown, key, 0}); };
     const auto act = [&] {
       for (const Act& each : row.acts) {
-        if (each.kind == Kind::scroll) screen.wheel.scroll(each.value);
-        if (each.kind == Kind::turn) screen.wheel.turn(each.value);
-        if (each.kind == Kind::key) press(static_cast<KeyCode>(each.value));
-        if (each.kind == Kind::row) screen.wheel.select(static_cast<int>(each.value));
+        if (each.kind == Kind::scroll) turned.scroll(each.value);
+        if (each.kind == Kind::turn) turned.turn(each.value);
+        if (each.kind == Kind::key) pressKey(static_cast<KeyCode>(each.value));
+        if (each.kind == Kind::row) press(screen, wheel, static_cast<std::size_t>(each.value));
         if (each.kind == Kind::wait) machine.advance(each.value);
       }
     };
     act();
     screen.appear();
     machine.advance(1.19);
-    screen.wheel.keyDown(DOWN);
-    EXPECT_EQ(screen.wheel.selection(), row.initial) << "it has not come in";
+    turned.keyDown(DOWN);
+    EXPECT_EQ(turned.selection(), row.initial) << "it has not come in";
     machine.advance(0.02);
     act();
-    EXPECT_EQ(screen.wheel.selection(), row.selection);
-    EXPECT_TRUE(screen.wheel.keyDown(UP)) << "taken";
-    EXPECT_FALSE(screen.wheel.keyDown(36)) << "left to the others";
-    const int last = screen.wheel.selection();
+    EXPECT_EQ(turned.selection(), row.selection);
+    EXPECT_TRUE(turned.keyDown(UP)) << "taken";
+    EXPECT_FALSE(turned.keyDown(36)) << "left to the others";
+    const int last = turned.selection();
     screen.disappear();
     act();
-    EXPECT_EQ(screen.wheel.selection(), last) << "it has let go";
+    EXPECT_EQ(turned.selection(), last) << "it has let go";
   }
 }
 
@@ -215,14 +208,15 @@ TEST(OnboardingScreens, TheFirstPickCountsAndIsSeenForAMoment) {
                         [&](double value) { picked.push_back(value); });
     screen.appear();
     machine.advance(1.1);
-    screen.pick(0);
+    press(screen, choice, 0);
     machine.advance(0.2);
-    EXPECT_FALSE(screen.isSelected(0)) << "it has not come in";
-    screen.pick(9);
-    screen.pick(1);
+    const auto& chosen = screen.find(choice)->chosen;
+    EXPECT_TRUE(chosen->empty()) << "it has not come in";
+    press(screen, choice, 9);
+    press(screen, choice, 1);
     machine.advance(0.44);
-    screen.pick(2);
-    EXPECT_TRUE(screen.isSelected(1) && !screen.isSelected(2));
+    press(screen, choice, 2);
+    EXPECT_EQ(*chosen, std::vector<std::size_t>{1});
     EXPECT_TRUE(picked.empty());
     if (leftMeanwhile) screen.disappear();
     machine.advance(2);
@@ -250,14 +244,14 @@ TEST(OnboardingScreens, PicksAreToggledAndKeepTheirOrder) {
               {work, {}},
               {77, {}}};
   for (const auto& row : rows) {
-    screen.toggle(static_cast<std::size_t>(row.press));
+    press(screen, chips, static_cast<std::size_t>(row.press));
     EXPECT_EQ(screen.picks(), row.picks);
-    EXPECT_EQ(screen.button.enabled(), !row.picks.empty());
+    EXPECT_EQ(*screen.find(button)->enabled, !row.picks.empty());
   }
-  screen.button.press();
+  press(screen, button);
   EXPECT_EQ(given, std::vector<std::string>{"none"});
-  screen.toggle(games);
-  screen.button.press();
+  press(screen, chips, games);
+  press(screen, button);
   EXPECT_EQ(given, std::vector<std::string>{"games"});
 }
 
@@ -270,7 +264,6 @@ TEST(OnboardingScreens, TheMirrorCountsUpToWhatIsLost) {
     SCOPED_TRACE(row.target);
     SimMachine machine;
     MirrorBeat screen(*modelOf(row.answers), [] {});
-    ASSERT_FALSE(screen.isAhead());
     screen.appear();
     machine.advance(2.3);
     EXPECT_EQ(screen.shown(), 0);
@@ -293,14 +286,14 @@ TEST(OnboardingScreens, TheMirrorCountsUpToWhatIsLost) {
   EXPECT_EQ(left.shown(), shown);
 
   MirrorBeat ahead(*modelOf({24, 25, 2.0}), [] {});
-  EXPECT_TRUE(ahead.isAhead());
-  EXPECT_EQ(ahead.habit.text, "You get to bed by midnight, and you want to be asleep by 1 AM.");
+  EXPECT_EQ(ahead.find(figure), nullptr);
+  EXPECT_EQ(*ahead.find(sub)->text, "You get to bed by midnight, and you want to be asleep by 1 AM.");
 }
 
-/// "phase, held keys, ring in tenths, may go on" at a moment of the scene.
+/// "phase, held keys, where the ring goes, may go on" at a moment of the scene.
 std::string sceneOf(const HowItWorksBeat& screen) {
   std::ostringstream text;
-  text << screen.phase() << ' ' << screen.heldCount() << ' ' << std::lround(screen.ringProgress() * 10) << ' '
+  text << screen.phase() << ' ' << screen.heldCount() << ' ' << screen.ringProgress() << ' '
        << (screen.canContinue() ? "go" : "wait");
   return text.str();
 }
@@ -309,11 +302,11 @@ TEST(OnboardingScreens, ANightIsPlayedInSeventeenSeconds) {
   const struct {
     Seconds time;
     const char* scene;
-  } rows[] = {{1.19, "0 0 0 wait"},   {1.21, "1 0 0 wait"},  {5.29, "1 0 0 wait"},   {5.31, "2 0 0 wait"},
-              {5.91, "2 1 0 wait"},   {6.11, "2 2 0 wait"},  {6.31, "2 3 0 wait"},   {6.51, "2 4 0 wait"},
-              {6.71, "2 5 0 wait"},   {10.29, "2 5 0 wait"}, {10.31, "3 5 0 wait"},  {10.79, "3 5 0 wait"},
-              {12.3, "3 5 5 wait"},   {13.8, "3 5 10 wait"}, {15.29, "3 5 10 wait"}, {15.31, "4 5 10 wait"},
-              {17.29, "4 5 10 wait"}, {17.31, "4 5 10 go"},  {60, "4 5 10 go"}};
+  } rows[] = {{1.19, "0 0 0 wait"},  {1.21, "1 0 0 wait"},  {5.29, "1 0 0 wait"},  {5.31, "2 0 0 wait"},
+              {5.91, "2 1 0 wait"},  {6.11, "2 2 0 wait"},  {6.31, "2 3 0 wait"},  {6.51, "2 4 0 wait"},
+              {6.71, "2 5 0 wait"},  {10.29, "2 5 0 wait"}, {10.31, "3 5 0 wait"}, {10.79, "3 5 0 wait"},
+              {10.81, "3 5 1 wait"}, {15.29, "3 5 1 wait"}, {15.31, "4 5 1 wait"}, {17.29, "4 5 1 wait"},
+              {17.31, "4 5 1 go"},   {60, "4 5 1 go"}};
   const auto play = [](SimMachine& machine, HowItWorksBeat& screen, Seconds until) {
     machine.advance(until - screen.elapsed());
   };
@@ -323,7 +316,6 @@ TEST(OnboardingScreens, ANightIsPlayedInSeventeenSeconds) {
   for (const auto& row : rows) {
     play(machine, screen, row.time);
     EXPECT_EQ(sceneOf(screen), row.scene) << row.time;
-    EXPECT_EQ(screen.ringFills(), row.time > 10.8 && row.time < 13.8) << row.time;
   }
 
   HowItWorksBeat left(*modelOf({}), [] {});
@@ -358,14 +350,14 @@ TEST(OnboardingScreens, ThePermissionIsNoticedWithinASecond) {
   machine.accessibility.setTrusted(false);
   int gone = 0;
   AccessibilityBeat screen([&] { ++gone; });
-  screen.grant();
+  press(screen, permission);
   screen.appear();
   machine.advance(2.1);
-  screen.grant();
+  press(screen, permission);
   EXPECT_FALSE(AssentaAssistant::shared().activePanel()) << "the button has not come in";
   machine.advance(1.5);
-  screen.button.press();
-  screen.grant();
+  press(screen, button);
+  press(screen, permission);
   EXPECT_EQ(AssentaAssistant::shared().activePanel(), AssentaPanel::accessibility);
   machine.journal.clear();
   machine.accessibility.setTrusted(true);
@@ -376,13 +368,13 @@ TEST(OnboardingScreens, ThePermissionIsNoticedWithinASecond) {
   EXPECT_TRUE(screen.granted());
   EXPECT_FALSE(AssentaAssistant::shared().activePanel());
   EXPECT_EQ(machine.journal.lines().size(), 1U) << "activated, once";
-  screen.grant();
+  press(screen, permission);
   machine.advance(5);
   EXPECT_EQ(machine.journal.lines().size(), 1U);
   machine.accessibility.setTrusted(false);
   machine.advance(1);
-  EXPECT_FALSE(screen.button.canPress()) << "taken back";
-  screen.grant();
+  EXPECT_FALSE(screen.accepts(*screen.find(button))) << "taken back";
+  press(screen, permission);
   EXPECT_TRUE(AssentaAssistant::shared().activePanel());
   screen.disappear();
   EXPECT_FALSE(AssentaAssistant::shared().activePanel()) << "left";
@@ -396,10 +388,10 @@ TEST(OnboardingScreens, TheWordmarksOpenTheirPapers) {
   ScienceBeat screen([] {});
   screen.appear();
   machine.advance(1);
-  screen.open(0);
+  press(screen, sources, 0);
   machine.advance(1);
   EXPECT_TRUE(machine.journal.lines().empty());
-  for (std::size_t i = 0; i < 5; ++i) screen.open(i);
+  for (std::size_t i = 0; i < 5; ++i) press(screen, sources, i);
   ASSERT_EQ(machine.journal.lines().size(), 4U);
   for (const std::string& line : machine.journal.lines()) EXPECT_NE(line.find("open https://doi.org/10."), line.npos);
 }

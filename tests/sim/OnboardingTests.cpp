@@ -13,11 +13,16 @@ namespace dormel {
 namespace {
 
 using Beat = OnboardingBeat;
+using Kind = OnbElement::Kind;
 using Lines = Program::Lines;
 
 constexpr const char* KEYS[] = {defaultsKey::onboardingBeat,   defaultsKey::onboardingLate,
                                 defaultsKey::onboardingNights, defaultsKey::onboardingWant,
                                 defaultsKey::onboardingKeeps,  defaultsKey::onboardingLock};
+
+void press(OnboardingScreen& screen, Kind kind, std::size_t part = 0) {
+  if (const OnbElement* element = screen.find(kind)) screen.press(*element, part);
+}
 
 TEST(OnboardingModel, MakesFiguresAndSentencesOfTheAnswers) {
   constexpr int LARGE = std::numeric_limits<int>::max();
@@ -129,9 +134,9 @@ TEST(Onboarding, WheelsStartAtAnAnswerThatTheyOffer) {
     for (const auto& [beat, start] : {std::pair{Beat::q1Latest, row.lateStart}, {Beat::q3Want, row.wantStart}}) {
       view->advance(beat);
       machine.advance(5);
-      const auto& screen = static_cast<WheelQuestionBeat&>(*view->screen());
-      EXPECT_EQ(screen.wheel.selection(), start);
-      screen.button.press();
+      const auto screen = std::static_pointer_cast<WheelQuestionBeat>(view->screen());
+      EXPECT_EQ(screen->wheel().selection(), start);
+      press(*screen, Kind::button);
     }
     EXPECT_EQ(*view->model().late, row.lateStart) << "what was shown is handed over";
   }
@@ -168,7 +173,7 @@ TEST(Onboarding, GoesBackAmongTheQuestionsOnly) {
   // A pick that was still to be seen goes with its screen.
   view->advance(Beat::q2Nights);
   machine.advance(2);
-  static_cast<QuestionBeat&>(*view->screen()).pick(0);
+  press(*view->screen(), Kind::choice);
   view->goBack();
   machine.advance(2);
   EXPECT_EQ(view->beat(), Beat::q1Latest);
@@ -189,28 +194,18 @@ class Stranger {
     machine_.advance(20);
     machine_.run([this] {
       const auto screen = view()->screen();
-      if (auto* question = dynamic_cast<QuestionBeat*>(screen.get())) question->pick(2);
-      if (auto* keeps = dynamic_cast<KeepsBeat*>(screen.get())) {
-        keeps->toggle(3);
-        keeps->toggle(0);
+      for (const auto& [kind, part] : {std::pair{Kind::choice, 2}, {Kind::chips, 3}, {Kind::chips, 0}}) {
+        press(*screen, kind, static_cast<std::size_t>(part));
       }
-      if (auto* wheel = dynamic_cast<WheelQuestionBeat*>(screen.get())) wheel->wheel.step(1);
-      if (auto* schedule = dynamic_cast<ScheduleBeat*>(screen.get())) schedule->wheel.select(23);
-      pressIfAny<BrandBeat, PromiseBeat, WheelQuestionBeat, KeepsBeat, MirrorBeat, HowItWorksBeat, AccessibilityBeat,
-                 DemoBeat, DebriefBeat, ScienceBeat, ScheduleBeat, FinaleBeat>(*screen);
+      if (auto* question = dynamic_cast<WheelQuestionBeat*>(screen.get())) {
+        screen->beat() == Beat::schedule ? question->wheel().select(1) : question->wheel().step(1);
+      }
+      press(*screen, Kind::button);
     });
     machine_.advance(1.3);
   }
 
  private:
-  template <typename... Screens>
-  void pressIfAny(OnboardingScreen& screen) {
-    const auto press = [](auto* concrete) {
-      if (concrete != nullptr) concrete->button.press();
-    };
-    (press(dynamic_cast<Screens*>(&screen)), ...);
-  }
-
   SimMachine& machine_;
 };
 
@@ -281,19 +276,18 @@ TEST(Onboarding, TheDemoLocksAndTheNextScreenWaitsUnderneath) {
   program.machine.run([&] { program.stranger.view()->advance(Beat::demo); });
   program.machine.advance(5);
   const auto screen = program.stranger.view()->screen();
-  const OnbPill& button = static_cast<DemoBeat&>(*screen).button;
   program.machine.accessibility.setTrusted(false);
-  program.machine.run([&] { button.press(); });
+  program.machine.run([&] { press(*screen, Kind::button); });
   EXPECT_EQ(program.stranger.view()->beat(), Beat::accessibility) << "it cannot start";
 
   program.machine.accessibility.setTrusted(true);
   program.machine.run([&] { program.stranger.view()->advance(Beat::demo); });
   program.machine.advance(5);
-  const auto again = std::static_pointer_cast<DemoBeat>(program.stranger.view()->screen());
-  EXPECT_EQ(again->sub.text, "Your screen will lock.\nTo snooze, hold the keys for 5 seconds.");
-  program.machine.run([&] { again->button.press(); });
+  const auto again = program.stranger.view()->screen();
+  EXPECT_EQ(*again->find(Kind::sub)->text, "Your screen will lock.\nTo snooze, hold the keys for 5 seconds.");
+  program.machine.run([&] { press(*again, Kind::button); });
   EXPECT_EQ(program.delegate().screenManager()->state(), SessionState::blocked);
-  program.machine.run([&] { again->button.press(); });
+  program.machine.run([&] { press(*again, Kind::button); });
   program.machine.advance(1.19);
   EXPECT_EQ(program.stranger.view()->beat(), Beat::demo) << "a second press changes nothing";
   program.machine.advance(0.02);

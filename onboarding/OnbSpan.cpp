@@ -1,4 +1,4 @@
-#include "onboarding/OnbText.h"
+#include "onboarding/OnbSpan.h"
 
 namespace dormel {
 
