@@ -32,7 +32,9 @@ struct Tapped {
           events.push_back(event);
           return TapVerdict::swallow;
         }))),
-        source(tap->makeRunLoopSource()) {}
+        source(tap->makeRunLoopSource()) {
+    spin(20);  // what a tap asks for is sent when the loop waits, or when keys are taken
+  }
 
   /// The keys' part of what came, as "v0 ^0 ~56:20002".
   [[nodiscard]] std::string story() const {
@@ -181,7 +183,7 @@ TEST(KeyNumbering, KeysAreKnownByTheirNamesWhateverTheServerNumbersThem) {
   const ServerFeatures features = ServerFeatures::query(*connection);
   const KeyNumbering numbering(connection, features);
   const HardwareKeysX11 keys(connection, features, numbering);
-  const LayoutX11 layout(connection, features);
+  const LayoutX11 layout(connection, features, numbering);
   Tapped tapped(*server);
   struct Numbers {
     const char* keycodes;
@@ -215,6 +217,7 @@ TEST(InputIdle, CountsFromTheLastInput) {
   spin(300);
   EXPECT_GE(idle.secondsSinceLast(InputKind::keyDown), 0.3);
   server->press(KEY_A);
+  spin(10);
   EXPECT_LT(idle.secondsSinceLast(InputKind::mouseMoved), 0.2);
 }
 
@@ -239,7 +242,9 @@ TEST(Layout, PrintsWhatTheServersKeymapPrints) {
   const auto server = XServer::withTwoMonitors();
   const auto connection = server->client();
   connection->startPumping();
-  const LayoutX11 layout(connection, ServerFeatures::query(*connection));
+  const ServerFeatures features = ServerFeatures::query(*connection);
+  const KeyNumbering numbering(connection, features);
+  const LayoutX11 layout(connection, features, numbering);
   for (const Case& c : cases) {
     std::vector<std::string> command{"setxkbmap"};
     command.insert(command.end(), c.setxkbmap.begin(), c.setxkbmap.end());

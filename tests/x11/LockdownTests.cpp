@@ -157,8 +157,9 @@ TEST_F(LockdownTest, SlowKeysRestWhileItIsOnAndComeBackEvenAfterACrash) {
   EXPECT_TRUE(until([&] { return on() == (SLOW | BOUNCE); }));
 
   const auto connection = server->client();
-  auto dying = std::make_unique<AccessX>(connection, ServerFeatures::query(*connection));
-  dying->suspend();
+  const ServerFeatures features = ServerFeatures::query(*connection);
+  auto dying = std::make_unique<AccessX>(connection, features);
+  dying->suspend(dying->ask(keyDevices(*connection, features)));
   connection->sync();
   EXPECT_EQ(on(), 0U);
   shutdown(xcb_get_file_descriptor(*connection), SHUT_RDWR);
@@ -206,7 +207,9 @@ TEST_F(LockdownTest, WhatKeysLockInTheServerIsAsBeforeWhenTheLockGoes) {
     EXPECT_EQ(locked(), before) << "by a process that ends";
   }
   const auto connection = server->client();
-  LockedState(connection, ServerFeatures::query(*connection)).remember();
+  const ServerFeatures features = ServerFeatures::query(*connection);
+  LockedState died(connection, features);
+  died.remember(died.ask(keyDevices(*connection, features)));
   pressAll();  // and that process died
   { const Fixture next(*server); }
   EXPECT_EQ(locked(), before) << "by the next start";

@@ -4,10 +4,6 @@
 #include <utility>
 #include <vector>
 
-#include "platform/linux/x11/Reply.h"
-#include "platform/linux/x11/ServerHotkeys.h"
-#include "platform/linux/x11/Xkb.h"
-
 namespace dormel::x11 {
 namespace {
 
@@ -19,19 +15,23 @@ constexpr std::uint32_t AIDS =
 AccessX::AccessX(std::shared_ptr<Connection> connection, const ServerFeatures& features)
     : connection_(std::move(connection)), features_(features) {}
 
-void AccessX::suspend() {
-  if (!features_.xkb) return;
-  const auto devices = keyDevices(*connection_, features_);
-  std::vector<xcb_xkb_get_controls_cookie_t> cookies;
-  cookies.reserve(devices.size());
+AccessX::Controls AccessX::ask(const KeyDevices& devices) {
+  Controls controls;
+  if (!features_.xkb) return controls;
+  controls.devices = devices;
   for (const std::uint16_t device : devices) {
     xcb_xkb_select_events_details_t details{};
     details.affectCtrls = details.ctrlDetails = XCB_XKB_CONTROL_CONTROLS_ENABLED;
     xcb_xkb_select_events_aux(*connection_, device, XCB_XKB_EVENT_TYPE_CONTROLS_NOTIFY, 0, 0, 0, 0, &details);
-    cookies.push_back(xcb_xkb_get_controls(*connection_, device));
+    controls.asked.emplace_back(*connection_, xcb_xkb_get_controls(*connection_, device));
   }
+  return controls;
+}
+
+void AccessX::suspend(Controls controls) {
+  const KeyDevices& devices = controls.devices;
   for (std::size_t i = 0; i < devices.size(); ++i) {
-    const auto reply = owned(xcb_xkb_get_controls_reply(*connection_, cookies[i], nullptr));
+    const auto reply = controls.asked[i].take();
     const std::uint32_t on = reply ? reply->enabledControls & AIDS : 0;
     if (on == 0) continue;
     const std::uint32_t all = suspended_[devices[i]] |= on;

@@ -9,7 +9,10 @@
 #include <memory>
 
 #include "platform/linux/x11/Connection.h"
+#include "platform/linux/x11/KeyDevices.h"
+#include "platform/linux/x11/Reply.h"
 #include "platform/linux/x11/ServerFeatures.h"
+#include "platform/linux/x11/Xkb.h"
 
 namespace dormel::x11 {
 
@@ -17,8 +20,15 @@ class AccessX {
  public:
   AccessX(std::shared_ptr<Connection> connection, const ServerFeatures& features);
 
-  /// Turns off those that are on, on every keyboard; doing it again catches what was turned on or plugged in since.
-  void suspend();
+  /// What `suspend` has to know of each keyboard, on its way.
+  struct Controls {
+    KeyDevices devices;
+    std::vector<Asked<&xcb_xkb_get_controls_reply>> asked;  ///< one for each
+  };
+  /// Also asks for the events that `concerns` recognises.
+  [[nodiscard]] Controls ask(const KeyDevices& devices);
+  /// Turns off those that are on; doing it again catches what was turned on or plugged in since.
+  void suspend(Controls controls);
   /// Turns on again what was turned off.
   void resume();
   /// Whether the event tells that one may have been turned on. (Keyboards that come are other news.)

@@ -4,8 +4,6 @@
 
 #include <utility>
 
-#include "platform/linux/x11/Reply.h"
-
 namespace dormel::x11 {
 
 Compositor::Compositor(std::shared_ptr<Connection> connection, const ServerFeatures& features)
@@ -18,8 +16,12 @@ Compositor::Compositor(std::shared_ptr<Connection> connection, const ServerFeatu
                                           XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
     subscription_ = connection_->subscribe([this](const xcb_generic_event_t& event) { handle(event); });
   }
-  const auto owner =
-      owned(xcb_get_selection_owner_reply(*connection_, xcb_get_selection_owner(*connection_, selection_), nullptr));
+  asked_ = {*connection_, xcb_get_selection_owner(*connection_, selection_)};
+}
+
+void Compositor::learn() const {
+  if (!asked_) return;
+  const auto owner = asked_.take();
   isRunning_ = owner && owner->owner != XCB_NONE;
 }
 
@@ -27,6 +29,7 @@ void Compositor::handle(const xcb_generic_event_t& event) {
   if ((event.response_type & 0x7f) != features_.xfixesEvent + XCB_XFIXES_SELECTION_NOTIFY) return;
   const auto& notify = reinterpret_cast<const xcb_xfixes_selection_notify_event_t&>(event);
   if (notify.selection != selection_) return;
+  learn();
   const bool runs = notify.owner != XCB_NONE;
   if (std::exchange(isRunning_, runs) != runs && onChange_) onChange_();
 }

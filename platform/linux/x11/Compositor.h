@@ -14,16 +14,21 @@ class Compositor {
   /// Without XFixes, what is found now counts for good.
   Compositor(std::shared_ptr<Connection> connection, const ServerFeatures& features);
 
-  [[nodiscard]] bool isRunning() const { return isRunning_; }
+  [[nodiscard]] bool isRunning() const {
+    learn();
+    return isRunning_;
+  }
   void setOnChange(Task onChange) { onChange_ = std::move(onChange); }
 
  private:
   void handle(const xcb_generic_event_t& event);
+  void learn() const;
 
   std::shared_ptr<Connection> connection_;
   ServerFeatures features_;
   xcb_atom_t selection_;
-  bool isRunning_ = false;
+  mutable Asked<&xcb_get_selection_owner_reply> asked_;
+  mutable bool isRunning_ = false;
   Task onChange_;
   Subscription subscription_;
 };

@@ -8,8 +8,6 @@
 #include <chrono>
 #include <utility>
 
-#include "platform/linux/x11/Reply.h"
-
 namespace dormel::x11 {
 namespace {
 
@@ -159,19 +157,29 @@ std::vector<xcb_atom_t> Connection::atoms(const std::vector<std::string>& names)
   return atoms;
 }
 
-std::vector<std::uint32_t> Connection::property32(xcb_window_t window, xcb_atom_t property) {
-  const auto cookie = xcb_get_property(xcb_, 0, window, property, XCB_GET_PROPERTY_TYPE_ANY, 0, PROPERTY_WORDS);
-  const auto reply = owned(xcb_get_property_reply(xcb_, cookie, nullptr));
+Asked<&xcb_get_property_reply> Connection::askProperty(xcb_window_t window, xcb_atom_t property) {
+  return {xcb_, xcb_get_property(xcb_, 0, window, property, XCB_GET_PROPERTY_TYPE_ANY, 0, PROPERTY_WORDS)};
+}
+
+std::vector<std::uint32_t> Connection::items(Asked<&xcb_get_property_reply> property) {
+  const auto reply = property.take();
   if (!reply || reply->format != 32) return {};
   const auto* items = static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
   return {items, items + reply->value_len};
 }
 
-std::string Connection::propertyText(xcb_window_t window, xcb_atom_t property) {
-  const auto cookie = xcb_get_property(xcb_, 0, window, property, XCB_GET_PROPERTY_TYPE_ANY, 0, PROPERTY_WORDS);
-  const auto reply = owned(xcb_get_property_reply(xcb_, cookie, nullptr));
+std::string Connection::text(Asked<&xcb_get_property_reply> property) {
+  const auto reply = property.take();
   if (!reply || reply->format != 8) return {};
   return {static_cast<const char*>(xcb_get_property_value(reply.get())), reply->value_len};
+}
+
+std::vector<std::uint32_t> Connection::property32(xcb_window_t window, xcb_atom_t property) {
+  return items(askProperty(window, property));
+}
+
+std::string Connection::propertyText(xcb_window_t window, xcb_atom_t property) {
+  return text(askProperty(window, property));
 }
 
 }  // namespace dormel::x11

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "platform/linux/loop/EventLoop.h"
+#include "platform/linux/x11/Reply.h"
 
 namespace dormel::x11 {
 
@@ -69,6 +70,11 @@ class Connection : public std::enable_shared_from_this<Connection> {
   [[nodiscard]] std::vector<xcb_atom_t> atoms(const std::vector<std::string>& names);
   /// Asks for atoms that will be needed, without waiting.
   void expectAtoms(const std::vector<std::string>& names);
+  /// A property's value, on its way.
+  [[nodiscard]] Asked<&xcb_get_property_reply> askProperty(xcb_window_t window, xcb_atom_t property);
+  /// Its 32-bit items; empty when absent or of another format.
+  [[nodiscard]] static std::vector<std::uint32_t> items(Asked<&xcb_get_property_reply> property);
+  [[nodiscard]] static std::string text(Asked<&xcb_get_property_reply> property);
   /// A property's value as 32-bit items; empty when absent or of another format.
   [[nodiscard]] std::vector<std::uint32_t> property32(xcb_window_t window, xcb_atom_t property);
   /// A property's value as bytes.

@@ -9,8 +9,8 @@ namespace dormel::x11 {
 DesktopSnapshot::DesktopSnapshot(std::shared_ptr<Connection> connection, const Visuals& visuals)
     : connection_(std::move(connection)), visuals_(visuals) {}
 
-void DesktopSnapshot::take() {
-  if (exists() || !visuals_.canDraw()) return;
+void DesktopSnapshot::settle() const {
+  if (!isWanted_ || pixmap_ != XCB_NONE) return;
   Connection& c = *connection_;
   const auto root = owned(xcb_get_geometry_reply(c, xcb_get_geometry(c, c.root()), nullptr));
   if (!root) return;
@@ -26,7 +26,8 @@ void DesktopSnapshot::take() {
 }
 
 void DesktopSnapshot::drop() {
-  if (!exists()) return;
+  isWanted_ = false;
+  if (pixmap_ == XCB_NONE) return;
   xcb_render_free_picture(*connection_, std::exchange(picture_, XCB_NONE));
   xcb_free_pixmap(*connection_, std::exchange(pixmap_, XCB_NONE));
 }

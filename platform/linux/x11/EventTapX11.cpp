@@ -25,10 +25,9 @@ class TapX11 : public std::enable_shared_from_this<TapX11> {
         }) {
     selectRawKeys();
     subscription_ = connection_->subscribe([this](const xcb_generic_event_t& event) { handle(event); });
-    // Asked for after the raw events: a key that moves in between is in both, and counts.
-    for (const std::uint8_t down : keysDown(*connection_)) {
-      tracker_.seed(down, numbering_.usual().virtualKeyCode(down));
-    }
+    // Asked for after the raw events: a key that moves in between is in both, and counts. The answer is looked at with
+    // the first event; the keyboard is to be taken before.
+    wereDown_ = {*connection_, xcb_query_keymap(*connection_)};
   }
 
   KeyboardGrab& grab() { return grab_; }
@@ -53,6 +52,11 @@ class TapX11 : public std::enable_shared_from_this<TapX11> {
     const auto& generic = reinterpret_cast<const xcb_ge_generic_event_t&>(event);
     if (generic.extension != xinputOpcode_) return;
     const auto self = shared_from_this();  // the callback may remove the tap
+    if (wereDown_) {
+      for (const std::uint8_t down : keysDown(std::move(wereDown_))) {
+        tracker_.seed(down, numbering_.usual().virtualKeyCode(down));
+      }
+    }
     switch (generic.event_type) {
       case XCB_INPUT_RAW_KEY_PRESS: {
         const auto& raw = reinterpret_cast<const xcb_input_raw_key_press_event_t&>(event);
@@ -91,6 +95,7 @@ class TapX11 : public std::enable_shared_from_this<TapX11> {
   KeyNumbering numbering_;
   std::function<TapVerdict(const KeyEvent&)> callback_;
   KeyTracker tracker_;
+  Asked<&xcb_query_keymap_reply> wereDown_;
   Subscription subscription_;
   KeyboardGrab grab_;
 };
@@ -142,10 +147,9 @@ std::unique_ptr<EventTap> EventTapsX11::create(std::function<TapVerdict(const Ke
   if (!connection_ || !features_.xinput22 || features_.xwayland) return nullptr;
   auto own = Connection::open(connection_->loop(), connection_->display());
   if (!own) return nullptr;
-  const ServerFeatures input = ServerFeatures::queryInput(*own);
-  if (!input.xinput22) return nullptr;
+  features_.announceInput(*own);
   own->setOnLost(onLost_);
-  return std::make_unique<EventTapX11>(std::make_shared<TapX11>(std::move(own), input, std::move(callback)), care_);
+  return std::make_unique<EventTapX11>(std::make_shared<TapX11>(std::move(own), features_, std::move(callback)), care_);
 }
 
 }  // namespace dormel::x11

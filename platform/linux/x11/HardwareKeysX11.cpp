@@ -4,8 +4,6 @@
 
 #include <algorithm>
 
-#include "platform/linux/x11/Reply.h"
-
 namespace dormel::x11 {
 namespace {
 
@@ -19,9 +17,9 @@ bool isAnyOf(const std::vector<xcb_keycode_t>& keycodes, const std::uint8_t* bit
 
 }  // namespace
 
-std::vector<std::uint8_t> keysDown(Connection& connection) {
+std::vector<std::uint8_t> keysDown(Asked<&xcb_query_keymap_reply> asked) {
   std::vector<std::uint8_t> down;
-  const auto reply = owned(xcb_query_keymap_reply(connection, xcb_query_keymap(connection), nullptr));
+  const auto reply = asked.take();
   if (!reply) return down;
   for (unsigned keycode = FIRST_KEY; keycode < 256; ++keycode) {
     if (isSet(reply->keys, keycode)) down.push_back(static_cast<std::uint8_t>(keycode));

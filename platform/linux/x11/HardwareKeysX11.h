@@ -9,12 +9,13 @@
 #include "platform/Keyboard.h"
 #include "platform/linux/x11/Connection.h"
 #include "platform/linux/x11/KeyNumbering.h"
+#include "platform/linux/x11/Reply.h"
 #include "platform/linux/x11/ServerFeatures.h"
 
 namespace dormel::x11 {
 
-/// The X key codes of all keys of the usual keyboard that are down now. Asks the server.
-[[nodiscard]] std::vector<std::uint8_t> keysDown(Connection& connection);
+/// The X key codes of all keys of the usual keyboard that were down when the server was asked.
+[[nodiscard]] std::vector<std::uint8_t> keysDown(Asked<&xcb_query_keymap_reply> asked);
 
 class HardwareKeysX11 : public HardwareKeys {
  public:

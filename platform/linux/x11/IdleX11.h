@@ -1,7 +1,9 @@
 // How long the input devices have been idle, by the screen-saver extension: one figure for all kinds of input.
 #pragma once
 
+#include <chrono>
 #include <memory>
+#include <optional>
 
 #include "platform/Keyboard.h"
 #include "platform/linux/x11/ServerFeatures.h"
@@ -17,6 +19,8 @@ class IdleX11 : public InputIdle {
  private:
   std::shared_ptr<Connection> connection_;
   bool isKnown_;
+  mutable Seconds answer_ = -1;
+  mutable std::optional<std::chrono::steady_clock::time_point> askedAt_;
 };
 
 }  // namespace dormel::x11

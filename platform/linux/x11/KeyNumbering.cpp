@@ -4,9 +4,6 @@
 #include <string>
 #include <utility>
 
-#include "platform/linux/x11/Reply.h"
-#include "platform/linux/x11/Xkb.h"
-
 namespace dormel::x11 {
 namespace {
 
@@ -29,12 +26,20 @@ const KeyCodes& KeyNumbering::usual() const { return of(XCB_XKB_ID_USE_CORE_KBD)
 const KeyCodes& KeyNumbering::of(std::uint16_t device) const {
   const auto known = known_.find(device);
   if (known != known_.end()) return known->second;
-  return known_.emplace(device, query(device)).first->second;
+  const bool isExpected = device == XCB_XKB_ID_USE_CORE_KBD && askedUsual_;
+  return known_.emplace(device, read(isExpected ? std::move(askedUsual_) : ask(device))).first->second;
 }
 
-void KeyNumbering::forget() { known_.clear(); }
+void KeyNumbering::expectUsual() const {
+  if (!known_.contains(XCB_XKB_ID_USE_CORE_KBD) && !askedUsual_) askedUsual_ = ask(XCB_XKB_ID_USE_CORE_KBD);
+}
 
-KeyCodes KeyNumbering::query(std::uint16_t device) const {
+void KeyNumbering::forget() {
+  known_.clear();
+  askedUsual_ = {};
+}
+
+KeyNumbering::Names KeyNumbering::ask(std::uint16_t device) const {
   if (!connection_ || !features_.xkb) return {};
   Connection& c = *connection_;
   xcb_xkb_select_events_details_t details{};
@@ -42,8 +47,11 @@ KeyCodes KeyNumbering::query(std::uint16_t device) const {
   details.affectNames = details.namesDetails = XCB_XKB_NAME_DETAIL_KEY_NAMES | XCB_XKB_NAME_DETAIL_KEY_ALIASES;
   xcb_xkb_select_events_aux(c, device, XCB_XKB_EVENT_TYPE_NEW_KEYBOARD_NOTIFY | XCB_XKB_EVENT_TYPE_NAMES_NOTIFY, 0, 0,
                             0, 0, &details);
-  const auto cookie = xcb_xkb_get_names(c, device, XCB_XKB_NAME_DETAIL_KEY_NAMES | XCB_XKB_NAME_DETAIL_KEY_ALIASES);
-  const auto reply = owned(xcb_xkb_get_names_reply(c, cookie, nullptr));
+  return {c, xcb_xkb_get_names(c, device, XCB_XKB_NAME_DETAIL_KEY_NAMES | XCB_XKB_NAME_DETAIL_KEY_ALIASES)};
+}
+
+KeyCodes KeyNumbering::read(Names asked) {
+  const auto reply = asked.take();
   if (!reply) return {};
   xcb_xkb_get_names_value_list_t list{};
   xcb_xkb_get_names_value_list_unpack(xcb_xkb_get_names_value_list(reply.get()), reply->nTypes, reply->indicators,

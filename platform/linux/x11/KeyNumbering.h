@@ -8,7 +8,9 @@
 
 #include "platform/linux/display/KeyCodes.h"
 #include "platform/linux/x11/Connection.h"
+#include "platform/linux/x11/Reply.h"
 #include "platform/linux/x11/ServerFeatures.h"
+#include "platform/linux/x11/Xkb.h"
 
 namespace dormel::x11 {
 
@@ -23,16 +25,21 @@ class KeyNumbering {
   [[nodiscard]] const KeyCodes& of(std::uint16_t device) const;
   /// Of the usual keyboard.
   [[nodiscard]] const KeyCodes& usual() const;
+  /// Asks for it, without waiting.
+  void expectUsual() const;
   /// Keyboards came or went: their ids may be those of others now.
   void forget();
 
  private:
   void handle(const xcb_generic_event_t& event);
-  [[nodiscard]] KeyCodes query(std::uint16_t device) const;
+  using Names = Asked<&xcb_xkb_get_names_reply>;
+  [[nodiscard]] Names ask(std::uint16_t device) const;
+  [[nodiscard]] static KeyCodes read(Names names);
 
   std::shared_ptr<Connection> connection_;
   ServerFeatures features_;
   mutable std::map<std::uint16_t, KeyCodes> known_;
+  mutable Names askedUsual_;
   Subscription subscription_;
 };
 

@@ -1,11 +1,9 @@
 #include "platform/linux/x11/LayoutX11.h"
 
-#include <xkbcommon/xkbcommon-x11.h>
 #include <xkbcommon/xkbcommon.h>
 
 #include <array>
 
-#include "platform/linux/display/KeyCodes.h"
 #include "platform/linux/x11/Reply.h"
 #include "platform/linux/x11/Xkb.h"
 
@@ -17,16 +15,15 @@ constexpr std::uint16_t WATCHED =
 
 constexpr std::uint16_t EVERY_MAP_PART = 0xff;
 
+/// How many layouts a key has, in its group information.
+constexpr unsigned LAYOUTS_OF_A_KEY = 0x0f;
+
 }  // namespace
 
-void LayoutX11::ContextDeleter::operator()(xkb_context* context) const { xkb_context_unref(context); }
-void LayoutX11::KeymapDeleter::operator()(xkb_keymap* keymap) const { xkb_keymap_unref(keymap); }
-
-LayoutX11::LayoutX11(std::shared_ptr<Connection> connection, const ServerFeatures& features)
-    : connection_(std::move(connection)), features_(features) {
+LayoutX11::LayoutX11(std::shared_ptr<Connection> connection, const ServerFeatures& features,
+                     const KeyNumbering& numbering)
+    : connection_(std::move(connection)), features_(features), numbering_(numbering) {
   if (!connection_ || !features_.xkb) return;
-  context_.reset(xkb_context_new(
-      static_cast<xkb_context_flags>(XKB_CONTEXT_NO_DEFAULT_INCLUDES | XKB_CONTEXT_NO_ENVIRONMENT_NAMES)));
   xcb_xkb_select_events_details_t details{};
   details.affectNewKeyboard = XCB_XKB_NKN_DETAIL_KEYCODES;
   details.newKeyboardDetails = XCB_XKB_NKN_DETAIL_KEYCODES;
@@ -37,53 +34,51 @@ LayoutX11::LayoutX11(std::shared_ptr<Connection> connection, const ServerFeature
   subscription_ = connection_->subscribe([this](const xcb_generic_event_t& event) { handle(event); });
 }
 
-LayoutX11::~LayoutX11() = default;
-
 void LayoutX11::handle(const xcb_generic_event_t& event) {
   if ((event.response_type & 0x7f) != features_.xkbEvent) return;
   const std::uint8_t type = event.pad0;  // every event of this extension has its kind there
   if (type == XCB_XKB_NEW_KEYBOARD_NOTIFY || type == XCB_XKB_MAP_NOTIFY || type == XCB_XKB_STATE_NOTIFY) {
-    keymap_.reset();
+    symbols_.reset();
   }
 }
 
 void LayoutX11::fetch() const {
-  if (keymap_ || !context_) return;
-  const std::int32_t device = xkb_x11_get_core_keyboard_device_id(*connection_);
-  if (device < 0) return;
-  keymap_.reset(xkb_x11_keymap_new_from_device(context_.get(), *connection_, device, XKB_KEYMAP_COMPILE_NO_FLAGS));
-  if (!keymap_) return;
-  xkb_state* state = xkb_x11_state_new_from_device(keymap_.get(), *connection_, device);
-  if (state == nullptr) return;
-  layout_ = xkb_state_serialize_layout(state, XKB_STATE_LAYOUT_EFFECTIVE);
-  xkb_state_unref(state);
-}
-
-std::uint32_t LayoutX11::xkbCode(KeyCode keyCode) const {
-  for (const char* name : keyNames(keyCode)) {
-    const xkb_keycode_t code = xkb_keymap_key_by_name(keymap_.get(), name);
-    if (code != XKB_KEYCODE_INVALID) return code;
+  if (symbols_ || !connection_ || !features_.xkb) return;
+  Connection& c = *connection_;
+  // All that a label needs, in one round trip: the challenge wants its labels before the screens are covered.
+  Asked<&xcb_xkb_get_map_reply> askedMap(c, xcb_xkb_get_map(c, XCB_XKB_ID_USE_CORE_KBD, XCB_XKB_MAP_PART_KEY_SYMS, 0, 0,
+                                                            0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0));
+  Asked<&xcb_xkb_get_state_reply> askedState(c, xcb_xkb_get_state(c, XCB_XKB_ID_USE_CORE_KBD));
+  numbering_.expectUsual();
+  const auto map = askedMap.take();
+  const auto state = askedState.take();
+  if (!map || !state || (map->present & XCB_XKB_MAP_PART_KEY_SYMS) == 0) return;
+  xcb_xkb_get_map_map_t parts{};
+  xcb_xkb_get_map_map_unpack(xcb_xkb_get_map_map(map.get()), map->nTypes, map->nKeySyms, map->nKeyActions,
+                             map->totalActions, map->totalKeyBehaviors, map->virtualMods, map->totalKeyExplicit,
+                             map->totalModMapKeys, map->totalVModMapKeys, map->present, &parts);
+  symbols_.emplace();
+  unsigned code = map->firstKeySym;
+  for (auto key = xcb_xkb_get_map_map_syms_rtrn_iterator(map.get(), &parts); key.rem > 0 && code < symbols_->size();
+       xcb_xkb_key_sym_map_next(&key), ++code) {
+    const unsigned layouts = key.data->groupInfo & LAYOUTS_OF_A_KEY;
+    if (layouts == 0) continue;
+    const unsigned at = state->group % layouts * key.data->width;
+    if (at < key.data->nSyms) symbols_->at(code) = xcb_xkb_key_sym_map_syms(key.data)[at];
   }
-  const auto codes = KeyCodes().xKeyCodes(keyCode);
-  return codes.empty() ? XKB_KEYCODE_INVALID : codes.front();
 }
 
 std::optional<std::string> LayoutX11::translate(KeyCode keyCode) const {
   fetch();
-  const auto code = keymap_ ? xkbCode(keyCode) : XKB_KEYCODE_INVALID;
-  if (code == XKB_KEYCODE_INVALID) return std::nullopt;
-  const xkb_layout_index_t layouts = xkb_keymap_num_layouts_for_key(keymap_.get(), code);
-  if (layouts == 0) return std::nullopt;
-  const xkb_keysym_t* symbols = nullptr;
-  const int count = xkb_keymap_key_get_syms_by_level(keymap_.get(), code, layout_ % layouts, 0, &symbols);
-  std::string text;
-  for (int i = 0; i < count; ++i) {
-    std::array<char, 8> utf8{};
-    // A dead key's accent is no character yet: it yields nothing.
-    if (xkb_keysym_to_utf8(symbols[i], utf8.data(), utf8.size()) > 0) text += utf8.data();
+  if (!symbols_) return std::nullopt;
+  const auto codes = numbering_.usual().xKeyCodes(keyCode);
+  if (codes.empty()) return std::nullopt;
+  std::array<char, 8> utf8{};
+  // A dead key's accent is no character yet: it yields nothing.
+  if (xkb_keysym_to_utf8(symbols_->at(codes.front()), utf8.data(), utf8.size()) <= 0 || utf8.front() == '\0') {
+    return std::nullopt;
   }
-  if (text.empty()) return std::nullopt;
-  return text;
+  return utf8.data();
 }
 
 std::string LayoutX11::printedLegend(KeyCode keyCode) const {

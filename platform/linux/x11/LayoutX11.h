@@ -1,42 +1,37 @@
 // What the server's current keyboard layout prints on the keys.
 #pragma once
 
+#include <array>
+#include <cstdint>
 #include <memory>
+#include <optional>
+#include <string>
 
 #include "platform/Keyboard.h"
+#include "platform/linux/x11/Connection.h"
+#include "platform/linux/x11/KeyNumbering.h"
 #include "platform/linux/x11/ServerFeatures.h"
-
-struct xkb_context;
-struct xkb_keymap;
 
 namespace dormel::x11 {
 
 class LayoutX11 : public KeyboardLayout {
  public:
-  LayoutX11(std::shared_ptr<Connection> connection, const ServerFeatures& features);
-  ~LayoutX11() override;
+  /// `numbering` of the same connection outlives it.
+  LayoutX11(std::shared_ptr<Connection> connection, const ServerFeatures& features, const KeyNumbering& numbering);
 
   [[nodiscard]] std::optional<std::string> translate(KeyCode keyCode) const override;
   [[nodiscard]] std::string printedLegend(KeyCode keyCode) const override;
 
  private:
-  struct ContextDeleter {
-    void operator()(xkb_context* context) const;
-  };
-  struct KeymapDeleter {
-    void operator()(xkb_keymap* keymap) const;
-  };
   void handle(const xcb_generic_event_t& event);
   void fetch() const;
-  /// The fetched keymap's number for that key.
-  [[nodiscard]] std::uint32_t xkbCode(KeyCode keyCode) const;
 
   std::shared_ptr<Connection> connection_;
   ServerFeatures features_;
-  std::unique_ptr<xkb_context, ContextDeleter> context_;
-  // The server's keymap as of the last question, and which of its layouts is in force; dropped when either changes.
-  mutable std::unique_ptr<xkb_keymap, KeymapDeleter> keymap_;
-  mutable std::uint32_t layout_ = 0;
+  const KeyNumbering& numbering_;
+  /// Each key's symbol without modifiers, by the server's number of the key, in the layout that is in force; dropped
+  /// when either changes.
+  mutable std::optional<std::array<std::uint32_t, 256>> symbols_;
   Subscription subscription_;
 };
 

@@ -25,11 +25,13 @@ Lockdown::Lockdown(std::shared_ptr<Connection> connection, const ServerFeatures&
   xcb_create_pixmap(*connection_, 1, client_, connection_->root(), 1, 1);
   connection_->flush();
   // The selection is owned while a lockdown is on, and dies with its owner.
-  const auto owner =
-      owned(xcb_get_selection_owner_reply(*connection_, xcb_get_selection_owner(*connection_, selection_), nullptr));
+  Asked<&xcb_get_selection_owner_reply> asked(*connection_, xcb_get_selection_owner(*connection_, selection_));
+  auto actions = keys_.askLeft();
+  auto locked = care_->askLeft();
+  const auto owner = asked.take();
   if (!owner || owner->owner != XCB_NONE) return;
-  keys_.restore();
-  care_->repair();
+  keys_.restore(std::move(actions));
+  care_->repair(std::move(locked));
 }
 
 Lockdown::~Lockdown() {
@@ -44,10 +46,10 @@ void Lockdown::set(bool on) {
       xcb_set_selection_owner(*connection_, marker_, selection_, XCB_CURRENT_TIME);
       subscription_ = connection_->subscribe([this](const xcb_generic_event_t& event) { handle(event); });
       selectHierarchy(*connection_, features_);  // keyboards that are plugged in bring a keymap of their own
-      careHold_ = care_->hold();
     }
     pointer_.want(true);
     look();
+    connection_->sync();  // from here on it is so for every other program, too
     return;
   }
   if (!std::exchange(isOn_, false)) return;
@@ -61,8 +63,13 @@ void Lockdown::set(bool on) {
 }
 
 void Lockdown::look() {
-  keys_.disarm();
-  secondaryDeviceGrabs_.take();
+  // All questions first: the screens are covered by now, and the keyboard is taken only after this.
+  auto masters = secondaryDeviceGrabs_.ask();
+  const KeyDevices devices = keyDevices(*connection_, features_);
+  auto keymaps = keys_.ask(devices);
+  if (!careHold_) careHold_ = care_->hold(devices);
+  if (keys_.disarm(std::move(keymaps))) check_.ask();
+  secondaryDeviceGrabs_.take(std::move(masters));
 }
 
 void Lockdown::handle(const xcb_generic_event_t& event) {

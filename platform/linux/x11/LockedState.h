@@ -8,7 +8,10 @@
 #include <vector>
 
 #include "platform/linux/x11/Connection.h"
+#include "platform/linux/x11/KeyDevices.h"
+#include "platform/linux/x11/Reply.h"
 #include "platform/linux/x11/ServerFeatures.h"
+#include "platform/linux/x11/Xkb.h"
 
 namespace dormel::x11 {
 
@@ -16,11 +19,21 @@ class LockedState {
  public:
   LockedState(std::shared_ptr<Connection> connection, const ServerFeatures& features);
 
-  /// Remembers what is locked now, on every keyboard, also in a property of the root window: it can be put back from
-  /// there when this process dies.
-  void remember();
+  /// What is locked on each keyboard, on its way.
+  struct States {
+    KeyDevices devices;
+    std::vector<Asked<&xcb_xkb_get_state_reply>> asked;  ///< one for each
+  };
+  [[nodiscard]] States ask(const KeyDevices& devices);
+  /// Remembers that, also in a property of the root window: it can be put back from there when this process dies.
+  void remember(States states);
   /// Locks again what is remembered, by this process or an earlier one, and forgets it.
-  void restore();
+  void restore() { restore(askLeft()); }
+  /// What an earlier process left to be locked again, on its way.
+  [[nodiscard]] Asked<&xcb_get_property_reply> askLeft() {
+    return connection_->askProperty(connection_->root(), property_);
+  }
+  void restore(Asked<&xcb_get_property_reply> left);
 
  private:
   struct Device {
@@ -29,7 +42,7 @@ class LockedState {
     std::uint32_t modifiers;
     friend bool operator==(const Device&, const Device&) = default;
   };
-  [[nodiscard]] std::vector<Device> query();
+  [[nodiscard]] static std::vector<Device> answers(States states);
 
   std::shared_ptr<Connection> connection_;
   ServerFeatures features_;

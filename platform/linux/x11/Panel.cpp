@@ -216,12 +216,21 @@ void Panel::setFadedAlpha(double alpha) {
 void Panel::makeKeyAndOrderFront() {
   orderFront();
   if (style_.canBecomeKey) env_->focus.makeKey(window_);
-  env_->connection->flush();
+  settle();
 }
 
 void Panel::orderFrontRegardless() {
   orderFront();
-  env_->connection->flush();
+  settle();
+}
+
+void Panel::settle() {
+  // A window that fades in covers nothing yet, and a start waits for nothing before the keyboard is taken.
+  if (std::exchange(isMappedUnseen_, false) && surface_.covers()) {
+    env_->connection->sync();
+  } else {
+    env_->connection->flush();
+  }
 }
 
 void Panel::orderFront() {
@@ -230,12 +239,17 @@ void Panel::orderFront() {
     return;
   }
   const bool fadesWithoutCompositor = isBlack() && alpha() < 1 && !env_->compositor.isRunning();
-  if (fadesWithoutCompositor && !env_->stacking.hasScreenSaverPanels()) env_->desktop.take();
+  if (!fadesWithoutCompositor) {
+    env_->desktop.settle();
+  } else if (!env_->stacking.hasScreenSaverPanels()) {
+    env_->desktop.want();
+  }
   surface_.prepareMap();
   env_->stacking.raise(window_, style_.level);
   xcb_map_window(*env_->connection, window_);
   surface_.finishMap();
   isVisible_ = true;
+  isMappedUnseen_ = true;
   showContentLater_.ask();
 }
 

@@ -28,6 +28,7 @@ class Panel final : public FadingWindow, public std::enable_shared_from_this<Pan
   [[nodiscard]] double alpha() const override { return surface_.alpha(); }
   void setAlpha(double alpha) override;
   void setFadedAlpha(double alpha) override;
+  /// A blocker that is opaque covers when one of these returns, as far as that is not a compositor's to do.
   void makeKeyAndOrderFront() override;
   void orderFrontRegardless() override;
   void orderOut() override;
@@ -54,6 +55,7 @@ class Panel final : public FadingWindow, public std::enable_shared_from_this<Pan
   void setProperties();
   void tellShadow();
   void orderFront();
+  void settle();
   void showContent();
   Canvas* canvas() const;
   void layOutContent();
@@ -82,6 +84,7 @@ class Panel final : public FadingWindow, public std::enable_shared_from_this<Pan
   Size laidOut_;
   double laidOutScale_ = 0;
   bool isVisible_ = false;
+  bool isMappedUnseen_ = false;  ///< asked for; the server may not have got to it
   std::optional<Drag> drag_;
   RateLimiter putBackBudget_;
   std::function<void(const KeyEvent&)> keyHandler_;

@@ -62,8 +62,8 @@ PanelContext::PanelContext(std::shared_ptr<Connection> theConnection, const Serv
       canvases(theCanvases),
       clock(theClock),
       atoms(*connection),
-      visuals(Visuals::query(*connection, features)),
       compositor(connection, features),
+      visuals(Visuals::query(*connection, features)),
       desktop(connection, visuals),
       stacking(connection, clock),
       focus(connection, clock),
@@ -101,7 +101,9 @@ void PanelContext::handle(const xcb_generic_event_t& event) {
   if ((event.response_type & 0x7f) == XCB_FOCUS_IN) {
     // What happened while the keys went elsewhere is not known: start from what is down now.
     keys.clear();
-    for (const std::uint8_t down : keysDown(*connection)) keys.seed(down, numbering.usual().virtualKeyCode(down));
+    for (const std::uint8_t down : keysDown({*connection, xcb_query_keymap(*connection)})) {
+      keys.seed(down, numbering.usual().virtualKeyCode(down));
+    }
     return;
   }
   panel->handle(event);

@@ -51,8 +51,8 @@ struct PanelContext {
   CanvasFactory& canvases;
   const Clock& clock;
   PanelAtoms atoms;
+  Compositor compositor;  // asks; what follows waits for both answers
   Visuals visuals;
-  Compositor compositor;
   DesktopSnapshot desktop;
   Stacking stacking;
   PanelFocus focus;

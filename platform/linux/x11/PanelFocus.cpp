@@ -11,9 +11,10 @@ PanelFocus::PanelFocus(std::shared_ptr<Connection> connection, const Clock& cloc
   subscription_ = connection_->subscribe([this](const xcb_generic_event_t& event) { handle(event); });
 }
 
-xcb_window_t PanelFocus::focused() {
-  const auto reply = owned(xcb_get_input_focus_reply(*connection_, xcb_get_input_focus(*connection_), nullptr));
-  return reply ? reply->focus : static_cast<xcb_window_t>(XCB_NONE);
+xcb_window_t PanelFocus::owed() const {
+  const std::lock_guard lock(mutex_);
+  if (const auto reply = asked_.takeIfHere()) owed_ = reply->focus;
+  return owed_;
 }
 
 void PanelFocus::focus(xcb_window_t window) {
@@ -21,7 +22,10 @@ void PanelFocus::focus(xcb_window_t window) {
 }
 
 void PanelFocus::makeKey(xcb_window_t window) {
-  if (keyWindows_.empty()) owed_ = focused();
+  if (keyWindows_.empty()) {
+    const std::lock_guard lock(mutex_);
+    asked_ = {*connection_, xcb_get_input_focus(*connection_)};
+  }
   std::erase(keyWindows_, window);
   keyWindows_.push_back(window);
   focus(window);
@@ -34,8 +38,11 @@ void PanelFocus::resign(xcb_window_t window) {
     return;
   }
   // Somebody may have been given it meanwhile; it is theirs then.
-  const xcb_window_t current = focused();
-  if (current == window || current == XCB_NONE || current == XCB_INPUT_FOCUS_POINTER_ROOT) focus(owed_);
+  const auto reply = Asked<&xcb_get_input_focus_reply>(*connection_, xcb_get_input_focus(*connection_)).take();
+  const xcb_window_t current = reply ? reply->focus : static_cast<xcb_window_t>(XCB_NONE);
+  const xcb_window_t before = owed();  // known by now: it was asked first
+  if (current == window || current == XCB_NONE || current == XCB_INPUT_FOCUS_POINTER_ROOT) focus(before);
+  const std::lock_guard lock(mutex_);
   owed_ = XCB_NONE;
 }
 

@@ -2,12 +2,13 @@
 // Main thread only, but for `owed`.
 #pragma once
 
-#include <atomic>
 #include <memory>
+#include <mutex>
 #include <vector>
 
 #include "platform/common/RateLimiter.h"
 #include "platform/linux/x11/Connection.h"
+#include "platform/linux/x11/Reply.h"
 
 namespace dormel::x11 {
 
@@ -20,17 +21,19 @@ class PanelFocus {
   /// Before `window` is unmapped or destroyed; any window may be named.
   void resign(xcb_window_t window);
 
-  /// Who is to get it back, while a panel has it; else none. Any thread.
-  [[nodiscard]] xcb_window_t owed() const { return owed_; }
+  /// Who is to get it back, while a panel has it; else none, also as long as the server has not answered a question
+  /// that was sent after the panel was made key. Any thread; waits for nothing.
+  [[nodiscard]] xcb_window_t owed() const;
 
  private:
   void handle(const xcb_generic_event_t& event);
   void focus(xcb_window_t window);
-  [[nodiscard]] xcb_window_t focused();
 
   std::shared_ptr<Connection> connection_;
   std::vector<xcb_window_t> keyWindows_;  ///< the last one has the focus
-  std::atomic<xcb_window_t> owed_ = XCB_NONE;
+  mutable std::mutex mutex_;
+  mutable Asked<&xcb_get_input_focus_reply> asked_;  ///< who had it; sent before it is taken. Under the mutex
+  mutable xcb_window_t owed_ = XCB_NONE;             ///< under the mutex
   RateLimiter budget_;
   Subscription subscription_;
 };

@@ -67,6 +67,10 @@ bool PanelSurface::isDrawnFade() const {
   return ground_ == WindowBackground::black && alpha_ < 1 && !env_.compositor.isRunning() && env_.desktop.exists();
 }
 
+bool PanelSurface::covers() const {
+  return ground_ == WindowBackground::black && opacity_ == UINT32_MAX && !isDrawnFade();
+}
+
 void PanelSurface::applyAlpha() {
   if (window_ == XCB_NONE) return;
   setOpacityProperty(env_.compositor.isRunning() ? alpha_ : 1);

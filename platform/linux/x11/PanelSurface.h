@@ -30,6 +30,8 @@ class PanelSurface {
   void setArea(const PixelRect& area);
 
   void setAlpha(double alpha);
+  /// Whether nothing of what lies under it shows through.
+  [[nodiscard]] bool covers() const;
   [[nodiscard]] double alpha() const { return alpha_; }
 
   /// Around the map request: what the server itself paints at that moment is the first thing seen.

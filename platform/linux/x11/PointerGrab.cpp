@@ -26,7 +26,8 @@ xcb_cursor_t makeBlankCursor(Connection& connection) {
   return cursor;
 }
 
-PointerGrab::PointerGrab(std::shared_ptr<Connection> connection) : connection_(std::move(connection)) {
+PointerGrab::PointerGrab(std::shared_ptr<Connection> connection)
+    : connection_(std::move(connection)), learnLater_(connection_->loop(), [this] { learn(); }) {
   makeWindow();
   subscription_ = connection_->subscribe([this](const xcb_generic_event_t& event) { handle(event); });
 }
@@ -54,17 +55,26 @@ void PointerGrab::want(bool wanted) {
     return;
   }
   retry_.invalidate();
-  if (std::exchange(isHeld_, false)) xcb_ungrab_pointer(*connection_, XCB_CURRENT_TIME);
+  learnLater_.forget();
+  const bool mayBeHeld = std::exchange(isHeld_, false) || asked_;
+  asked_ = {};
+  if (mayBeHeld) xcb_ungrab_pointer(*connection_, XCB_CURRENT_TIME);
   xcb_unmap_window(*connection_, window_);
   connection_->flush();
 }
 
 void PointerGrab::attempt() {
+  retry_.invalidate();
   // Owner events: our own windows get theirs as usual.
-  const auto cookie =
-      xcb_grab_pointer(*connection_, 1, window_, XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE,
-                       XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC, XCB_NONE, XCB_NONE, XCB_CURRENT_TIME);
-  const auto reply = owned(xcb_grab_pointer_reply(*connection_, cookie, nullptr));
+  asked_ = {*connection_,
+            xcb_grab_pointer(*connection_, 1, window_, XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE,
+                             XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC, XCB_NONE, XCB_NONE, XCB_CURRENT_TIME)};
+  connection_->flush();
+  learnLater_.ask();
+}
+
+void PointerGrab::learn() {
+  const auto reply = asked_.take();
   isHeld_ = reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
   if (isHeld_ || !connection_->isAlive()) {
     retry_.invalidate();

@@ -4,7 +4,9 @@
 
 #include <memory>
 
+#include "platform/linux/display/CoalescedTimer.h"
 #include "platform/linux/x11/Connection.h"
+#include "platform/linux/x11/Reply.h"
 
 namespace dormel::x11 {
 
@@ -16,17 +18,19 @@ class PointerGrab {
   ~PointerGrab();
 
   void want(bool wanted);
-  [[nodiscard]] bool isHeld() const { return isHeld_; }
 
  private:
   void handle(const xcb_generic_event_t& event);
   void makeWindow();
   void attempt();
+  void learn();
 
   std::shared_ptr<Connection> connection_;
   xcb_window_t window_ = XCB_NONE;
   bool isWanted_ = false;
   bool isHeld_ = false;
+  Asked<&xcb_grab_pointer_reply> asked_;  ///< looked at in the next turn: nobody waits for the pointer
+  CoalescedTimer learnLater_;
   Timer retry_;
   Subscription subscription_;
 };

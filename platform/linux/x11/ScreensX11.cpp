@@ -39,13 +39,14 @@ void ScreensX11::announce() {
 
 const ScreensX11::Desk& ScreensX11::desk() const {
   if (!connection_ || !std::exchange(isStale_, false)) return desk_;
+  auto resources = connection_->askProperty(connection_->root(), XCB_ATOM_RESOURCE_MANAGER);
   auto monitors = queryMonitors(*connection_, features_.randr);
   if (monitors.empty() && !desk_.monitors.empty()) return desk_;
   if (monitors.empty()) monitors = queryMonitors(*connection_, 0);  // a server without any output, a virtual one
   if (monitors.empty()) return desk_;
   const Monitor& main = monitors.front();
-  desk_.space.scale = displayScale(xftDpi(connection_->propertyText(connection_->root(), XCB_ATOM_RESOURCE_MANAGER)),
-                                   main.area.width, main.widthMillimetres);
+  desk_.space.scale =
+      displayScale(xftDpi(Connection::text(std::move(resources))), main.area.width, main.widthMillimetres);
   desk_.space.originX = main.area.x;
   desk_.space.originBottom = main.area.y + main.area.height;
   desk_.monitors = std::move(monitors);
@@ -84,8 +85,10 @@ Rect ScreensX11::displayBounds(const PixelRect& area) const {
 }
 
 std::optional<PixelRect> ScreensX11::workArea() const {
-  const auto areas = connection_->property32(connection_->root(), connection_->atom("_NET_WORKAREA"));
-  const auto current = connection_->property32(connection_->root(), connection_->atom("_NET_CURRENT_DESKTOP"));
+  auto askedAreas = connection_->askProperty(connection_->root(), connection_->atom("_NET_WORKAREA"));
+  auto askedCurrent = connection_->askProperty(connection_->root(), connection_->atom("_NET_CURRENT_DESKTOP"));
+  const auto areas = Connection::items(std::move(askedAreas));
+  const auto current = Connection::items(std::move(askedCurrent));
   const std::size_t first = current.empty() ? 0 : std::size_t{current.front()} * 4;
   if (first + 4 > areas.size()) return std::nullopt;
   return PixelRect{static_cast<int>(areas[first]), static_cast<int>(areas[first + 1]),

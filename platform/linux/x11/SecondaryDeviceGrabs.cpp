@@ -1,12 +1,9 @@
 #include "platform/linux/x11/SecondaryDeviceGrabs.h"
 
-#include <xcb/xinput.h>
-
 #include <utility>
 #include <vector>
 
 #include "platform/linux/x11/PointerGrab.h"
-#include "platform/linux/x11/Reply.h"
 
 namespace dormel::x11 {
 namespace {
@@ -20,20 +17,24 @@ SecondaryDeviceGrabs::SecondaryDeviceGrabs(std::shared_ptr<Connection> connectio
       features_(features),
       blank_(makeBlankCursor(*connection_)),
       again_(
-          connection_->loop(), [this] { take(); }, RETRY_MILLISECONDS) {}
+          connection_->loop(), [this] { take(ask()); }, RETRY_MILLISECONDS) {}
 
 SecondaryDeviceGrabs::~SecondaryDeviceGrabs() {
   release();
   xcb_free_cursor(*connection_, blank_);
 }
 
-void SecondaryDeviceGrabs::take() {
-  if (!features_.xinput22) return;
+SecondaryDeviceGrabs::Masters SecondaryDeviceGrabs::ask() {
+  if (!features_.xinput22) return {};
   Connection& c = *connection_;
-  const auto usualCookie = xcb_input_xi_get_client_pointer(c, XCB_NONE);
-  const auto mastersCookie = xcb_input_xi_query_device(c, XCB_INPUT_DEVICE_ALL_MASTER);
-  const auto usual = owned(xcb_input_xi_get_client_pointer_reply(c, usualCookie, nullptr));
-  const auto masters = owned(xcb_input_xi_query_device_reply(c, mastersCookie, nullptr));
+  return {{c, xcb_input_xi_get_client_pointer(c, XCB_NONE)},
+          {c, xcb_input_xi_query_device(c, XCB_INPUT_DEVICE_ALL_MASTER)}};
+}
+
+void SecondaryDeviceGrabs::take(Masters asked) {
+  Connection& c = *connection_;
+  const auto usual = asked.usual.take();
+  const auto masters = asked.all.take();
   if (!usual || !masters) return;
   std::vector<xcb_input_xi_grab_device_cookie_t> cookies;
   std::vector<std::uint16_t> others;

@@ -3,12 +3,15 @@
 // show as raw events. Main thread only.
 #pragma once
 
+#include <xcb/xinput.h>
+
 #include <cstdint>
 #include <memory>
 #include <set>
 
 #include "platform/linux/display/CoalescedTimer.h"
 #include "platform/linux/x11/Connection.h"
+#include "platform/linux/x11/Reply.h"
 #include "platform/linux/x11/ServerFeatures.h"
 
 namespace dormel::x11 {
@@ -20,8 +23,14 @@ class SecondaryDeviceGrabs {
   SecondaryDeviceGrabs& operator=(const SecondaryDeviceGrabs&) = delete;
   ~SecondaryDeviceGrabs();
 
+  /// Which there are, on its way.
+  struct Masters {
+    Asked<&xcb_input_xi_get_client_pointer_reply> usual;
+    Asked<&xcb_input_xi_query_device_reply> all;
+  };
+  [[nodiscard]] Masters ask();
   /// Doing it again catches those that came since. One that another program holds is asked for again every 100 ms.
-  void take();
+  void take(Masters masters);
   void release();
 
  private:

@@ -9,6 +9,7 @@
 
 #include <array>
 #include <string_view>
+#include <utility>
 
 #include "platform/linux/x11/Reply.h"
 #include "platform/linux/x11/Xkb.h"
@@ -37,10 +38,11 @@ void readXkb(ServerFeatures& features, xcb_connection_t* xcb, const xcb_query_ex
   features.xkbEvent = xkb.first_event;
 }
 
+using Outputs = Asked<&xcb_randr_get_screen_resources_current_reply>;
+
 /// The outputs of a Wayland compositor's X bridge are named after it, also where it has no extension of its own.
-bool hasBridgedOutput(xcb_connection_t* xcb, xcb_window_t root) {
-  const auto resources = owned(
-      xcb_randr_get_screen_resources_current_reply(xcb, xcb_randr_get_screen_resources_current(xcb, root), nullptr));
+bool hasBridgedOutput(xcb_connection_t* xcb, Outputs asked) {
+  const auto resources = asked.take();
   if (!resources || xcb_randr_get_screen_resources_current_outputs_length(resources.get()) == 0) return false;
   const auto output = xcb_randr_get_screen_resources_current_outputs(resources.get())[0];
   const auto info = owned(xcb_randr_get_output_info_reply(
@@ -80,7 +82,11 @@ ServerFeatures ServerFeatures::query(Connection& connection) {
   xcb_xfixes_query_version_cookie_t xfixesCookie{};
   xcb_render_query_version_cookie_t renderCookie{};
   xcb_xkb_use_extension_cookie_t xkbCookie{};
-  if (randr != nullptr) randrCookie = xcb_randr_query_version(xcb, 1, 5);
+  Outputs outputs;
+  if (randr != nullptr) {
+    randrCookie = xcb_randr_query_version(xcb, 1, 5);
+    outputs = {xcb, xcb_randr_get_screen_resources_current(xcb, connection.root())};  // an error on an old server
+  }
   if (input != nullptr) inputCookie = xcb_input_xi_query_version(xcb, 2, 2);
   if (xfixes != nullptr) xfixesCookie = xcb_xfixes_query_version(xcb, 2, 0);
   if (render != nullptr) renderCookie = xcb_render_query_version(xcb, 0, 11);
@@ -109,26 +115,16 @@ ServerFeatures ServerFeatures::query(Connection& connection) {
     features.render = reply && atLeast(reply->major_version, reply->minor_version, 0, 10);
   }
   if (xkb != nullptr) readXkb(features, xcb, *xkb, xkbCookie);
-  if (!features.xwayland && features.randr >= 3) features.xwayland = hasBridgedOutput(xcb, connection.root());
+  if (!features.xwayland && features.randr >= 3) features.xwayland = hasBridgedOutput(xcb, std::move(outputs));
   return features;
 }
 
-ServerFeatures ServerFeatures::queryInput(Connection& connection) {
+void ServerFeatures::announceInput(Connection& connection) const {
   xcb_connection_t* xcb = connection;
   for (xcb_extension_t* extension : {&xcb_input_id, &xcb_xkb_id}) xcb_prefetch_extension_data(xcb, extension);
-  ServerFeatures features;
-  const auto* input = present(xcb, xcb_input_id);
-  const auto* xkb = present(xcb, xcb_xkb_id);
-  xcb_input_xi_query_version_cookie_t inputCookie{};
-  xcb_xkb_use_extension_cookie_t xkbCookie{};
-  if (input != nullptr) inputCookie = xcb_input_xi_query_version(xcb, 2, 2);
-  if (xkb != nullptr) xkbCookie = xcb_xkb_use_extension(xcb, 1, 0);
-  if (input != nullptr) {
-    features.xinput22 = hasXInput22(xcb, inputCookie);
-    features.xinputOpcode = input->major_opcode;
-  }
-  if (xkb != nullptr) readXkb(features, xcb, *xkb, xkbCookie);
-  return features;
+  // Nobody waits for the answers: they are known.
+  if (xinput22) xcb_discard_reply(xcb, xcb_input_xi_query_version(xcb, 2, 2).sequence);
+  if (xkb) xcb_discard_reply(xcb, xcb_xkb_use_extension(xcb, 1, 0).sequence);
 }
 
 }  // namespace dormel::x11

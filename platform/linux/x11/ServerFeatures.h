@@ -1,5 +1,5 @@
-// What this X server can do, asked once per connection that needs to know, and the event and opcode numbers that
-// the extensions got on it. A missing extension leaves its numbers zero.
+// What this X server can do, asked once, and the event and opcode numbers that the extensions got on it. A missing
+// extension leaves its numbers zero.
 #pragma once
 
 #include <cstdint>
@@ -26,8 +26,9 @@ struct ServerFeatures {
   std::uint8_t xinputOpcode = 0;
 
   [[nodiscard]] static ServerFeatures query(Connection& connection);
-  /// Only what an event tap needs: XInput, and the keyboard extension.
-  [[nodiscard]] static ServerFeatures queryInput(Connection& connection);
+  /// Tells the same server on a further connection of ours which XInput and keyboard extension it will be spoken to in.
+  /// Extensions have the same numbers on all connections to a server.
+  void announceInput(Connection& connection) const;
 };
 
 }  // namespace dormel::x11

@@ -1,13 +1,8 @@
 #include "platform/linux/x11/ServerHotkeys.h"
 
-#include <xcb/xinput.h>
-
 #include <algorithm>
 #include <cstring>
 #include <utility>
-
-#include "platform/linux/x11/Reply.h"
-#include "platform/linux/x11/Xkb.h"
 
 namespace dormel::x11 {
 namespace {
@@ -19,13 +14,6 @@ constexpr std::uint8_t SWITCH_SCREEN = XCB_XKB_SA_TYPE_SWITCH_SCREEN;
 constexpr std::uint8_t SERVER_PRIVATE = 0x86;  // "ungrab", "close grabs", "next video mode" and the like
 
 constexpr std::uint16_t EVERY_MAP_PART = 0xff;
-
-bool hasKeys(const xcb_input_xi_device_info_t* device) {
-  for (auto it = xcb_input_xi_device_info_classes_iterator(device); it.rem > 0; xcb_input_device_class_next(&it)) {
-    if (it.data->type == XCB_INPUT_DEVICE_CLASS_TYPE_KEY) return true;
-  }
-  return false;
-}
 
 bool isWayOut(const xcb_xkb_action_t& action) {
   return action.type == TERMINATE || action.type == SWITCH_SCREEN || action.type == SERVER_PRIVATE;
@@ -59,48 +47,25 @@ ServerHotkeys::ServerHotkeys(std::shared_ptr<Connection> connection, const Serve
   property_ = connection_->atom("_DORMEL_KEY_ACTIONS");
 }
 
-std::vector<std::uint16_t> keyDevices(Connection& connection, const ServerFeatures& features) {
-  std::vector<std::uint16_t> devices;
-  if (!features.xinput22) return {XCB_XKB_ID_USE_CORE_KBD};
-  const auto reply = owned(xcb_input_xi_query_device_reply(
-      connection, xcb_input_xi_query_device(connection, XCB_INPUT_DEVICE_ALL), nullptr));
-  if (!reply) return devices;
-  // Each keyboard carries out the actions of its own keymap, and the master those of a copy. Pointers may have keys.
-  for (auto it = xcb_input_xi_query_device_infos_iterator(reply.get()); it.rem > 0;
-       xcb_input_xi_device_info_next(&it)) {
-    if (hasKeys(it.data)) devices.push_back(it.data->deviceid);
-  }
-  return devices;
-}
-
-void selectHierarchy(Connection& connection, const ServerFeatures& features) {
-  if (!features.xinput22) return;
-  struct {
-    xcb_input_event_mask_t head;
-    std::uint32_t bits;
-  } mask{{XCB_INPUT_DEVICE_ALL, 1}, XCB_INPUT_XI_EVENT_MASK_HIERARCHY};
-  xcb_input_xi_select_events(connection, connection.root(), 1, &mask.head);
-}
-
-bool isHierarchyChange(const xcb_generic_event_t& event, const ServerFeatures& features) {
-  if ((event.response_type & 0x7f) != XCB_GE_GENERIC) return false;
-  const auto& generic = reinterpret_cast<const xcb_ge_generic_event_t&>(event);
-  return generic.extension == features.xinputOpcode && generic.event_type == XCB_INPUT_HIERARCHY;
-}
-
-std::vector<ServerHotkeys::Keymap> ServerHotkeys::keymaps(const std::vector<std::uint16_t>& devices) {
-  std::vector<xcb_xkb_get_map_cookie_t> cookies;
-  cookies.reserve(devices.size());
+ServerHotkeys::Keymaps ServerHotkeys::ask(const KeyDevices& devices) {
+  Keymaps keymaps;
+  if (!features_.xkb) return keymaps;
+  keymaps.devices = devices;
   for (const std::uint16_t device : devices) {
-    cookies.push_back(xcb_xkb_get_map(*connection_, device, XCB_XKB_MAP_PART_KEY_ACTIONS, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0,
-                                      0, 0, 0, 0, 0, 0));
+    const auto cookie = xcb_xkb_get_map(*connection_, device, XCB_XKB_MAP_PART_KEY_ACTIONS, 0, 0, 0, 0, 0, 0, 0, 0, 0,
+                                        0, 0, 0, 0, 0, 0, 0);
+    keymaps.asked.emplace_back(*connection_, cookie);
   }
+  return keymaps;
+}
+
+std::vector<ServerHotkeys::Keymap> ServerHotkeys::answers(Keymaps asked) {
   std::vector<Keymap> keymaps;
-  for (std::size_t i = 0; i < devices.size(); ++i) {
-    const auto reply = owned(xcb_xkb_get_map_reply(*connection_, cookies[i], nullptr));
+  for (std::size_t i = 0; i < asked.devices.size(); ++i) {
+    const auto reply = asked.asked[i].take();
     if (!reply || (reply->present & XCB_XKB_MAP_PART_KEY_ACTIONS) == 0) continue;  // no keys on this device
     Keymap keymap;
-    keymap.device = devices[i];
+    keymap.device = asked.devices[i];
     keymap.minKeyCode = reply->minKeyCode;
     keymap.maxKeyCode = reply->maxKeyCode;
     keymap.firstKey = reply->firstKeyAction;
@@ -146,13 +111,13 @@ bool ServerHotkeys::watch(const std::vector<Keymap>& keymaps) {
   return isNews;
 }
 
-void ServerHotkeys::disarm() {
-  if (!features_.xkb) return;
-  const auto all = keyDevices(*connection_, features_);
+bool ServerHotkeys::disarm(Keymaps asked) {
+  if (!features_.xkb) return false;
+  const KeyDevices all = asked.devices;
   // A device that went away may come back under its number, with nobody watching it.
   std::erase_if(watched_, [&](std::uint16_t d) { return std::find(all.begin(), all.end(), d) == all.end(); });
-  auto found = keymaps(all);
-  if (watch(found)) found = keymaps(all);  // no change falls between looking and watching
+  auto found = answers(std::move(asked));
+  const bool isNews = watch(found);
   std::vector<Keymap> changed;
   for (Keymap& keymap : found) {
     bool isChanged = false;
@@ -170,21 +135,23 @@ void ServerHotkeys::disarm() {
     });
     if (isChanged) changed.push_back(std::move(keymap));
   }
-  if (changed.empty()) return;
-  remember();  // before the first keymap changes: there is no moment at which dying would lose an action
-  for (const Keymap& keymap : changed) store(keymap);
+  if (!changed.empty()) {
+    remember();  // before the first keymap changes: there is no moment at which dying would lose an action
+    for (const Keymap& keymap : changed) store(keymap);
+  }
   connection_->flush();
+  return isNews;
 }
 
-void ServerHotkeys::restore() {
+void ServerHotkeys::restore(Asked<&xcb_get_property_reply> left) {
   if (!features_.xkb) return;
-  recall();
+  recall(std::move(left));
   if (taken_.empty()) return;
-  std::vector<std::uint16_t> concerned;
+  KeyDevices concerned;
   for (const Taken& taken : taken_) concerned.push_back(static_cast<std::uint16_t>(taken.device));
   std::sort(concerned.begin(), concerned.end());
   concerned.erase(std::unique(concerned.begin(), concerned.end()), concerned.end());
-  for (Keymap& keymap : keymaps(concerned)) {
+  for (Keymap& keymap : answers(ask(concerned))) {
     bool isChanged = false;
     keymap.forEach([&](std::uint32_t keycode, std::uint32_t index, xcb_xkb_action_t& action) {
       const auto taken = std::find_if(taken_.begin(), taken_.end(), [&](const Taken& t) {
@@ -207,8 +174,8 @@ void ServerHotkeys::remember() {
                       static_cast<std::uint32_t>(taken_.size() * sizeof(Taken) / 4), taken_.data());
 }
 
-void ServerHotkeys::recall() {
-  const auto words = connection_->property32(connection_->root(), property_);
+void ServerHotkeys::recall(Asked<&xcb_get_property_reply> left) {
+  const auto words = Connection::items(std::move(left));
   if (words.empty() || words.size() * 4 % sizeof(Taken) != 0) return;
   taken_.resize(words.size() * 4 / sizeof(Taken));
   std::memcpy(taken_.data(), words.data(), words.size() * 4);

@@ -9,30 +9,37 @@
 #include <vector>
 
 #include "platform/linux/x11/Connection.h"
+#include "platform/linux/x11/KeyDevices.h"
+#include "platform/linux/x11/Reply.h"
 #include "platform/linux/x11/ServerFeatures.h"
+#include "platform/linux/x11/Xkb.h"
 
 namespace dormel::x11 {
-
-/// The devices that have keys, keyboards or not. Others must never be asked for keyboard events: a server does not
-/// forget who did, and when it is to end it goes round in circles over that.
-[[nodiscard]] std::vector<std::uint16_t> keyDevices(Connection& connection, const ServerFeatures& features);
-
-/// Asks for the events that tell of keyboards which come or go.
-void selectHierarchy(Connection& connection, const ServerFeatures& features);
-[[nodiscard]] bool isHierarchyChange(const xcb_generic_event_t& event, const ServerFeatures& features);
 
 class ServerHotkeys {
  public:
   ServerHotkeys(std::shared_ptr<Connection> connection, const ServerFeatures& features);
 
+  /// What `disarm` has to know of the keyboards, on its way.
+  struct Keymaps {
+    KeyDevices devices;
+    std::vector<Asked<&xcb_xkb_get_map_reply>> asked;  ///< one for each
+  };
+  [[nodiscard]] Keymaps ask(const KeyDevices& devices);
+
   /// Takes the actions out of all keyboards' keymaps and remembers them. Doing it again catches keyboards and
   /// keymaps that came since; where nothing is left to take out, the server is not disturbed. Also asks for the
-  /// events that `concerns` recognises.
-  void disarm();
+  /// events that `concerns` recognises; true when it asked for new ones: what changed before, they do not tell.
+  [[nodiscard]] bool disarm(Keymaps keymaps);
 
   /// Puts back what is remembered, by this process or an earlier one. A key whose keymap was changed meanwhile
   /// keeps its new actions.
-  void restore();
+  void restore() { restore(askLeft()); }
+  /// What an earlier process left to be put back, on its way.
+  [[nodiscard]] Asked<&xcb_get_property_reply> askLeft() {
+    return connection_->askProperty(connection_->root(), property_);
+  }
+  void restore(Asked<&xcb_get_property_reply> left);
 
   /// Whether the event tells of a change that may have brought such actions back.
   [[nodiscard]] bool concerns(const xcb_generic_event_t& event) const;
@@ -46,12 +53,12 @@ class ServerHotkeys {
     std::uint32_t bytes[2];
   };
   struct Keymap;
-  [[nodiscard]] std::vector<Keymap> keymaps(const std::vector<std::uint16_t>& devices);
+  [[nodiscard]] static std::vector<Keymap> answers(Keymaps keymaps);
   /// True when any of them was not watched before.
   [[nodiscard]] bool watch(const std::vector<Keymap>& keymaps);
   void store(const Keymap& keymap);
   void remember();
-  void recall();
+  void recall(Asked<&xcb_get_property_reply> left);
 
   std::shared_ptr<Connection> connection_;
   ServerFeatures features_;

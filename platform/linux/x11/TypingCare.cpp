@@ -2,8 +2,6 @@
 
 #include <utility>
 
-#include "platform/linux/x11/ServerHotkeys.h"
-
 namespace dormel::x11 {
 
 std::shared_ptr<TypingCare> TypingCare::create(const std::shared_ptr<Connection>& connection,
@@ -17,23 +15,30 @@ TypingCare::TypingCare(std::shared_ptr<Connection> connection, const ServerFeatu
       aids_(connection_, features),
       locked_(connection_, features),
       check_(connection_->loop(), [this] {
-        if (isHeld_) aids_.suspend();
+        if (isHeld_) aids_.suspend(aids_.ask(keyDevices(*connection_, features_)));
       }) {}
 
 TypingCare::Hold TypingCare::hold() {
   if (Hold present = held_.lock()) return present;
-  begin();
+  selectHierarchy(*connection_, features_);
+  return hold(keyDevices(*connection_, features_));
+}
+
+TypingCare::Hold TypingCare::hold(const KeyDevices& devices) {
+  if (Hold present = held_.lock()) return present;
+  begin(devices);
   Hold first(this, [self = shared_from_this()](const void*) { self->end(); });
   held_ = first;
   return first;
 }
 
-void TypingCare::begin() {
+void TypingCare::begin(const KeyDevices& devices) {
   isHeld_ = true;  // before anything changes in the server
   subscription_ = connection_->subscribe([this](const xcb_generic_event_t& event) { handle(event); });
-  selectHierarchy(*connection_, features_);
-  locked_.remember();
-  aids_.suspend();
+  auto states = locked_.ask(devices);
+  auto controls = aids_.ask(devices);
+  locked_.remember(std::move(states));
+  aids_.suspend(std::move(controls));
 }
 
 void TypingCare::end() {

@@ -21,15 +21,18 @@ class TypingCare : public std::enable_shared_from_this<TypingCare> {
   /// It is on from the first of these that is taken until the last one is let go.
   using Hold = std::shared_ptr<const void>;
   [[nodiscard]] Hold hold();
+  /// The same for somebody who has just asked for the devices, and hears of those that come and go.
+  [[nodiscard]] Hold hold(const KeyDevices& devices);
   /// Any thread.
   [[nodiscard]] bool isHeld() const { return isHeld_; }
 
   /// Puts back the locked state that a process which died while it was on left behind.
-  void repair() { locked_.restore(); }
+  void repair(Asked<&xcb_get_property_reply> left) { locked_.restore(std::move(left)); }
+  [[nodiscard]] Asked<&xcb_get_property_reply> askLeft() { return locked_.askLeft(); }
 
  private:
   TypingCare(std::shared_ptr<Connection> connection, const ServerFeatures& features);
-  void begin();
+  void begin(const KeyDevices& devices);
   void end();
   void handle(const xcb_generic_event_t& event);
 

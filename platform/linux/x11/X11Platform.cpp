@@ -60,7 +60,7 @@ X11Platform::X11Platform(EventLoop& loop, CanvasFactory& canvases, const Clock& 
       eventTaps_(connection_, features_, typingCare_),
       hardwareKeys_(connection_, features_, numbering_),
       inputIdle_(connection_, features_),
-      layout_(connection_, features_),
+      layout_(connection_, features_, numbering_),
       windows_(loop, connection_, features_, screens_, canvases, clock),
       runningApplications_(loop, connection_),
       windowList_(connection_, screens_),
