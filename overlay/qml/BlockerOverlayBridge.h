@@ -25,6 +25,7 @@ class BlockerOverlayBridge : public StateBridge {
   Q_PROPERTY(QString statusText READ statusText NOTIFY changed)
   Q_PROPERTY(QColor statusColor READ statusColor NOTIFY changed)
   Q_PROPERTY(bool allKeysHeld READ allKeysHeld NOTIFY changed)
+  Q_PROPERTY(double holdDuration READ holdDuration NOTIFY changed)  // seconds
   Q_PROPERTY(QString clock READ clock NOTIFY changed)
   Q_PROPERTY(QString amPm READ amPm NOTIFY changed)
   Q_PROPERTY(bool showUnlockConfirm READ showUnlockConfirm NOTIFY changed)
@@ -32,7 +33,7 @@ class BlockerOverlayBridge : public StateBridge {
   Q_PROPERTY(QString hint READ hint NOTIFY changed)
   Q_PROPERTY(QString confirmation READ confirmation NOTIFY changed)
 
-  // What time alone changes: to be read on every display frame while all keys are held.
+  // What time alone changes: to be read again and again while all keys are held.
   Q_PROPERTY(double progress READ progress NOTIFY advanced)
   Q_PROPERTY(QColor progressColor READ progressColor NOTIFY advanced)
   Q_PROPERTY(QString secondsText READ secondsText NOTIFY advanced)
@@ -53,6 +54,7 @@ class BlockerOverlayBridge : public StateBridge {
   [[nodiscard]] double progress() const { return state_.progress(uptime()); }
   [[nodiscard]] QColor progressColor() const;
   [[nodiscard]] QString secondsText() const { return QString::fromStdString(state_.secondsText(uptime())); }
+  [[nodiscard]] double holdDuration() const { return state_.hold.duration; }
   [[nodiscard]] QString clock() const { return QString::fromStdString(state_.clock); }
   [[nodiscard]] QString amPm() const { return QString::fromStdString(state_.amPm); }
   [[nodiscard]] bool showUnlockConfirm() const { return state_.showUnlockConfirm; }
@@ -60,7 +62,7 @@ class BlockerOverlayBridge : public StateBridge {
   [[nodiscard]] QString hint() const { return QString::fromStdString(state_.words.hint); }
   [[nodiscard]] QString confirmation() const { return QString::fromStdString(state_.words.unlocked); }
 
-  /// A display frame has passed.
+  /// Time has passed.
   Q_INVOKABLE void advance() { emit advanced(); }
 
  signals:

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QImage>
+#include <optional>
 #include <vector>
 
 #include "platform/Geometry.h"
@@ -25,6 +26,8 @@ class Picture {
 
   /// Brings the target up to date. False when that cannot be done and will not work later either.
   [[nodiscard]] virtual bool draw() = 0;
+  /// Outside of this rectangle, in pixels, the last `draw` changed nothing. Nothing where it cannot tell.
+  [[nodiscard]] virtual std::optional<PixelRect> drawn() const { return {}; }
 
   /// Where a press is taken, in points from the top left.
   [[nodiscard]] virtual std::vector<Rect> pressableAreas() const { return {}; }

@@ -17,6 +17,10 @@ Pixels pixelsOf(const QImage& image) {
           image.bytesPerLine() / static_cast<qsizetype>(sizeof(std::uint32_t))};
 }
 
+Pixels part(const Pixels& pixels, const PixelRect& area) {
+  return {pixels.data + area.y * pixels.stride + area.x, area.width, area.height, pixels.stride};
+}
+
 }  // namespace
 
 QmlCanvas::QmlCanvas(std::shared_ptr<SceneLoader> stage, std::shared_ptr<View> view)
@@ -88,8 +92,12 @@ void QmlCanvas::report() {
   if (reported_.isNull()) {
     reported_ = image_.copy();
   } else {
-    changed = changedRect(pixelsOf(reported_), after);
+    const PixelRect drawn = picture_->drawn().value_or(changed);
+    if (drawn.empty()) return;
+    changed = changedRect(part(pixelsOf(reported_), drawn), part(after, drawn));
     if (changed.empty()) return;
+    changed.x += drawn.x;
+    changed.y += drawn.y;
     const qsizetype offset = static_cast<qsizetype>(changed.x) * 4;
     const auto length = static_cast<std::size_t>(changed.width) * 4;
     for (int y = changed.y; y < changed.y + changed.height; ++y) {

@@ -24,6 +24,7 @@ class QmlPicture : public Picture {
   void setTarget(QImage& image, const Size& size) override;
   void setShowing(bool showing) override { bridge_->setShowing(showing); }
   bool draw() override { return renderer_->render(*control_); }
+  [[nodiscard]] std::optional<PixelRect> drawn() const override { return renderer_->drawn(); }
   [[nodiscard]] std::vector<Rect> pressableAreas() const override;
   bool pointer(PointerAction action, double x, double y) override;
 

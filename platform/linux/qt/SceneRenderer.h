@@ -7,6 +7,9 @@
 #include <QQuickWindow>
 #include <functional>
 #include <memory>
+#include <optional>
+
+#include "platform/common/PixelRect.h"
 
 namespace dormel {
 
@@ -21,6 +24,9 @@ class SceneRenderer {
   /// Brings the target up to date. False when that cannot be done and will not work later either; the target may hold
   /// anything then.
   [[nodiscard]] virtual bool render(QQuickRenderControl& control) = 0;
+  /// Outside of this rectangle of the target, in pixels, the last `render` changed nothing. Nothing where it cannot
+  /// tell.
+  [[nodiscard]] virtual std::optional<PixelRect> drawn() const { return {}; }
 };
 
 using MakeSceneRenderer = std::function<std::unique_ptr<SceneRenderer>()>;
