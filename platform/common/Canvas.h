@@ -14,11 +14,23 @@
 
 namespace dormel {
 
+/// Pixels in memory that others may be shown without a copy: it can neither shrink nor go away.
+struct SharedPixels {
+  std::shared_ptr<const void> memory;  ///< one and the same as long as it is the same memory
+  int descriptor = -1;                 ///< of that memory; valid as long as `memory` is held
+  std::size_t bytes = 0;               ///< its size
+  std::size_t offset = 0;              ///< of these pixels, in bytes
+  /// To be held by whoever goes on reading these pixels after the call that brought them; they stay as they are so
+  /// long.
+  std::shared_ptr<const void> hold;
+};
+
 struct Pixels {
   const std::uint32_t* data = nullptr;
   int width = 0;
   int height = 0;
-  std::ptrdiff_t stride = 0;  ///< pixels from one row to the next
+  std::ptrdiff_t stride = 0;             ///< pixels from one row to the next
+  const SharedPixels* shared = nullptr;  ///< where `data` lies, if that is such memory
 };
 
 enum class PointerAction { press, move, release, leave };
@@ -34,8 +46,8 @@ class Canvas {
   /// Draws at `size` points with `scale` pixels to the point from now on; pixel sizes are rounded up.
   virtual void resize(const Size& size, double scale) = 0;
 
-  /// Called with the whole picture and the part of it that changed since the last call. The pixels are valid
-  /// during the call only. The first call after `resize` covers everything.
+  /// Called with the whole picture and the part of it that changed since the last call. The pixels are valid during
+  /// the call only, but for those of which a hold is kept. The first call after `resize` covers everything.
   virtual void setOnFrame(std::function<void(const Pixels& pixels, const PixelRect& changed)> onFrame) = 0;
 
   /// The view is on screen from now on (true: its entry animation starts) or is not (false: nothing is drawn).

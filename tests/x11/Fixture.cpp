@@ -37,7 +37,7 @@ void PlainCanvas::paint(std::uint32_t colour, const PixelRect& part) {
 }
 
 void PlainCanvas::report(const PixelRect& part) {
-  if (onFrame_ && isShowing) onFrame_({pixels_.data(), width_, height_, width_}, part);
+  if (onFrame_ && isShowing) onFrame_({pixels_.data(), width_, height_, width_, shared ? &*shared : nullptr}, part);
 }
 
 std::unique_ptr<Canvas> PlainCanvases::make(std::shared_ptr<View>) {

@@ -1,6 +1,8 @@
 // The whole X family on a private server, with canvases that are one colour.
 #pragma once
 
+#include <optional>
+
 #include "platform/linux/posix/PosixClock.h"
 #include "platform/linux/x11/X11Platform.h"
 #include "tests/x11/XServer.h"
@@ -28,6 +30,7 @@ class PlainCanvas : public Canvas {
   bool isShowing = false;
   bool takesPointer = false;
   std::vector<std::string> pointerStory;
+  std::optional<SharedPixels> shared;  ///< what it says of its pixels
 
  private:
   void report(const PixelRect& part);

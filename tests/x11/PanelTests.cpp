@@ -1,6 +1,10 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <unistd.h>
 #include <xcb/shape.h>
 
+#include "platform/linux/posix/FileDescriptor.h"
 #include "platform/linux/x11/Reply.h"
 #include "tests/x11/Fixture.h"
 
@@ -126,6 +130,46 @@ TEST_F(PanelTest, StaysOnItsScreenWhenThatMovesInPixelsAndNotInPoints) {
   EXPECT_TRUE(isBlack(0, 0, 1280, 960)) << "pixels and scale together";
   EXPECT_EQ(covered.at(0).frame, (Rect{0, 0, 640, 480}));
   EXPECT_EQ(windows.at(0)->frame(), (Rect{0, 0, 640, 480}));
+}
+
+TEST(PanelMemory, ALargePictureIsReadWhereItLiesAndGivenBackOnceTheServerHasRead) {
+  struct Case {
+    const char* name;
+    std::vector<std::string> server;
+    bool isMemory;
+    bool isRead;
+  };
+  for (const Case& c : {Case{"as on every desktop", {}, true, true},
+                        Case{"a server without the extension", {"-extension", "MIT-SHM"}, true, false},
+                        Case{"a descriptor of something else", {}, false, false}}) {
+    SCOPED_TRACE(c.name);
+    const auto server = XServer::xorg(c.server);
+    server->plug("DUMMY0", 800, 600, 0, 0);
+    Fixture desk(*server);
+    desk.canvases.fitting = {400, 300};
+    const auto windows = desk.blockers();
+    desk.cover(windows, 1);
+    ASSERT_TRUE(until([&] { return server->pixel(400, 300) == CONTENT; }));
+    PlainCanvas& canvas = *desk.canvases.made.at(0);
+
+    constexpr std::uint32_t THERE = 0xff205080;  // what lies in the memory; what is sent is of another colour
+    const std::size_t bytes = std::size_t{400} * 300 * 4;
+    const posix::FileDescriptor fd(c.isMemory ? memfd_create("picture", MFD_CLOEXEC) : open("/dev/null", O_RDONLY));
+    std::vector<std::uint32_t> picture(bytes / 4, THERE);
+    if (c.isMemory) {
+      ASSERT_EQ(pwrite(fd.get(), picture.data(), bytes, 0), static_cast<ssize_t>(bytes));
+    }
+    const auto memory = std::make_shared<int>();
+    for (int frame = 0; frame < 3; ++frame) {
+      auto hold = std::make_shared<int>();
+      const std::weak_ptr<int> held = hold;
+      canvas.shared = SharedPixels{memory, fd.get(), bytes, 0, std::move(hold)};
+      canvas.paint(CANVAS_COLOUR, {0, 0, 400, 300});
+      canvas.shared.reset();
+      EXPECT_TRUE(until([&] { return held.expired(); })) << "given back";
+      EXPECT_EQ(server->pixel(400, 300), c.isRead ? THERE & 0xffffff : CONTENT);
+    }
+  }
 }
 
 class FadeTest : public PanelTest, public testing::WithParamInterface<bool> {

@@ -115,6 +115,7 @@ class PaintedCanvas final : public Canvas, private Painter::Client {
   void started() override { sendIfChanged(); }
 
   void gone() override {
+    process_ = std::make_shared<char>();
     sent_.clear();
     sentAt_.reset();
     memory_.reset();
@@ -171,12 +172,24 @@ class PaintedCanvas final : public Canvas, private Painter::Client {
       plainPixels_ = {};
       painter_->pictureShown();
       const bool isWhole = std::exchange(isWhole_, false);
-      onFrame_({pixels, width, height, width}, isWhole ? PixelRect{0, 0, width, height} : c);
+      const SharedPixels shared{memory_, memory_->descriptor(), memory_->size(), offset, hold(frame)};
+      const bool isShared = shared.descriptor >= 0;
+      onFrame_({pixels, width, height, width, isShared ? &shared : nullptr},
+               isWhole ? PixelRect{0, 0, width, height} : c);
     } else {
       isWhole_ = true;
+      static_cast<void>(hold(frame));
     }
-    painter_->send(Release{number_, frame.revision, frame.frame});
     return true;
+  }
+
+  /// The frame goes back to the painter when the last copy goes.
+  [[nodiscard]] std::shared_ptr<const void> hold(const Frame& frame) {
+    return {this, [painter = std::weak_ptr(painter_), process = std::weak_ptr(process_),
+                   release = Release{number_, frame.revision, frame.frame}](const void*) {
+              const auto present = painter.lock();
+              if (present && !process.expired()) present->send(release);
+            }};
   }
 
   [[nodiscard]] bool takeDone(const Done& done) {
@@ -238,6 +251,7 @@ class PaintedCanvas final : public Canvas, private Painter::Client {
   }
 
   std::shared_ptr<Painter> painter_;
+  std::shared_ptr<char> process_ = std::make_shared<char>();  ///< another one for each process
   std::shared_ptr<PaintedView> view_;
   std::shared_ptr<const void> observation_;
   std::function<void(const Pixels&, const PixelRect&)> onFrame_;

@@ -137,7 +137,7 @@ PixelRect PanelSurface::contentArea() const {
 void PanelSurface::updateContent(const Pixels& pixels, const PixelRect& changed) {
   if (!content_) {
     const std::uint8_t depth = isArgb_ ? std::uint8_t{32} : env_.visuals.rootDepth;
-    content_ = std::make_unique<ServerPixmap>(env_.connection, env_.visuals, depth);
+    content_ = std::make_unique<ServerPixmap>(env_.connection, env_.features, env_.visuals, depth);
   }
   const PixelRect before = contentArea();
   content_->update(pixels, changed);

@@ -1,9 +1,11 @@
 #include "platform/linux/x11/ServerFeatures.h"
 
+#include <sys/socket.h>
 #include <xcb/randr.h>
 #include <xcb/render.h>
 #include <xcb/screensaver.h>
 #include <xcb/shape.h>
+#include <xcb/shm.h>
 #include <xcb/xfixes.h>
 #include <xcb/xinput.h>
 
@@ -38,6 +40,13 @@ void readXkb(ServerFeatures& features, xcb_connection_t* xcb, const xcb_query_ex
   features.xkbEvent = xkb.first_event;
 }
 
+/// A server elsewhere is given no descriptors: the library would end the connection over it.
+bool isOnThisMachine(xcb_connection_t* xcb) {
+  int domain = 0;
+  socklen_t length = sizeof domain;
+  return ::getsockopt(xcb_get_file_descriptor(xcb), SOL_SOCKET, SO_DOMAIN, &domain, &length) == 0 && domain == AF_UNIX;
+}
+
 using Outputs = Asked<&xcb_randr_get_screen_resources_current_reply>;
 
 /// The outputs of a Wayland compositor's X bridge are named after it, also where it has no extension of its own.
@@ -58,7 +67,7 @@ bool hasBridgedOutput(xcb_connection_t* xcb, Outputs asked) {
 ServerFeatures ServerFeatures::query(Connection& connection) {
   xcb_connection_t* xcb = connection;
   for (xcb_extension_t* extension : {&xcb_randr_id, &xcb_input_id, &xcb_xfixes_id, &xcb_render_id, &xcb_shape_id,
-                                     &xcb_screensaver_id, &xcb_xkb_id}) {
+                                     &xcb_screensaver_id, &xcb_shm_id, &xcb_xkb_id}) {
     xcb_prefetch_extension_data(xcb, extension);
   }
   constexpr std::string_view bridge = "XWAYLAND";
@@ -82,6 +91,9 @@ ServerFeatures ServerFeatures::query(Connection& connection) {
   xcb_xfixes_query_version_cookie_t xfixesCookie{};
   xcb_render_query_version_cookie_t renderCookie{};
   xcb_xkb_use_extension_cookie_t xkbCookie{};
+  const auto* shm = isOnThisMachine(xcb) ? present(xcb, xcb_shm_id) : nullptr;
+  Asked<&xcb_shm_query_version_reply> askedShm;
+  if (shm != nullptr) askedShm = {xcb, xcb_shm_query_version(xcb)};
   Outputs outputs;
   if (randr != nullptr) {
     randrCookie = xcb_randr_query_version(xcb, 1, 5);
@@ -115,6 +127,11 @@ ServerFeatures ServerFeatures::query(Connection& connection) {
     features.render = reply && atLeast(reply->major_version, reply->minor_version, 0, 10);
   }
   if (xkb != nullptr) readXkb(features, xcb, *xkb, xkbCookie);
+  if (shm != nullptr) {
+    const auto reply = askedShm.take();
+    features.sharedMemory = reply && atLeast(reply->major_version, reply->minor_version, 1, 2);
+    features.sharedMemoryEvent = shm->first_event;
+  }
   if (!features.xwayland && features.randr >= 3) features.xwayland = hasBridgedOutput(xcb, std::move(outputs));
   return features;
 }

@@ -16,11 +16,13 @@ struct ServerFeatures {
   bool render = false;  ///< Render 0.10: solid pictures
   bool shape = false;
   bool screenSaver = false;
+  bool sharedMemory = false;  ///< MIT-SHM 1.2 on this machine: memory can be handed over as a descriptor
   bool xkb = false;
   bool xwayland = false;  ///< the X bridge of a Wayland compositor, which never sees the whole keyboard
 
   std::uint8_t randrEvent = 0;
   std::uint8_t shapeEvent = 0;
+  std::uint8_t sharedMemoryEvent = 0;
   std::uint8_t xfixesEvent = 0;
   std::uint8_t xkbEvent = 0;
   std::uint8_t xinputOpcode = 0;

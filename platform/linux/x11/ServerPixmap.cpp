@@ -1,23 +1,76 @@
 #include "platform/linux/x11/ServerPixmap.h"
 
+#include <fcntl.h>
+#include <xcb/shm.h>
+
 #include <algorithm>
 #include <cstring>
 #include <utility>
 
 #include "platform/common/PixelRect.h"
+#include "platform/linux/x11/Reply.h"
 
 namespace dormel::x11 {
 namespace {
 
-constexpr std::size_t REQUEST_HEADER = 64;                        // generous
-constexpr std::size_t BAND_BYTES = std::size_t{4} * 1024 * 1024;  // the server serves others in between
+constexpr std::size_t REQUEST_HEADER = 64;                   // generous
+constexpr std::size_t BAND_BYTES = std::size_t{256} * 1024;  // the server serves others in between
+constexpr std::size_t SMALL_PART = std::size_t{64} * 1024;   // cheaper to send than to wait for its having been read
+
+std::size_t bytesOf(int width, int height) {
+  return static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * sizeof(std::uint32_t);
+}
 
 }  // namespace
 
-ServerPixmap::ServerPixmap(std::shared_ptr<Connection> connection, const Visuals& visuals, std::uint8_t depth)
-    : connection_(std::move(connection)), visuals_(visuals), depth_(visuals.canDraw() ? std::uint8_t{32} : depth) {}
+ServerPixmap::ServerPixmap(std::shared_ptr<Connection> connection, const ServerFeatures& features,
+                           const Visuals& visuals, std::uint8_t depth)
+    : connection_(std::move(connection)),
+      visuals_(visuals),
+      depth_(visuals.canDraw() ? std::uint8_t{32} : depth),
+      canShare_(features.sharedMemory),
+      completionEvent_(static_cast<std::uint8_t>(features.sharedMemoryEvent + XCB_SHM_COMPLETION)) {
+  if (canShare_) subscription_ = connection_->subscribe([this](const xcb_generic_event_t& event) { handle(event); });
+}
 
-ServerPixmap::~ServerPixmap() { release(); }
+ServerPixmap::~ServerPixmap() {
+  detach();
+  release();
+}
+
+void ServerPixmap::handle(const xcb_generic_event_t& event) {
+  if ((event.response_type & 0x7f) != completionEvent_) return;
+  if (reinterpret_cast<const xcb_shm_completion_event_t&>(event).shmseg == segment_) reading_.reset();
+}
+
+bool ServerPixmap::isShared(const Pixels& pixels, const PixelRect& part) {
+  if (!canShare_ || pixels.shared == nullptr || reading_ || bytesOf(part.width, part.height) <= SMALL_PART)
+    return false;
+  const SharedPixels& shared = *pixels.shared;
+  const std::size_t needed = bytesOf(static_cast<int>(pixels.stride), pixels.height);
+  if (shared.offset > shared.bytes || shared.bytes - shared.offset < needed) return false;
+  return shared.memory == memory_ || attach(shared);
+}
+
+bool ServerPixmap::attach(const SharedPixels& shared) {
+  detach();
+  const int given = ::fcntl(shared.descriptor, F_DUPFD_CLOEXEC, 3);
+  if (given < 0) return false;
+  const std::uint32_t segment = connection_->newId();
+  const auto cookie = xcb_shm_attach_fd_checked(*connection_, segment, given, 1);  // which closes it
+  // A relay between this and the server may lose descriptors: then that is how it stays.
+  canShare_ = owned(xcb_request_check(*connection_, cookie)) == nullptr;
+  if (!canShare_) return false;
+  segment_ = segment;
+  memory_ = shared.memory;
+  return true;
+}
+
+void ServerPixmap::detach() {
+  if (segment_ != XCB_NONE) xcb_shm_detach(*connection_, std::exchange(segment_, XCB_NONE));
+  memory_.reset();
+  reading_.reset();
+}
 
 void ServerPixmap::allocate(int width, int height) {
   release();
@@ -51,6 +104,16 @@ void ServerPixmap::update(const Pixels& pixels, const PixelRect& changed) {
   }
   part = intersection(part, {0, 0, width_, height_});
   if (part.empty()) return;
+  if (isShared(pixels, part)) {
+    xcb_shm_put_image(*connection_, pixmap_, gc_, static_cast<std::uint16_t>(pixels.stride),
+                      static_cast<std::uint16_t>(pixels.height), static_cast<std::uint16_t>(part.x),
+                      static_cast<std::uint16_t>(part.y), static_cast<std::uint16_t>(part.width),
+                      static_cast<std::uint16_t>(part.height), static_cast<std::int16_t>(part.x),
+                      static_cast<std::int16_t>(part.y), depth_, XCB_IMAGE_FORMAT_Z_PIXMAP, 1, segment_,
+                      static_cast<std::uint32_t>(pixels.shared->offset));
+    reading_ = pixels.shared->hold;
+    return;
+  }
   const std::size_t rowBytes = static_cast<std::size_t>(part.width) * sizeof(std::uint32_t);
   const std::size_t longest = std::size_t{xcb_get_maximum_request_length(*connection_)} * 4 - REQUEST_HEADER;
   const int rows = static_cast<int>(std::max<std::size_t>(1, std::min(longest, BAND_BYTES) / rowBytes));

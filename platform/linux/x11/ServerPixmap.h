@@ -1,4 +1,8 @@
-// A canvas's picture on the server's side. Only what changed crosses the wire; exposures are answered from here.
+// A canvas's picture on the server's side; exposures are answered from here. Only what changed is handed on: a small
+// part over the wire, a large one by memory that the painter and the server share, where there is such memory.
+//
+// The server says when it has read that memory, and only then may it be painted into again. One such read is on its way
+// at most: should its end never be told, pictures go on over the wire.
 #pragma once
 
 #include <xcb/render.h>
@@ -9,6 +13,7 @@
 
 #include "platform/common/Canvas.h"
 #include "platform/linux/x11/Connection.h"
+#include "platform/linux/x11/ServerFeatures.h"
 #include "platform/linux/x11/Visuals.h"
 
 namespace dormel::x11 {
@@ -16,7 +21,8 @@ namespace dormel::x11 {
 class ServerPixmap {
  public:
   /// `depth` is that of the pixmap when the server cannot draw (no Render): the window's own.
-  ServerPixmap(std::shared_ptr<Connection> connection, const Visuals& visuals, std::uint8_t depth);
+  ServerPixmap(std::shared_ptr<Connection> connection, const ServerFeatures& features, const Visuals& visuals,
+               std::uint8_t depth);
   ServerPixmap(const ServerPixmap&) = delete;
   ServerPixmap& operator=(const ServerPixmap&) = delete;
   ~ServerPixmap();
@@ -33,6 +39,10 @@ class ServerPixmap {
  private:
   void allocate(int width, int height);
   void release();
+  [[nodiscard]] bool isShared(const Pixels& pixels, const PixelRect& part);
+  [[nodiscard]] bool attach(const SharedPixels& shared);
+  void detach();
+  void handle(const xcb_generic_event_t& event);
 
   std::shared_ptr<Connection> connection_;
   Visuals visuals_;
@@ -43,6 +53,12 @@ class ServerPixmap {
   xcb_gcontext_t gc_ = XCB_NONE;
   xcb_render_picture_t picture_ = XCB_NONE;
   std::vector<std::uint32_t> band_;
+  bool canShare_;
+  std::uint8_t completionEvent_;
+  std::shared_ptr<const void> memory_;   ///< what the server has mapped
+  std::uint32_t segment_ = XCB_NONE;     ///< and how it is called there
+  std::shared_ptr<const void> reading_;  ///< while the server reads it
+  Subscription subscription_;
 };
 
 }  // namespace dormel::x11
