@@ -1,7 +1,9 @@
 """Hears what happens to windows, screens and the keyboard the moment the server says so, with the time.
 
-It disturbs nothing: it only listens to events that any client may have. A keyboard grab shows as focus events of mode
-NotifyGrab, which needs no trial grab that could get in the way of the program's own.
+It disturbs nothing: it only listens. The server's own answers to requests for the keyboard say when it was taken, so
+that no trial grab gets in the way of the program's own. (Focus events of mode NotifyGrab go to the two windows that
+lose and get the keys. A program that makes both and takes the keyboard within a millisecond has done so before anybody
+else could ask for their events.) That it was let go shows in focus events: no window of a moment ago is concerned.
 """
 
 import select
@@ -10,7 +12,7 @@ import time
 from dataclasses import dataclass, field
 
 from Xlib import X, error
-from Xlib.ext import randr
+from Xlib.ext import randr, record
 
 from .wait import PATIENCE, NotSeen
 
@@ -21,6 +23,52 @@ class Event:
     kind: str  # map, unmap, destroy, create, configure, grab, ungrab, screens
     window: int = 0
     rectangle: tuple = field(default=())
+
+
+class GrabRecord(threading.Thread):
+    """Calls `on_grab` for every answer of the server's that gives somebody the keyboard."""
+
+    GRAB_KEYBOARD = 31
+    REPLY, SUCCESS, LENGTH = 1, 0, 32
+
+    def __init__(self, server, on_grab):
+        super().__init__(name="grabs", daemon=True)
+        self._on_grab, self._began = on_grab, threading.Event()
+        self._display, self._control = server.open(), server.open()
+        nothing = {"core_requests": (0, 0), "core_replies": (0, 0), "ext_requests": (0, 0, 0, 0),
+                   "ext_replies": (0, 0, 0, 0), "delivered_events": (0, 0), "device_events": (0, 0), "errors": (0, 0),
+                   "client_started": False, "client_died": False}
+        grabs = {**nothing, "core_replies": (self.GRAB_KEYBOARD, self.GRAB_KEYBOARD)}
+        self._context = self._control.record_create_context(0, [record.AllClients], [grabs])
+        self._control.sync()
+        self.start()
+        if not self._began.wait(5):
+            raise NotSeen("the server records")
+
+    def run(self):
+        try:
+            self._display.record_enable_context(self._context, self._take)
+        except (error.ConnectionClosedError, OSError, ValueError):
+            pass
+
+    def _take(self, part):
+        if part.category == record.StartOfData:
+            self._began.set()
+        elif part.category == record.FromServer:
+            now = time.monotonic()
+            for at in range(0, len(part.data), self.LENGTH):
+                if part.data[at] == self.REPLY and part.data[at + 1] == self.SUCCESS:
+                    self._on_grab(now)
+
+    def close(self):
+        try:
+            self._control.record_disable_context(self._context)
+            self._control.sync()
+            self.join(2)
+            self._control.close()
+            self._display.close()
+        except Exception:
+            pass
 
 
 class Watcher:
@@ -39,6 +87,7 @@ class Watcher:
         for window in root.query_tree().children:
             window.change_attributes(event_mask=X.FocusChangeMask)
         self._display.sync()
+        self._grabs = GrabRecord(server, lambda at: self._note(Event(at, "grab")))
         self._closing = False
         self._thread = threading.Thread(target=self._run, name="watcher", daemon=True)
         self._thread.start()
@@ -69,8 +118,8 @@ class Watcher:
                 event.window.change_attributes(event_mask=X.FocusChangeMask)
                 self._display.flush()
             self._note(Event(now, kinds[event.type], event.window.id, rectangle))
-        elif event.type in (X.FocusIn, X.FocusOut) and event.mode in (X.NotifyGrab, X.NotifyUngrab):
-            self._note(Event(now, "grab" if event.mode == X.NotifyGrab else "ungrab", event.window.id))
+        elif event.type in (X.FocusIn, X.FocusOut) and event.mode == X.NotifyUngrab:
+            self._note(Event(now, "ungrab", event.window.id))
         elif self._has_screens and event.type >= self._display.extension_event.ScreenChangeNotify:
             self._note(Event(now, "screens"))
 
@@ -155,6 +204,7 @@ class Watcher:
         return gaps
 
     def close(self):
+        self._grabs.close()
         self._closing = True
         self._thread.join(2)
         try:
