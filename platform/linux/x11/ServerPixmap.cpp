@@ -1,6 +1,7 @@
 #include "platform/linux/x11/ServerPixmap.h"
 
 #include <fcntl.h>
+#include <unistd.h>
 #include <xcb/shm.h>
 
 #include <algorithm>
@@ -13,9 +14,9 @@
 namespace dormel::x11 {
 namespace {
 
-constexpr std::size_t REQUEST_HEADER = 64;                   // generous
-constexpr std::size_t BAND_BYTES = std::size_t{256} * 1024;  // the server serves others in between
-constexpr std::size_t SMALL_PART = std::size_t{64} * 1024;   // cheaper to send than to wait for its having been read
+constexpr std::size_t REQUEST_HEADER = 64;                  // generous
+constexpr std::size_t BAND_BYTES = std::size_t{64} * 1024;  // the server serves others in between
+constexpr std::size_t SMALL_PART = std::size_t{64} * 1024;  // cheaper to send than to wait for its having been read
 
 std::size_t bytesOf(int width, int height) {
   return static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * sizeof(std::uint32_t);
@@ -95,6 +96,24 @@ void ServerPixmap::release() {
   xcb_free_pixmap(*connection_, std::exchange(pixmap_, XCB_NONE));
 }
 
+const std::uint32_t* ServerPixmap::rowsOf(const Pixels& pixels, const PixelRect& part) {
+  const std::ptrdiff_t from = part.y * pixels.stride + part.x;
+  const auto length = static_cast<std::size_t>((part.height - 1) * pixels.stride + part.width);
+  const std::uint32_t* rows = pixels.data + from;
+  band_.resize(length);
+  if (pixels.shared != nullptr) {
+    // A page of the painter's that is looked at where it lies is one of this process's from then on, too.
+    const auto at = static_cast<off_t>(pixels.shared->offset + static_cast<std::size_t>(from) * sizeof(std::uint32_t));
+    const ssize_t got = ::pread(pixels.shared->descriptor, band_.data(), length * sizeof(std::uint32_t), at);
+    if (got == static_cast<ssize_t>(length * sizeof(std::uint32_t))) rows = band_.data();
+  }
+  if (pixels.stride == part.width) return rows;
+  for (std::ptrdiff_t y = 0; y < part.height; ++y) {
+    std::memmove(band_.data() + y * part.width, rows + y * pixels.stride, bytesOf(part.width, 1));
+  }
+  return band_.data();
+}
+
 void ServerPixmap::update(const Pixels& pixels, const PixelRect& changed) {
   if (pixels.width <= 0 || pixels.height <= 0) return;
   PixelRect part = changed;
@@ -114,20 +133,13 @@ void ServerPixmap::update(const Pixels& pixels, const PixelRect& changed) {
     reading_ = pixels.shared->hold;
     return;
   }
-  const std::size_t rowBytes = static_cast<std::size_t>(part.width) * sizeof(std::uint32_t);
+  const std::size_t rowBytes = bytesOf(part.width, 1);
+  const std::size_t apart = bytesOf(static_cast<int>(pixels.stride), 1);
   const std::size_t longest = std::size_t{xcb_get_maximum_request_length(*connection_)} * 4 - REQUEST_HEADER;
-  const int rows = static_cast<int>(std::max<std::size_t>(1, std::min(longest, BAND_BYTES) / rowBytes));
+  const int rows = static_cast<int>(std::max<std::size_t>(1, std::min(longest, BAND_BYTES) / apart));
   for (int y = part.y; y < part.y + part.height; y += rows) {
     const int count = std::min(rows, part.y + part.height - y);
-    const std::uint32_t* from = pixels.data + y * pixels.stride + part.x;
-    const std::uint32_t* data = from;
-    if (pixels.stride != part.width) {
-      band_.resize(static_cast<std::size_t>(part.width) * static_cast<std::size_t>(count));
-      for (int row = 0; row < count; ++row) {
-        std::memcpy(band_.data() + static_cast<std::ptrdiff_t>(row) * part.width, from + row * pixels.stride, rowBytes);
-      }
-      data = band_.data();
-    }
+    const std::uint32_t* data = rowsOf(pixels, {part.x, y, part.width, count});
     xcb_put_image(*connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, pixmap_, gc_, static_cast<std::uint16_t>(part.width),
                   static_cast<std::uint16_t>(count), static_cast<std::int16_t>(part.x), static_cast<std::int16_t>(y), 0,
                   depth_, static_cast<std::uint32_t>(rowBytes * static_cast<std::size_t>(count)),

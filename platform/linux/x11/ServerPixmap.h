@@ -39,6 +39,8 @@ class ServerPixmap {
  private:
   void allocate(int width, int height);
   void release();
+  /// `part`, row after row without gaps; good until the next call.
+  [[nodiscard]] const std::uint32_t* rowsOf(const Pixels& pixels, const PixelRect& part);
   [[nodiscard]] bool isShared(const Pixels& pixels, const PixelRect& part);
   [[nodiscard]] bool attach(const SharedPixels& shared);
   void detach();
@@ -52,7 +54,7 @@ class ServerPixmap {
   xcb_pixmap_t pixmap_ = XCB_NONE;
   xcb_gcontext_t gc_ = XCB_NONE;
   xcb_render_picture_t picture_ = XCB_NONE;
-  std::vector<std::uint32_t> band_;
+  std::vector<std::uint32_t> band_;  ///< rows on their way
   bool canShare_;
   std::uint8_t completionEvent_;
   std::shared_ptr<const void> memory_;   ///< what the server has mapped
