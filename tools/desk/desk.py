@@ -3,63 +3,42 @@
 import contextlib
 import os
 import shlex
-import shutil
-import signal
 import socket
 import subprocess
-import tempfile
-import time
 
-from . import paint, processes, scheduler
+from . import paint
 from .clients import Clients
 from .eyes import Eyes
-from .home import Home
 from .keyboard import Keyboard
 from .mouse import Mouse
 from .neighbours import Neighbour
+from .private import PrivateDesk
 from .server import Server
 from .wait import NotSeen, until
 from .watcher import Watcher
 from .witness import Witness
 
 
-class Desk:
+class Desk(PrivateDesk):
     """Monitors, a home, somebody working in a document, and hands and eyes for the one who plays.
 
     with Desk() as desk: ...
 
-    manager: True starts a private user manager and falls back to none where it cannot run (manager_missing tells
-    why); False never does, which leaves the program to its built-in supervisor.
+    manager: as for every PrivateDesk.
     windows: "openbox" adds a window manager; compositor: True adds picom. scale: what the user set for large monitors.
     DORMEL_WINDOWS, a command, is the window manager of every desk instead, and its compositor if it is one.
     """
 
     def __init__(self, monitors=((1920, 1080), (1280, 1024)), manager=False, windows=None, compositor=False,
                  server_arguments=(), pretty=False, extra=None, scale=None):
-        self.folder = tempfile.mkdtemp(prefix="dormel-")
-        self.home = Home(self.folder)
+        super().__init__(manager, extra)
         self.server = Server(self.folder, monitors, server_arguments)
-        self.manager = None
-        self.manager_missing = None
         windows = os.environ.get("DORMEL_WINDOWS", windows)
         self._windows = shlex.split(windows) if windows else None
-        self._want_manager, self._compositor, self._pretty = manager, compositor, pretty
+        self._compositor, self._pretty = compositor, pretty
         self._scale = scale
-        self._extra = dict(extra or {})
         self._helpers = []
         self._neighbours = []
-        self._open = []
-
-    def __enter__(self):
-        try:
-            self._put_up()
-        except BaseException:
-            self.close()
-            raise
-        return self
-
-    def __exit__(self, *_):
-        self.close()
 
     def _put_up(self):
         self.server.start()
@@ -87,23 +66,7 @@ class Desk:
         until("the document has the keyboard focus",
               lambda: self.clients.nudge_manager() or self.witness.focused.is_set(), 5)
         self.watcher = self._keep(Watcher(self.server))
-        if self._want_manager:
-            manager = scheduler.UserManager(self.home, self.folder, self._extra)
-            try:
-                self.manager = manager.start()
-            except NotSeen as missing:
-                self.manager_missing = str(missing)
-
-    def _keep(self, thing):
-        self._open.append(thing)
-        return thing
-
-    def environment(self):
-        """What a program started in this session finds."""
-        environment = {**self.home.environment(), **self.server.environment(), **self._extra}
-        if self.manager is None:
-            environment.pop("DBUS_SESSION_BUS_ADDRESS")
-        return environment
+        self._start_manager()
 
     def helper(self, command, ready_property=None):
         """Starts a program of the session; with ready_property waits until the root window carries it."""
@@ -151,16 +114,6 @@ class Desk:
 
     # Questions that every test asks.
 
-    def keys_reach_the_document(self, key=67):
-        """Taps F9 and says whether the document heard it. Costs one server round trip after the witness's own."""
-        mark = self.witness.mark()
-        self.keyboard.tap(key)
-        try:
-            until("a key", lambda: any(k[2] == key for k in self.witness.heard(mark)), 0.3)
-            return True
-        except NotSeen:
-            return False
-
     def lock_covers(self, monitor, pid):
         """Whether a window of the process covers the monitor."""
         return any(w.pid == pid and monitor.contains(*w.rectangle) for w in self.eyes.stack())
@@ -177,31 +130,13 @@ class Desk:
     def close(self):
         for neighbour in self._neighbours:
             neighbour.end()
-        if self.manager is not None:
-            self.manager.stop()
-        for thing in reversed(self._open):
-            thing.close()
+        self._stop_manager()
+        self._close_all()
         for process in self._helpers:
             _end(process)
         self._sweep()
         self.server.stop()
-        if os.environ.get("DORMEL_KEEP") != "1":
-            shutil.rmtree(self.folder, ignore_errors=True)
-
-    def _sweep(self):
-        """Ends what still lives in the private home: a supervisor, a job it restarted, a bus that was started."""
-        deadline = time.monotonic() + 5
-        while time.monotonic() < deadline:
-            left = processes.of_home(self.home.path)
-            left.pop(os.getpid(), None)
-            if not left:
-                return
-            for pid in left:
-                try:
-                    os.kill(pid, signal.SIGKILL)
-                except ProcessLookupError:
-                    pass
-            time.sleep(0.05)
+        self._remove_folder()
 
 
 def _end(process):

@@ -2,9 +2,8 @@
 
 import os
 import shutil
-import tempfile
 
-from ..home import Home
+from ..private import PrivateDesk
 from ..wait import until
 from ..wayland.desk import FocusRecord, Looks, WaylandDesk
 from ..wayland.witness import Witness
@@ -20,25 +19,18 @@ class GnomeDesk(WaylandDesk):
     """
 
     def __init__(self, monitors=((1920, 1080), (1280, 1024)), document=True, prepare=None):
-        self.folder = tempfile.mkdtemp(prefix="dormel-")
-        self.home = Home(self.folder)
+        PrivateDesk.__init__(self)
         self.server = GnomeShell(self.folder, self.home, monitors)
-        self.manager, self.manager_missing = None, "not tried under GNOME Shell"
+        self.manager_missing = "not tried under GNOME Shell"
         self._document, self._prepare = document, prepare
-        self._open = []
 
-    def __enter__(self):
-        try:
-            if self._prepare:
-                self._prepare(self)
-            self.server.start()
-            self._sit_down()
-            if self._document:
-                self.sit_at_the_document()
-        except BaseException:
-            self.close()
-            raise
-        return self
+    def _put_up(self):
+        if self._prepare:
+            self._prepare(self)
+        self.server.start()
+        self._sit_down()
+        if self._document:
+            self.sit_at_the_document()
 
     def _sit_down(self):
         # The shell opens its overview at every login, and shows no window full size while it is open.
@@ -52,7 +44,7 @@ class GnomeDesk(WaylandDesk):
 
     def log_in_again(self):
         """After the shell was killed; without a document."""
-        self._get_up()
+        self._close_all()
         self.server.start_shell()
         self._sit_down()
 
@@ -70,13 +62,8 @@ class GnomeDesk(WaylandDesk):
     def environment(self):
         return self.server.environment()
 
-    def _get_up(self):
-        for thing in reversed(self._open):
-            thing.close()
-        self._open = []
-
     def close(self):
-        self._get_up()
+        self._close_all()
         if "DORMEL_LOGS" in os.environ:
             shutil.copy(os.path.join(self.folder, "gnome-shell.out"), os.environ["DORMEL_LOGS"])
         super().close()

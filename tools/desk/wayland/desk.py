@@ -1,15 +1,10 @@
 """A whole private desktop on a Wayland compositor, put up and taken down as one."""
 
-import os
-import shutil
-import signal
-import tempfile
 import time
 
-from .. import processes, scheduler
 from ..eyes import Eyes, Picture, TopWindow
-from ..home import Home
-from ..wait import No, NotSeen, until
+from ..private import PrivateDesk
+from ..wait import No, until
 from ..watcher import Event
 from . import compositors
 from .input import Keyboard
@@ -81,61 +76,23 @@ class FocusRecord:
         return time.monotonic() if self._eyes.dark(monitors) else None
 
 
-class WaylandDesk:
+class WaylandDesk(PrivateDesk):
     """Monitors, a home, somebody working in a document, hands and eyes: as desk.Desk has them.
 
-    compositor: "sway", "labwc" or "kwin". manager: as on desk.Desk.
+    compositor: "sway", "labwc" or "kwin". manager: as for every PrivateDesk.
     """
 
     def __init__(self, compositor, monitors=((1920, 1080), (1280, 1024)), manager=False, extra=None):
-        self.folder = tempfile.mkdtemp(prefix="dormel-")
-        self.home = Home(self.folder)
+        super().__init__(manager, extra)
         self.server = compositors.make(compositor, self.folder, monitors)
-        self.manager = self.manager_missing = None
-        self._want_manager = manager
-        self._extra = dict(extra or {})
-        self._open = []
 
-    def __enter__(self):
-        try:
-            self.server.start()
-            self.eyes = Looks(self.server)
-            self.keyboard = self._keep(Keyboard(self.server))
-            self.witness = self._keep(Witness(self.server.path))
-            self.watcher = FocusRecord(self.witness, self.eyes)
-            if self._want_manager:
-                manager = scheduler.UserManager(self.home, self.folder, self._extra)
-                try:
-                    self.manager = manager.start()
-                except NotSeen as missing:
-                    self.manager_missing = str(missing)
-        except BaseException:
-            self.close()
-            raise
-        return self
-
-    def __exit__(self, *_):
-        self.close()
-
-    def _keep(self, thing):
-        self._open.append(thing)
-        return thing
-
-    def environment(self):
-        environment = {**self.home.environment(), **self.server.environment(), **self._extra}
-        if self.manager is None:
-            environment.pop("DBUS_SESSION_BUS_ADDRESS")
-        return environment
-
-    def keys_reach_the_document(self, key=67):
-        """Taps F9 and says whether the document heard it."""
-        mark = self.witness.mark()
-        self.keyboard.tap(key)
-        try:
-            until("a key", lambda: any(k[2] == key for k in self.witness.heard(mark)), 0.3)
-            return True
-        except NotSeen:
-            return False
+    def _put_up(self):
+        self.server.start()
+        self.eyes = Looks(self.server)
+        self.keyboard = self._keep(Keyboard(self.server))
+        self.witness = self._keep(Witness(self.server.path))
+        self.watcher = FocusRecord(self.witness, self.eyes)
+        self._start_manager()
 
     def lock_covers(self, monitor, pid):
         return self.eyes.dark([monitor])
@@ -160,22 +117,8 @@ class WaylandDesk:
         return next((at for at, focused in self.witness.focus if at >= since and not focused), None)
 
     def close(self):
-        if self.manager is not None:
-            self.manager.stop()
-        deadline = time.monotonic() + 5
-        while time.monotonic() < deadline:
-            left = processes.of_home(self.home.path)
-            left.pop(os.getpid(), None)
-            if not left:
-                break
-            for pid in left:
-                try:
-                    os.kill(pid, signal.SIGKILL)
-                except ProcessLookupError:
-                    pass
-            time.sleep(0.05)
-        for thing in reversed(self._open):
-            thing.close()
+        self._stop_manager()
+        self._sweep()
+        self._close_all()
         self.server.stop()
-        if os.environ.get("DORMEL_KEEP") != "1":
-            shutil.rmtree(self.folder, ignore_errors=True)
+        self._remove_folder()
