@@ -31,7 +31,7 @@ constexpr const char* ACCESSIBILITY_PAGE =
 constexpr Size SETTINGS_SIZE{460, 660};
 
 // An end may take its time, on a hung disk or until the scheduler's kill, and nobody starts a run that ended with 0
-// again. Who holds the seat ten seconds later is not about to leave it.
+// again. Who holds the instance lock ten seconds later is not about to end.
 constexpr Seconds INSTANCE_LOCK_PAUSE = 0.25;
 constexpr int INSTANCE_LOCK_TRIES = 40;
 

@@ -63,7 +63,7 @@ class AppDelegate : public ApplicationDelegate, public std::enable_shared_from_t
  private:
   AppDelegate() = default;
   void startScheduledBlock();
-  /// Takes the seat of scheduled runs, once whoever is leaving it has left, or ends the process.
+  /// Takes the instance lock of scheduled runs, once a holder that is dying has ended, or ends the process.
   void claimNight(int triesLeft);
   void beginNight();
   void startWindowMode();

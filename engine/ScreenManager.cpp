@@ -71,16 +71,16 @@ void ScreenManager::activate(bool hasAccessibility) {
   hasAccessibility_ = hasAccessibility;
   if (!Config::onboardingComplete()) {
     print("Onboarding not complete — not blocking. Exiting.");
-    exitUnlessItBegins();
+    return exitUnlessItBegins();
   }
   if (!Config::blockingEnabled()) {
     print("Dormel is disabled by the user — not blocking. Exiting.");
-    exitUnlessItBegins();
+    return exitUnlessItBegins();
   }
   if (!isBlockingNow()) {
     print("Outside blocking hours (" + std::to_string(Config::startHour()) + ":00–" +
           std::to_string(Config::endHour()) + ":00). Exiting.");
-    exitUnlessItBegins();
+    return exitUnlessItBegins();
   }
   if (hasAccessibility) {
     beginBlocking();

@@ -25,8 +25,8 @@ class Process {
   [[noreturn]] void exit(int status);
 
   /// Has the kernel kill this process once `uptime` has passed, whatever it is stuck in by then, a dead disk or a stop
-  /// signal included. Sleep does not count. Each call replaces the one before, nothing takes it back. Any thread. Where
-  /// the kernel has no timer left, nothing happens.
+  /// signal included. Sleep does not count. Each call replaces the one before; without a value there is no limit any
+  /// more. Any thread. Where the kernel has no timer left, nothing happens.
   virtual void endWithin(std::optional<Seconds> uptime) = 0;
 
   /// This process's id.
@@ -39,11 +39,11 @@ class Process {
   /// between other main-thread work.
   virtual void onTerminationSignal(Task handler) = 0;
 
-  /// Claims the one seat that scheduled runs of this user's login session have. True when this process has it
-  /// now, and until it ends; false when another process has it.
+  /// Takes the lock that lets one scheduled run in at a time in this user's login session. True when this process has
+  /// it now, and until it ends; false when another process has it.
   virtual bool claimSession() = 0;
 
-  /// Claims the one seat that opened programs of this user's login session have. False when another process has it,
+  /// Takes the lock that lets one opened program in at a time in this user's login session. False when another has it,
   /// which has then been told; `onReopen` runs in this process, on the main thread, whenever it is told.
   virtual bool claimWindow(Task onReopen) = 0;
 };

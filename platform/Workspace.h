@@ -54,8 +54,8 @@ class Workspace {
   /// Costs nothing when it is listed so already; a failure is ignored.
   virtual void registerApplication(const std::string& bundle) = 0;
   /// Removes whatever this platform keeps for the program besides what the logic knows of: its place in the menus and
-  /// in the desktop's autostart, caches, the seats of its processes, and each folder that was created for one of its
-  /// files, if nothing else has moved in. Comes last: what is written afterwards stays.
+  /// in the desktop's autostart, caches, the instance locks of its processes, and each folder that was created for one
+  /// of its files, if nothing else has moved in. Comes last: what is written afterwards stays.
   virtual void forgetApplication() = 0;
 
   /// Runs one shell command as the administrator, after the desktop asked for the password. Blocks.

@@ -26,7 +26,7 @@ class SimProcess : public Process {
   [[nodiscard]] int processId() const override { return 4711; }
   [[nodiscard]] unsigned userId() const override { return 1000; }
   void onTerminationSignal(Task handler) override { terminationHandler_ = std::move(handler); }
-  bool claimSession() override { return !seatTaken_; }
+  bool claimSession() override { return !sessionTaken_; }
   bool claimWindow(Task onReopen) override;
 
   // The world's side.
@@ -36,11 +36,11 @@ class SimProcess : public Process {
   void kill();
   /// What the process still does when it ends by itself.
   void setLastWill(Task restoreAtExit) { restoreAtExit_ = std::move(restoreAtExit); }
-  /// Another process has the seat of the scheduled run.
-  void setSeatTaken(bool taken) { seatTaken_ = taken; }
-  /// Another process has the seat of the opened program.
+  /// Another process has the instance lock of scheduled runs.
+  void setSessionTaken(bool taken) { sessionTaken_ = taken; }
+  /// Another process has the instance lock of the opened program.
   void setWindowSeatTaken(bool taken) { windowSeatTaken_ = taken; }
-  /// The user opens the program a second time: the one that has the window seat is told.
+  /// The user opens the program a second time: the one that runs is told.
   void reopen();
   void processEnded();
 
@@ -51,7 +51,7 @@ class SimProcess : public Process {
   Task restoreAtExit_;
   Task terminationHandler_;
   Task onReopen_;
-  bool seatTaken_ = false;
+  bool sessionTaken_ = false;
   bool windowSeatTaken_ = false;
 };
 

@@ -138,7 +138,7 @@ TEST(PosixProcess, TheSecondWindowTellsTheFirst) {
   };
   const auto claim = [&](posix::PosixProcess& process) { return process.claimWindow([&] { ++reopened; }); };
 
-  // Something else stands in the place: it is nobody's seat.
+  // Something else stands in the place: it locks nobody out.
   put(paths.window, "left behind");
   {
     posix::PosixProcess first(queues, paths, watch);
@@ -155,7 +155,7 @@ TEST(PosixProcess, TheSecondWindowTellsTheFirst) {
     EXPECT_TRUE(onReadable());
     EXPECT_EQ(reopened, 2);
     std::filesystem::remove(paths.window);
-    EXPECT_EQ(another(), 1) << "a deleted seat can be had anew";
+    EXPECT_EQ(another(), 1) << "a deleted lock can be had anew";
   }
   EXPECT_EQ(another(), 1) << "free again with its holder gone, though its file is still there";
   const posix::InstanceLockPaths nowhere{"/nowhere/session", "/nowhere/window"};

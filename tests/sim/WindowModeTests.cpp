@@ -425,7 +425,7 @@ TEST(ScheduledRun, IsQuitOnlyWhenNothingIsLocked) {
 TEST(ScheduledRun, SaysWhatItFindsAndNeverOpensAWindow) {
   const std::string start = "start --scheduled";
   Program second;
-  second.machine.process.setSeatTaken(true);
+  second.machine.process.setSessionTaken(true);
   second.open({"--scheduled"});
   second.machine.advance(10);
   EXPECT_EQ(second.effects(),
@@ -433,10 +433,10 @@ TEST(ScheduledRun, SaysWhatItFindsAndNeverOpensAWindow) {
 
   Program successor;
   successor.machine.setWallClock("2026-11-16 22:00:00");
-  successor.machine.process.setSeatTaken(true);  // by a run that is about to end, and will not be started again
+  successor.machine.process.setSessionTaken(true);  // by a run that is about to end, and will not be started again
   successor.open({"--scheduled"});
   successor.machine.advance(8);
-  successor.machine.process.setSeatTaken(false);
+  successor.machine.process.setSessionTaken(false);
   successor.machine.advance(1);
   EXPECT_EQ(successor.delegate().screenManager()->state(), SessionState::blocked);
 

@@ -45,8 +45,8 @@ std::string displayName() {
 }  // namespace
 
 posix::InstanceLockPaths instanceLockFiles() {
-  const std::string seat = folder() + "/" + prefix() + displayName();
-  return {seat + ".session", seat + ".window"};
+  const std::string stem = folder() + "/" + prefix() + displayName();
+  return {stem + ".session", stem + ".window"};
 }
 
 std::string lockMarkFile() { return folder() + "/" + prefix() + asFileName(variable("WAYLAND_DISPLAY")) + ".lock"; }

@@ -13,7 +13,7 @@ namespace dormel::freedesktop {
 /// The path of the mark that a lock of this Wayland session's compositor is up; in the same folder.
 [[nodiscard]] std::string lockMarkFile();
 
-/// Deletes the seats of every display.
+/// Deletes the instance locks of every display.
 void removeInstanceLockFiles();
 
 }  // namespace dormel::freedesktop

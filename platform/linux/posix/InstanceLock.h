@@ -17,8 +17,8 @@ class InstanceLock {
 
   explicit InstanceLock(std::string path) : path_(std::move(path)) {}
 
-  /// True when this process has the seat until it ends; `onReopen` then runs on the main thread whenever another one
-  /// asked for it. False when another process has it and was told. Where no pipe can be made everybody gets the seat:
+  /// True when this process has the lock until it ends; `onReopen` then runs on the main thread whenever another one
+  /// asked for it. False when another process has it and was told. Where no pipe can be made everybody gets the lock:
   /// two windows are better than none.
   bool claim(const WatchReadable& watchReadable, Task onReopen);
 
