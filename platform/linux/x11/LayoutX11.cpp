@@ -4,6 +4,7 @@
 
 #include <array>
 
+#include "platform/linux/display/XkbLabels.h"
 #include "platform/linux/x11/Reply.h"
 #include "platform/linux/x11/Xkb.h"
 
@@ -81,18 +82,6 @@ std::optional<std::string> LayoutX11::translate(KeyCode keyCode) const {
   return utf8.data();
 }
 
-std::string LayoutX11::printedLegend(KeyCode keyCode) const {
-  switch (keyCode) {
-    case 54:
-      return "Menu / Ctrl";
-    case 55:
-      return "Super";
-    case 58:
-    case 61:
-      return "Alt";
-    default:
-      return {};
-  }
-}
+std::string LayoutX11::printedLegend(KeyCode keyCode) const { return pcLegend(keyCode); }
 
 }  // namespace dormel::x11
