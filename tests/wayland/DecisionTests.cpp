@@ -9,6 +9,7 @@
 #include "platform/common/lock/LockWatch.h"
 #include "platform/linux/DisplayChoice.h"
 #include "platform/linux/display/KeyTracker.h"
+#include "platform/linux/display/XkbLabels.h"
 #include "platform/linux/wayland/Outputs.h"
 #include "platform/sim/SimMachine.h"
 
@@ -173,6 +174,30 @@ TEST(KeyTracker, AKeyboardThatIsHeardOfAgainLetsGoOfWhatWasMissed) {
   EXPECT_TRUE(keys.isHeld(1));
   EXPECT_TRUE(keys.isHeld(2)) << "held, though nobody saw it go down";
   EXPECT_TRUE(keys.release(1, S)) << "still the press that was seen";
+}
+
+TEST(XkbLabels, WhatTheLastKeymapPrintsInTheLayoutInForce) {
+  const auto keymap = [](const std::string& symbols) {
+    return "xkb_keymap { xkb_keycodes { <AC01> = 38; };"
+           " xkb_types { type \"ONE_LEVEL\" { modifiers = none; level_name[Level1] = \"Any\"; }; };"
+           " xkb_compat { }; xkb_symbols { key <AC01> { " +
+           symbols + " }; }; };" + '\0';
+  };
+  constexpr KeyCode A = 0;
+  XkbLabels labels;
+  EXPECT_EQ(labels.translate(A), std::nullopt) << "no keymap yet";
+  labels.setKeymap(keymap("[ q ]"));
+  labels.setKeymap("xkb_keymap { nothing of that kind");
+  EXPECT_EQ(labels.translate(A), "q") << "no keymap, and nobody had asked before it came";
+  labels.setKeymap(keymap("[ a ], [ Cyrillic_ef ]"));
+  EXPECT_EQ(labels.translate(A), "a");
+  for (const std::uint32_t layout : {1U, 3U, ~0U}) {
+    labels.setLayout(layout);
+    EXPECT_EQ(labels.translate(A), "ф") << layout;
+  }
+  labels.setKeymap(keymap("[ dead_acute ]"));
+  EXPECT_EQ(labels.translate(A), std::nullopt) << "an accent is no character yet";
+  EXPECT_EQ(labels.translate(60000), std::nullopt);
 }
 
 TEST(LockMark, TextThatIsNoneIsNoMark) {

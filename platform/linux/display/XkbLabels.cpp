@@ -3,10 +3,18 @@
 #include <xkbcommon/xkbcommon.h>
 
 #include <array>
+#include <functional>
+#include <memory>
+#include <utility>
 
 #include "platform/linux/display/KeyCodes.h"
 
 namespace dormel {
+namespace {
+
+constexpr KeyCode KEY_CODES = 128;  // those of keys that this program has a name for
+
+}  // namespace
 
 void XkbDeleter::operator()(xkb_context* context) const { xkb_context_unref(context); }
 void XkbDeleter::operator()(xkb_keymap* keymap) const { xkb_keymap_unref(keymap); }
@@ -42,25 +50,41 @@ std::string pcLegend(KeyCode keyCode) {
   }
 }
 
-XkbLabels::XkbLabels()
-    : context_(xkb_context_new(
-          static_cast<xkb_context_flags>(XKB_CONTEXT_NO_DEFAULT_INCLUDES | XKB_CONTEXT_NO_ENVIRONMENT_NAMES))) {}
-
-XkbLabels::~XkbLabels() = default;
-
 void XkbLabels::setKeymap(std::string_view text) {
   while (text.ends_with('\0')) text.remove_suffix(1);
-  // Every new focus may bring it anew, and compiling one takes milliseconds.
-  if (!context_ || text == text_) return;
-  auto* const keymap = xkb_keymap_new_from_buffer(context_.get(), text.data(), text.size(), XKB_KEYMAP_FORMAT_TEXT_V1,
-                                                  XKB_KEYMAP_COMPILE_NO_FLAGS);
-  if (keymap == nullptr) return;
-  keymap_.reset(keymap);
-  text_ = text;
+  const std::size_t hash = std::hash<std::string_view>()(text);
+  if (std::exchange(told_, hash) == hash) return;
+  readKeymap();  // this one may be none
+  unread_ = text;
+}
+
+void XkbLabels::readKeymap() const {
+  if (unread_.empty()) return;
+  const std::string text = std::exchange(unread_, {});
+  const std::unique_ptr<xkb_context, XkbDeleter> context(xkb_context_new(
+      static_cast<xkb_context_flags>(XKB_CONTEXT_NO_DEFAULT_INCLUDES | XKB_CONTEXT_NO_ENVIRONMENT_NAMES)));
+  if (!context) return;
+  const std::unique_ptr<xkb_keymap, XkbDeleter> keymap(xkb_keymap_new_from_buffer(
+      context.get(), text.data(), text.size(), XKB_KEYMAP_FORMAT_TEXT_V1, XKB_KEYMAP_COMPILE_NO_FLAGS));
+  if (!keymap) return;
+  characters_.clear();
+  const KeyCodes numbering;
+  for (KeyCode keyCode = 0; keyCode < KEY_CODES; ++keyCode) {
+    const auto codes = numbering.xKeyCodes(keyCode);
+    if (codes.empty()) continue;
+    const xkb_layout_index_t layouts = xkb_keymap_num_layouts_for_key(keymap.get(), codes.front());
+    Characters& characters = characters_[keyCode];
+    for (xkb_layout_index_t layout = 0; layout < layouts; ++layout) {
+      characters.push_back(characterOn(*keymap, layout, keyCode));
+    }
+  }
 }
 
 std::optional<std::string> XkbLabels::translate(KeyCode keyCode) const {
-  return keymap_ ? characterOn(*keymap_, layout_, keyCode) : std::nullopt;
+  readKeymap();
+  const auto found = characters_.find(keyCode);
+  if (found == characters_.end() || found->second.empty()) return std::nullopt;
+  return found->second[layout_ % found->second.size()];
 }
 
 }  // namespace dormel

@@ -1,11 +1,13 @@
 // What a keymap prints on the keys. Main thread only.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
-#include <memory>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/Keyboard.h"
 
@@ -29,10 +31,8 @@ struct XkbDeleter {
 /// The keymap that a compositor hands out as text, and which of its layouts is in force.
 class XkbLabels : public KeyboardLayout {
  public:
-  XkbLabels();
-  ~XkbLabels() override;
-
-  /// Text that is no keymap leaves the one before in force.
+  /// Text that is no keymap leaves the one before in force. It is read when a label is asked for: that takes
+  /// milliseconds, and a lock waits for no label.
   void setKeymap(std::string_view text);
   void setLayout(std::uint32_t layout) { layout_ = layout; }
 
@@ -40,9 +40,13 @@ class XkbLabels : public KeyboardLayout {
   [[nodiscard]] std::string printedLegend(KeyCode keyCode) const override { return pcLegend(keyCode); }
 
  private:
-  std::unique_ptr<xkb_context, XkbDeleter> context_;
-  std::unique_ptr<xkb_keymap, XkbDeleter> keymap_;
-  std::string text_;
+  using Characters = std::vector<std::optional<std::string>>;  ///< by layout
+
+  void readKeymap() const;
+
+  std::size_t told_ = 0;  ///< the hash of the text told last: every new focus may bring the same again
+  mutable std::string unread_;
+  mutable std::map<KeyCode, Characters> characters_;  ///< kept instead of the keymap, which is a hundred times larger
   std::uint32_t layout_ = 0;
 };
 
