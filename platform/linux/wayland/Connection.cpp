@@ -127,6 +127,12 @@ void Connection::checkLost() {
 
 void Connection::roundtrip() { wl_display_roundtrip(display_); }
 
+void Connection::settle(std::chrono::milliseconds limit) {
+  static_cast<void>(syncWithin(limit));
+  wl_display_dispatch_pending(display_);
+  flush();
+}
+
 bool Connection::syncWithin(std::chrono::milliseconds limit) {
   const auto deadline = Clock::now() + limit;
   wl_event_queue* queue = wl_display_create_queue(display_);

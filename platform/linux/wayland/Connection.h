@@ -63,7 +63,10 @@ class Connection {
 
   /// Returns when the compositor has carried out everything sent before; its events are delivered meanwhile.
   void roundtrip();
-  /// The same for the last moments of a process: delivers nothing, gives up at the limit, from any thread.
+  /// The same where nobody may wait for a compositor that hangs: gives up at the limit.
+  void settle(std::chrono::milliseconds limit);
+  /// For the last moments of a process: delivers nothing, gives up at the limit, from any thread. False where it gave
+  /// up.
   bool syncWithin(std::chrono::milliseconds limit);
   void flush();
 

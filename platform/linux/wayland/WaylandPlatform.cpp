@@ -7,6 +7,8 @@ namespace dormel::wayland {
 namespace {
 
 constexpr std::chrono::milliseconds RESTORE_LIMIT{500};
+/// How long a start waits at most until its panels are up, before it goes on with what is not so urgent.
+constexpr std::chrono::milliseconds COVER_LIMIT{20};
 
 }  // namespace
 
@@ -59,7 +61,12 @@ void WaylandPlatform::setLockdown(bool on) {
   pointer_.setKept(on);
   environment_->lock.stages().setLockdown(on);
   environment_->panelsChanged();
-  connection_->flush();
+  if (on) {
+    // A panel has the keyboard only once it is shown, and it is shown once the compositor has told its size.
+    connection_->settle(COVER_LIMIT);
+  } else {
+    connection_->flush();
+  }
 }
 
 void WaylandPlatform::restoreAtExit(bool /*comesBack*/) { environment_->lock.restoreAtExit(RESTORE_LIMIT); }
