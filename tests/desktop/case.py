@@ -9,7 +9,8 @@ import unittest
 sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "tools"))
 
 from desk import (ESCAPE, RETURN, SPACE, TAB, Bundle, Desk, NotSeen, evdev_of_label,  # noqa: E402,F401
-                  until)
+                  processes, until)
+from desk.screen_reader import ScreenReader  # noqa: E402
 
 
 class DesktopCase(unittest.TestCase):
@@ -31,13 +32,26 @@ class DesktopCase(unittest.TestCase):
         with open(path, "ab") as log:
             process = desk.bundle.start(*arguments, environment=environment, output=log)
 
-        def end():
-            if process.poll() is None:
-                process.kill()
-            process.wait()
+        return self.started(process)
 
-        self.addCleanup(end)
+    def started(self, process):
+        """A process that is killed when the test ends, if it has not ended by then."""
+        self.addCleanup(lambda: (process.kill(), process.wait()))
         return process
+
+    def reader(self, desk):
+        """A screen reader on the desk, until the test ends."""
+        reader = ScreenReader(desk)
+        self.addCleanup(reader.close)
+        return reader
+
+    @staticmethod
+    def opened(desk):
+        """The process of the opened program, whoever started it, once its window is there."""
+        return until("the window", lambda: next(
+            (pid for pid, command in processes.of_home(desk.home.path).items()
+             if command == [desk.bundle.program] and processes.alive(pid)
+             and any(c.title == "Dormel" for c in desk.clients.of(pid))), None), 15)
 
     def lock(self, desk, **options):
         """A scheduled run inside the hours, once it covers every screen. Answers its process."""

@@ -5,7 +5,6 @@ import unittest
 from case import RETURN, SPACE, DesktopCase, until
 from desk.first_run import ByKeyboard, ByMouse, FirstRun, noon
 from desk.keyboard import DOWN, LEFT_CTRL, RIGHT, UP
-from desk.screen_reader import ScreenReader
 
 Q = 16
 SCROLL_DOWN = 5
@@ -15,11 +14,10 @@ class FirstRunTest(DesktopCase):
     def open(self, kind_of_hand):
         desk = self.desk(manager=True, windows="openbox", extra={"TZ": noon()})
         desk.home.change_settings(debugLoggingEnabled=True)
-        reader = ScreenReader(desk)
-        self.addCleanup(reader.close)
+        reader = self.reader(desk)
         run = FirstRun(desk, desk.bundle, reader, kind_of_hand(desk, reader), lambda *_: None)
         run.open()
-        self.addCleanup(lambda: (run.process.kill(), run.process.wait()))
+        self.started(run.process)
         self.in_front(desk, run.process, "Dormel")
         return desk, reader, run
 
@@ -29,7 +27,7 @@ class FirstRunTest(DesktopCase):
         self.assertEqual(run.process.wait(10), 0)
 
     def test_by_mouse(self):
-        desk, reader, run = self.open(ByMouse)
+        desk, _, run = self.open(ByMouse)
         run.greet()
 
         # The wheel turns wherever the pointer is.
@@ -38,15 +36,7 @@ class FirstRunTest(DesktopCase):
         desk.mouse.press(SCROLL_DOWN)
         desk.mouse.release(SCROLL_DOWN)
         until("the wheel turns", lambda: "selected" in run.see("2 AM").states, 3)
-        run.answer(keeps="Games")
-        run.see("You're up until about 2 AM, several nights a week. Mostly games.")
-        run.hand.press("Back")
-        run.see("What keeps you up?")
-        run.hand.press("Work")
-        run.hand.press("Scrolling")
-        run.hand.press("Work")
-        run.hand.press("Continue")
-        run.see("You're up until about 2 AM, several nights a week. Mostly scrolling.")
+        run.answer()
         run.look_in_the_mirror()
         took = run.watch()
         self.saw(f"the scene took {took:.1f} s")

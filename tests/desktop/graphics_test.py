@@ -5,7 +5,6 @@ import unittest
 
 from case import DesktopCase, until
 from desk.first_run import ByKeyboard, FirstRun
-from desk.screen_reader import ScreenReader
 
 
 class GraphicsTest(DesktopCase):
@@ -13,13 +12,11 @@ class GraphicsTest(DesktopCase):
         """Opens the first run at the permission, rehearses the lock, and leaves it; answers whether a driver drew."""
         desk = self.desk(windows="openbox", extra=variables)
         desk.home.change_settings(onboardingV2Beat=8, debugLoggingEnabled=True)
-        reader = ScreenReader(desk)
-        self.addCleanup(reader.close)
+        reader = self.reader(desk)
         run = FirstRun(desk, desk.bundle, reader, ByKeyboard(desk, reader), lambda *_: None)
         begun = self.clock()
         run.open()
-        process = run.process
-        self.addCleanup(lambda: (process.kill(), process.wait()))
+        process = self.started(run.process)
         window = self.in_front(desk, process, "Dormel")
         until("the window is drawn", lambda: (p := desk.eyes.rectangle(window.x, window.y, 900, 620))
               .pixel(20, 300) == (10, 10, 11) and p.brighter_than(150) > 200, 10)

@@ -7,7 +7,6 @@ import unittest
 
 from case import DesktopCase, until
 from desk.first_run import noon
-from desk.screen_reader import ScreenReader
 
 class Bridge:
     """The server under another display number, where it looks like a Wayland compositor's X bridge."""
@@ -64,8 +63,7 @@ class PermissionTest(DesktopCase):
         desk.home.change_settings(**settings)
         bridge = Bridge(desk.server)
         self.addCleanup(bridge.close)
-        reader = ScreenReader(desk)
-        self.addCleanup(reader.close)
+        reader = self.reader(desk)
         process = self.start(desk, environment={**bridge.environment, **reader.environment()})
         self.in_front(desk, process, "Dormel")
         return reader

@@ -12,35 +12,20 @@ from desk import processes
 
 
 class RelocationTest(DesktopCase):
-    def downloaded(self, name="Dormel.app", **options):
+    def downloaded(self, **options):
         """A desk whose Applications folder is empty; the program lies in the downloads."""
         desk = self.desk(windows="openbox", **options)
-        self.source = os.path.join(desk.home.path, "Downloads", name)
+        self.source = os.path.join(desk.home.path, "Downloads", "Dormel.app")
         os.makedirs(os.path.dirname(self.source))
         os.rename(desk.bundle.path, self.source)
-        self.installed = os.path.join(desk.home.applications, name)
         return desk
 
-    def open(self, desk, command=None, environment=None):
+    def open(self, desk, command=None):
         """Opens the downloaded copy; answers its process and the alert it shows."""
         process = subprocess.Popen(command or [os.path.join(self.source, "Contents", "Linux", "Dormel")],
-                                   env={**desk.environment(), **(environment or {})}, stdin=subprocess.DEVNULL,
-                                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, cwd=os.path.dirname(self.source))
-        self.addCleanup(lambda: (process.kill(), process.wait()))
-        return process, self.in_front(desk, process, "Move Dormel to Applications")
-
-    def runs(self, desk, bundle):
-        """The processes of a bundle's program, with their arguments."""
-        program = os.path.join(bundle, "Contents", "Linux", "Dormel")
-        return {pid: command[1:] for pid, command in processes.of_home(desk.home.path).items()
-                if command[0] == program and processes.alive(pid)}
-
-    def opened(self, desk):
-        """The process of the opened program in its new place, once its window is there."""
-        def window():
-            return next((pid for pid, arguments in self.runs(desk, self.installed).items()
-                         if not arguments and any(c.title == "Dormel" for c in desk.clients.of(pid))), None)
-        return until("the new copy's window", window, 15)
+                                   env=desk.environment(), cwd=os.path.dirname(self.source), stdin=subprocess.DEVNULL,
+                                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        return self.started(process), self.in_front(desk, process, "Move Dormel to Applications")
 
     def moves_and_locks(self, **options):
         desk = self.downloaded(**options)
@@ -51,7 +36,7 @@ class RelocationTest(DesktopCase):
         until("the old process has ended", lambda: not processes.alive(process.pid), 15)
         copied = self.clock()
         # Not yet reaped it still counts as running, and so the new copy has to wait for it.
-        self.assert_never(lambda: [a for a in self.runs(desk, self.installed).values() if not a], 0.5)
+        self.assert_never(lambda: [desk.bundle.program] in processes.of_home(desk.home.path).values(), 0.5)
         self.assertEqual(process.wait(), 0)
         reaped = self.clock()
         self.opened(desk)
@@ -59,7 +44,6 @@ class RelocationTest(DesktopCase):
 
         # Its user throws the old copy away: the job must not need it.
         shutil.rmtree(os.path.dirname(self.source))
-        desk.bundle.program = os.path.join(self.installed, "Contents", "Linux", "Dormel")
         pid = desk.bundle.wait_for_scheduled()
         until("the lock, from the new place", lambda: desk.eyes.covered(pid), 10)
         os.kill(pid, signal.SIGKILL)

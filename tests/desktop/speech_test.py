@@ -7,7 +7,7 @@ import unittest
 
 import dbus
 from case import DesktopCase, until
-from desk.screen_reader import PROPERTIES, ScreenReader
+from desk.screen_reader import PROPERTIES
 
 
 class SpeechServer:
@@ -74,8 +74,7 @@ class SpeechTest(DesktopCase):
 
     def test_a_lock_is_heard(self):
         desk = self.desk()
-        reader = ScreenReader(desk)
-        self.addCleanup(reader.close)
+        reader = self.reader(desk)
         bus = dbus.bus.BusConnection(reader.environment()["DBUS_SESSION_BUS_ADDRESS"])
         bus.get_object("org.a11y.Bus", "/org/a11y/bus").Set("org.a11y.Status", "ScreenReaderEnabled", True,
                                                             dbus_interface=PROPERTIES)

@@ -62,15 +62,11 @@ class UninstallTest(DesktopCase):
 
         moving = subprocess.Popen([os.path.join(downloaded, "Contents", "Linux", "Dormel")], env=desk.environment(),
                                   stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        self.addCleanup(lambda: (moving.kill(), moving.wait()))
-        self.in_front(desk, moving, "Move Dormel to Applications")
+        self.in_front(desk, self.started(moving), "Move Dormel to Applications")
         desk.keyboard.tap(RETURN)
         self.assertEqual(moving.wait(15), 0)
 
-        def window():
-            return next((pid for pid, command in processes.of_home(desk.home.path).items()
-                         if command == [desk.bundle.program] and desk.clients.of(pid)), None)
-        first = until("the new copy's window", window, 15)
+        first = self.opened(desk)
         desk.bundle.setup()
         with open(desk.home.settings_path, "wb") as file:
             file.write(b"damaged")
@@ -86,17 +82,12 @@ class UninstallTest(DesktopCase):
         os.kill(first, 15)
         until("the window is closed", lambda: not processes.alive(first), 5)
         os.makedirs(os.path.join(desk.home.applications, ".Dormel.app.update", "new"))  # an update half fetched
-        process = self.start_quietly(desk)
+        process = self.started(desk.bundle.start(output=subprocess.DEVNULL))
         self.in_front(desk, process, "Dormel")
         written = len(self.snapshot(desk)) - len(before)
         self.saw(f"moved, armed, locked for a while, its settings broken, opened: {written} files and folders written")
         self.assertGreater(written, 10)
         return desk, before, process
-
-    def start_quietly(self, desk):
-        process = desk.bundle.start(output=subprocess.DEVNULL)
-        self.addCleanup(lambda: (process.kill(), process.wait()))
-        return process
 
     def uninstall(self, desk, process):
         """Through the opened window, by keyboard."""

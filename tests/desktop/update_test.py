@@ -60,14 +60,6 @@ class UpdateTest(DesktopCase):
         self.store = os.path.join(desk.home.applications, ".Dormel.app.update")
         return desk
 
-    def opened(self, desk):
-        """The process of the opened program, once its window is there."""
-        def window():
-            return next((pid for pid, command in processes.of_home(desk.home.path).items()
-                         if command == [desk.bundle.program] and processes.alive(pid)
-                         and any(c.title == "Dormel" for c in desk.clients.of(pid))), None)
-        return until("the window", window, 15)
-
     def close(self, pid):
         os.kill(pid, 2)  # a quit request
         until("the program has quit", lambda: not processes.alive(pid), 10)

@@ -5,7 +5,6 @@ import unittest
 
 from case import ESCAPE, DesktopCase, evdev_of_label, until
 from desk.menu_bar import MenuBar
-from desk.screen_reader import ScreenReader
 
 LEFT_CTRL, Q = 29, 16
 
@@ -115,8 +114,7 @@ class WindowTest(DesktopCase):
         readers = []
 
         def reader(desk):
-            readers.append(ScreenReader(desk))
-            self.addCleanup(readers[0].close)
+            readers.append(self.reader(desk))
             return readers[0].environment()
 
         desk, process, window = self.open(surroundings=reader)
