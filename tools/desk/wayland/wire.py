@@ -22,8 +22,8 @@ FILES = ["/usr/share/wayland/wayland.xml",
          "/usr/share/wayland-protocols/staging/ext-session-lock/ext-session-lock-v1.xml",
          "/usr/share/plasma-wayland-protocols/fake-input.xml",
          os.path.join(ROOT, "platform", "linux", "wayland", "protocols", "wlr-layer-shell-unstable-v1.xml"),
-         os.path.join(FOLDER, "virtual-keyboard-unstable-v1.xml"),
-         os.path.join(FOLDER, "wlr-virtual-pointer-unstable-v1.xml")]
+         *(os.path.join(FOLDER, name + ".xml") for name in ("virtual-keyboard-unstable-v1", "wlr-screencopy-unstable-v1",
+                                                            "wlr-virtual-pointer-unstable-v1"))]
 
 
 class Message:
