@@ -9,6 +9,7 @@
 #include <QGuiApplication>
 #include <QLatin1String>
 #include <QSocketNotifier>
+#include <QThreadPool>
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -316,6 +317,9 @@ int runPainter(QmlSceneRegistry scenes) {
   std::array<std::string, 3> arguments{"paint", "-platform", "offscreen"};
   std::array<char*, 4> pointers{arguments[0].data(), arguments[1].data(), arguments[2].data(), nullptr};
   int count = 3;
+  // The toolkit has the rows of a shape filled by a pool of threads. For shapes as small as ours, handing them over
+  // costs several times what filling them does. (Newer versions have a pool for that which nobody else can reach.)
+  QThreadPool::globalInstance()->setMaxThreadCount(1);
   const QGuiApplication application(count, pointers.data());
   SceneGraph::useSoftware();
   std::setlocale(LC_NUMERIC, "C");

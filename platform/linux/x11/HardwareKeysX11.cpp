@@ -9,6 +9,9 @@ namespace {
 
 constexpr unsigned FIRST_KEY = 8;
 
+/// Five keys are asked for one after the other, twenty times a second: the server is asked once.
+constexpr std::chrono::milliseconds SAME_MOMENT{2};
+
 bool isSet(const std::uint8_t* bits, unsigned keycode) { return (bits[keycode / 8] >> (keycode % 8) & 1) != 0; }
 
 bool isAnyOf(const std::vector<xcb_keycode_t>& keycodes, const std::uint8_t* bits) {
@@ -29,18 +32,11 @@ std::vector<std::uint8_t> keysDown(Asked<&xcb_query_keymap_reply> asked) {
 
 bool HardwareKeysX11::isDown(KeyCode keyCode) const {
   if (!connection_) return false;
-  Connection& c = *connection_;
-  // Both questions in one round trip: this is asked many times a second.
-  const auto keysCookie = xcb_query_keymap(c);
-  xcb_input_xi_query_device_cookie_t mastersCookie{};
-  if (features_.xinput22) mastersCookie = xcb_input_xi_query_device(c, XCB_INPUT_DEVICE_ALL_MASTER);
-  const auto keys = owned(xcb_query_keymap_reply(c, keysCookie, nullptr));
-  if (keys && isAnyOf(numbering_.usual().xKeyCodes(keyCode), keys->keys)) {
-    if (features_.xinput22) xcb_discard_reply(c, mastersCookie.sequence);
-    return true;
-  }
+  if (isAnyOf(numbering_.usual().xKeyCodes(keyCode), usualKeys().data())) return true;
   if (!features_.xinput22) return false;
-  const auto masters = owned(xcb_input_xi_query_device_reply(c, mastersCookie, nullptr));
+  const auto masters = Asked<&xcb_input_xi_query_device_reply>(
+                           *connection_, xcb_input_xi_query_device(*connection_, XCB_INPUT_DEVICE_ALL_MASTER))
+                           .take();
   if (!masters) return false;
   std::vector<std::uint16_t> keyboards;
   for (auto it = xcb_input_xi_query_device_infos_iterator(masters.get()); it.rem > 0;
@@ -51,6 +47,16 @@ bool HardwareKeysX11::isDown(KeyCode keyCode) const {
   return keyboards.size() > 1 && std::any_of(keyboards.begin(), keyboards.end(), [&](std::uint16_t keyboard) {
            return isDownElsewhere(keyCode, keyboard);
          });
+}
+
+const HardwareKeysX11::Bits& HardwareKeysX11::usualKeys() const {
+  const auto now = std::chrono::steady_clock::now();
+  if (askedAt_ && now - *askedAt_ < SAME_MOMENT) return usualKeys_;
+  askedAt_ = now;
+  usualKeys_.fill(0);
+  const auto reply = Asked<&xcb_query_keymap_reply>(*connection_, xcb_query_keymap(*connection_)).take();
+  if (reply) std::copy(std::begin(reply->keys), std::end(reply->keys), usualKeys_.begin());
+  return usualKeys_;
 }
 
 bool HardwareKeysX11::isDownElsewhere(KeyCode keyCode, std::uint16_t keyboard) const {

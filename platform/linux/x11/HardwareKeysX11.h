@@ -1,8 +1,11 @@
 // Which keys are down, by the server's own account: XTEST's keys count, grabs do not matter.
 #pragma once
 
+#include <array>
+#include <chrono>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -26,11 +29,16 @@ class HardwareKeysX11 : public HardwareKeys {
   [[nodiscard]] bool isDown(KeyCode keyCode) const override;
 
  private:
+  using Bits = std::array<std::uint8_t, 32>;  ///< by key code
+
+  [[nodiscard]] const Bits& usualKeys() const;
   [[nodiscard]] bool isDownElsewhere(KeyCode keyCode, std::uint16_t keyboard) const;
 
   std::shared_ptr<Connection> connection_;
   ServerFeatures features_;
   const KeyNumbering& numbering_;
+  mutable std::optional<std::chrono::steady_clock::time_point> askedAt_;
+  mutable Bits usualKeys_{};
 };
 
 }  // namespace dormel::x11
