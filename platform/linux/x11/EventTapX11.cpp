@@ -6,8 +6,8 @@
 
 #include "platform/linux/display/KeyTracker.h"
 #include "platform/linux/x11/HardwareKeysX11.h"
+#include "platform/linux/x11/InputGrab.h"
 #include "platform/linux/x11/KeyNumbering.h"
-#include "platform/linux/x11/KeyboardGrab.h"
 
 namespace dormel::x11 {
 namespace {
@@ -20,7 +20,7 @@ class TapX11 : public std::enable_shared_from_this<TapX11> {
         xinputOpcode_(features.xinputOpcode),
         numbering_(connection_, features),
         callback_(std::move(callback)),
-        grab_(connection_, [this] {
+        grab_(connection_, InputGrab::Device::keyboard, [this] {
           deliver({EventType::tapDisabledByUserInput, 0, 0});
         }) {
     selectRawKeys();
@@ -30,7 +30,7 @@ class TapX11 : public std::enable_shared_from_this<TapX11> {
     wereDown_ = {*connection_, xcb_query_keymap(*connection_)};
   }
 
-  KeyboardGrab& grab() { return grab_; }
+  InputGrab& grab() { return grab_; }
   Connection& connection() { return *connection_; }
 
  private:
@@ -97,7 +97,7 @@ class TapX11 : public std::enable_shared_from_this<TapX11> {
   KeyTracker tracker_;
   Asked<&xcb_query_keymap_reply> wereDown_;
   Subscription subscription_;
-  KeyboardGrab grab_;
+  InputGrab grab_;
 };
 
 class SourceX11 : public RunLoopSource {

@@ -11,7 +11,7 @@ Lockdown::Lockdown(std::shared_ptr<Connection> connection, const ServerFeatures&
     : connection_(std::move(connection)),
       keys_(connection_, features),
       care_(std::move(care)),
-      pointer_(connection_),
+      pointer_(connection_, InputGrab::Device::pointer),
       secondaryDeviceGrabs_(connection_, features),
       features_(features),
       marker_(connection_->newId()),

@@ -7,7 +7,7 @@
 #include <string>
 
 #include "platform/linux/display/CoalescedTimer.h"
-#include "platform/linux/x11/PointerGrab.h"
+#include "platform/linux/x11/InputGrab.h"
 #include "platform/linux/x11/SecondaryDeviceGrabs.h"
 #include "platform/linux/x11/ServerHotkeys.h"
 #include "platform/linux/x11/TypingCare.h"
@@ -40,7 +40,7 @@ class Lockdown {
   ServerHotkeys keys_;
   std::shared_ptr<TypingCare> care_;
   TypingCare::Hold careHold_;
-  PointerGrab pointer_;
+  InputGrab pointer_;
   SecondaryDeviceGrabs secondaryDeviceGrabs_;
   ServerFeatures features_;
   xcb_window_t marker_;

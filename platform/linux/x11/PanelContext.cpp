@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "platform/linux/x11/HardwareKeysX11.h"
+#include "platform/linux/x11/InputGrab.h"
 #include "platform/linux/x11/Panel.h"
-#include "platform/linux/x11/PointerGrab.h"
 #include "platform/linux/x11/Xkb.h"
 
 namespace dormel::x11 {

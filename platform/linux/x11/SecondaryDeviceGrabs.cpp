@@ -3,7 +3,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/linux/x11/PointerGrab.h"
+#include "platform/linux/x11/InputGrab.h"
 
 namespace dormel::x11 {
 namespace {
