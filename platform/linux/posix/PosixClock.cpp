@@ -20,6 +20,18 @@ Moment split(Date date) {
   return {static_cast<time_t>(whole.time_since_epoch().count()), date - whole};
 }
 
+std::optional<std::string> readHourPattern() {
+  using Locale = std::unique_ptr<std::remove_pointer_t<locale_t>, decltype(&freelocale)>;
+  const Locale locale(newlocale(LC_TIME_MASK, "", nullptr), &freelocale);
+  if (!locale) return {};  // LC_TIME names a locale that is not installed
+  const std::string format = nl_langinfo_l(T_FMT, locale.get());
+  if (format.empty()) return {};
+  for (const char* twelveHour : {"%r", "%I", "%l", "%p"}) {
+    if (format.find(twelveHour) != std::string::npos) return "h a";
+  }
+  return "HH";
+}
+
 }  // namespace
 
 Date PosixClock::now() const { return std::chrono::floor<std::chrono::microseconds>(std::chrono::system_clock::now()); }
@@ -57,15 +69,9 @@ std::optional<Date> PosixCalendar::addingDays(Date date, int days) const {
 }
 
 std::optional<std::string> PosixCalendar::hourPattern() const {
-  using Locale = std::unique_ptr<std::remove_pointer_t<locale_t>, decltype(&freelocale)>;
-  const Locale locale(newlocale(LC_TIME_MASK, "", nullptr), &freelocale);
-  if (!locale) return {};  // LC_TIME names a locale that is not installed
-  const std::string format = nl_langinfo_l(T_FMT, locale.get());
-  if (format.empty()) return {};
-  for (const char* twelveHour : {"%r", "%I", "%l", "%p"}) {
-    if (format.find(twelveHour) != std::string::npos) return "h a";
-  }
-  return "HH";
+  // Every screen's clock asks each second, and a locale is a file. Nobody changes this process's environment.
+  static const std::optional<std::string> PATTERN = readHourPattern();
+  return PATTERN;
 }
 
 }  // namespace dormel::posix
