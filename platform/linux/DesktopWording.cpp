@@ -25,6 +25,11 @@ std::string wayOut(const DesktopFacts& facts) {
   return translatable("There is no display that could be locked.");
 }
 
+std::string extensionButton(const DesktopFacts& facts) {
+  if (!facts.leadsToExtension) return {};
+  return facts.isAllOrNothing ? translate("Switch All Extensions On") : translate("Switch the Extension On");
+}
+
 }  // namespace
 
 std::string DesktopWording::computer() const { return translate("computer"); }
@@ -38,19 +43,18 @@ PermissionWords DesktopWording::permission() const {
   words.name = translate("Screen lock");
   words.need = translate("It needs a desktop that lets it hold the lock.");
   words.granted = translate("This desktop lets Dormel lock the screen.");
+  if (facts.display == DisplayKind::extension && !facts.extensionAdvice.empty()) words.granted += " " + translate(way);
   words.missing = translate("This desktop doesn't let Dormel lock the screen.");
   words.advice = translate(way);
   words.remedy = "To fix: " + way;
-  if (facts.leadsToExtension) {
-    words.settingsButton = translate("Switch the Extension On");
-    words.grantButton = translate("Switch On");
-  }
+  words.settingsButton = extensionButton(facts);
+  if (facts.leadsToExtension) words.grantButton = translate("Switch On");
   return words;
 }
 
 PermissionCardWords DesktopWording::permissionCard() const {
   PermissionCardWords words;
-  if (facts_().leadsToExtension) words.button = translate("Switch the Extension On");
+  words.button = extensionButton(facts_());
   words.title = translate("Dormel can't lock this screen");
   words.text = translate("It is time to sleep, but this desktop doesn't let Dormel lock the screen.") + " " +
                translate(wayOut(facts_()));

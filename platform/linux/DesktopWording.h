@@ -17,10 +17,13 @@ struct DesktopFacts {
   std::string autostartPage;
   /// The job's own entry there.
   std::string autostartFile;
-  /// What GNOME Shell's extension still needs, in English (translatable()); empty where it is of no use.
+  /// What GNOME Shell's extension still needs, or what is to be known of it, in English (translatable()); empty where
+  /// it is of no use.
   std::string extensionAdvice{};
   /// Workspace::open of the permission's page goes some of that way.
   bool leadsToExtension = false;
+  /// And switches on all other extensions with it.
+  bool isAllOrNothing = false;
 };
 
 class DesktopWording : public Wording {

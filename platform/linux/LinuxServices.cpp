@@ -141,7 +141,9 @@ struct LinuxServices::Parts {
     using State = gnome::ExtensionState;
     const State state = gnome::isSession() ? extension.state() : State::elsewhere;
     knownFacts.extensionAdvice = gnome::advice(state);
-    knownFacts.leadsToExtension = state == State::absent || state == State::off || state == State::allOff;
+    knownFacts.leadsToExtension =
+        state == State::absent || state == State::off || state == State::allOff || state == State::allOffBare;
+    knownFacts.isAllOrNothing = state == State::allOffBare;
     return knownFacts;
   }
 

@@ -114,6 +114,19 @@ class ShellTest(unittest.TestCase):
                        "'org.gnome.desktop.a11y.applications'}).reset('screen-magnifier-enabled'); 0")
         self.assert_locked(within=3)
 
+    def test_a_shadow_takes_no_clicks(self):
+        self.program.hold(cover=False, keys=False, absence=0)
+        self.program.say("panel", id=1, at=[100, 100, 200, 100], black=False, level=1, alpha=1, fade=0, curve=0,
+                         pointer=True, reach=[24, 24, 152, 52])
+
+        def is_ours(x, y):
+            return self.shell.run("global.stage.get_last_child().contains(global.stage.get_actor_at_pos("
+                                  f"imports.gi.Clutter.PickMode.REACTIVE, {x}, {y}))") == "true"
+
+        until("the panel can be touched", lambda: is_ours(200, 150), 3)
+        self.assertEqual([is_ours(*at) for at in ((125, 125), (275, 175), (122, 150), (200, 178))],
+                         [True, True, False, False])
+
     def test_new_monitor(self):
         self.program.lock()
         for _ in range(3):

@@ -15,8 +15,8 @@ int main(int count, char** arguments) {
   if (what == "lead") isDone = extension.lead();
   if (what == "refresh") extension.refreshCopy();
   if (what == "remove") extension.remove();
-  constexpr const char* NAMES[] = {"elsewhere", "tooOld", "allOff", "absent", "afterLogin",
-                                   "off",       "failed", "on",     "onOlder"};
+  constexpr const char* NAMES[] = {"elsewhere",  "tooOld", "allOff", "allOffBare", "absent",
+                                   "afterLogin", "off",    "failed", "on",         "onOlder"};
   const auto state = extension.state();
   std::printf("%s\n%s\n", NAMES[static_cast<int>(state)], dormel::gnome::advice(state).c_str());
   return isDone ? 0 : 1;

@@ -52,6 +52,11 @@ TEST(DesktopWording, LeadsToTheRightSwitchAndNamesNoOtherDesktop) {
        "Log out once.",
        "Delete the file /f",
        ""},
+      {"all of GNOME's extensions",
+       {DisplayKind::x11, true, true, "", "/f", "All are off.", true, true},
+       "All are off.",
+       "Delete the file /f",
+       ""},
       {"nothing", {DisplayKind::none, false, false, "", "/f"}, "no display", "Delete the file /f", ""},
   };
   for (const auto& row : rows) {
@@ -69,7 +74,8 @@ TEST(DesktopWording, LeadsToTheRightSwitchAndNamesNoOtherDesktop) {
     }
     EXPECT_EQ(card.switchHint, "");
     EXPECT_EQ(!card.button.empty(), row.facts.leadsToExtension);
-    EXPECT_EQ(!permission.settingsButton.empty(), row.facts.leadsToExtension);
+    EXPECT_EQ(card.button.find("All") != std::string::npos, row.facts.isAllOrNothing) << "what it does is said on it";
+    EXPECT_EQ(permission.settingsButton, card.button);
     EXPECT_EQ(!permission.grantButton.empty(), row.facts.leadsToExtension);
     const RecoveryWords off = wording.recovery(true);
     EXPECT_NE(off.text.find(row.back), std::string::npos) << off.text;
@@ -77,6 +83,14 @@ TEST(DesktopWording, LeadsToTheRightSwitchAndNamesNoOtherDesktop) {
     EXPECT_EQ(wording.recovery(false).button, "");
     EXPECT_EQ(wording.recovery(false).text.find("switched off"), std::string::npos);
   }
+}
+
+TEST(DesktopWording, TellsOfAnExtensionThatWaitsForTheNextLogin) {
+  DesktopFacts facts{DisplayKind::extension, true, true, "", "/f"};
+  const DesktopWording wording([&] { return facts; });
+  const std::string granted = wording.permission().granted;
+  facts.extensionAdvice = "A newer one waits.";
+  EXPECT_EQ(wording.permission().granted, granted + " A newer one waits.");
 }
 
 }  // namespace

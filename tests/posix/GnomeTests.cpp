@@ -291,11 +291,14 @@ TEST(GnomeExtension, StateOf) {
     ExtensionFacts facts;
     ExtensionState state;
   } cases[] = {
-      {{0, true, 1, 7, 7}, elsewhere}, {{43, true, {}, 0, 7}, tooOld}, {{44, false, {}, 0, 0}, tooOld},
-      {{45, false, 2, 7, 7}, allOff},  {{48, true, {}, 0, 0}, absent}, {{48, true, {}, 0, 7}, afterLogin},
-      {{48, true, 2, 7, 7}, off},      {{48, true, 6, 7, 7}, off},     {{48, true, 3, 7, 7}, failed},
-      {{50, true, 4, 7, 7}, failed},   {{48, true, 1, 7, 7}, on},      {{48, true, 8, 7, 0}, on},
-      {{48, true, 1, 7, 8}, onOlder},
+      {{0, true, true, 1, 7, 7}, elsewhere},     {{43, true, true, {}, 0, 7}, tooOld},
+      {{44, false, true, {}, 0, 0}, tooOld},     {{45, false, true, 2, 7, 7}, allOff},
+      {{45, false, false, 2, 7, 7}, allOffBare}, {{48, true, false, 2, 7, 7}, off},
+      {{48, true, true, {}, 0, 0}, absent},      {{48, true, true, {}, 0, 7}, afterLogin},
+      {{48, true, true, 2, 7, 7}, off},          {{48, true, true, 6, 7, 7}, off},
+      {{48, true, true, 3, 7, 7}, failed},       {{50, true, true, 4, 7, 7}, failed},
+      {{48, true, true, 1, 7, 7}, on},           {{48, true, true, 8, 7, 0}, on},
+      {{48, true, true, 1, 7, 8}, onOlder},
   };
   for (const auto& [facts, state] : cases) {
     EXPECT_EQ(stateOf(facts), state) << facts.shellVersion << " " << facts.state.value_or(-1);

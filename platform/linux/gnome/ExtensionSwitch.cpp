@@ -40,6 +40,7 @@ constexpr int ACTIVATING = 8;
 constexpr const char* SHELL = "org.gnome.Shell";
 constexpr const char* SHELL_OBJECT = "/org/gnome/Shell";
 constexpr const char* EXTENSIONS = "org.gnome.Shell.Extensions";
+constexpr const char* PROGRAM = "gnome-extensions-app";
 
 const std::string& uuid() {
   static const std::string text = std::string("dormel@") + BUNDLE_IDENTIFIER;
@@ -139,7 +140,7 @@ std::string outputOf(const char* command) {
 ExtensionState stateOf(const ExtensionFacts& facts) {
   if (facts.shellVersion == 0) return ExtensionState::elsewhere;
   if (facts.shellVersion < FIRST_VERSION) return ExtensionState::tooOld;
-  if (!facts.areAllowed) return ExtensionState::allOff;
+  if (!facts.areAllowed) return facts.hasProgram ? ExtensionState::allOff : ExtensionState::allOffBare;
   if (!facts.state) return facts.waitingVersion > 0 ? ExtensionState::afterLogin : ExtensionState::absent;
   const int state = *facts.state;
   if (state == FAILED || state == OUT_OF_DATE) return ExtensionState::failed;
@@ -172,6 +173,7 @@ ExtensionFacts ExtensionSwitch::facts() const {
   int isAllowed = 1;
   const Reply allowed = property(bus.get(), EXTENSIONS, "UserExtensionsEnabled");
   if (allowed && sd_bus_message_read(allowed.get(), "v", "b", &isAllowed) >= 0) facts.areAllowed = isAllowed != 0;
+  facts.hasProgram = freedesktop::findProgram(PROGRAM).has_value();
   const Reply info = ask(bus.get(), EXTENSIONS, "GetExtensionInfo", "s", uuid().c_str());
   readNumbers(info.get(), [&](std::string_view name, double value) {
     if (name == "state") facts.state = static_cast<int>(value);
@@ -210,8 +212,12 @@ bool ExtensionSwitch::copy() const {
 
 bool ExtensionSwitch::list() {
   const auto list = listedIn(outputOf("gsettings get org.gnome.shell enabled-extensions"), uuid());
+  return list && set("enabled-extensions", *list);
+}
+
+bool ExtensionSwitch::set(const char* key, const std::string& value) {
   const auto tool = freedesktop::findProgram("gsettings");
-  return list && tool && children_.run(*tool, {"set", "org.gnome.shell", "enabled-extensions", *list}) == 0;
+  return tool && children_.run(*tool, {"set", "org.gnome.shell", key, value}) == 0;
 }
 
 bool ExtensionSwitch::lead() {
@@ -224,9 +230,11 @@ bool ExtensionSwitch::lead() {
     case ExtensionState::onOlder:
       return true;
     case ExtensionState::allOff: {
-      const auto program = freedesktop::findProgram("gnome-extensions-app");
+      const auto program = freedesktop::findProgram(PROGRAM);
       return program && children_.start(*program, {});
     }
+    case ExtensionState::allOffBare:
+      return set("disable-user-extensions", "false") && (facts().waitingVersion > 0 || copy()) && list();
     case ExtensionState::absent:
       return copy() && list();
     case ExtensionState::afterLogin:
@@ -273,6 +281,9 @@ std::string advice(ExtensionState state) {
       return translatable(
           "GNOME's extensions are all switched off, and Dormel's with them. Open the program Extensions, and switch "
           "them on at the top.");
+    case ExtensionState::allOffBare:
+      return translatable(
+          "GNOME's extensions are all switched off, and Dormel's with them. Dormel can switch them all on again.");
     case ExtensionState::failed:
       return translatable(
           "GNOME cannot run Dormel's extension. A newer Dormel may be made for this version of GNOME; until then, "

@@ -15,6 +15,7 @@ enum class ExtensionState {
   elsewhere,   ///< this is no Wayland session of GNOME Shell
   tooOld,      ///< a shell before 45, which reads no such extension
   allOff,      ///< the user, or the shell after a crash, has switched off all extensions
+  allOffBare,  ///< so, and GNOME's own program for extensions is not installed
   absent,      ///< it lies nowhere where the shell looks
   afterLogin,  ///< it lies there; the shell looks only at a login
   off,         ///< the shell knows it, and its switch is off
@@ -27,6 +28,7 @@ enum class ExtensionState {
 struct ExtensionFacts {
   int shellVersion = 0;      ///< the first number of it; 0 where no shell answers
   bool areAllowed = true;    ///< extensions altogether
+  bool hasProgram = true;    ///< GNOME's own for extensions
   std::optional<int> state;  ///< as the shell numbers it; nothing where it does not know ours
   int loadedVersion = 0;     ///< of the one that the shell has loaded
   int waitingVersion = 0;    ///< of the one that the next login finds; 0 for none
@@ -43,9 +45,9 @@ class ExtensionSwitch {
   ExtensionSwitch(ChildProcesses& children, std::string resources);
 
   [[nodiscard]] ExtensionState state() const;
-  /// Goes as far as can be gone now, the user having agreed: puts the extension where the shell looks, unless the
-  /// system has it there, and flips its switch; where all extensions are off, which is the user's to change, GNOME's
-  /// own program for them is opened. False where nothing could be done.
+  /// Goes as far as can be gone now, the user having agreed to `advice`: puts the extension where the shell looks,
+  /// unless the system has it there, and flips its switch; where all extensions are off, GNOME's own program for them
+  /// is opened, or, where there is none, they are all switched on. False where nothing could be done.
   [[nodiscard]] bool lead();
   /// A copy that we made and that is of another version than this program is replaced.
   void refreshCopy() const;
@@ -56,6 +58,7 @@ class ExtensionSwitch {
   [[nodiscard]] ExtensionFacts facts() const;
   [[nodiscard]] bool copy() const;
   [[nodiscard]] bool list();
+  [[nodiscard]] bool set(const char* key, const std::string& value);
 
   ChildProcesses& children_;
   const std::string resources_;

@@ -30,6 +30,11 @@ Panel::~Panel() { orderOut(); }
 
 Rect Panel::area() const { return outset(frame_, shadowMargin(style_)); }
 
+Rect Panel::reach() const {
+  const double margin = shadowMargin(style_);
+  return {margin, margin, frame_.width, frame_.height};
+}
+
 void Panel::say(Seconds duration, TimingCurve curve) {
   stage_->say("panel", {{"id", number_},
                         {"at", placeOf(stage_->toShell(area()))},
@@ -38,7 +43,8 @@ void Panel::say(Seconds duration, TimingCurve curve) {
                         {"alpha", alpha_},
                         {"fade", std::round(duration * 1000)},
                         {"curve", static_cast<int>(curve)},
-                        {"pointer", !style_.ignoresMouseEvents}});
+                        {"pointer", !style_.ignoresMouseEvents},
+                        {"reach", placeOf(reach())}});
 }
 
 void Panel::sayAll() {

@@ -55,6 +55,8 @@ class Panel final : public Window, public std::enable_shared_from_this<Panel> {
 
   /// Its frame and the room for its shadow.
   [[nodiscard]] Rect area() const;
+  /// Its frame within that: the shadow takes no clicks.
+  [[nodiscard]] Rect reach() const;
   void say(Seconds duration, TimingCurve curve);
   void layOut();
   void showContent();

@@ -100,13 +100,16 @@ export class Cover {
             actor = new St.Widget({opacity: 0, clip_to_allocation: true});
             this.panels.set(panel.id, actor);
             this._panels.add_child(actor);
-            this._hear(actor, panel.id, onPointer);
+            actor.dormelReach = this._reach(actor, panel.id, onPointer);
         }
         const {x, y, width, height} = panel.at;
         actor.set_position(x, y);
         actor.set_size(width, height);
         actor.style = panel.black ? BLACK : null;
-        actor.reactive = panel.pointer;
+        const reach = panel.reach ?? {x: 0, y: 0, width, height};
+        actor.dormelReach.set_position(reach.x, reach.y);
+        actor.dormelReach.set_size(reach.width, reach.height);
+        actor.dormelReach.reactive = panel.pointer;
         actor.dormelLevel = panel.level;
         actor.remove_all_transitions();
         const opacity = Math.round(255 * panel.alpha);
@@ -138,9 +141,12 @@ export class Cover {
         transition.set_to(opacity);
     }
 
-    _hear(actor, id, onPointer) {
+    // What the mouse can touch of a panel.
+    _reach(panel, id, onPointer) {
+        const actor = new Clutter.Actor();
+        panel.add_child(actor);
         const tell = action => (_, event) => {
-            const [, x, y] = actor.transform_stage_point(...event.get_coords());
+            const [, x, y] = panel.transform_stage_point(...event.get_coords());
             const isButton = action === 'press' || action === 'release';
             if (!isButton || event.get_button() === Clutter.BUTTON_PRIMARY)
                 onPointer({panel: id, action, x, y});
@@ -150,6 +156,7 @@ export class Cover {
         actor.connect('button-release-event', tell('release'));
         actor.connect('motion-event', tell('move'));
         actor.connect('leave-event', tell('leave'));
+        return actor;
     }
 
     drop(id) {

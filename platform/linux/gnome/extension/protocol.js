@@ -99,6 +99,7 @@ const CHECKS = {
         fade: number(raw.fade, 'the time of a fade', 0, 60000),
         curve: whole(raw.curve, 'the curve of a fade', 0, 3),
         pointer: flag(raw.pointer, 'pointer'),
+        reach: raw.reach === undefined ? null : rectangle(raw.reach, 'the reach of a panel'),
     }),
 
     drop: raw => ({id: whole(raw.id, 'the panel', 1, 1e9)}),
