@@ -67,16 +67,12 @@ class SimCompositor::Client : public LockPlace {
 
 SimCompositor::SimCompositor(SimTimeline& timeline, SimJournal& journal, SimWindowServer& windows,
                              SimKeyboard& keyboard, const Clock& clock)
-    : timeline_(timeline), journal_(journal), windows_(windows), keyboard_(keyboard), clock_(clock) {
-  windows_.setOnPanelsChanged([this] { panelsChanged(); });
-  keyboard_.setOnWanted([this](bool isWanted) {
-    if (client_) client_->focus.want(isWanted);
-  });
-}
+    : timeline_(timeline), journal_(journal), windows_(windows), keyboard_(keyboard), clock_(clock) {}
 
-SimCompositor::~SimCompositor() {
-  windows_.setOnPanelsChanged({});
-  keyboard_.setOnWanted({});
+SimCompositor::~SimCompositor() = default;
+
+void SimCompositor::setKeysWanted(bool wanted) {
+  if (client_) client_->focus.want(wanted);
 }
 
 bool SimCompositor::isAbandoned() const {
@@ -85,7 +81,7 @@ bool SimCompositor::isAbandoned() const {
 
 void SimCompositor::processStarts() {
   ++launches_;
-  if (desktop_ == Desktop::x11) return;
+  if (!isInForce()) return;
   client_ = std::make_unique<Client>(*this, launches_);
   if (mark_ && mark_->compositor != compositorMark()) mark_.reset();
   if (isAbandoned()) client_->keeper.stages().setAbandoned();
@@ -101,7 +97,7 @@ void SimCompositor::processExits() {
 }
 
 void SimCompositor::processEnded() {
-  if (desktop_ == Desktop::x11) return;
+  if (!isInForce()) return;
   client_.reset();
   diedAt_ = timeline_.uptime();
   timeline_.addWorld(UNNOTICED, [this, process = launches_] { isOwnerGone_ = isOwnerGone_ || owner_ == process; });
@@ -185,7 +181,7 @@ void SimCompositor::look(int process) {
 }
 
 void SimCompositor::stealFocus() {
-  if (desktop_ == Desktop::x11 || !keyboard_.isTaken()) return;
+  if (!isInForce() || !keyboard_.isTaken()) return;
   isFocusStolen_ = true;
   focusChanged();
 }

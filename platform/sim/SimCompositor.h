@@ -2,7 +2,7 @@
 // others may take, and what there is beside the process to see to the lock: its mark, and the processes that watch.
 //
 // Deciding is left to the code of the real family (platform/common/lock/); here are the parties that it deals with. On
-// the machine of an X server none of this does anything.
+// the machine of an X server, or of GNOME (SimShell), none of this does anything.
 #pragma once
 
 #include <cstdint>
@@ -21,7 +21,7 @@ namespace dormel {
 
 class SimCompositor {
  public:
-  enum class Desktop { x11, sessionLock, overlay };
+  enum class Desktop { x11, sessionLock, overlay, shell };
 
   SimCompositor(SimTimeline& timeline, SimJournal& journal, SimWindowServer& windows, SimKeyboard& keyboard,
                 const Clock& clock);
@@ -39,6 +39,8 @@ class SimCompositor {
   void processExits();
   void processEnded();
   void setLockdown(bool on);
+  void setKeysWanted(bool wanted);
+  void panelsChanged();
 
   // The world.
   /// Somebody else gets the keyboard, and gives it back when asked.
@@ -68,6 +70,7 @@ class SimCompositor {
     std::optional<LockWatch> watch;  ///< from the owner's death on
   };
 
+  [[nodiscard]] bool isInForce() const { return desktop_ == Desktop::sessionLock || desktop_ == Desktop::overlay; }
   [[nodiscard]] bool isRunning(int process) const { return timeline_.processRuns() && process == launches_; }
   [[nodiscard]] ProcessMark compositorMark() const { return {100, static_cast<unsigned long long>(generation_)}; }
   [[nodiscard]] bool isAbandoned() const;
@@ -78,7 +81,6 @@ class SimCompositor {
   [[nodiscard]] bool isFocusHeld() const { return !isFocusStolen_ && !isFocusKept_ && !isLockedByAnother(); }
   void focusChanged();
   void giveFocusBack();
-  void panelsChanged();
 
   SimTimeline& timeline_;
   SimJournal& journal_;

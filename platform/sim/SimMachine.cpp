@@ -1,5 +1,6 @@
 #include "platform/sim/SimMachine.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 
@@ -49,13 +50,28 @@ SimMachine::SimMachine(const Options& options)
             launch(arguments, logPath);
           }),
       compositor(timeline, journal, windows, keyboard, clock),
+      shell(timeline, journal, windows, keyboard, accessibility, process, output),
       services_(services()) {
   childProcesses.install("/bin/launchctl",
                          [this](const std::vector<std::string>& arguments) { return scheduler.run(arguments); });
   childProcesses.install("/usr/bin/xattr", [](const std::vector<std::string>&) { return 0; });
   screens.setOnChange([this] { windows.screensChanged(); });
-  application.setOnOptions([this](bool isLockdown) { compositor.setLockdown(isLockdown); });
-  process.setLastWill([this] { compositor.processExits(); });
+  windows.setOnPanelsChanged([this] {
+    compositor.panelsChanged();
+    shell.panelsChanged();
+  });
+  keyboard.setOnWanted([this](bool isWanted) {
+    compositor.setKeysWanted(isWanted);
+    shell.setKeysWanted(isWanted);
+  });
+  application.setOnOptions([this](bool isLockdown) {
+    compositor.setLockdown(isLockdown);
+    shell.setLockdown(isLockdown);
+  });
+  process.setLastWill([this](bool comesBack) {
+    compositor.processExits();
+    shell.processExits(comesBack);
+  });
   timeline.setProcessHooks([this](bool leaving) { journal.setMuted(leaving); },
                            [this](int status) { processEnded(status); });
   if (!options.processRuns) timeline.clear();
@@ -70,6 +86,8 @@ SimMachine::~SimMachine() {
   journal.setMuted(true);
   launched_.reset();
   alerts.processEnded();
+  windows.setOnPanelsChanged({});
+  keyboard.setOnWanted({});
   timeline.clear();
 }
 
@@ -109,6 +127,7 @@ void SimMachine::launch(const std::vector<std::string>& arguments, const std::st
   timeline.startProcess();
   scope_.emplace(services_);  // a new process shares nothing with the last one
   compositor.processStarts();
+  shell.processStarts(std::find(arguments.begin(), arguments.end(), "--scheduled") != arguments.end());
   timeline.perform([&] { launched_ = program_(arguments); });
 }
 
@@ -128,6 +147,7 @@ void SimMachine::processEnded(int status) {
   journal.note("exit ", status);
   endings_.push_back({status, timeline.now()});
   compositor.processEnded();
+  shell.processEnded();
   windows.processEnded();
   keyboard.processEnded();
   journal.setMuted(true);

@@ -32,6 +32,7 @@
 #include "platform/sim/SimRandom.h"
 #include "platform/sim/SimScheduler.h"
 #include "platform/sim/SimScreens.h"
+#include "platform/sim/SimShell.h"
 #include "platform/sim/SimSpeech.h"
 #include "platform/sim/SimTexts.h"
 #include "platform/sim/SimTime.h"
@@ -132,6 +133,7 @@ class SimMachine {
   SimSpeech speech;
   SimScheduler scheduler;
   SimCompositor compositor;
+  SimShell shell;
 
  private:
   void processEnded(int status);

@@ -33,6 +33,11 @@ void SimProcess::reopen() {
 void SimProcess::endWithin(std::optional<Seconds> uptime) {
   timeline_.cancelWorld(lastResort_);
   lastResort_ = uptime ? timeline_.addWorld(*uptime, [this] { kill(); }) : 0;
+  lastResortAt_ = timeline_.uptime() + uptime.value_or(0);
+}
+
+std::optional<Seconds> SimProcess::timeLeft() const {
+  return lastResort_ == 0 ? std::nullopt : std::optional(lastResortAt_ - timeline_.uptime());
 }
 
 void SimProcess::processEnded() {

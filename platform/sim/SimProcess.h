@@ -19,7 +19,7 @@ class SimProcess : public Process {
   /// Unwinds to the machine, which lets the serial queues run dry and then runs nothing of this process any more.
   using Process::exit;
   [[noreturn]] void exit(const ExitStatus& status) override {
-    if (restoreAtExit_) restoreAtExit_();
+    if (restoreAtExit_) restoreAtExit_(status() != 0);
     timeline_.exit(status);
   }
   void endWithin(std::optional<Seconds> uptime) override;
@@ -34,8 +34,10 @@ class SimProcess : public Process {
   void terminate();
   /// The signal that no process survives.
   void kill();
-  /// What the process still does when it ends by itself.
-  void setLastWill(Task restoreAtExit) { restoreAtExit_ = std::move(restoreAtExit); }
+  /// What the process still does when it ends by itself, told whether it is to be started again.
+  void setLastWill(std::function<void(bool comesBack)> restoreAtExit) { restoreAtExit_ = std::move(restoreAtExit); }
+  /// Until the kernel kills it.
+  [[nodiscard]] std::optional<Seconds> timeLeft() const;
   /// Another process has the instance lock of scheduled runs.
   void setSessionTaken(bool taken) { sessionTaken_ = taken; }
   /// Another process has the instance lock of the opened program.
@@ -48,7 +50,8 @@ class SimProcess : public Process {
   SimTimeline& timeline_;
   SimJournal& journal_;
   std::uint64_t lastResort_ = 0;
-  Task restoreAtExit_;
+  Seconds lastResortAt_ = 0;
+  std::function<void(bool)> restoreAtExit_;
   Task terminationHandler_;
   Task onReopen_;
   bool sessionTaken_ = false;

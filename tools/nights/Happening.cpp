@@ -118,12 +118,20 @@ const std::vector<Row> ROWS{
     {Kind::gone, "gone", "killed, and the program is deleted for so long", 0, 0, {{SPELL, {}, {}}}},
     {Kind::both, "both", "killed together with what watches over the lock", 0, 0, {}},
     {Kind::runtime, "runtime", "the runtime folder takes nothing for so long", 0, 0, {{SPELL, {}, {}}}},
+    {Kind::extension, "extension", "the shell's extension is off for so long", 0, 0, {{SPELL, {}, {}}}},
+    {Kind::socket, "socket", "its socket takes nobody new for so long", 0, 0, {{SPELL, {}, {}}}},
+    {Kind::lockScreen, "lockscreen", "the desktop's own lock screen is up for so long", 0, 0, {{SPELL, {}, {}}}},
     {Kind::test, "test", "the user starts a test run", 0, 25, {}},
     {Kind::demo, "demo", "the demo starts", 0, 15, {}},
 };
 
 const Row& rowOf(Kind kind) {
   return *std::find_if(ROWS.begin(), ROWS.end(), [&](const Row& row) { return row.kind == kind; });
+}
+
+Happening drawnOf(const std::array<Kind, 9>& kinds, Dice& dice, std::int64_t at) {
+  const Kind kind = kinds.at(static_cast<std::size_t>(dice.between(0, static_cast<std::int64_t>(kinds.size()) - 1)));
+  return {at, kind, {rowOf(kind).ranges[0].drawn(dice)}};
 }
 
 /// People hold on until something happens, or give up at any moment.
@@ -163,8 +171,14 @@ const char* meaning(Kind kind) { return rowOf(kind).meaning; }
 Happening drawnWaylandHappening(Dice& dice, std::int64_t at) {
   constexpr std::array<Kind, 9> KINDS{Kind::steal, Kind::steal, Kind::otherLock, Kind::compositor, Kind::gone,
                                       Kind::gone,  Kind::both,  Kind::kill,      Kind::runtime};
-  const Kind kind = KINDS.at(static_cast<std::size_t>(dice.between(0, static_cast<std::int64_t>(KINDS.size()) - 1)));
-  return {at, kind, {rowOf(kind).ranges[0].drawn(dice)}};
+  return drawnOf(KINDS, dice, at);
+}
+
+Happening drawnGnomeHappening(Dice& dice, std::int64_t at) {
+  constexpr std::array<Kind, 9> KINDS{Kind::extension,  Kind::extension,  Kind::extension,
+                                      Kind::socket,     Kind::lockScreen, Kind::steal,
+                                      Kind::compositor, Kind::kill,       Kind::gone};
+  return drawnOf(KINDS, dice, at);
 }
 
 Happening drawnHappening(Dice& dice, std::int64_t at, bool opened) {

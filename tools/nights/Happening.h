@@ -59,6 +59,10 @@ enum class Kind {
   gone,
   both,
   runtime,
+  // GNOME's.
+  extension,
+  socket,
+  lockScreen,
   // A program that the user opened.
   test,
   demo,
@@ -82,7 +86,8 @@ struct Happening {
 /// A happening of any kind that fits a scheduled run (or, with `opened`, a program that the user opened) at `at`.
 [[nodiscard]] Happening drawnHappening(Dice& dice, std::int64_t at, bool opened);
 
-/// One that only a Wayland desktop knows.
+/// One that only a Wayland desktop knows, or only GNOME's.
 [[nodiscard]] Happening drawnWaylandHappening(Dice& dice, std::int64_t at);
+[[nodiscard]] Happening drawnGnomeHappening(Dice& dice, std::int64_t at);
 
 }  // namespace dormel::nights

@@ -94,6 +94,7 @@ class Player {
     machine_.files.put("/Applications/Dormel.app/Contents/Linux/Dormel", "program", 0755);
     machine_.bundle.setPath("/Applications/Dormel.app");
     machine_.compositor.setDesktop(night_.desktop);
+    if (isGnome()) machine_.shell.setInForce();
     machine_.accessibility.setTrusted(night_.trusted || isWayland());
     machine_.keyboard.setSidesReported(night_.sidesReported);
     if (night_.screens == 0) machine_.screens.pull("DP-1");
@@ -232,6 +233,7 @@ class Player {
     }
   }
 
+  [[nodiscard]] bool isGnome() const { return night_.desktop == SimCompositor::Desktop::shell; }
   [[nodiscard]] bool isWayland() const { return night_.desktop != SimCompositor::Desktop::x11; }
 
   /// On Wayland the permission is there for as long as the compositor is.
@@ -301,8 +303,28 @@ class Player {
     constexpr int CONNECTION_LOST = 70;
     watch_->deathExpected();
     watch_->compositorEnds();
-    machine_.compositor.restart();
+    if (!isGnome()) machine_.compositor.restart();
     machine_.timeline.killProcess(CONNECTION_LOST);
+    machine_.shell.restart();
+  }
+
+  void keepKeysElsewhere(bool elsewhere) {
+    if (isGnome()) return machine_.shell.setKeysElsewhere(elsewhere);
+    machine_.compositor.keepFocus(elsewhere);
+  }
+
+  /// Without the keyboard for so long, which is whose fault it is not.
+  void forAWhileDenied(int& running, std::int64_t milliseconds, std::function<void(bool)> happens) {
+    forAWhile(
+        running, milliseconds,
+        [&] {
+          if (running == 1) denyKeyboard(1);
+          happens(true);
+        },
+        [this, happens] {
+          denyKeyboard(-1);
+          happens(false);
+        });
   }
 
   void painterFails(const Happening& h) {
@@ -406,32 +428,27 @@ class Player {
         if (h.n[1] != 0) machine_.after(seconds(h.n[1]), [this, to = h.n[0] == 0] { permit(to); });
         break;
       case Kind::deny:
-        forAWhile(
-            denials_, h.n[0],
-            [this] {
-              if (denials_ == 1) denyKeyboard(1);
-              machine_.compositor.keepFocus(true);
-            },
-            [this] {
-              denyKeyboard(-1);
-              machine_.compositor.keepFocus(false);
-            });
+        forAWhileDenied(denials_, h.n[0], [this](bool on) { keepKeysElsewhere(on); });
         break;
       case Kind::steal:
         watch_->tapDisabled();
         machine_.compositor.stealFocus();
+        machine_.shell.stealKeys();
         break;
       case Kind::otherLock:
-        forAWhile(
-            otherLocks_, h.n[0],
-            [this] {
-              if (otherLocks_ == 1) denyKeyboard(1);
-              machine_.compositor.lockForAnother(true);
-            },
-            [this] {
-              denyKeyboard(-1);
-              machine_.compositor.lockForAnother(false);
-            });
+        forAWhileDenied(otherLocks_, h.n[0], [this](bool on) { machine_.compositor.lockForAnother(on); });
+        break;
+      case Kind::extension:
+        forAWhileDenied(extensionless_, h.n[0], [this](bool isOff) {
+          if (isOff) watch_->compositorEnds();
+          machine_.shell.setEnabled(!isOff);
+        });
+        break;
+      case Kind::socket:
+        forAWhileDenied(socketless_, h.n[0], [this](bool isShut) { machine_.shell.setListening(!isShut); });
+        break;
+      case Kind::lockScreen:
+        forAWhileDenied(lockScreens_, h.n[0], [this](bool isUp) { machine_.shell.setLockScreen(isUp); });
         break;
       case Kind::compositor:
         restartCompositor();
@@ -539,6 +556,9 @@ class Player {
   int denied_ = 0;
   int denials_ = 0;
   int otherLocks_ = 0;
+  int extensionless_ = 0;
+  int socketless_ = 0;
+  int lockScreens_ = 0;
   int markless_ = 0;
   int tapless_ = 0;
   int full_ = 0;

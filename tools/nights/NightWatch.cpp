@@ -73,6 +73,12 @@ bool NightWatch::lateByUptime(const Moment& from, Seconds patience) {
   return false;
 }
 
+bool NightWatch::lasts(std::optional<Moment>& since, bool isSo, Seconds patience) {
+  if (!isSo) return since.reset(), false;
+  if (!since) since = now();
+  return lateByUptime(*since, patience);
+}
+
 void NightWatch::promise(Promise which, bool kept, Seconds patience, Rule rule, const char* what) {
   std::optional<Moment>& since = broken_.at(which);
   if (kept) {
@@ -92,6 +98,7 @@ void NightWatch::processStarts(bool scheduled, bool byScheduler) {
   optionsAtStart_ = machine_.application.presentationOptions();
   diedAt_.reset();
   termAt_.reset();
+  isDisplayGone_ = false;
   deathExpected_ = quitAsked_ = epochMustGrow_ = programGone_ = false;
   lastEpoch_ = 0;
   unlocks_ = 0;
@@ -246,6 +253,10 @@ void NightWatch::readLine(const std::string& line) {
     lockBegins(true);
   } else if (is("Terminate blocked")) {
     quitAsked_ = false;
+  } else if (is("The display is gone.")) {
+    isDisplayGone_ = machine_.shell.isInForce() && machine_.shell.isOutOfReach();
+  } else if (is("A display has come up.")) {
+    isDisplayGone_ = machine_.shell.isInForce() && phase_ == Phase::degraded;
   }
 }
 
@@ -306,7 +317,7 @@ void NightWatch::processEnded() {
     if (scheduled_ ? !(!hoursOn_ || neverBegan || (quitAsked_ && nothingLocked)) : !quitAsked_) {
       fail(Rule::status, "status 0 that was not planned");
     }
-  } else if (status == 1 ? !(termAt_ || hoursBegin || isHungRehearsal()) : !deathExpected_) {
+  } else if (status == 1 ? !(termAt_ || hoursBegin || isDisplayGone_ || isHungRehearsal()) : !deathExpected_) {
     fail(Rule::status, "ended with " + std::to_string(status) + ", and nobody asked for it");
   }
   if (deathExpected_) {
@@ -318,7 +329,8 @@ void NightWatch::processEnded() {
   broken_ = {};
   termAt_.reset();
   if (status != 0 && scheduled_ && byScheduler_ && !programGone_) diedAt_ = now();
-  isLockLeft_ = hasMarks_ && machine_.compositor.isLockedByUs();
+  isLockLeft_ = (hasMarks_ && machine_.compositor.isLockedByUs()) || machine_.shell.isLocking();
+  isCoverLeft_ = status != 0 && machine_.shell.isLocking();
   deathExpected_ = quitAsked_ = false;
   hoursOverSince_.reset();
   lastEpoch_.reset();
@@ -367,15 +379,36 @@ void NightWatch::checkNone() {
 
 void NightWatch::checkOwner() {
   const SimCompositor& compositor = machine_.compositor;
-  const auto longer = [&](std::optional<Moment>& since, bool isSo) {
-    if (!isSo) return since.reset(), false;
-    if (!since) since = now();
-    return lateByUptime(*since, 15.1);
-  };
-  if (longer(ownerlessSince_, compositor.isOwnerless())) fail(Rule::owner, "a session lock without an owner");
-  if (diedAt_ && isLockLeft_ && !compositor.isLockedByUs()) fail(Rule::owner, "open before it was started again");
-  if (longer(lockedOutsideSince_, compositor.isLockedByUs() && !hoursOn_)) {
+  if (lasts(ownerlessSince_, compositor.isOwnerless(), 15.1)) fail(Rule::owner, "a session lock without an owner");
+  const bool isLocked = compositor.isLockedByUs() || machine_.shell.isLocking();
+  if (diedAt_ && isLockLeft_ && hoursOn_ && !isLocked) fail(Rule::owner, "open before it was started again");
+  if (lasts(lockedOutsideSince_, compositor.isLockedByUs() && !hoursOn_, 15.1)) {
     fail(Rule::owner, "the session is locked outside the hours");
+  }
+  if (machine_.shell.isInForce()) checkShell();
+}
+
+void NightWatch::checkShell() {
+  // It was told how long it may go on alone, and until when, which a stuck program may have told it late.
+  constexpr Seconds ALONE = 121.1;
+  constexpr Seconds TO_THE_END = 21.2;
+  constexpr Seconds TOLD_LATE = 6;
+  const SimShell& shell = machine_.shell;
+  const bool isAlone = shell.isOwnerless();
+  if (lasts(abandonedSince_, isAlone, ALONE)) fail(Rule::owner, "held without an owner");
+  if (lasts(untakenSince_, isAlone && !shell.isOutOfReach(), 15.1)) fail(Rule::owner, "nobody took over what is held");
+  const bool isKnown = !isAlone || abandonedSince_->working - hoursMoved_.working > TOLD_LATE;
+  if (lasts(heldOutsideSince_, shell.isLocking() && !hoursOn_ && isKnown, TO_THE_END)) {
+    fail(Rule::owner, "the shell covers outside the hours");
+  }
+  // A run that was killed covered the monitors: nobody sees them before the next one covers them, too.
+  if (phase_ == Phase::locked && shell.isLocking()) {
+    const Panels seen = panels();
+    if (seen.blockers > 0 && seen.opaque) isCoverLeft_ = false;
+  } else if (phase_ == Phase::locked && isCoverLeft_ && hoursOn_) {
+    fail(Rule::owner, "uncovered by the next run");
+  } else if (phase_ != Phase::none || !shell.isLocking()) {
+    isCoverLeft_ = false;
   }
 }
 

@@ -59,7 +59,7 @@ class NightWatch {
     dirty_ = true;
   }
   void terminationSignal();
-  void compositorEnds() { isLockLeft_ = false; }
+  void compositorEnds() { isLockLeft_ = isCoverLeft_ = false; }
   /// A lock may have no mark from now on, and who watches over it cannot tell whether it was taken over.
   void marksMayBeMissing() { hasMarks_ = false; }
   /// Nobody can start the program again.
@@ -67,7 +67,10 @@ class NightWatch {
   void quitRequest() { quitAsked_ = true; }
   void deathExpected() { deathExpected_ = true; }
   /// The clocks, the calendar or the settings were changed.
-  void clockOrSettingsChanged() { hoursEdge_ = Date::min(); }
+  void clockOrSettingsChanged() {
+    hoursEdge_ = Date::min();
+    hoursMoved_ = now();
+  }
 
   /// The five keys on the screens; none when nothing asks for keys.
   [[nodiscard]] std::vector<KeyIndicator> shownKeys() const;
@@ -122,11 +125,13 @@ class NightWatch {
     Moment at;
     bool isDue;
   };
-  enum Promise { covered, opaque, pictured, lockdown, tapped, granted, sessionLocked, PROMISES };
+  enum Promise { covered, opaque, pictured, lockdown, tapped, granted, sessionLocked, shellCovers, PROMISES };
 
   void afterEvent();
   [[nodiscard]] Moment now() const;
   [[nodiscard]] bool isStalled() const;
+  /// Whether it has been so for longer than `patience` of uptime; `since` is when that began.
+  bool lasts(std::optional<Moment>& since, bool isSo, Seconds patience);
   /// Whether more than `patience` of working time went by since `from`; if not, looks again when it has.
   bool late(const Moment& from, Seconds patience);
   bool lateByUptime(const Moment& from, Seconds patience);
@@ -148,6 +153,7 @@ class NightWatch {
   void checkOpened();
   void checkNone();
   void checkOwner();
+  void checkShell();
   void checkPictures();
   void checkChallenge(const std::vector<KeyIndicator>& keys);
   void checkEarned();
@@ -198,7 +204,9 @@ class NightWatch {
   std::optional<Moment> diedAt_;
   bool deathExpected_ = false;
   bool programGone_ = false;
-  bool isLockLeft_ = false;  // by the process that ended last
+  bool isLockLeft_ = false;   // by the process that ended last
+  bool isCoverLeft_ = false;  // and none of its successors has covered yet
+  bool isDisplayGone_ = false;
   bool hasMarks_ = true;
   bool quitAsked_ = false;
   std::optional<Moment> termAt_;
@@ -210,6 +218,10 @@ class NightWatch {
   std::optional<Moment> hoursOverSince_;
   std::optional<Moment> ownerlessSince_;
   std::optional<Moment> lockedOutsideSince_;
+  std::optional<Moment> untakenSince_;
+  std::optional<Moment> abandonedSince_;
+  std::optional<Moment> heldOutsideSince_;
+  Moment hoursMoved_{-1000, -1000};
 
   // The lock.
   Moment phaseBegan_{};

@@ -57,6 +57,9 @@ void NightWatch::checkLocked() {
   const bool isDue = compositor.desktop() == SimCompositor::Desktop::sessionLock && seen.blockers > 0 && seen.opaque;
   promise(sessionLocked, !isDue || compositor.isLockedByUs() || compositor.isLockedByAnother(), 2, Rule::owner,
           "locked without the session lock");
+  const SimShell& shell = machine_.shell;
+  const bool isShellDue = shell.isInForce() && !shell.isOutOfReach() && seen.blockers > 0 && seen.opaque;
+  promise(shellCovers, !isShellDue || shell.isLocking(), 2, Rule::owner, "locked, and the shell does not hold it");
   if (seen.others != 0) fail(Rule::cover, "something else is on a screen");
 
   SimWindowServer& windows = machine_.windows;
@@ -181,7 +184,9 @@ void NightWatch::checkGrace() {
   if (since < 3.65 && options != LOCKDOWN) fail(Rule::options, "the lockdown options went before their time");
   if (late(phaseBegan_, 3.9)) {
     if (seen.blockers != 0) fail(Rule::grace, "the overlay is still there");
-    if (machine_.compositor.isLockedByUs()) fail(Rule::owner, "the session is still locked");
+    if (machine_.compositor.isLockedByUs() || machine_.shell.isLocking()) {
+      fail(Rule::owner, "the session is still locked");
+    }
     if (options != 0) fail(Rule::options, "the lockdown options stayed");
     const bool isSure = screensChanged_.up < phaseBegan_.up;
     if (seen.others > 1 || (isSure && seen.others != (screens_.empty() ? 0 : 1))) fail(Rule::grace, "not one pill");
@@ -192,7 +197,8 @@ void NightWatch::checkGrace() {
   }
   if (mustSwallow_ && now().up - liftedAt_->up > 2 - 1e-6) mustSwallow_ = false;
   if (mustSwallow_ && !machine_.keyboard.isTaken()) fail(Rule::keys, "given back while five keys are being let go");
-  if (late(phaseBegan_, 5.9) && machine_.keyboard.isTaken()) fail(Rule::free, "the keyboard is still taken");
+  if (late(phaseBegan_, 5.9) && (machine_.keyboard.isTaken() || machine_.shell.hasKeys()))
+    fail(Rule::free, "the keyboard is still taken");
   if (late(phaseBegan_, 300.1)) fail(Rule::grace, "a grace without end");
 }
 

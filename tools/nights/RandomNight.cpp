@@ -73,7 +73,8 @@ void drawDesktop(RandomNight& night) {
   using Desktop = SimCompositor::Desktop;
   Dice dice(night.seed ^ 0x5DEECE66DU);
   if (dice.percent(35)) return;
-  night.desktop = dice.percent(70) ? Desktop::sessionLock : Desktop::overlay;
+  const std::int64_t kind = dice.between(0, 99);
+  night.desktop = kind < 45 ? Desktop::sessionLock : kind < 65 ? Desktop::overlay : Desktop::shell;
   for (std::int64_t count = dice.between(0, 6); count > 0; --count) {
     // Mostly around something else: a hold, a sleep, the end of the hours.
     std::int64_t at = dice.between(0, night.length);
@@ -83,7 +84,8 @@ void drawDesktop(RandomNight& night) {
     } else if (dice.percent(30)) {
       at = dice.percent(50) ? dice.between(0, 30 * SECOND) : night.length - dice.between(0, 220 * SECOND);
     }
-    night.happenings.push_back(drawnWaylandHappening(dice, std::clamp<std::int64_t>(at, 0, night.length)));
+    const auto drawn = night.desktop == Desktop::shell ? drawnGnomeHappening : drawnWaylandHappening;
+    night.happenings.push_back(drawn(dice, std::clamp<std::int64_t>(at, 0, night.length)));
   }
 }
 
@@ -138,7 +140,7 @@ std::string RandomNight::text() const {
                 static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
                 static_cast<int>(time.hours().count()), static_cast<int>(time.minutes().count()),
                 static_cast<int>(time.seconds().count()));
-  constexpr std::array<const char*, 3> DESKTOPS{"", "a session lock, ", "an overlay, "};
+  constexpr std::array<const char*, 4> DESKTOPS{"", "a session lock, ", "an overlay, ", "GNOME's shell, "};
   constexpr std::array<const char*, 4> RECORDS{"no", "a few", "old", "malformed"};
   line << (opened ? "opened " : "") << moment.data() << ", hours " << startHour << " to " << endHour << ", " << screens
        << " screens, " << DESKTOPS.at(static_cast<std::size_t>(desktop)) << (enabled ? "" : "switched off, ")

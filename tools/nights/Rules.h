@@ -104,9 +104,13 @@ inline constexpr std::array<RuleText, 24> RULES{{
     {"timers",
      "no timer survives its owner: as many repeat as the present state needs, and not one more, 0.25 s after anything"},
     {"owner",
-     "where the desktop has a session lock, it is up 2 s of working time after the blockers are opaque, "
-     "and gone with them; a killed program's is up until that runs again; none is without an owner for longer than 15 "
-     "s, and none of ours is up 15 s after the hours"},
+     "where the desktop has a session lock, or a shell that covers, it is up 2 s of working time after the blockers "
+     "are "
+     "opaque, and gone with them; a killed program's is up until that runs again, and a shell's until that covers, "
+     "too; "
+     "none is without an owner for longer than 15 s, or than the 2 min that a shell was told, and none of ours is up "
+     "15 "
+     "s after the hours (20 s where it was told that end)"},
     {"nothing", "without a process there is no window, and the keyboard is free"},
     {"rehearsal",
      "a rehearsal ends by itself 90 s after its last step, and at once at Escape; it leaves no window, no tap, no "

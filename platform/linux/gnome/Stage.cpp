@@ -5,27 +5,20 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
-#include <cmath>
 #include <cstdlib>
 #include <ctime>
 #include <limits>
 #include <type_traits>
 #include <utility>
 
+#include "platform/Texts.h"
 #include "platform/linux/display/KeyCodes.h"
 #include "platform/linux/gnome/Panel.h"
 
 namespace dormel::gnome {
 namespace {
 
-/// How long the extension goes on without us. The scheduler starts us again after a second; what has not come back
-/// after minutes will not, and must not keep anybody locked out.
-constexpr Seconds ABSENCE = 120;
-/// Where nobody has said how long we may go on.
-constexpr Seconds LONGEST_HOLD = 24.0 * 3600;
-constexpr Seconds LOOK_EVERY = 5;
-constexpr Seconds GIVEN_UP_AFTER = 10;
-constexpr int COME_BACK_MILLISECONDS = 250;
+constexpr int COME_BACK_MILLISECONDS = static_cast<int>(HoldPlan::COME_BACK_EVERY * 1000);
 constexpr int EVDEV_OFFSET = 8;
 constexpr KeyTracker::Source KEYBOARD = 1;
 
@@ -131,17 +124,16 @@ Stage::Stage(std::unique_ptr<Link> link, const Message& hello, EventLoop& loop, 
           loop, [this] { comeBack(); }, COME_BACK_MILLISECONDS) {
   if (!link_) return;
   start(hello);
-  wasCovered_ = held_.cover;
 }
 
 Stage::~Stage() = default;
 
 void Stage::start(const Message& hello) {
-  isHolding_ = false;
-  said_ = nullptr;
+  plan_.refused();
   takeMonitors(hello.value("monitors", Message::array()));
   heard("layout", hello.value("layout", Message()));
   takeHeld(hello.value("held", Message::object()));
+  plan_.connected(valueOf(hello, "covered", held_.cover));
   link_->start(
       loop_, [this](const std::string& kind, const Message& body) { heard(kind, body); }, [this] { lost(); });
 }
@@ -188,8 +180,7 @@ void Stage::heard(const std::string& kind, const Message& body) {
     for (const auto& panel : visiblePanels()) panel->heard(kind, body);
   } else if (kind == "refused") {
     // Somebody else's lock is up, and the next look asks again; or the clock was set, and our end is another one.
-    isHolding_ = false;
-    said_ = nullptr;
+    plan_.refused();
     if (body.value("why", "") == "over") update_.ask();
     if (const Task changed = onKeysChanged_) changed();
   }
@@ -234,9 +225,8 @@ void Stage::lost() {
     const std::lock_guard lock(linkMutex_);
     link_.reset();
   }
-  isHolding_ = false;
+  plan_.lost(clock_.uptime());
   held_ = {};
-  lostAt_ = clock_.uptime();
   for (const KeyEvent& event : keys_.releaseAll(KEYBOARD)) pass(event);
   if (const Task changed = onKeysChanged_; had && changed) changed();
   comeBack_.ask();
@@ -250,9 +240,7 @@ bool Stage::reconnect() {
     const std::lock_guard lock(linkMutex_);
     link_ = std::move(link);
   }
-  lostAt_.reset();
   start(hello);
-  wasCovered_ = wasCovered_ || (isLockdown_ && held_.cover);
   update();
   return true;
 }
@@ -263,18 +251,18 @@ void Stage::connect() {
 
 void Stage::comeBack() {
   if (link_ || reconnect() || mayComeLater_) return;
-  if (lostAt_ && clock_.uptime() - *lostAt_ < GIVEN_UP_AFTER) return comeBack_.ask();
+  if (!plan_.isGivenUp(clock_.uptime())) return comeBack_.ask();
   if (const Task onLost = onLost_) onLost();
 }
 
 void Stage::setLockdown(bool on) {
-  if (!on) wasCovered_ = false;
   isLockdown_ = on;
+  plan_.setLockdown(on);
   update();
 }
 
 void Stage::setKeysWanted(bool on) {
-  areKeysWanted_ = on;
+  plan_.setKeysWanted(on);
   update();
 }
 
@@ -294,61 +282,50 @@ bool Stage::raised(const std::shared_ptr<Panel>& panel) {
 }
 
 void Stage::say(const std::string& kind, const Message& body, int descriptor) {
-  if (link_ && isHolding_) link_->say(kind, body, descriptor);
+  if (link_ && isHolding()) link_->say(kind, body, descriptor);
+}
+
+HoldPlan::Panels Stage::seenPanels() const {
+  HoldPlan::Panels seen;
+  for (const auto& panel : visiblePanels()) {
+    seen.areAny = true;
+    seen.isAnyBlack = seen.isAnyBlack || panel->isBlack();
+    seen.areBlackOpaque = seen.areBlackOpaque && (!panel->isBlack() || panel->isOpaque());
+    seen.isAnyKey = seen.isAnyKey || panel->isKey();
+  }
+  return seen;
 }
 
 bool Stage::update() {
   if (!link_) return false;
-  const auto visible = visiblePanels();
-  if (visible.empty() && !isLockdown_ && !areKeysWanted_) {
-    if (std::exchange(isHolding_, false)) link_->say("release", Message::object());
-    said_ = nullptr;
-    look_ = {};
-    return false;
-  }
-  if (!look_)
+  const HoldPlan::Panels seen = seenPanels();
+  if (!plan_.isWanted(seen)) look_ = {};
+  if (plan_.isWanted(seen) && !look_) {
     look_ = Timer::repeating(
-        loop_, LOOK_EVERY, [this] { update(); }, LOOK_EVERY);
-  return hold();
+        loop_, HoldPlan::LOOK_EVERY, [this] { update(); }, HoldPlan::LOOK_EVERY);
+  }
+  const HoldPlan::Step step = plan_.next(seen, clock_.now(), limit_);
+  if (step == HoldPlan::Step::release) link_->say("release", Message::object());
+  if (step == HoldPlan::Step::hold || step == HoldPlan::Step::holdAnew) sayHold();
+  if (step != HoldPlan::Step::holdAnew) return false;
+  for (const auto& panel : visiblePanels()) panel->sayAll();
+  return true;
 }
 
-bool Stage::hold() {
-  const auto visible = visiblePanels();
-  const auto isBlack = [](const auto& panel) { return panel->isBlack(); };
-  const bool isCovered = isLockdown_ && std::any_of(visible.begin(), visible.end(), isBlack) &&
-                         std::all_of(visible.begin(), visible.end(),
-                                     [&](const auto& panel) { return !isBlack(panel) || panel->isOpaque(); });
-  if (isCovered) wasCovered_ = false;
-  const bool isLock = isLockdown_ || wasCovered_;
-  const bool hasKeyPanel =
-      std::any_of(visible.begin(), visible.end(), [](const auto& panel) { return panel->isKey(); });
-  Message next{{"cover", isCovered || wasCovered_},
-               {"keys", areKeysWanted_ || hasKeyPanel || wasCovered_},
+void Stage::sayHold() {
+  const ShellHold& hold = plan_.hold();
+  Message said{{"cover", hold.cover},
+               {"keys", hold.keys},
                {"until", nullptr},
-               {"absence", isLock ? ABSENCE : 0},
+               {"absence", hold.absence},
                {"words", Message::array()}};
-  if (isLock) {
-    const Seconds left = limit_().value_or(LONGEST_HOLD);
-    const Date end = clock_.now() + std::chrono::duration_cast<Date::duration>(std::chrono::duration<Seconds>(left));
-    // To whole seconds: the same end must read the same at each look.
-    next["until"] = std::round(std::chrono::duration<double>(end.time_since_epoch()).count());
-    next["words"] = {"Dormel is starting again.", "This screen is free at " + clockText(end) + " at the latest."};
+  if (hold.until) {
+    said["until"] = std::chrono::duration<double>(hold.until->time_since_epoch()).count();
+    said["words"] = {translate("Dormel is starting again."),
+                     translate("This screen is free at %1 at the latest.", {clockText(*hold.until)})};
   }
-  if (isHolding_ && said_.is_object()) {
-    const bool isSameEnd = next["until"].is_number() && said_["until"].is_number() &&
-                           std::abs(next["until"].get<double>() - said_["until"].get<double>()) < 2;
-    if (isSameEnd) {
-      next["until"] = said_["until"];
-      next["words"] = said_["words"];
-    }
-    if (next == said_) return false;
-  }
-  link_->say("hold", next);
-  said_ = std::move(next);
-  if (std::exchange(isHolding_, true)) return false;
+  link_->say("hold", said);
   hasHeld_ = true;
-  for (const auto& panel : visible) panel->sayAll();
-  return true;
 }
 
 void Stage::deliver(const KeyEvent& event) {

@@ -11,6 +11,7 @@
 
 #include "platform/Screens.h"
 #include "platform/common/Canvas.h"
+#include "platform/common/lock/HoldPlan.h"
 #include "platform/linux/display/CoalescedTimer.h"
 #include "platform/linux/display/KeyTracker.h"
 #include "platform/linux/display/XkbLabels.h"
@@ -40,8 +41,7 @@ struct Monitor {
 
 class Stage final : public Screens, public HardwareKeys {
  public:
-  /// How long this process may go on at most; nothing while nobody limits it.
-  using Limit = std::function<std::optional<Seconds>()>;
+  using Limit = HoldPlan::Limit;
 
   /// `link` may be null where the extension may come later (`connect`); then its loss is none, either.
   Stage(std::unique_ptr<Link> link, const Message& hello, EventLoop& loop, CanvasFactory& canvases, const Clock& clock,
@@ -57,8 +57,8 @@ class Stage final : public Screens, public HardwareKeys {
   [[nodiscard]] bool isConnected() const { return link_ != nullptr; }
   /// Looks whether the extension has come.
   void connect();
-  [[nodiscard]] bool isHolding() const { return isHolding_; }
-  [[nodiscard]] bool hasKeys() const { return link_ && isHolding_ && held_.keys; }
+  [[nodiscard]] bool isHolding() const { return plan_.isHolding(); }
+  [[nodiscard]] bool hasKeys() const { return link_ && isHolding() && held_.keys; }
   [[nodiscard]] KeyboardLayout& labels() { return labels_; }
   [[nodiscard]] EventLoop& loop() const { return loop_; }
   [[nodiscard]] CanvasFactory& canvases() const { return canvases_; }
@@ -110,7 +110,8 @@ class Stage final : public Screens, public HardwareKeys {
   bool reconnect();
   /// Says what is to be held, if it is another than before. True where all panels were told, too.
   bool update();
-  bool hold();
+  [[nodiscard]] HoldPlan::Panels seenPanels() const;
+  void sayHold();
   void pass(const std::optional<KeyEvent>& event);
 
   EventLoop& loop_;
@@ -124,12 +125,9 @@ class Stage final : public Screens, public HardwareKeys {
   XkbLabels labels_;
   KeyTracker keys_;
   Held held_;
-  Message said_;  ///< the hold
-  bool isHolding_ = false;
+  HoldPlan plan_;
   std::atomic<bool> hasHeld_ = false;     ///< `restoreAtExit` asks it from any thread
   std::atomic<bool> isLockdown_ = false;  ///< and this
-  bool areKeysWanted_ = false;
-  bool wasCovered_ = false;  ///< by an earlier run of ours, and that must not end before we cover
   int lastNumber_ = 0;
   std::uint64_t lastSerial_ = 0;
   std::vector<std::weak_ptr<Panel>> panels_;  ///< in the order in which they came up
@@ -137,10 +135,9 @@ class Stage final : public Screens, public HardwareKeys {
   Task onKeysChanged_;
   Task onScreensChanged_;
   Task onLost_;
-  std::optional<Seconds> lostAt_;
   CoalescedTimer update_;
   CoalescedTimer comeBack_;
-  Timer look_;  ///< while something is to be held: what was refused may be had now, and the end may have moved
+  Timer look_;
 };
 
 }  // namespace dormel::gnome

@@ -168,6 +168,7 @@ export default class Dormel extends Extension {
             monitors: this._monitors(),
             layout: this._layout(),
             held: this._state(),
+            covered: this._hold !== null && this._hold.cover,
         };
         peer.say({hello});
     }
