@@ -2,9 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
-#include <chrono>
 #include <sstream>
-#include <thread>
 
 #include "app/AppInstaller.h"
 #include "platform/linux/posix/PosixChildProcesses.h"
@@ -13,14 +11,6 @@
 
 namespace dormel {
 namespace {
-
-/// The content of a file that another process writes and then renames into place; empty if it does not come.
-std::string awaited(const std::string& path) {
-  for (int i = 0; i < 1000 && !std::filesystem::exists(path); ++i) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
-  }
-  return contents(path);
-}
 
 TEST(PosixChildProcesses, ReportsHowTheToolEnded) {
   posix::PosixChildProcesses children(posix::PosixChildProcesses::Tools{{"/bin/launchctl", "/bin/false"}});

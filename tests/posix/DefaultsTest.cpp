@@ -1,13 +1,10 @@
 // The settings file: what is damaged, unreadable or contended loses nothing and stops nothing.
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <signal.h>
-#include <sys/resource.h>
 #include <sys/wait.h>
 
 #include <memory>
 
-#include "platform/Process.h"
 #include "platform/linux/posix/PosixFiles.h"
 #include "platform/linux/posix/PropertyListDefaults.h"
 #include "tests/posix/TemporaryHome.h"
@@ -16,13 +13,6 @@ namespace dormel {
 namespace {
 
 constexpr const char* DOMAIN_NAME = "com.example.test";
-
-class Recorder final : public StandardOutput {
- public:
-  void print(std::string_view /*line*/) override {}
-  void printError(std::string_view line) override { errors.emplace_back(line); }
-  std::vector<std::string> errors;
-};
 
 class DefaultsTest : public testing::Test {
  protected:
@@ -135,14 +125,10 @@ TEST_F(DefaultsTest, AFullDiskLosesNothing) {
   auto defaults = open();
   defaults.set("old", {std::string(600, 'x')});
   const std::string before = contents(file());
-  // A limit on the size of files fails writes half-way, as a full disk does.
-  ::signal(SIGXFSZ, SIG_IGN);
-  rlimit limit{};
-  ::getrlimit(RLIMIT_FSIZE, &limit);
-  const rlimit tight{512, limit.rlim_max};
-  ::setrlimit(RLIMIT_FSIZE, &tight);
-  defaults.set("new", {true});
-  ::setrlimit(RLIMIT_FSIZE, &limit);
+  {
+    const FullDisk full(512);
+    defaults.set("new", {true});
+  }
   EXPECT_EQ(contents(file()), before);
   EXPECT_EQ(output.errors.size(), 1U);
   EXPECT_EQ(defaults.boolean("new"), true);

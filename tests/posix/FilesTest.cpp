@@ -1,8 +1,5 @@
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
-
-#include <csignal>
 
 #include "platform/linux/posix/PosixClock.h"
 #include "platform/linux/posix/PosixFiles.h"
@@ -44,14 +41,10 @@ TEST(PosixFiles, AnAppendThatDoesNotFitLeavesNoHalfOfIt) {
   posix::PosixFiles files;
   const std::string path = home.path() + "/log";
   EXPECT_FALSE(files.write(path, "one\n", {}));
-  rlimit before{};
-  ::getrlimit(RLIMIT_FSIZE, &before);
-  const auto signal = ::signal(SIGXFSZ, SIG_IGN);
-  const rlimit sixBytes{6, before.rlim_max};  // "one\n" and half a line
-  ::setrlimit(RLIMIT_FSIZE, &sixBytes);
-  EXPECT_TRUE(files.append(path, "two\n"));
-  ::setrlimit(RLIMIT_FSIZE, &before);
-  ::signal(SIGXFSZ, signal);
+  {
+    const FullDisk full(6);  // "one\n" and half a line
+    EXPECT_TRUE(files.append(path, "two\n"));
+  }
   EXPECT_TRUE(files.append(path, "three\n"));
   EXPECT_EQ(files.read(path), "one\nthree\n");
 }

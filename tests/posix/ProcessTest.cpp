@@ -68,15 +68,20 @@ TEST(PosixQueues, ATimerMayEndItselfFromItsOwnTick) {
   EXPECT_FALSE(timer);
 }
 
-TEST(PosixProcess, ExitWaitsForTheRecordsButNotForEver) {
-  const TemporaryHome home;
+struct PosixProcess : testing::Test {
+  static void noWatch(int /*descriptor*/, const std::function<bool()>& /*action*/) {}
+
+  TemporaryHome home;
+  posix::PosixQueues queues;
+  posix::InstanceLockPaths paths{home.path() + "/session", home.path() + "/window"};
+};
+
+TEST_F(PosixProcess, ExitWaitsForTheRecordsButNotForEver) {
   const std::string path = home.path() + "/record";
-  const posix::InstanceLockPaths paths{home.path() + "/session", home.path() + "/window"};
-  const auto noWatch = [](int, const std::function<bool()>&) {};
   EXPECT_EQ(statusOf([&] {
-              posix::PosixQueues queues;
-              posix::PosixProcess process(queues, paths, noWatch);
-              const auto queue = queues.makeSerial("com.example.records");
+              posix::PosixQueues own;
+              posix::PosixProcess process(own, paths, noWatch);
+              const auto queue = own.makeSerial("com.example.records");
               queue->async([&] {
                 ::usleep(50'000);
                 put(path, "kept");
@@ -92,13 +97,11 @@ TEST(PosixProcess, ExitWaitsForTheRecordsButNotForEver) {
   EXPECT_EQ(contents(path + "2"), "kept7") << "records first, then the rest";
 }
 
-TEST(PosixProcess, TheLastResortEndsAStoppedProcessUnlessItIsTakenBack) {
-  const TemporaryHome home;
-  const posix::InstanceLockPaths paths{home.path() + "/session", home.path() + "/window"};
+TEST_F(PosixProcess, TheLastResortEndsAStoppedProcessUnlessItIsTakenBack) {
   const auto ends = [&](std::optional<Seconds> last) {
     return statusOf([&] {
-      posix::PosixQueues queues;
-      posix::PosixProcess process(queues, paths, [](int, const std::function<bool()>&) {});
+      posix::PosixQueues own;
+      posix::PosixProcess process(own, paths, noWatch);
       process.endWithin(0.05);
       process.endWithin(last);
       if (last) ::raise(SIGSTOP);
@@ -110,11 +113,7 @@ TEST(PosixProcess, TheLastResortEndsAStoppedProcessUnlessItIsTakenBack) {
   EXPECT_EQ(ends({}), 0);
 }
 
-TEST(PosixProcess, OneSessionAtATime) {
-  const TemporaryHome home;
-  posix::PosixQueues queues;
-  const auto noWatch = [](int, const std::function<bool()>&) {};
-  const posix::InstanceLockPaths paths{home.path() + "/session", home.path() + "/window"};
+TEST_F(PosixProcess, OneSessionAtATime) {
   const auto claimed = [&] {
     return statusOf([&] { return posix::PosixProcess(queues, paths, noWatch).claimSession(); });
   };
@@ -126,10 +125,7 @@ TEST(PosixProcess, OneSessionAtATime) {
   EXPECT_EQ(claimed(), 1) << "free again with its holder gone";
 }
 
-TEST(PosixProcess, TheSecondWindowTellsTheFirst) {
-  const TemporaryHome home;
-  posix::PosixQueues queues;
-  const posix::InstanceLockPaths paths{home.path() + "/session", home.path() + "/window"};
+TEST_F(PosixProcess, TheSecondWindowTellsTheFirst) {
   std::function<bool()> onReadable;
   const auto watch = [&](int, std::function<bool()> action) { onReadable = std::move(action); };
   int reopened = 0;

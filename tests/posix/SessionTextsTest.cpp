@@ -11,13 +11,6 @@
 namespace dormel {
 namespace {
 
-struct Recorder final : StandardOutput {
-  void print(std::string_view /*line*/) override {}
-  void printError(std::string_view line) override { errors.emplace_back(line); }
-  [[nodiscard]] std::optional<Terminal> terminal() const override { return {}; }
-  std::vector<std::string> errors;
-};
-
 TEST(SessionTexts, AreThoseOfTheFirstLanguageThatIsThereAndWhole) {
   const TemporaryHome home;
   const std::string folder = home.path() + "/texts";

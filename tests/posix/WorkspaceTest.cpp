@@ -1,12 +1,9 @@
 // The desktop's services for applications, on real files and with real programs in place of the desktop's own.
 #include <gtest/gtest.h>
-#include <signal.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 
 #include <chrono>
 #include <map>
-#include <thread>
 
 #include "app/AppInstaller.h"
 #include "platform/Identifiers.h"
@@ -25,29 +22,6 @@ namespace {
 namespace fs = std::filesystem;
 using freedesktop::copyTree;
 using freedesktop::moveToTrash;
-
-class Recorder final : public StandardOutput {
- public:
-  void print(std::string_view /*line*/) override {}
-  void printError(std::string_view line) override { errors.emplace_back(line); }
-  std::vector<std::string> errors;
-};
-
-/// An environment variable for the life of a test.
-class Variable {
- public:
-  Variable(const char* name, const std::string& value) : name_(name) {
-    if (const char* before = std::getenv(name)) before_ = before;
-    ::setenv(name, value.c_str(), 1);
-  }
-  Variable(const Variable&) = delete;
-  Variable& operator=(const Variable&) = delete;
-  ~Variable() { before_ ? ::setenv(name_, before_->c_str(), 1) : ::unsetenv(name_); }
-
- private:
-  const char* name_;
-  std::optional<std::string> before_;
-};
 
 class WorkspaceTest : public testing::Test {
  protected:
@@ -85,9 +59,8 @@ class WorkspaceTest : public testing::Test {
     return found;
   }
 
-  std::string awaited(const std::string& path) {
-    for (int i = 0; i < 1000 && !fs::exists(path); ++i) std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    std::string text = contents(path);
+  static std::string heardIn(const std::string& path) {
+    std::string text = awaited(path);
     fs::remove(path);
     return text;
   }
@@ -119,15 +92,12 @@ TEST_F(WorkspaceTest, CopiesWholeOrNotAtAll) {
   EXPECT_TRUE(copyTree(children, from, in("Applications/empty.app"))) << "an empty folder is something, too";
   EXPECT_TRUE(fs::remove(in("Applications/empty.app"))) << "it is empty still";
   put(from + "/Contents/Resources/large", std::string(20'000, 'x'));
-  rlimit limit{};
-  ::getrlimit(RLIMIT_FSIZE, &limit);
-  ::signal(SIGXFSZ, SIG_IGN);
-  const rlimit tight{8192, limit.rlim_max};
-  ::setrlimit(RLIMIT_FSIZE, &tight);
-  const auto full = copyTree(children, from, in("Applications/new.app"));
-  ::setrlimit(RLIMIT_FSIZE, &limit);
-  ASSERT_TRUE(full);
-  EXPECT_NE(full->message.find("large"), std::string::npos) << full->message;
+  {
+    const FullDisk full(8192);
+    const auto error = copyTree(children, from, in("Applications/new.app"));
+    ASSERT_TRUE(error);
+    EXPECT_NE(error->message.find("large"), std::string::npos) << error->message;
+  }
   EXPECT_TRUE(copyTree(children, in("missing.app"), in("Applications/new.app")));
   EXPECT_TRUE(copyTree(children, from, in("missing/new.app")));
   EXPECT_TRUE(fs::is_empty(in("Applications")));
@@ -163,12 +133,9 @@ TEST_F(WorkspaceTest, MovesOutOfAReadOnlyImageOrLeavesEverythingAsItWas) {
       put(place + "/old", "old");
       if (!move()) return 4;
       if (fs::exists(place + "/old")) return 5;
-      // From here on the disk is full.
       put(place + "/old", "old");
       const auto before = listing(place);
-      ::signal(SIGXFSZ, SIG_IGN);
-      const rlimit tight{8192, 8192};
-      ::setrlimit(RLIMIT_FSIZE, &tight);
+      const FullDisk full(8192);
       if (move()) return 6;
       if (listing(place) != before) return 7;
       fs::remove_all(in("mine/.data"));
@@ -323,7 +290,7 @@ TEST_F(WorkspaceTest, OpensThings) {
   put(in("Night's.app/Contents/Info.plist"),
       "<plist version=\"1.0\"><dict><key>CFBundleExecutable</key><string>Program</string></dict></plist>");
   EXPECT_TRUE(workspace.open(in("Night's.app")));
-  EXPECT_EQ(awaited(heard), "\n");
+  EXPECT_EQ(heardIn(heard), "\n");
   fs::create_directories(in("Broken.app/Contents"));
   EXPECT_FALSE(workspace.open(in("Broken.app")));
   EXPECT_EQ(output.errors.size(), 1U);
@@ -332,7 +299,7 @@ TEST_F(WorkspaceTest, OpensThings) {
     program(in("bin/") + name, heard);
   }
   EXPECT_TRUE(workspace.open("https://example.com/?a=b&c='d'"));
-  EXPECT_EQ(awaited(heard), "https://example.com/?a=b&c='d'\n");
+  EXPECT_EQ(heardIn(heard), "https://example.com/?a=b&c='d'\n");
 
   // What is installed decides among the programs of one desktop; where nothing is, one line says so.
   const std::string address = "x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility";
@@ -353,12 +320,12 @@ TEST_F(WorkspaceTest, OpensThings) {
     output.errors.clear();
     EXPECT_EQ(workspace.open(address), example.accessibility != nullptr);
     if (example.accessibility != nullptr) {
-      EXPECT_EQ(awaited(heard), example.accessibility);
+      EXPECT_EQ(heardIn(heard), example.accessibility);
     }
     EXPECT_EQ(loginItems.pageName(), example.autostart == nullptr ? "" : "Autostart");
     loginItems.openSettings();
     if (example.autostart != nullptr) {
-      EXPECT_EQ(awaited(heard), example.autostart);
+      EXPECT_EQ(heardIn(heard), example.autostart);
     }
     EXPECT_EQ(output.errors.size(),
               (example.accessibility == nullptr ? 1U : 0U) + (example.autostart == nullptr ? 1U : 0U));
@@ -382,7 +349,7 @@ TEST_F(WorkspaceTest, AsksTheAdministrator) {
     SCOPED_TRACE(example.ending);
     program(in("bin/pkexec"), heard, example.ending);
     const auto error = workspace.runAsAdministrator(command);
-    EXPECT_EQ(awaited(heard), "/bin/sh\n-c\n" + command + "\n");
+    EXPECT_EQ(heardIn(heard), "/bin/sh\n-c\n" + command + "\n");
     EXPECT_EQ(error ? error->code : 0, example.code);
     if (!error) continue;
     EXPECT_EQ(error->message.has_value(), example.message != nullptr);
