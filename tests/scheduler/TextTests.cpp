@@ -15,23 +15,6 @@
 namespace dormel::jobs {
 namespace {
 
-TEST(UnitText, Words) {
-  const struct {
-    std::string text, word, plain;
-  } rows[] = {{"/a b", "\"/a b\"", "/a b"},
-              {"100%h $HOME", "\"100%%h $HOME\"", "100%%h $HOME"},
-              {"a\"b'c\\d", "\"a\\\"b'c\\\\d\"", "a\"b'c\\d"},
-              {"", "\"\"", ""},
-              {"é;#", "\"é;#\"", "é;#"},
-              {"a\nb\tc", "\"a\\x0ab\\x09c\"", ""}};
-  for (const auto& row : rows) {
-    EXPECT_EQ(systemd::commandWord(row.text), row.word);
-    if (!row.plain.empty()) {
-      EXPECT_EQ(systemd::plainValue(row.text), row.plain);
-    }
-  }
-}
-
 TEST(AutostartEntry, TheUsersSwitch) {
   using Switch = freedesktop::AutostartEntry::Switch;
   const struct {

@@ -202,7 +202,8 @@ class JobModel:
 
     def test_any_characters_in_paths_and_arguments(self):
         folder = self.home / "Nächte 100% 'um' \"$HOME\" \\n %h; ${X} `id` #"
-        arguments = ["--scheduled", "", " ", "$HOME", "$$", "${HOME}", "%h%%", "a\"b", "a'b", "\\", "\\x41", ";", "#", "é漢"]
+        arguments = ["--scheduled", "", " ", "$HOME", "$$", "${HOME}", "%h%%", "a\"b", "a'b", "\\", "\\x41", ";", "#", "é漢",
+                     "a\nb\tc"]
         self.use_bundle_in(folder)
         job = self.job(folder=folder, arguments=arguments)
         job.content["StandardOutPath"] = job.content["StandardErrorPath"] = str(folder / "Log s" / "%h $x.log")
@@ -595,30 +596,6 @@ class OnSupervisor(JobModel, unittest.TestCase):
             self.skipTest(f"setting the clock: {error}")
         job.wait_for_run(timeout=5)
         self.assertIn("2030-08-05 22:00:00", self.printed(job)["next start"])
-
-    @unittest.skipUnless(os.path.exists(FAKETIME), "libfaketime is not installed")
-    def test_the_clock_reaches_the_start_time(self):
-        """A night ahead: the evening's start, and the one that summer time skips."""
-        year = time.localtime().tm_year + 1
-        march = max(day for day in range(25, 32) if time.gmtime(calendar_noon(year, 3, day)).tm_wday == 6)
-        cases = {"evening": ("Europe/Berlin", (22, 0), f"{year}-08-04 21:59:58"),
-                 "hour skipped": ("Europe/Berlin", (2, 0), f"{year}-03-{march} 01:59:58"),
-                 "midnight": ("Europe/Berlin", (0, 0), f"{year}-08-04 23:59:58")}
-        for name, (zone, start, now) in cases.items():
-            with self.subTest(name):
-                job = self.job(start=start, plan=["exit 0"], keys={"RunAtLoad": False})
-                self.bootstrap(job, TZ=zone, FAKETIME=f"@{now}", LD_PRELOAD=FAKETIME, DONT_FAKE_MONOTONIC="1")
-                begun = time.monotonic()
-                self.assertEqual(job.runs(), [])
-                job.wait_for_run(timeout=5)
-                self.say(f"{name}: clock at {now}, start time {start[0]:02}:{start[1]:02}, "
-                         f"started after {time.monotonic() - begun:.2f} s")
-                time.sleep(1)
-                self.assertEqual(len(job.runs()), 1)
-
-
-def calendar_noon(year, month, day):
-    return time.mktime((year, month, day, 12, 0, 0, 0, 0, -1))
 
 
 if __name__ == "__main__":

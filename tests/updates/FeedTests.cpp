@@ -73,26 +73,16 @@ TEST(Updates, FeedIsReadWholeOrNotAtAll) {
   EXPECT_EQ(newest(*parseFeed(feed(""))), nullptr);
   EXPECT_TRUE(parseFeed(R"({"later": [{}], "format": 1, "updates": []})"));
 
-  const std::pair<const char*, const char*> bad[] = {{"build", ""},
-                                                     {"build", "15"},
-                                                     {"build", R"("")"},
-                                                     {"build", R"("1-2")"},
-                                                     {"version", ""},
-                                                     {"version", R"("new <b>")"},
-                                                     {"url", ""},
-                                                     {"url", R"("http://example.org/")"},
-                                                     {"url", "null"},
-                                                     {"length", ""},
-                                                     {"length", "0"},
-                                                     {"length", "-5"},
-                                                     {"length", "5.0"},
-                                                     {"length", R"("5")"},
-                                                     {"length", "134217729"},
-                                                     {"length", "99999999999999999999"},
-                                                     {"signature", ""},
-                                                     {"signature", R"("AAAA")"}};
-  for (const auto& [key, value] : bad) {
-    EXPECT_FALSE(parseFeed(feed(entry() + "," + entry(key, value)))) << key << ": " << value;
+  const std::pair<const char*, std::vector<const char*>> bad[] = {
+      {"build", {"", "15", R"("")", R"("1-2")"}},
+      {"version", {"", R"("new <b>")"}},
+      {"url", {"", R"("http://example.org/")", "null"}},
+      {"length", {"", "0", "-5", "5.0", R"("5")", "134217729", "99999999999999999999"}},
+      {"signature", {"", R"("AAAA")"}}};
+  for (const auto& [key, values] : bad) {
+    for (const char* value : values) {
+      EXPECT_FALSE(parseFeed(feed(entry() + "," + entry(key, value)))) << key << ": " << value;
+    }
   }
   std::string many = entry();
   for (std::size_t i = 0; i < MOST_ENTRIES; ++i) many += "," + entry();
