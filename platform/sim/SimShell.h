@@ -32,7 +32,7 @@ class SimShell {
   [[nodiscard]] bool isInForce() const { return isInForce_; }
 
   // The process.
-  /// `comesBack`: the scheduler starts it again.
+  /// `isScheduled`: it was started by the scheduler, and does not wait for an extension that went.
   void processStarts(bool isScheduled);
   /// It ends in an orderly way; `comesBack`: to be started again.
   void processExits(bool comesBack);
@@ -56,7 +56,6 @@ class SimShell {
   void restart();
 
   // What can be seen.
-  [[nodiscard]] bool isEnabled() const { return isEnabled_; }
   /// A lock's cover, be it behind the lock screen.
   [[nodiscard]] bool isLocking() const { return hold_ && hold_->cover && hold_->absence > 0; }
   [[nodiscard]] bool hasKeys() const { return hold_ && hold_->keys && !isLockScreen_ && !areKeysElsewhere_; }

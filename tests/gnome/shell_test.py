@@ -15,6 +15,11 @@ from desk.gnome.extension import UUID, Program  # noqa: E402
 from desk.keyboard import EVDEV  # noqa: E402
 from desk.wait import until  # noqa: E402
 
+# What the session manager says to the shell.
+END = ("imports.gi.Gio.DBus.session.call('org.gnome.Shell', '/org/gnome/SessionManager/EndSessionDialog', "
+       "'org.gnome.SessionManager.EndSessionDialog', %s, null, 0, -1, null, null)")
+# What polkit's service and its helper say to the shell's agent.
+PROMPT = "const agent = Main.componentManager._allComponents.polkitAgent; "
 ALT, CTRL, SUPER, F9 = EVDEV["L.Option"], EVDEV["L.Ctrl"], EVDEV["L.Cmd"], 67
 A11Y = "org.gnome.desktop.a11y.keyboard"
 
@@ -98,6 +103,9 @@ class ShellTest(unittest.TestCase):
             "date menu": "Main.panel.toggleCalendar()",
             "notice": "Main.notify('Somebody', 'says something')",
             "volume": "Main.osdWindowManager.show(-1, null, 'Louder', 0.5)",
+            "the end of the session": END % "'Open', new imports.gi.GLib.Variant('(uuuao)', [0, 0, 60, []])",
+            "polkit's prompt": PROMPT + "agent._onInitiate(null, 'org.example.do', 'Something wants to', '', 'x', ['root']); "
+                               "agent._currentDialog._onSessionRequest(null, 'Password: ', false)",
             "magnifier": "new imports.gi.Gio.Settings({schema_id: 'org.gnome.desktop.a11y.applications'})"
                          ".set_boolean('screen-magnifier-enabled', true)",
             "a second extension's actor": "global.stage.add_child(new imports.gi.St.Widget({width: 900, height: 900, "
@@ -107,7 +115,11 @@ class ShellTest(unittest.TestCase):
             with self.subTest(rival=name):
                 self.shell.run(script + "; 0")
                 self.assert_locked(within=3)
-        self.shell.run("Main.runDialog.close(); Main.overview.hide(); Main.lookingGlass.close(); "
+        until("the end of the session is asked for", lambda: self.shell.run("Main.endSessionDialog.state") == "0", 5)
+        self.assertEqual(self.shell.run(PROMPT + "agent._currentDialog.state"), "0")
+        self.assert_locked(within=3)
+        self.shell.run(PROMPT + "agent._currentDialog.close(); agent._currentDialog = null; 0")
+        self.shell.run(END % "'Close', null" + "; Main.runDialog.close(); Main.overview.hide(); Main.lookingGlass.close();"
                        "Main.screenshotUI.close(true); Main.panel.closeQuickSettings(); Main.panel.closeCalendar(); "
                        "Main.magnifier.setActive(false); global.stage.get_child_at_index(global.stage.get_n_children() "
                        "- 2).destroy(); new imports.gi.Gio.Settings({schema_id: "
