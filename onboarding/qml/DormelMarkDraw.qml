@@ -1,5 +1,6 @@
 // The mark as it draws itself: `trim` of its stroke is there, 0 to 1.
 import QtQuick
+import Dormel.Ui
 
 DormelMark {
     id: root
@@ -16,13 +17,12 @@ DormelMark {
         PauseAnimation {
             duration: 700
         }
-        NumberAnimation {
+        EasedNumber {
             target: root
             property: "trim"
             to: 1
             duration: 2400
-            easing.type: Easing.BezierSpline
-            easing.bezierCurve: [0.5, 0, 0.2, 1, 1, 1]
+            curve: [0.5, 0, 0.2, 1, 1, 1]
         }
     }
 }

@@ -22,11 +22,7 @@ Pressable {
         color: Qt.rgba(1, 1, 1, root.down ? 0.05 : root.hovering ? 0.14 : 0.08)
 
         Behavior on color {
-            ColorAnimation {
-                duration: 250
-                easing.type: Easing.BezierSpline
-                easing.bezierCurve: Motion.easeOut
-            }
+            EasedColor { duration: 250 }
         }
     }
     Glyph {

@@ -30,18 +30,10 @@ Pressable {
         grow: root.down ? -1 : root.hovering || root.selected ? 1 : 0
 
         Behavior on fill {
-            ColorAnimation {
-                duration: 300
-                easing.type: Easing.BezierSpline
-                easing.bezierCurve: Motion.reveal
-            }
+            EasedColor { duration: 300; curve: Motion.reveal }
         }
         Behavior on grow {
-            NumberAnimation {
-                duration: 300
-                easing.type: Easing.BezierSpline
-                easing.bezierCurve: Motion.reveal
-            }
+            EasedNumber { duration: 300; curve: Motion.reveal }
         }
 
         Text {

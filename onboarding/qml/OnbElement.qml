@@ -99,14 +99,10 @@ OnbReveal {
     Component {
         id: note
 
-        Text {
+        PlainText {
             text: element.words
-            textFormat: Text.PlainText
             font: Typeface.at(16, Font.Normal)
             color: Qt.rgba(1, 1, 1, 0.5)
-
-            Accessible.role: Accessible.StaticText
-            Accessible.name: text
         }
     }
     Component {

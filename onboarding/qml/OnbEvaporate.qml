@@ -17,10 +17,9 @@ OnbDrift {
     blurRadius: 7 * progress
 
     Behavior on progress {
-        NumberAnimation {
+        EasedNumber {
             duration: Motion.duration(850)
-            easing.type: Easing.BezierSpline
-            easing.bezierCurve: [0.4, 0, 0.9, 1, 1, 1]
+            curve: [0.4, 0, 0.9, 1, 1, 1]
             onRunningChanged: if (!running && root.progress === 1) root.evaporated()
         }
     }

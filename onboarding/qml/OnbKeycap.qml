@@ -16,11 +16,7 @@ Rectangle {
     border.color: AppPalette.hairline
 
     Behavior on color {
-        ColorAnimation {
-            duration: 200
-            easing.type: Easing.BezierSpline
-            easing.bezierCurve: Motion.easeOut
-        }
+        EasedColor { duration: 200 }
     }
 
     Text {

@@ -2,11 +2,9 @@
 import QtQuick
 import Dormel.Ui
 
-Text {
-    textFormat: Text.PlainText
+PlainText {
     font: Typeface.spaced(11, Font.DemiBold, 0.6)
     color: AppPalette.secondary
 
     Accessible.role: Accessible.Heading
-    Accessible.name: text
 }

@@ -18,11 +18,7 @@ Item {
     opacity: 1 - Math.abs(place)
 
     Behavior on place {
-        NumberAnimation {
-            duration: Motion.duration(1000)
-            easing.type: Easing.BezierSpline
-            easing.bezierCurve: Motion.reveal
-        }
+        EasedNumber { duration: Motion.duration(1000); curve: Motion.reveal }
     }
 
     OnbDrift {

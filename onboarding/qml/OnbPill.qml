@@ -24,11 +24,7 @@ Pressable {
     // Not by `enabled`, which the whole screen loses when it leaves.
     opacity: available ? 1 : 0.25
     Behavior on opacity {
-        NumberAnimation {
-            duration: 200
-            easing.type: Easing.BezierSpline
-            easing.bezierCurve: Motion.easeInOut
-        }
+        EasedNumber { duration: 200 }
     }
 
     OnbCapsule {
@@ -39,18 +35,10 @@ Pressable {
         grow: root.down ? -1 : root.hovering ? 1.5 : 0
 
         Behavior on fill {
-            ColorAnimation {
-                duration: 250
-                easing.type: Easing.BezierSpline
-                easing.bezierCurve: Motion.easeOut
-            }
+            EasedColor { duration: 250 }
         }
         Behavior on grow {
-            NumberAnimation {
-                duration: 250
-                easing.type: Easing.BezierSpline
-                easing.bezierCurve: Motion.easeOut
-            }
+            EasedNumber { duration: 250; curve: Motion.easeOut }
         }
 
         Text {

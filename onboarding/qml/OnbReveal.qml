@@ -20,11 +20,7 @@ Item {
     implicitHeight: gap + holder.height
 
     Behavior on progress {
-        NumberAnimation {
-            duration: Motion.duration(1100)
-            easing.type: Easing.BezierSpline
-            easing.bezierCurve: Motion.reveal
-        }
+        EasedNumber { duration: Motion.duration(1100); curve: Motion.reveal }
     }
 
     OnbDrift {

@@ -2,15 +2,11 @@
 import QtQuick
 import Dormel.Ui
 
-Text {
+PlainText {
     width: Math.min(560, implicitWidth)
-    textFormat: Text.PlainText
     wrapMode: Text.Wrap
     horizontalAlignment: Text.AlignHCenter
     lineHeight: 1.3
     font: Typeface.at(17, Font.Normal)
     color: AppPalette.secondary
-
-    Accessible.role: Accessible.StaticText
-    Accessible.name: text
 }

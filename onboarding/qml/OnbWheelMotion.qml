@@ -2,8 +2,4 @@
 import QtQuick
 import Dormel.Ui
 
-NumberAnimation {
-    duration: 400
-    easing.type: Easing.BezierSpline
-    easing.bezierCurve: Motion.reveal
-}
+EasedNumber { duration: 400; curve: Motion.reveal }

@@ -29,11 +29,7 @@ Pressable {
         color: Qt.rgba(1, 1, 1, root.hovering || root.ringed ? 0.9 : 0.5)
 
         Behavior on color {
-            ColorAnimation {
-                duration: 250
-                easing.type: Easing.BezierSpline
-                easing.bezierCurve: Motion.easeOut
-            }
+            EasedColor { duration: 250 }
         }
     }
     HoverHandler {

@@ -50,11 +50,7 @@ FocusScope {
         onClicked: root.view.goBack()
 
         Behavior on opacity {
-            NumberAnimation {
-                duration: Motion.duration(850)
-                easing.type: Easing.BezierSpline
-                easing.bezierCurve: Motion.easeInOut
-            }
+            EasedNumber { duration: Motion.duration(850) }
         }
     }
 }

@@ -52,7 +52,7 @@ Item {
                 color: "white"
             }
         }
-        Gap { size: 12 }
+        Gap { height: 12 }
         Text {
             width: parent.width
             text: root.view.text
@@ -63,7 +63,7 @@ Item {
         }
         Gap {
             visible: hint.visible
-            size: 14
+            height: 14
         }
         Text {
             id: hint
@@ -76,7 +76,7 @@ Item {
         }
         Gap {
             visible: hint.visible
-            size: 8
+            height: 8
         }
         Rectangle {
             width: parent.width
@@ -108,7 +108,7 @@ Item {
                 on: root.view.toggleOn
             }
         }
-        Gap { size: 16 }
+        Gap { height: 16 }
         PushButton {
             id: button
             width: parent.width
@@ -120,7 +120,7 @@ Item {
         }
         Gap {
             visible: button.visible
-            size: 12
+            height: 12
         }
         Text {
             anchors.horizontalCenter: parent.horizontalCenter
@@ -128,11 +128,5 @@ Item {
             font: Typeface.at(11, Font.Normal)
             color: Qt.rgba(1, 1, 1, 0.35)
         }
-    }
-
-    component Gap: Item {
-        required property real size
-        width: 1
-        height: size
     }
 }

@@ -2,15 +2,12 @@
 import QtQuick
 import Dormel.Ui
 
-Text {
+PlainText {
     width: parent.width
     wrapMode: Text.Wrap
     font: Typeface.at(12, Font.Medium)
     color: AppPalette.warm
     opacity: visible ? 0.9 : 0
-
-    Accessible.role: Accessible.StaticText
-    Accessible.name: text
 
     Behavior on opacity {
         NumberAnimation {

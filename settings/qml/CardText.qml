@@ -2,12 +2,9 @@
 import QtQuick
 import Dormel.Ui
 
-Text {
+PlainText {
     width: parent.width
     wrapMode: Text.Wrap
     font: Typeface.at(13, Font.Normal)
     color: AppPalette.secondary
-
-    Accessible.role: Accessible.StaticText
-    Accessible.name: text
 }

@@ -13,11 +13,7 @@ Item {
     implicitHeight: 18
 
     Behavior on position {
-        NumberAnimation {
-            duration: 400
-            easing.type: Easing.BezierSpline
-            easing.bezierCurve: Motion.easeInOut
-        }
+        EasedNumber { duration: 400 }
     }
 
     Rectangle {

@@ -48,11 +48,7 @@ Item {
                     drawn: root.view.showing ? 1 : 0
 
                     Behavior on drawn {
-                        NumberAnimation {
-                            duration: Motion.duration(1400)
-                            easing.type: Easing.BezierSpline
-                            easing.bezierCurve: Motion.easeInOut
-                        }
+                        EasedNumber { duration: Motion.duration(1400) }
                     }
                 }
                 Text {
@@ -215,13 +211,10 @@ Item {
                         anchors.verticalCenter: parent.verticalCenter
                         spacing: 4
 
-                        Text {
+                        PlainText {
                             text: "Dormel " + root.view.versionText
                             font: Typeface.at(15, Font.Medium)
                             color: AppPalette.text
-
-                            Accessible.role: Accessible.StaticText
-                            Accessible.name: text
                         }
                         CardText {
                             width: implicitWidth

@@ -28,30 +28,21 @@ FocusScope {
             width: 72
             height: 72
         }
-        Item {
-            width: 1
-            height: 20
-        }
+        Gap { height: 20 }
         Text {
             anchors.horizontalCenter: parent.horizontalCenter
             text: "Dormel"
             font: Typeface.at(20, Font.DemiBold)
             color: AppPalette.text
         }
-        Item {
-            width: 1
-            height: 6
-        }
+        Gap { height: 6 }
         Text {
             anchors.horizontalCenter: parent.horizontalCenter
             text: root.view.versionText
             font: Typeface.at(13, Font.Normal)
             color: AppPalette.secondary
         }
-        Item {
-            width: 1
-            height: 16
-        }
+        Gap { height: 16 }
         Text {
             anchors.horizontalCenter: parent.horizontalCenter
             text: qsTr("by Orvane")

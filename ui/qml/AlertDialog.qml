@@ -78,10 +78,7 @@ FocusScope {
             }
         }
 
-        Item {
-            width: 1
-            height: 24
-        }
+        Gap { height: 24 }
 
         // From the right: the default button first, and Tab goes on from it.
         Row {

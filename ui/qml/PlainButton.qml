@@ -28,11 +28,7 @@ Pressable {
         color: Qt.rgba(1, 1, 1, root.down ? 0.35 : root.hovered || root.focusVisible || AppPalette.highContrast ? 0.85 : 0.5)
 
         Behavior on color {
-            ColorAnimation {
-                duration: 120
-                easing.type: Easing.BezierSpline
-                easing.bezierCurve: Motion.easeOut
-            }
+            EasedColor { duration: 120 }
         }
     }
 }

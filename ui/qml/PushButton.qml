@@ -26,11 +26,7 @@ Pressable {
                               : Qt.rgba(1, 1, 1, !root.enabled ? 0.03 : root.down ? 0.05 : root.hovered ? 0.13 : 0.08)
 
         Behavior on color {
-            ColorAnimation {
-                duration: 120
-                easing.type: Easing.BezierSpline
-                easing.bezierCurve: Motion.easeOut
-            }
+            EasedColor { duration: 120 }
         }
     }
     FocusRing {

@@ -29,13 +29,12 @@ ScrollFrame {
         // What the content loses in height does not leave the view beyond its end.
         onContentHeightChanged: if (!moving) returnToBounds()
     }
-    NumberAnimation {
+    EasedNumber {
         id: glide
         target: flick
         property: "contentY"
         duration: 220
-        easing.type: Easing.BezierSpline
-        easing.bezierCurve: Motion.easeOut
+        curve: Motion.easeOut
     }
     Rectangle {
         readonly property bool active: flick.moving || glide.running

@@ -32,11 +32,7 @@ OptionGroup {
         color: Qt.rgba(1, 1, 1, 0.14)
 
         Behavior on x {
-            NumberAnimation {
-                duration: 180
-                easing.type: Easing.BezierSpline
-                easing.bezierCurve: Motion.easeInOut
-            }
+            EasedNumber { duration: 180 }
         }
     }
     Row {

@@ -34,30 +34,23 @@ Pressable {
     }
 
     Behavior on position {
-        NumberAnimation {
-            duration: 180
-            easing.type: Easing.BezierSpline
-            easing.bezierCurve: Motion.easeInOut
-        }
+        EasedNumber { duration: 180 }
     }
     SequentialAnimation {
         id: springBack
 
-        NumberAnimation {
+        EasedNumber {
             target: root
             property: "tug"
             to: 0.55
             duration: 110
-            easing.type: Easing.BezierSpline
-            easing.bezierCurve: Motion.easeOut
+            curve: Motion.easeOut
         }
-        NumberAnimation {
+        EasedNumber {
             target: root
             property: "tug"
             to: 0
             duration: 260
-            easing.type: Easing.BezierSpline
-            easing.bezierCurve: Motion.easeInOut
         }
     }
 

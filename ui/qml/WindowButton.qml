@@ -24,11 +24,7 @@ Pressable {
         color: Qt.rgba(1, 1, 1, root.down ? 0.06 : root.hovered ? 0.14 : 0.08)
 
         Behavior on color {
-            ColorAnimation {
-                duration: 120
-                easing.type: Easing.BezierSpline
-                easing.bezierCurve: Motion.easeOut
-            }
+            EasedColor { duration: 120 }
         }
     }
     Item {

@@ -1,0 +1,6 @@
+// Room between two things in a column.
+import QtQuick
+
+Item {
+    implicitWidth: 1
+}
