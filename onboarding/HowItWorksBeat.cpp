@@ -59,8 +59,4 @@ std::vector<OnbSpan> HowItWorksBeat::graceLine() {
   return headlineSpans(translate("A snooze lasts *5 minutes*. Then it locks again."));
 }
 
-std::string HowItWorksBeat::closingLine() { return translate("It gets you to sleep."); }
-
-std::string HowItWorksBeat::closingSubline() { return translate("Automatically gone by the morning."); }
-
 }  // namespace dormel

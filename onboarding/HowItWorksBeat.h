@@ -31,9 +31,6 @@ class HowItWorksBeat : public OnboardingScreen {
   [[nodiscard]] double ringProgress() const { return ringProgress_; }
   static constexpr Seconds RING_DURATION = 3.0;
   [[nodiscard]] static std::vector<OnbSpan> graceLine();
-  // Phase 4.
-  [[nodiscard]] static std::string closingLine();     ///< semibold at 26 points
-  [[nodiscard]] static std::string closingSubline();  ///< half opacity
 
  protected:
   void onAppear() override;

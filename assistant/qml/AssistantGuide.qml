@@ -43,16 +43,15 @@ Item {
                 color: Qt.rgba(1, 1, 1, back.down ? 0.05 : back.hovered ? 0.1 : 0)
 
                 Behavior on color {
-                    ColorAnimation {
-                        duration: 120
-                        easing.type: Easing.BezierSpline
-                        easing.bezierCurve: Motion.easeOut
-                    }
+                    EasedColor { duration: 120 }
                 }
             }
-            GuideGlyph {
+            Glyph {
                 anchors.centerIn: parent
-                name: "chevron.left"
+                width: 16
+                height: 16
+                shape: Glyph.ShortChevronLeft
+                lineWidth: 1.7
                 color: Qt.rgba(1, 1, 1, 0.72)
             }
         }
@@ -64,14 +63,17 @@ Item {
             height: 28
             spacing: 8
 
-            GuideGlyph {
+            Glyph {
                 id: arrow
                 // How far it has risen.
                 property real bounce: 0
 
+                width: 16
+                height: 16
+                shape: Glyph.ArrowUp
+                lineWidth: 1.7
                 anchors.verticalCenter: parent.verticalCenter
                 anchors.verticalCenterOffset: 3
-                name: "arrow.up"
                 color: AppPalette.text
                 transform: Translate {
                     y: arrow.bounce
@@ -81,18 +83,8 @@ Item {
                     running: root.view.showing
                     loops: Animation.Infinite
 
-                    NumberAnimation {
-                        to: -6
-                        duration: 700
-                        easing.type: Easing.BezierSpline
-                        easing.bezierCurve: Motion.easeInOut
-                    }
-                    NumberAnimation {
-                        to: 0
-                        duration: 700
-                        easing.type: Easing.BezierSpline
-                        easing.bezierCurve: Motion.easeInOut
-                    }
+                    EasedNumber { to: -6; duration: 700 }
+                    EasedNumber { to: 0; duration: 700 }
                 }
             }
             Text {

@@ -1,7 +1,5 @@
 #include "assistant/qml/AssistantScenes.h"
 
-#include <memory>
-
 #include "assistant/qml/AssistantGuideBridge.h"
 #include "assistant/qml/DragRowBridge.h"
 #include "ui/qml/UiModule.h"
@@ -15,17 +13,9 @@ void registerAssistantScenes(QmlSceneRegistry& registry) {
   [[gnu::used]] static void (*const keep)() = &qml_register_types_Dormel_Assistant;
   registry.prepareWith(loadUiModule);
   registry.add(ViewKind::assistantGuide,
-               {QUrl(QStringLiteral("qrc:/qt/qml/Dormel/Assistant/AssistantGuide.qml")),
-                [](const std::shared_ptr<View>& view) -> std::unique_ptr<ViewBridge> {
-                  return std::make_unique<AssistantGuideBridge>(std::static_pointer_cast<OverlayContentView>(view));
-                },
-                Qt::transparent});
-  registry.add(ViewKind::assistantDragRow, {QUrl(QStringLiteral("qrc:/qt/qml/Dormel/Assistant/DragRow.qml")),
-                                            [](const std::shared_ptr<View>& view) -> std::unique_ptr<ViewBridge> {
-                                              return std::make_unique<DragRowBridge>(
-                                                  std::static_pointer_cast<AppDragSourceView>(view), false);
-                                            },
-                                            Qt::transparent});
+               qmlScene<AssistantGuideBridge, OverlayContentView>("Assistant/AssistantGuide", Qt::transparent));
+  registry.add(ViewKind::assistantDragRow,
+               qmlScene<DragRowBridge, AppDragSourceView>("Assistant/DragRow", Qt::transparent));
 }
 
 }  // namespace dormel

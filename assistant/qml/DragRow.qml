@@ -23,11 +23,7 @@ Item {
         border.color: Qt.rgba(1, 1, 1, pointer.containsMouse ? 0.22 : 0.12)
 
         Behavior on border.color {
-            ColorAnimation {
-                duration: 120
-                easing.type: Easing.BezierSpline
-                easing.bezierCurve: Motion.easeOut
-            }
+            EasedColor { duration: 120 }
         }
     }
     Item {

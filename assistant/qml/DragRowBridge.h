@@ -22,7 +22,7 @@ class DragRowBridge : public ViewBridge {
 
  public:
   /// With `inPlace` it is the guide's row, which is hidden while it is dragged; otherwise it is what is dragged.
-  DragRowBridge(std::shared_ptr<AppDragSourceView> view, bool inPlace);
+  explicit DragRowBridge(std::shared_ptr<AppDragSourceView> view, bool inPlace = false);
   ~DragRowBridge() override;
 
   [[nodiscard]] QStringList plainLines() const override { return {name()}; }

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "onboarding/WheelQuestionBeat.h"
+#include "platform/linux/qt/QtStrings.h"
 
 namespace dormel {
 namespace {
@@ -55,12 +56,6 @@ QVariantList chosenOf(const OnbElement& element) {
   return chosen;
 }
 
-QStringList partsOf(const OnbElement& element) {
-  QStringList parts;
-  for (const std::string& part : *element.parts) parts << QString::fromStdString(part);
-  return parts;
-}
-
 }  // namespace
 
 BeatBridge::BeatBridge(std::shared_ptr<OnboardingScreen> screen) : screen_(std::move(screen)) {
@@ -104,7 +99,7 @@ QVariant BeatBridge::data(const QModelIndex& index, int role) const {
     case spans:
       return spanList(spansOf(element));
     case parts:
-      return partsOf(element);
+      return qtStrings(*element.parts);
     case chosen:
       return chosenOf(element);
     case above:

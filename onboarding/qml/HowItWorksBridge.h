@@ -7,6 +7,7 @@
 
 #include "onboarding/HowItWorksBeat.h"
 #include "onboarding/qml/BeatBridge.h"
+#include "platform/linux/qt/QtStrings.h"
 
 namespace dormel {
 
@@ -25,8 +26,6 @@ class HowItWorksBridge : public BeatBridge {
   Q_PROPERTY(int ringDuration READ ringDuration CONSTANT)  // milliseconds
   Q_PROPERTY(QVariantList graceSpans READ graceSpans CONSTANT)
   Q_PROPERTY(QString graceLine READ graceLine CONSTANT)
-  Q_PROPERTY(QString closingLine READ closingLine CONSTANT)
-  Q_PROPERTY(QString closingSubline READ closingSubline CONSTANT)
 
  public:
   explicit HowItWorksBridge(std::shared_ptr<HowItWorksBeat> screen) : BeatBridge(screen), screen_(std::move(screen)) {}
@@ -36,18 +35,12 @@ class HowItWorksBridge : public BeatBridge {
   [[nodiscard]] QString caption() const { return QString::fromStdString(screen_->caption()); }
   [[nodiscard]] static QVariantList snoozeSpans() { return spanList(HowItWorksBeat::snoozeLine()); }
   [[nodiscard]] static QString snoozeLine() { return QString::fromStdString(plainText(HowItWorksBeat::snoozeLine())); }
-  [[nodiscard]] static QStringList keycaps() {
-    QStringList labels;
-    for (const std::string& label : HowItWorksBeat::keycaps()) labels << QString::fromStdString(label);
-    return labels;
-  }
+  [[nodiscard]] static QStringList keycaps() { return qtStrings(HowItWorksBeat::keycaps()); }
   [[nodiscard]] int heldCount() const { return screen_->heldCount(); }
   [[nodiscard]] double ringProgress() const { return screen_->ringProgress(); }
   [[nodiscard]] static int ringDuration() { return static_cast<int>(1000 * HowItWorksBeat::RING_DURATION); }
   [[nodiscard]] static QVariantList graceSpans() { return spanList(HowItWorksBeat::graceLine()); }
   [[nodiscard]] static QString graceLine() { return QString::fromStdString(plainText(HowItWorksBeat::graceLine())); }
-  [[nodiscard]] static QString closingLine() { return QString::fromStdString(HowItWorksBeat::closingLine()); }
-  [[nodiscard]] static QString closingSubline() { return QString::fromStdString(HowItWorksBeat::closingSubline()); }
 
  private:
   std::shared_ptr<HowItWorksBeat> screen_;

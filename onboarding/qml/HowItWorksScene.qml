@@ -17,19 +17,13 @@ Item {
         phase: 1
         currentPhase: root.beat.phase
 
-        Text {
+        PlainText {
             anchors.horizontalCenter: parent.horizontalCenter
             text: root.beat.clock
             font: Typeface.at(128, Font.ExtraLight)
             color: "white"
-
-            Accessible.role: Accessible.StaticText
-            Accessible.name: text
         }
-        Item {
-            width: 1
-            height: 12
-        }
+        Gap { height: 12 }
         OnbSub {
             anchors.horizontalCenter: parent.horizontalCenter
             text: root.beat.caption
@@ -45,10 +39,7 @@ Item {
             plain: root.beat.snoozeLine
             size: 20
         }
-        Item {
-            width: 1
-            height: 40
-        }
+        Gap { height: 40 }
         Row {
             anchors.horizontalCenter: parent.horizontalCenter
             spacing: 12
@@ -82,10 +73,7 @@ Item {
                 }
             }
         }
-        Item {
-            width: 1
-            height: 36
-        }
+        Gap { height: 36 }
         OnbLine {
             anchors.horizontalCenter: parent.horizontalCenter
             spans: root.beat.graceSpans
@@ -97,29 +85,18 @@ Item {
         phase: 4
         currentPhase: root.beat.phase
 
-        Text {
+        PlainText {
             anchors.horizontalCenter: parent.horizontalCenter
-            text: root.beat.closingLine
-            textFormat: Text.PlainText
+            text: qsTr("It gets you to sleep.")
             font: Typeface.spaced(26, Font.DemiBold, -0.4)
             color: AppPalette.text
-
-            Accessible.role: Accessible.StaticText
-            Accessible.name: text
         }
-        Item {
-            width: 1
-            height: 12
-        }
-        Text {
+        Gap { height: 12 }
+        PlainText {
             anchors.horizontalCenter: parent.horizontalCenter
-            text: root.beat.closingSubline
-            textFormat: Text.PlainText
+            text: qsTr("Automatically gone by the morning.")
             font: Typeface.at(17, Font.Normal)
             color: Qt.rgba(1, 1, 1, 0.5)
-
-            Accessible.role: Accessible.StaticText
-            Accessible.name: text
         }
     }
 }

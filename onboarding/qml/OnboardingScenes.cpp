@@ -1,7 +1,5 @@
 #include "onboarding/qml/OnboardingScenes.h"
 
-#include <memory>
-
 #include "onboarding/qml/OnboardingBridge.h"
 #include "ui/qml/AppPalette.h"
 #include "ui/qml/UiModule.h"
@@ -17,11 +15,7 @@ void registerOnboardingScenes(QmlSceneRegistry& registry) {
   loadOnboardingModule();
   registry.prepareWith(loadUiModule);
   registry.add(ViewKind::onboarding,
-               {QUrl(QStringLiteral("qrc:/qt/qml/Dormel/Onboarding/OnboardingFlow.qml")),
-                [](const std::shared_ptr<View>& view) -> std::unique_ptr<ViewBridge> {
-                  return std::make_unique<OnboardingBridge>(std::static_pointer_cast<OnboardingView>(view));
-                },
-                AppPalette::background()});
+               qmlScene<OnboardingBridge, OnboardingView>("Onboarding/OnboardingFlow", AppPalette::background()));
 }
 
 }  // namespace dormel

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "overlay/qml/QtColor.h"
+#include "platform/linux/qt/QtStrings.h"
 
 namespace dormel {
 
@@ -26,11 +27,7 @@ QColor BlockerOverlayBridge::statusColor() const { return toColor(state_.statusC
 QColor BlockerOverlayBridge::progressColor() const { return toColor(state_.progressColor(uptime())); }
 
 QStringList BlockerOverlayBridge::plainLines() const {
-  QStringList lines;
-  for (const std::string& line : state_.plainLines(uptime(), [](std::string_view) { return true; })) {
-    lines << QString::fromStdString(line);
-  }
-  return lines;
+  return qtStrings(state_.plainLines(uptime(), [](std::string_view) { return true; }));
 }
 
 }  // namespace dormel

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "platform/linux/qt/QtStrings.h"
+
 namespace dormel {
 
 AccessibilityCardBridge::AccessibilityCardBridge(std::shared_ptr<PaintedView> view) : StateBridge(std::move(view)) {
@@ -15,10 +17,6 @@ bool AccessibilityCardBridge::take(std::string_view state) {
   return true;
 }
 
-QStringList AccessibilityCardBridge::plainLines() const {
-  QStringList lines;
-  for (const std::string& line : state_.plainLines()) lines << QString::fromStdString(line);
-  return lines;
-}
+QStringList AccessibilityCardBridge::plainLines() const { return qtStrings(state_.plainLines()); }
 
 }  // namespace dormel

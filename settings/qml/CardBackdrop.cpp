@@ -55,13 +55,9 @@ QPainterPath card(const QRectF& box, double radius) {
 
 }  // namespace
 
-CardBackdrop::CardBackdrop(QQuickItem* parent) : QQuickPaintedItem(parent) { setAntialiasing(true); }
-
-void CardBackdrop::setRadius(double radius) {
-  if (radius == radius_) return;
-  radius_ = radius;
-  emit radiusChanged();
-  update();
+CardBackdrop::CardBackdrop(QQuickItem* parent) : QQuickPaintedItem(parent) {
+  setAntialiasing(true);
+  connect(this, &CardBackdrop::radiusChanged, this, [this] { update(); });
 }
 
 void CardBackdrop::paint(QPainter* painter) {

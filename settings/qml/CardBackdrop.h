@@ -11,13 +11,10 @@ namespace dormel {
 class CardBackdrop : public QQuickPaintedItem {
   Q_OBJECT
   QML_ELEMENT
-  Q_PROPERTY(double radius READ radius WRITE setRadius NOTIFY radiusChanged)
+  Q_PROPERTY(double radius MEMBER radius_ NOTIFY radiusChanged)
 
  public:
   explicit CardBackdrop(QQuickItem* parent = nullptr);
-
-  [[nodiscard]] double radius() const { return radius_; }
-  void setRadius(double radius);
 
   void paint(QPainter* painter) override;
 

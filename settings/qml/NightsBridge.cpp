@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "platform/Texts.h"
+#include "platform/linux/qt/QtStrings.h"
 
 namespace dormel {
 
@@ -18,11 +19,7 @@ QStringList NightsBridge::plainLines() const {
   return lines << note();
 }
 
-QStringList NightsBridge::sentences() const {
-  QStringList all;
-  for (const std::string& sentence : nights_->sentences()) all << QString::fromStdString(sentence);
-  return all;
-}
+QStringList NightsBridge::sentences() const { return qtStrings(nights_->sentences()); }
 
 QList<int> NightsBridge::unlocks() const {
   QList<int> all;
@@ -33,9 +30,7 @@ QList<int> NightsBridge::unlocks() const {
 }
 
 QStringList NightsBridge::months() const {
-  QStringList all;
-  for (const auto& [column, name] : nights_->history().months()) all << QString::fromStdString(name);
-  return all;
+  return qtStrings(nights_->history().months(), [](const auto& month) { return month.second; });
 }
 
 QList<int> NightsBridge::monthColumns() const {
@@ -45,15 +40,11 @@ QList<int> NightsBridge::monthColumns() const {
 }
 
 QStringList NightsBridge::figures() const {
-  QStringList all;
-  for (const NightsView::Figure& figure : nights_->figures()) all << QString::fromStdString(figure.value);
-  return all;
+  return qtStrings(nights_->figures(), [](const auto& figure) { return figure.value; });
 }
 
 QStringList NightsBridge::figureTexts() const {
-  QStringList all;
-  for (const NightsView::Figure& figure : nights_->figures()) all << QString::fromStdString(figure.text);
-  return all;
+  return qtStrings(nights_->figures(), [](const auto& figure) { return figure.text; });
 }
 
 }  // namespace dormel

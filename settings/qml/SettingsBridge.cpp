@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "core/Config.h"
+#include "platform/linux/qt/QtStrings.h"
 
 namespace dormel {
 namespace {
@@ -34,11 +35,7 @@ QStringList SettingsBridge::plainLines() const {
           permissionText(),         autoUpdatesText(), versionText(), updateStatus()};
 }
 
-QStringList SettingsBridge::startHours() const {
-  QStringList labels;
-  for (const int hour : settings_->startHourOptions()) labels << QString::fromStdString(hourLabel(hour));
-  return labels;
-}
+QStringList SettingsBridge::startHours() const { return qtStrings(settings_->startHourOptions(), hourLabel); }
 
 int SettingsBridge::startHour() const {
   const std::vector<int> hours = settings_->startHourOptions();

@@ -42,7 +42,7 @@ TEST_F(AssistantGuideTest, TheArrowBouncesWhileItIsSeen) {
   drawn.picture();
   const auto arrow = [] {
     for (const SeenItem& item : seenItems()) {
-      if (item.kind.startsWith(QStringLiteral("dormel::GuideGlyph")) && item.box.left() > 40) return item.box.top();
+      if (item.kind.startsWith(QStringLiteral("dormel::Glyph")) && item.box.left() > 40) return item.box.top();
     }
     return 0.0;
   };

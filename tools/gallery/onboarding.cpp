@@ -128,38 +128,20 @@ class Sheet {
   std::vector<QImage> tiles_;
 };
 
-/// A screen at rest, in the room that a stranger's screen has for it.
-bool drawForStranger(const QDir& folder, const std::string& language, const Moment& moment,
-                     const StrangersScreen& screen) {
+/// A screen at its moment, in the room that there is for it.
+QImage pictureOf(const std::string& language, const Moment& moment, double scale, const Size& size) {
   DrawnMachine desk;
   desk.speak(language);
   desk.speakAsLinux();
   answer(desk);
   if (moment.given) moment.given(desk);
   const auto view = OnboardingView::create({[](const auto&) { return true; }, [] {}});
-  DrawnView drawn(desk.factory, view, screen.scale, screen.sizeOf(OnboardingView::SIZE));
-  drawn.picture();
-  desk.pass(0.1);
-  view->advance(moment.beat);
-  desk.pass(moment.after);
-  return save(folder, QStringLiteral("first-run-%1-%2").arg(QLatin1String(moment.name), QLatin1String(screen.name)),
-              drawn.picture());
-}
-
-bool draw(const QDir& folder, const std::string& language, const Moment& moment, int scale, Sheet& sheet) {
-  DrawnMachine desk;
-  desk.speak(language);
-  desk.speakAsLinux();
-  answer(desk);
-  if (moment.given) moment.given(desk);
-  const auto view = OnboardingView::create({[](const auto&) { return true; }, [] {}});
-  DrawnView drawn(desk.factory, view, scale);
+  DrawnView drawn(desk.factory, view, scale, size);
   drawn.picture();
   desk.pass(0.1);
   view->advance(moment.beat);
   desk.pass(moment.beat == OnboardingBeat::brand ? moment.after - 0.1 : moment.after);
-  if (moment.onSheet && scale == 2) sheet.add(drawn.picture());
-  return save(folder, named(moment.name, scale), drawn.picture());
+  return drawn.picture();
 }
 
 bool drawComponents(const QDir& folder, int scale) {
@@ -188,10 +170,19 @@ int main(int argc, char** argv) {
   Sheet sheet;
   for (const int scale : {1, 2}) {
     saved = drawComponents(folder, scale) && saved;
-    for (const Moment& moment : moments()) saved = draw(folder, language, moment, scale, sheet) && saved;
+    for (const Moment& moment : moments()) {
+      const QImage picture = pictureOf(language, moment, scale, OnboardingView::SIZE);
+      if (moment.onSheet && scale == 2) sheet.add(picture);
+      saved = save(folder, named(moment.name, scale), picture) && saved;
+    }
   }
   for (const StrangersScreen& screen : STRANGERS_SCREENS) {
-    for (const Moment& moment : moments()) saved = drawForStranger(folder, language, moment, screen) && saved;
+    for (const Moment& moment : moments()) {
+      const QString name =
+          QStringLiteral("first-run-%1-%2").arg(QLatin1String(moment.name), QLatin1String(screen.name));
+      const QImage picture = pictureOf(language, moment, screen.scale, screen.sizeOf(OnboardingView::SIZE));
+      saved = save(folder, name, picture) && saved;
+    }
   }
   saved = save(folder, QStringLiteral("first-run"), sheet.picture()) && saved;
   if (argc > 3)

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "platform/linux/qt/QtStrings.h"
+
 namespace dormel {
 
 AlertBridge::AlertBridge(std::shared_ptr<AlertView> view) : view_(std::move(view)) {}
@@ -10,11 +12,7 @@ QString AlertBridge::message() const { return QString::fromStdString(view_->aler
 
 QString AlertBridge::informativeText() const { return QString::fromStdString(view_->alert().informativeText); }
 
-QStringList AlertBridge::buttons() const {
-  QStringList titles;
-  for (const std::string& title : view_->alert().buttons) titles << QString::fromStdString(title);
-  return titles;
-}
+QStringList AlertBridge::buttons() const { return qtStrings(view_->alert().buttons); }
 
 bool AlertBridge::serious() const { return view_->alert().style != AlertStyle::informational; }
 

@@ -16,6 +16,18 @@ QPainterPath pathOf(Glyph::Shape shape) {
       path.lineTo(7, 12);
       path.lineTo(16, 21);
       break;
+    case Glyph::ShortChevronLeft:
+      path.moveTo(14.625, 5.25);
+      path.lineTo(7.875, 12);
+      path.lineTo(14.625, 18.75);
+      break;
+    case Glyph::ArrowUp:
+      path.moveTo(12, 20.25);
+      path.lineTo(12, 4.125);
+      path.moveTo(5.25, 10.875);
+      path.lineTo(12, 4.125);
+      path.lineTo(18.75, 10.875);
+      break;
     case Glyph::Check:
       path.moveTo(4, 12.5);
       path.lineTo(9.5, 18);
@@ -41,27 +53,7 @@ QPainterPath pathOf(Glyph::Shape shape) {
 Glyph::Glyph(QQuickItem* parent) : QQuickPaintedItem(parent) {
   setAntialiasing(true);
   setImplicitSize(24, 24);
-}
-
-void Glyph::setShape(Shape shape) {
-  if (shape == shape_) return;
-  shape_ = shape;
-  emit shapeChanged();
-  update();
-}
-
-void Glyph::setColor(const QColor& color) {
-  if (color == color_) return;
-  color_ = color;
-  emit colorChanged();
-  update();
-}
-
-void Glyph::setLineWidth(double width) {
-  if (width == lineWidth_) return;
-  lineWidth_ = width;
-  emit lineWidthChanged();
-  update();
+  connect(this, &Glyph::changed, this, [this] { update(); });
 }
 
 void Glyph::paint(QPainter* painter) {

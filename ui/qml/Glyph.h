@@ -10,30 +10,21 @@ namespace dormel {
 class Glyph : public QQuickPaintedItem {
   Q_OBJECT
   QML_ELEMENT
-  Q_PROPERTY(Shape shape READ shape WRITE setShape NOTIFY shapeChanged)
-  Q_PROPERTY(QColor color READ color WRITE setColor NOTIFY colorChanged)
+  Q_PROPERTY(Shape shape MEMBER shape_ NOTIFY changed)
+  Q_PROPERTY(QColor color MEMBER color_ NOTIFY changed)
   /// Of the stroke, in points.
-  Q_PROPERTY(double lineWidth READ lineWidth WRITE setLineWidth NOTIFY lineWidthChanged)
+  Q_PROPERTY(double lineWidth MEMBER lineWidth_ NOTIFY changed)
 
  public:
-  enum Shape { ChevronLeft, Check, Person };
+  enum Shape { ChevronLeft, ShortChevronLeft, ArrowUp, Check, Person };
   Q_ENUM(Shape)
 
   explicit Glyph(QQuickItem* parent = nullptr);
 
-  [[nodiscard]] Shape shape() const { return shape_; }
-  void setShape(Shape shape);
-  [[nodiscard]] QColor color() const { return color_; }
-  void setColor(const QColor& color);
-  [[nodiscard]] double lineWidth() const { return lineWidth_; }
-  void setLineWidth(double width);
-
   void paint(QPainter* painter) override;
 
  signals:
-  void shapeChanged();
-  void colorChanged();
-  void lineWidthChanged();
+  void changed();
 
  private:
   Shape shape_ = Check;

@@ -76,28 +76,7 @@ void Mark::paintMark(QPainter& painter, const QRectF& box, const QColor& color, 
 Mark::Mark(QQuickItem* parent) : QQuickPaintedItem(parent) {
   setAntialiasing(true);
   setImplicitSize(BOX, BOX);
-}
-
-void Mark::setColor(const QColor& color) {
-  if (color == color_) return;
-  color_ = color;
-  emit colorChanged();
-  update();
-}
-
-void Mark::setDrawn(double drawn) {
-  drawn = std::clamp(drawn, 0.0, 1.0);
-  if (drawn == drawn_) return;
-  drawn_ = drawn;
-  emit drawnChanged();
-  update();
-}
-
-void Mark::setStroke(double stroke) {
-  if (stroke == stroke_) return;
-  stroke_ = stroke;
-  emit strokeChanged();
-  update();
+  connect(this, &Mark::changed, this, [this] { update(); });
 }
 
 void Mark::paint(QPainter* painter) { paintMark(*painter, QRectF(0, 0, width(), height()), color_, drawn_, stroke_); }

@@ -13,11 +13,11 @@ namespace dormel {
 class Mark : public QQuickPaintedItem {
   Q_OBJECT
   QML_ELEMENT
-  Q_PROPERTY(QColor color READ color WRITE setColor NOTIFY colorChanged)
+  Q_PROPERTY(QColor color MEMBER color_ NOTIFY changed)
   /// How much of the stroke is drawn, 0 to 1.
-  Q_PROPERTY(double drawn READ drawn WRITE setDrawn NOTIFY drawnChanged)
+  Q_PROPERTY(double drawn MEMBER drawn_ NOTIFY changed)
   /// The width of the stroke in a box of 24 by 24.
-  Q_PROPERTY(double stroke READ stroke WRITE setStroke NOTIFY strokeChanged)
+  Q_PROPERTY(double stroke MEMBER stroke_ NOTIFY changed)
 
  public:
   explicit Mark(QQuickItem* parent = nullptr);
@@ -32,19 +32,10 @@ class Mark : public QQuickPaintedItem {
   static void paintMark(QPainter& painter, const QRectF& box, const QColor& color, double drawn = 1,
                         double stroke = STROKE);
 
-  [[nodiscard]] QColor color() const { return color_; }
-  void setColor(const QColor& color);
-  [[nodiscard]] double drawn() const { return drawn_; }
-  void setDrawn(double drawn);
-  [[nodiscard]] double stroke() const { return stroke_; }
-  void setStroke(double stroke);
-
   void paint(QPainter* painter) override;
 
  signals:
-  void colorChanged();
-  void drawnChanged();
-  void strokeChanged();
+  void changed();
 
  private:
   QColor color_ = Qt::white;

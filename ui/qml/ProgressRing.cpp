@@ -16,7 +16,10 @@ constexpr double SMALL_STEP = 0.02;
 
 }  // namespace
 
-ProgressRing::ProgressRing(QQuickItem* parent) : QQuickPaintedItem(parent) { setAntialiasing(true); }
+ProgressRing::ProgressRing(QQuickItem* parent) : QQuickPaintedItem(parent) {
+  setAntialiasing(true);
+  connect(this, &ProgressRing::restyled, this, &ProgressRing::repaintAll);
+}
 
 void ProgressRing::setProgress(double progress) {
   progress = std::clamp(progress, 0.0, 1.0);
@@ -24,27 +27,6 @@ void ProgressRing::setProgress(double progress) {
   const double before = std::exchange(progress_, progress);
   emit progressChanged();
   repaintEnd(before);
-}
-
-void ProgressRing::setColor(const QColor& color) {
-  if (color == color_) return;
-  color_ = color;
-  emit colorChanged();
-  repaintAll();
-}
-
-void ProgressRing::setTrackColor(const QColor& color) {
-  if (color == trackColor_) return;
-  trackColor_ = color;
-  emit trackColorChanged();
-  repaintAll();
-}
-
-void ProgressRing::setLineWidth(double width) {
-  if (width == lineWidth_) return;
-  lineWidth_ = width;
-  emit lineWidthChanged();
-  repaintAll();
 }
 
 QRectF ProgressRing::circle() const {

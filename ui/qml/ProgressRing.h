@@ -14,30 +14,21 @@ class ProgressRing : public QQuickPaintedItem {
   Q_OBJECT
   QML_ELEMENT
   Q_PROPERTY(double progress READ progress WRITE setProgress NOTIFY progressChanged)  // 0 to 1
-  Q_PROPERTY(QColor color READ color WRITE setColor NOTIFY colorChanged)
-  Q_PROPERTY(QColor trackColor READ trackColor WRITE setTrackColor NOTIFY trackColorChanged)
-  Q_PROPERTY(double lineWidth READ lineWidth WRITE setLineWidth NOTIFY lineWidthChanged)
+  Q_PROPERTY(QColor color MEMBER color_ NOTIFY restyled)
+  Q_PROPERTY(QColor trackColor MEMBER trackColor_ NOTIFY restyled)
+  Q_PROPERTY(double lineWidth MEMBER lineWidth_ NOTIFY restyled)
 
  public:
   explicit ProgressRing(QQuickItem* parent = nullptr);
 
   [[nodiscard]] double progress() const { return progress_; }
   void setProgress(double progress);
-  [[nodiscard]] QColor color() const { return color_; }
-  void setColor(const QColor& color);
-  [[nodiscard]] QColor trackColor() const { return trackColor_; }
-  void setTrackColor(const QColor& color);
-  [[nodiscard]] double lineWidth() const { return lineWidth_; }
-  void setLineWidth(double width);
-
   /// Paints all of it, or as much as the painter's clip lets through.
   void paint(QPainter* painter) override;
 
  signals:
   void progressChanged();
-  void colorChanged();
-  void trackColorChanged();
-  void lineWidthChanged();
+  void restyled();
 
  protected:
   void geometryChange(const QRectF& newGeometry, const QRectF& oldGeometry) override;

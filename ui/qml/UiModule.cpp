@@ -1,7 +1,5 @@
 #include "ui/qml/UiModule.h"
 
-#include <memory>
-
 #include "ui/qml/AboutBridge.h"
 #include "ui/qml/AlertBridge.h"
 #include "ui/qml/AppPalette.h"
@@ -21,16 +19,8 @@ void loadUiModule(const DrawingServices& services) {
 
 void registerUiScenes(QmlSceneRegistry& registry) {
   registry.prepareWith(loadUiModule);
-  registry.add(ViewKind::alert, {QUrl(QStringLiteral("qrc:/qt/qml/Dormel/Ui/AlertDialog.qml")),
-                                 [](const std::shared_ptr<View>& view) -> std::unique_ptr<ViewBridge> {
-                                   return std::make_unique<AlertBridge>(std::static_pointer_cast<AlertView>(view));
-                                 },
-                                 AppPalette::raised()});
-  registry.add(ViewKind::aboutPanel, {QUrl(QStringLiteral("qrc:/qt/qml/Dormel/Ui/AboutPanel.qml")),
-                                      [](const std::shared_ptr<View>& view) -> std::unique_ptr<ViewBridge> {
-                                        return std::make_unique<AboutBridge>(std::static_pointer_cast<AboutView>(view));
-                                      },
-                                      AppPalette::raised()});
+  registry.add(ViewKind::alert, qmlScene<AlertBridge, AlertView>("Ui/AlertDialog", AppPalette::raised()));
+  registry.add(ViewKind::aboutPanel, qmlScene<AboutBridge, AboutView>("Ui/AboutPanel", AppPalette::raised()));
   registry.setWindowFrame(QUrl(QStringLiteral("qrc:/qt/qml/Dormel/Ui/WindowFrame.qml")));
   registry.setIcon(AppTile::icon);
 }

@@ -26,6 +26,17 @@ struct QmlScene {
   QColor background = Qt::transparent;
 };
 
+/// The scene of views of the class `Shown`: a component of the program's own modules ("Settings/NightsWindow"), which
+/// reads them through a `Bridge`.
+template <typename Bridge, typename Shown>
+[[nodiscard]] QmlScene qmlScene(const char* component, const QColor& background) {
+  return {QUrl(QStringLiteral("qrc:/qt/qml/Dormel/%1.qml").arg(QLatin1String(component))),
+          [](const std::shared_ptr<View>& view) -> std::unique_ptr<ViewBridge> {
+            return std::make_unique<Bridge>(std::static_pointer_cast<Shown>(view));
+          },
+          background};
+}
+
 class QmlSceneRegistry {
  public:
   void add(ViewKind kind, QmlScene scene) { scenes_[kind] = std::move(scene); }
