@@ -132,19 +132,21 @@ Pressable {
 
                 OptionGroup {
                     id: group
+                    members: entries
                     x: 6
                     y: 6
                     width: parent.width - 12
-                    height: options.height
+                    height: column.height
 
                     Accessible.role: Accessible.List
                     Accessible.name: root.name
 
                     Column {
-                        id: options
+                        id: column
                         width: parent.width
 
                         Repeater {
+                            id: entries
                             model: root.options
 
                             Pressable {
@@ -154,7 +156,7 @@ Pressable {
                                 required property int index
                                 readonly property string text: modelData
 
-                                width: options.width
+                                width: column.width
                                 height: 32
                                 activeFocusOnTab: false
                                 onHoveredChanged: if (hovered) group.focusOption(index)

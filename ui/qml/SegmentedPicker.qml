@@ -11,6 +11,7 @@ OptionGroup {
 
     signal chosen(int index)
 
+    members: segments
     choosesByMoving: true
     implicitWidth: row.width + 4
     implicitHeight: 32
@@ -41,6 +42,7 @@ OptionGroup {
         y: 2
 
         Repeater {
+            id: segments
             model: root.options
 
             Pressable {
