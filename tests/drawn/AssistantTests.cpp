@@ -57,25 +57,5 @@ TEST_F(AssistantGuideTest, TheArrowBouncesWhileItIsSeen) {
   EXPECT_FALSE(desk.isAnimating());
 }
 
-TEST_F(AssistantGuideTest, TheRowIsHiddenWhileItIsDragged) {
-  const auto window = desk.machine.windows.makeWindow({}, {100, 200, 530, 109});
-  view->dragSource()->setWindow(window);
-  DrawnView drawn(desk.factory, view, 1);
-  drawn.picture();
-  press(drawn, 300, 72);
-  EXPECT_TRUE(desk.machine.dragging.isDragging());
-  EXPECT_TRUE(boxOf("Dormel").isEmpty());
-  EXPECT_EQ(desk.machine.journal.lines().back().substr(13), "drag from 116,216 498x43");
-  {
-    DrawnView dragged(desk.factory, view->dragSource(), 1);
-    EXPECT_EQ(dragged.canvas().fittingSize(), (Size{498, 43}));
-    EXPECT_EQ(dragged.picture().pixelColor(250, 20), QColor("#2b2b30")) << "what is dragged is to be seen";
-  }
-  desk.machine.dragging.end(DragOperation::none);
-  desk.machine.settle();
-  drawn.picture();
-  EXPECT_FALSE(boxOf("Dormel").isEmpty());
-}
-
 }  // namespace
 }  // namespace dormel
