@@ -13,11 +13,8 @@ Item {
     width: 200
     height: 200
 
-    // As often as the arc's end moves on by a point: more frames would hardly show anything else.
-    Timer {
-        interval: Math.max(16, Math.min(33, 1000 * root.view.holdDuration / (Math.PI * root.width)))
+    FrameAnimation {
         running: root.view.showing && root.view.allKeysHeld
-        repeat: true
         onTriggered: root.view.advance()
     }
 
