@@ -5,11 +5,11 @@ import http.server
 import os
 import plistlib
 import shutil
+import signal
 import subprocess
 import threading
 
 from case import DesktopCase, until
-from desk import processes
 
 SIGN = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "tools", "sign-update")
 
@@ -40,10 +40,6 @@ class UpdateTest(DesktopCase):
                 plistlib.dump(info, file)
         return info
 
-    def offer(self, newer, key, url, served):
-        subprocess.run([SIGN, "pack", newer, "--key", key, "--url", url, "--output", served], check=True,
-                       capture_output=True)
-
     def offered(self):
         """A desk whose program knows a feed, on which its next version stands."""
         desk = self.desk(windows="openbox")
@@ -56,13 +52,10 @@ class UpdateTest(DesktopCase):
         newer = os.path.join(desk.folder, "newer", "Dormel.app")
         shutil.copytree(desk.bundle.path, newer, symlinks=True)
         self.info(newer, CFBundleVersion="99", CFBundleShortVersionString="9.9")
-        self.offer(newer, key, url, served)
+        subprocess.run([SIGN, "pack", newer, "--key", key, "--url", url, "--output", served], check=True,
+                       capture_output=True)
         self.store = os.path.join(desk.home.applications, ".Dormel.app.update")
         return desk
-
-    def close(self, pid):
-        os.kill(pid, 2)  # a quit request
-        until("the program has quit", lambda: not processes.alive(pid), 10)
 
     def build(self, desk):
         return self.info(desk.bundle.path)["CFBundleVersion"]
@@ -81,7 +74,8 @@ class UpdateTest(DesktopCase):
         process = self.start(desk)
         self.opened(desk)
         self.assertEqual(self.build(desk), own)
-        self.close(process.pid)
+        process.send_signal(signal.SIGINT)  # a quit request
+        process.wait(10)
         lock.kill()
         lock.wait()
 

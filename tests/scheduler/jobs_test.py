@@ -341,15 +341,6 @@ class JobModel:
         self.expect(0, "bootout", job.target)
         self.bootstrap(job)
         job.wait_for_run(3)
-        # Moved to another place, and armed again from there.
-        moved = job.program.rename(job.program.with_name("moved"))
-        self.expect(113, "print", job.target)
-        job.content["ProgramArguments"][0] = str(moved)
-        job.write()
-        self.expect(0, "bootout", job.target)
-        self.bootstrap(job)
-        os.kill(job.wait_for_run(4)[1], signal.SIGKILL)
-        job.wait_for_run(5)
 
     def test_armed_by_a_copy_that_vanishes(self):
         job = self.job()
