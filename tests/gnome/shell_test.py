@@ -230,6 +230,15 @@ class ShellTest(unittest.TestCase):
                 self.program.say("release")
                 until("nothing is held", lambda: not self.program.last("held")["keys"], 3)
 
+    def test_pictures_do_not_pile_up(self):
+        self.program.lock()
+        self.program.panel(1, [0, 0, 1920, 1080])
+        self.program.pool(1, bytes(660 * 660 * 4))
+        before = self.shell.memory()
+        for serial in range(1, 161):  # 279 MB of them
+            self.assertTrue(self.program.frame(serial, 1, (660, 660), [300, 200, 660, 660], [1]))
+        self.assertLess(self.shell.memory() - before, 150)
+
     def test_lies(self):
         """A frame that is not there is refused and the connection goes on; a lie of the program itself ends it. The
         shell lives and stays covered through all of it."""

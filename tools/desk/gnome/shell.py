@@ -137,6 +137,11 @@ class GnomeShell:
     def pid(self):
         return self._process.pid
 
+    def memory(self):
+        """In MB."""
+        with open(f"/proc/{self.pid}/statm", encoding="ascii") as file:
+            return int(file.read().split()[1]) * os.sysconf("SC_PAGE_SIZE") / 1e6
+
     def alive(self):
         return self._process is not None and self._process.poll() is None
 

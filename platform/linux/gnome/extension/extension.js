@@ -7,6 +7,7 @@
 
 import GLib from 'gi://GLib';
 import Meta from 'gi://Meta';
+import System from 'system';
 
 import * as Main from 'resource:///org/gnome/shell/ui/main.js';
 import * as Keyboard from 'resource:///org/gnome/shell/ui/status/keyboard.js';
@@ -18,6 +19,9 @@ import {Door, Peer, Pool} from './peers.js';
 import * as Protocol from './protocol.js';
 
 const WORDS_AFTER = 1500;  // milliseconds without the program until its words stand there instead of its picture
+// Bytes of pictures that may lie around. The garbage collector sees no more than their wrappers, a few bytes each, and
+// would let a gigabyte gather.
+const LITTER = 64 * 1024 * 1024;
 const LOOK_EVERY = 1;      // seconds between two looks at the clock while something is held
 
 const uptime = () => GLib.get_monotonic_time() / 1e6;
@@ -41,6 +45,7 @@ export default class Dormel extends Extension {
         this._wordsLater = 0;
         this._look = 0;
         this._told = '';
+        this._litter = 0;
         this._cover = new Cover();
         this._keys = new Keys(this._cover.actor, key => this._tell({key}), () => this._announce());
         this._modeId = Main.sessionMode.connect('updated', () => this._apply());
@@ -207,7 +212,12 @@ export default class Dormel extends Extension {
         }
         // The program sends the next one after this answer. First comes whatever else the shell has to do, the painting
         // of this one and the keys above all.
+        this._litter += frame.size;
         GLib.idle_add(GLib.PRIORITY_LOW, () => {
+            if (this._litter > LITTER) {
+                this._litter = 0;
+                System.gc();
+            }
             peer.say({frame: {serial: frame.serial, shown}});
             return GLib.SOURCE_REMOVE;
         });
