@@ -1,8 +1,9 @@
 #include "platform/linux/wayland/Content.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <utility>
 
 #include "platform/linux/wayland/Protocols.h"
@@ -48,15 +49,45 @@ void Content::update(const Pixels& pixels, const PixelRect& changed, const Size&
   }
   points_ = points;
   for (const auto& buffer : buffers_) buffer->stale = united(buffer->stale, area);
-  if (alpha_ < 1) {
-    whole_.resize(std::size_t(width_) * std::size_t(height_));
-    for (int y = 0; y < height_; ++y) {
-      std::copy_n(pixels.data + y * pixels.stride, width_, whole_.begin() + std::ptrdiff_t(y) * width_);
-    }
+  auto frame = sharedFrames_.frame(pixels);
+  newest_ = frame.get();
+  if (frame) {
+    frame->setOnRelease([this] { tidy(); });
+    frames_.push_back(std::move(frame));
   }
-  PixelBuffer* const buffer = freeBuffer();
-  if (buffer == nullptr) return;
-  present(pixels, *buffer);
+  if (alpha_ >= 1 && newest_ != nullptr) return showShared(area);
+  if (alpha_ < 1) keepWhole(pixels);
+  if (PixelBuffer* const buffer = freeBuffer()) {
+    present(alpha_ < 1 ? Pixels{whole_.data(), width_, height_, width_} : pixels, *buffer);
+  }
+  tidy();
+}
+
+void Content::keepWhole(const Pixels& pixels) {
+  whole_.resize(std::size_t(width_) * std::size_t(height_));
+  const std::size_t bytes = whole_.size() * sizeof whole_.front();
+  if (pixels.shared != nullptr && pixels.stride == width_) {
+    // A page of a painter's that is looked at where it lies is one of this process's from then on, too.
+    const auto at = static_cast<off_t>(pixels.shared->offset);
+    if (::pread(pixels.shared->descriptor, whole_.data(), bytes, at) == static_cast<ssize_t>(bytes)) return;
+  }
+  for (int y = 0; y < height_; ++y) {
+    std::copy_n(pixels.data + y * pixels.stride, width_, whole_.begin() + std::ptrdiff_t(y) * width_);
+  }
+}
+
+void Content::showShared(const PixelRect& damage) {
+  latest_ = newest_;
+  show(damage);
+  tidy();
+}
+
+void Content::tidy() {
+  const auto isOver = [this](const auto& buffer) {
+    return buffer.get() != latest_ && buffer.get() != newest_ && !buffer->isBusy();
+  };
+  std::erase_if(frames_, isOver);
+  if (latest_ == newest_) std::erase_if(buffers_, isOver);
 }
 
 void Content::present(const Pixels& pixels, PixelBuffer& buffer) {
@@ -69,11 +100,12 @@ void Content::present(const Pixels& pixels, PixelBuffer& buffer) {
 void Content::setAlpha(double alpha) {
   if (alpha == alpha_) return;
   if (latest_ != nullptr && alpha_ >= 1 && whole_.empty()) {
-    whole_.resize(std::size_t(width_) * std::size_t(height_));
-    std::memcpy(whole_.data(), latest_->row(0), whole_.size() * sizeof whole_.front());
+    keepWhole(latest_->pixels());
   }
   alpha_ = alpha;
-  if (latest_ != nullptr) {
+  if (alpha_ >= 1 && newest_ != nullptr) {
+    showShared({0, 0, width_, height_});
+  } else if (latest_ != nullptr) {
     for (const auto& buffer : buffers_) buffer->stale = {0, 0, width_, height_};
     if (PixelBuffer* const buffer = freeBuffer()) {
       present({whole_.data(), width_, height_, width_}, *buffer);
@@ -95,6 +127,7 @@ PixelBuffer* Content::freeBuffer() {
   if (buffers_.size() < MOST_BUFFERS) {
     auto made = PixelBuffer::create(connection_.globals().shm.get(), width_, height_);
     if (!made) return nullptr;
+    made->setOnRelease([this] { tidy(); });
     buffers_.push_back(std::move(made));
   } else {
     std::rotate(buffers_.begin(), buffers_.begin() + 1, buffers_.end());
@@ -157,8 +190,9 @@ void Content::layOut(const Size& parent, bool centred) {
 }
 
 void Content::clear() {
-  latest_ = nullptr;
+  latest_ = newest_ = nullptr;
   buffers_.clear();
+  frames_.clear();
   whole_.clear();
   width_ = height_ = 0;
   if (surface_) {

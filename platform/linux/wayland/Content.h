@@ -1,6 +1,7 @@
-// A panel's picture in memory that the compositor reads, and where it stands on a surface. Only what changed is copied,
-// and a strength below 1 is multiplied in, because a picture does not follow the strength of the surface beneath it.
-// Main thread only.
+// A panel's picture in memory that the compositor reads, and where it stands on a surface. A picture that lies in
+// memory which can be shared is shown from there. Others are copied, as much as changed of them; so is one that is
+// shown in a strength below 1, which is multiplied in, because a picture does not follow the strength of the surface
+// beneath it. Main thread only.
 #pragma once
 
 #include <memory>
@@ -16,6 +17,9 @@ class Content {
  public:
   /// `isOnBlack`: it stands on a surface that is black in the same strength.
   Content(Connection& connection, bool isOnBlack) : connection_(connection), isOnBlack_(isOnBlack) {}
+  Content(const Content&) = delete;
+  Content& operator=(const Content&) = delete;
+  ~Content() = default;
 
   /// Takes `changed` over from `pixels`; everything when the size is another than before. It is to be shown on
   /// `points` points.
@@ -36,6 +40,11 @@ class Content {
   void present(const Pixels& pixels, PixelBuffer& buffer);
   void show(const PixelRect& damage);
   [[nodiscard]] PixelBuffer* freeBuffer();
+  /// Takes the picture over at full strength, to be weakened from there.
+  void keepWhole(const Pixels& pixels);
+  void showShared(const PixelRect& damage);
+  /// Forgets what nobody shows any more.
+  void tidy();
   void copy(const Pixels& from, PixelBuffer& to, const PixelRect& area) const;
 
   Connection& connection_;
@@ -45,9 +54,12 @@ class Content {
   Size points_;
   double alpha_ = 1;
   std::vector<std::unique_ptr<PixelBuffer>> buffers_;
-  PixelBuffer* latest_ = nullptr;
-  std::vector<std::uint32_t> whole_;  ///< the picture at full strength, while it is shown at less
-  std::pair<int, int> at_;            ///< on its parent
+  SharedFrames sharedFrames_{connection_.globals().shm.get()};
+  std::vector<std::unique_ptr<Buffer>> frames_;  ///< in memory that is shared
+  Buffer* newest_ = nullptr;                     ///< of them, if the latest picture is one
+  Buffer* latest_ = nullptr;                     ///< what is shown
+  std::vector<std::uint32_t> whole_;             ///< the picture at full strength, while it is shown at less
+  std::pair<int, int> at_;                       ///< on its parent
   Owned<wl_surface> surface_;
   Owned<wl_subsurface> place_;
   Owned<wp_viewport> viewport_;

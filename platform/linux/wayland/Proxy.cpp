@@ -31,6 +31,7 @@ void Destroy::operator()(wl_seat* object) const {
 }
 
 void Destroy::operator()(wl_shm* object) const { wl_shm_destroy(object); }
+void Destroy::operator()(wl_shm_pool* object) const { wl_shm_pool_destroy(object); }
 void Destroy::operator()(wl_subcompositor* object) const { wl_subcompositor_destroy(object); }
 void Destroy::operator()(wl_subsurface* object) const { wl_subsurface_destroy(object); }
 void Destroy::operator()(wl_surface* object) const { wl_surface_destroy(object); }

@@ -45,6 +45,7 @@ struct Destroy {
   void operator()(wl_region* object) const;
   void operator()(wl_seat* object) const;
   void operator()(wl_shm* object) const;
+  void operator()(wl_shm_pool* object) const;
   void operator()(wl_subcompositor* object) const;
   void operator()(wl_subsurface* object) const;
   void operator()(wl_surface* object) const;
