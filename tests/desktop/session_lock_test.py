@@ -8,6 +8,7 @@ import unittest
 
 from case import DesktopCase, until
 from desk import Bundle, NotSeen, processes
+from desk.wait import No
 from desk.wayland import WaylandDesk
 from desk.wayland.wire import Connection
 
@@ -65,6 +66,20 @@ class SessionLockTest(DesktopCase):
         keys = self.desk.home.drawn_keys(mark)
         time.sleep(0.3)
         return keys and keys == self.desk.home.drawn_keys(mark)
+
+    def pictures_are_centred(self):
+        lit = bytes(level > 60 for level in range(256))
+        for monitor in self.desk.eyes.monitors():
+            shot = self.desk.eyes.picture(monitor)
+            rows = [shot.data[at + 1:at + shot.width * 4:4].translate(lit)
+                    for at in range(0, len(shot.data), shot.width * 16)]
+            edges = [(row.index(1), row.rindex(1)) for row in rows if 1 in row]
+            if not edges:
+                return No(f"none on {monitor.name}")
+            left, right = min(edge[0] for edge in edges), shot.width - 1 - max(edge[1] for edge in edges)
+            if abs(left - right) > 40:
+                return No(f"{monitor.name} has {left} pixels left of it and {right} right of it")
+        return True
 
     def is_free(self):
         return self.desk.keys_reach_the_document() and not self.desk.eyes.dark()
@@ -139,8 +154,9 @@ class SessionLockTest(DesktopCase):
         for name in (second, first):  # the main one, too
             desk.server.pull(name)
             until(f"{name} is gone", lambda name=name: name not in [m.name for m in desk.eyes.monitors()], 3)
-            desk.server.plug(1280, 1024)
+            desk.server.scale(desk.server.plug(1280, 1024), 1.25)
             until("every screen is black", lambda: len(desk.eyes.monitors()) == 2 and desk.eyes.dark(), 3)
+            until("every picture is in the middle of its monitor", self.pictures_are_centred, 5)
             self.press_the_keys(desk)
             desk.keyboard.let_go()
 

@@ -355,15 +355,18 @@ void Panel::stand() {
   if (isBlack() && layer_) {
     if (Sheet* const locked = env_->lock.sheetOn(*layer_->output())) sheet = locked;
   }
-  if (sheet == standing_) return;
-  standing_ = sheet;
-  content_.standOn(sheet != nullptr ? sheet->surface() : nullptr);
+  const bool isOther = std::exchange(standing_, sheet) != sheet;
+  if (isOther) content_.standOn(sheet != nullptr ? sheet->surface() : nullptr);
   if (sheet == nullptr) return;
-  // The lock's sheets outlive panels.
+  // The lock's sheets outlive panels, and another panel may have stood here while outputs changed.
   sheet->setOnLayout([weak = weak_from_this()] {
     if (const auto self = weak.lock()) self->layOutLater_.ask();
   });
-  layOut();
+  if (isOther) {
+    layOut();
+  } else {
+    layOutLater_.ask();
+  }
 }
 
 void Panel::layOut() {

@@ -223,7 +223,9 @@ class Labwc(Compositor):
 
     def plug(self, width, height):
         gone = next(o["name"] for o in json.loads(self._randr("--json")) if not o["enabled"])
-        self._randr("--output", gone, "--on", "--custom-mode", f"{width}x{height}")
+        # Where nobody says where it is to stand, it comes back over the first one.
+        x = max((m.x + m.width for m in self.monitors()), default=0)
+        self._randr("--output", gone, "--on", "--custom-mode", f"{width}x{height}", "--pos", f"{x},0")
         return gone
 
     def scale(self, name, factor):
