@@ -80,7 +80,7 @@ Item {
                 }
 
                 SequentialAnimation on bounce {
-                    running: root.view.showing
+                    running: root.view.showing && !Motion.isReduced
                     loops: Animation.Infinite
 
                     EasedNumber { to: -6; duration: 700 }

@@ -9,6 +9,7 @@
 #include "platform/linux/qt/QtMainWindows.h"
 #include "tests/drawn/OpenWindows.h"
 #include "tests/drawn/SeenItems.h"
+#include "ui/qml/Motion.h"
 
 namespace dormel {
 namespace {
@@ -130,6 +131,28 @@ TEST_F(OnboardingPictureTest, ElementsComeUpOneAfterTheOther) {
   EXPECT_LT(boxOf(QStringLiteral("Well done!")).y(), rising.y());
   click(boxOf(QStringLiteral("Understood")).center());
   EXPECT_EQ(view->beat(), science);
+}
+
+struct WithoutMotion {
+  WithoutMotion() { Motion::reduce(true); }
+  ~WithoutMotion() { Motion::reduce(false); }
+};
+
+class StillOnboardingTest : private WithoutMotion, public OnboardingPictureTest {};
+
+TEST_F(StillOnboardingTest, ComesAndGoesInItsPlaceAndSoon) {
+  const QString text = QStringLiteral("Well done!");
+  enter(debrief, 5);
+  const QRectF place = boxOf(text);
+  enter(science, 0.1);
+  EXPECT_GT(opacityOf(text), 0);
+  EXPECT_EQ(boxOf(text), place);
+  desk.pass(0.15);
+  drawn.picture();
+  EXPECT_EQ(opacityOf(text), 0);
+  enter(debrief, 0.5);
+  EXPECT_GT(opacityOf(text), 0);
+  EXPECT_EQ(boxOf(text), place);
 }
 
 TEST_F(OnboardingPictureTest, EveryOptionIsSeenAndPressedTheFarthestDimmest) {

@@ -31,12 +31,11 @@ std::optional<std::uint32_t> setting(sd_bus* bus, const char* group, const char*
   sd_bus_message* replied = nullptr;
   if (sd_bus_call(bus, made, LIMIT, nullptr, &replied) < 0) return {};
   const Message answer(replied);
-  const char* type = nullptr;
-  while (sd_bus_message_peek_type(replied, nullptr, &type) > 0 && type != nullptr && *type == 'v') {
-    if (sd_bus_message_enter_container(replied, 'v', nullptr) < 0) return {};
-  }
   char kind = 0;
-  if (sd_bus_message_peek_type(replied, &kind, nullptr) <= 0) return {};
+  const char* contents = nullptr;
+  while (sd_bus_message_peek_type(replied, &kind, &contents) > 0 && kind == 'v') {
+    if (sd_bus_message_enter_container(replied, 'v', contents) < 0) return {};
+  }
   std::uint32_t number = 0;
   int flag = 0;
   if (kind == 'u' && sd_bus_message_read_basic(replied, 'u', &number) >= 0) return number;
