@@ -33,18 +33,18 @@ void version() {
 
 void help() {
   print(
-      "Dormel locks this computer at the hour you chose, until morning.\n"
-      "\n"
-      "Usage: Dormel [option]\n"
-      "  --setup      arm the lock: every night at the stored hour\n"
-      "  --uninstall  disarm it\n"
-      "  --check-ax   say whether the keyboard can be taken here\n"
-      "  --nights     show the last ninety nights; --nights=json: for scripts\n"
-      "  --scheduled  what the scheduler starts: lock now, if it is time\n"
-      "  --version    print the version\n"
-      "  --help       print this\n"
-      "\n"
-      "While it is locked, hold the five keys shown for 30 seconds to get five minutes.");
+      translate("Dormel locks this computer at the hour you chose, until morning.\n"
+                "\n"
+                "Usage: Dormel [option]\n"
+                "  --setup      arm the lock: every night at the stored hour\n"
+                "  --uninstall  disarm it\n"
+                "  --check-ax   say whether the keyboard can be taken here\n"
+                "  --nights     show the last ninety nights; --nights=json: for scripts\n"
+                "  --scheduled  what the scheduler starts: lock now, if it is time\n"
+                "  --version    print the version\n"
+                "  --help       print this\n"
+                "\n"
+                "While it is locked, hold the five keys shown for 30 seconds to get five minutes."));
   platform().process.exit(0);
 }
 

@@ -375,11 +375,15 @@ TEST_F(WorkspaceTest, IsListedWhereItStandsAndForgottenWithoutATrace) {
     fs::create_directories(fs::path(bundle).parent_path());
     application(bundle);
     put(bundle + "/Contents/Resources/dormel.svg", "<svg/>");
+    fs::copy(DORMEL_TEXTS, bundle + "/Contents/Resources/texts");
+    put(bundle + "/Contents/Resources/texts/nl.mo", "damaged");
     workspace.registerApplication(bundle);
     const auto written = listing(home.path());
     workspace.registerApplication(bundle);
     EXPECT_EQ(listing(home.path()), written) << "nothing to do the second time";
     const std::string program = fs::path(bundle).stem().string();
+    EXPECT_NE(contents(entry).find("\nComment[de]=Sperrt diesen Computer"), std::string::npos) << contents(entry);
+    EXPECT_EQ(contents(entry).find("[nl]"), std::string::npos);
     EXPECT_NE(contents(entry).find(bundle + "/Contents/Linux/" + program), std::string::npos) << contents(entry);
     fs::remove_all(fs::path(bundle).parent_path());
   }

@@ -62,6 +62,14 @@ TEST(EntryPoint, OneShotCommands) {
   }
 }
 
+TEST(EntryPoint, HelpsInTheLanguageOfItsUser) {
+  Program program;
+  program.machine.texts.setMarked(true);
+  program.open({"--help"});
+  const std::string said = program.effects().at(1);
+  EXPECT_TRUE(said.starts_with("out: ‹Dormel locks") && said.ends_with("five minutes.›")) << said;
+}
+
 TEST(EntryPoint, AnArgumentNobodyKnowsOpensTheWindowAndIsNamed) {
   Program program;
   program.arm();

@@ -4,6 +4,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <filesystem>
+#include <system_error>
+#include <vector>
+
+#include "platform/Texts.h"
+#include "platform/common/Catalog.h"
 #include "platform/linux/freedesktop/AppBundle.h"
 #include "platform/linux/freedesktop/AutostartEntry.h"
 #include "platform/linux/freedesktop/BaseDirectories.h"
@@ -11,6 +18,37 @@
 
 namespace dormel::freedesktop {
 namespace {
+
+struct Key {
+  const char* name;
+  const char* english;
+};
+constexpr Key TEXTS[] = {{"GenericName", translatable("Bedtime Lock")},
+                         {"Comment", translatable("Locks this computer at the hour you chose, until morning")},
+                         {"Keywords", translatable("bedtime;sleep;night;lock;")}};
+
+/// These keys in English and in every language that the bundle has: the menus choose among them.
+std::string textsOf(const std::string& bundle) {
+  namespace fs = std::filesystem;
+  std::string lines;
+  for (const Key& key : TEXTS) lines += std::string(key.name) + "=" + key.english + "\n";
+  std::vector<fs::path> tables;
+  std::error_code error;
+  for (const auto& file : fs::directory_iterator(bundle + "/Contents/Resources/texts", error)) {
+    if (file.path().extension() == ".mo") tables.push_back(file.path());
+  }
+  std::sort(tables.begin(), tables.end());
+  for (const fs::path& table : tables) {
+    const auto bytes = readTextFile(table.string());
+    const auto catalog = bytes ? Catalog::parse(*bytes) : std::nullopt;
+    if (!catalog) continue;
+    for (const Key& key : TEXTS) {
+      const std::string* const text = catalog->find(key.english);
+      if (text != nullptr) lines += std::string(key.name) + "[" + table.stem().string() + "]=" + *text + "\n";
+    }
+  }
+  return lines;
+}
 
 /// Sets `changed` when the file did not say so already.
 FileResult update(const std::string& path, std::string_view text, bool& changed) {
@@ -34,12 +72,8 @@ FileResult ApplicationEntry::write(const std::string& bundle) const {
       "Type=Application\n"
       "Version=1.5\n"
       "Name=" +
-      desktopEntryString(bundleInfo(bundle, "CFBundleName").value_or("Dormel")) +
-      "\n"
-      "GenericName=Bedtime Lock\n"
-      "Comment=Locks this computer at the hour you chose, until morning\n"
-      "Exec=" +
-      desktopEntryExec({program}) +
+      desktopEntryString(bundleInfo(bundle, "CFBundleName").value_or("Dormel")) + "\n" + textsOf(bundle) +
+      "Exec=" + desktopEntryExec({program}) +
       "\n"
       "TryExec=" +
       desktopEntryString(program) +
@@ -49,7 +83,6 @@ FileResult ApplicationEntry::write(const std::string& bundle) const {
       "\n"
       "Terminal=false\n"
       "Categories=Utility;\n"
-      "Keywords=bedtime;sleep;night;lock;\n"
       "StartupWMClass=" +
       identifier_ +
       "\n"

@@ -15,8 +15,8 @@ class ApplicationEntry {
 
   [[nodiscard]] const std::string& path() const { return path_; }
 
-  /// Points the entry at this bundle, with the icon "dormel.svg" of its resources. Touches nothing that says so
-  /// already.
+  /// Points the entry at this bundle, with the icon "dormel.svg" of its resources, in the languages of its texts.
+  /// Touches nothing that says so already.
   [[nodiscard]] FileResult write(const std::string& bundle) const;
   void remove() const;
 
