@@ -16,86 +16,103 @@ FocusScope {
 
     // The arrow keys work at once; nothing wears a ring before they are used.
     focus: true
-    Keys.onPressed: event => grid.step(event)
+    Keys.forwardTo: [page, scroll]
     Keys.onEscapePressed: Window.window.close()
 
     WindowBackground {}
 
-    Column {
-        x: 24
+    // On a small screen the squares scroll; what they tell stays in view.
+    ScrollArea {
+        id: scroll
         y: 32
-        width: parent.width - 2 * x
+        width: parent.width
+        height: Math.min(contentHeight, parent.height - y - words.height)
+        clip: overflows
+        contentHeight: page.height
 
-        Text {
-            x: 4
-            text: qsTr("Your nights")
-            font: Typeface.at(20, Font.DemiBold)
-            color: AppPalette.text
+        Column {
+            id: page
+            x: 24
+            width: scroll.width - 2 * x
 
-            Accessible.role: Accessible.Heading
-            Accessible.name: text
-        }
-        Item {
-            width: 1
-            height: 20
-        }
-        Row {
-            x: 4
-            width: parent.width - x
+            Keys.onPressed: event => grid.step(event)
 
-            Repeater {
-                model: root.view.figures
+            Text {
+                x: 4
+                text: qsTr("Your nights")
+                font: Typeface.at(20, Font.DemiBold)
+                color: AppPalette.text
 
-                Column {
-                    id: figure
+                Accessible.role: Accessible.Heading
+                Accessible.name: text
+            }
+            Item {
+                width: 1
+                height: 20
+            }
+            Row {
+                x: 4
+                width: parent.width - x
 
-                    required property int index
-                    required property string modelData
-                    readonly property string text: root.view.figureTexts[index]
+                Repeater {
+                    model: root.view.figures
 
-                    width: 136
+                    Column {
+                        id: figure
 
-                    Accessible.role: Accessible.StaticText
-                    Accessible.name: modelData + " " + text.replace("\n", " ")
+                        required property int index
+                        required property string modelData
+                        readonly property string text: root.view.figureTexts[index]
 
-                    Text {
-                        text: figure.modelData
-                        font: Typeface.at(40, Font.ExtraLight)
-                        color: AppPalette.text
-                    }
-                    Text {
-                        text: figure.text
-                        lineHeight: 1.15
-                        font: Typeface.at(12, Font.Normal)
-                        color: AppPalette.secondary
+                        width: 136
+
+                        Accessible.role: Accessible.StaticText
+                        Accessible.name: modelData + " " + text.replace("\n", " ")
+
+                        Text {
+                            text: figure.modelData
+                            font: Typeface.at(40, Font.ExtraLight)
+                            color: AppPalette.text
+                        }
+                        Text {
+                            text: figure.text
+                            lineHeight: 1.15
+                            font: Typeface.at(12, Font.Normal)
+                            color: AppPalette.secondary
+                        }
                     }
                 }
             }
-        }
-        Item {
-            width: 1
-            height: 20
-        }
-        Rectangle {
-            width: parent.width
-            height: grid.height + 2 * 16
-            radius: 16
-            color: Qt.rgba(1, 1, 1, 0.045)
-            border.width: 1
-            border.color: Qt.rgba(1, 1, 1, 0.06)
+            Item {
+                width: 1
+                height: 20
+            }
+            Rectangle {
+                width: parent.width
+                height: grid.height + 2 * 16
+                radius: 16
+                color: Qt.rgba(1, 1, 1, 0.045)
+                border.width: 1
+                border.color: Qt.rgba(1, 1, 1, 0.06)
 
-            NightsGrid {
-                id: grid
-                x: 16
-                y: 16
-                width: parent.width - 2 * 16
-                view: root.view
+                NightsGrid {
+                    id: grid
+                    x: 16
+                    y: 16
+                    width: parent.width - 2 * 16
+                    view: root.view
+                }
             }
         }
-        Item {
-            width: 1
-            height: 16
-        }
+    }
+    Column {
+        id: words
+        x: 24
+        y: scroll.y + scroll.height
+        width: parent.width - 2 * x
+        topPadding: 16
+        bottomPadding: 20
+
         // Room for a night that was opened often, so that nothing moves.
         Text {
             x: 4
@@ -154,20 +171,17 @@ FocusScope {
                 }
             }
         }
-        Item {
-            width: 1
-            height: 10
-        }
         Text {
             x: 4
             width: parent.width - 2 * x
+            topPadding: 10
+            visible: text !== ""
             text: root.view.note
             font: Typeface.at(12, Font.Normal)
             color: AppPalette.secondary
 
             Accessible.role: Accessible.StaticText
             Accessible.name: text
-            Accessible.ignored: text === ""
         }
     }
 }

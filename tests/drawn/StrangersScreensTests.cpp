@@ -12,12 +12,17 @@
 #include <memory>
 #include <vector>
 
+#include "assistant/OverlayContentView.h"
+#include "core/AppSupport.h"
+#include "core/Config.h"
 #include "onboarding/OnboardingView.h"
 #include "platform/linux/qt/AboutView.h"
 #include "platform/linux/qt/AlertView.h"
 #include "settings/AccessibilityCardView.h"
+#include "settings/NightsView.h"
 #include "settings/SettingsView.h"
 #include "tests/drawn/DrawnMachine.h"
+#include "ui/qml/AppPalette.h"
 #include "ui/qml/Pressable.h"
 
 namespace dormel {
@@ -93,33 +98,51 @@ TEST(StrangersScreens, HaveRoomForEveryScreenOfTheFirstRun) {
   }
 }
 
+struct Window {
+  const char* name;
+  std::function<std::shared_ptr<View>(DrawnMachine&)> make;
+  std::optional<Size> wanted;  // else what fits
+};
+const Window WINDOWS[] = {
+    {"settings",
+     [](DrawnMachine& desk) {
+       desk.machine.accessibility.setTrusted(false);
+       desk.machine.updater.setStatus("Dormel 1.1 is ready and will be installed when you open Dormel again.");
+       return SettingsView::create(desk.machine.updater,
+                                   {[] {}, [] {}, [] {}, [] { return true; }, [] {}, [] {}, [] {}});
+     },
+     Size{460, 660}},
+    {"nights",
+     [](DrawnMachine& desk) {
+       desk.machine.files.put(AppSupport::url("nights.json"),
+                              R"([{"night":"2026-11-15","firedAt":"2026-11-15T21:00:00.000Z","idleSeconds":70}])");
+       desk.machine.files.put(Config::unlockLogPath(),
+                              "2026-11-15 23:41:07 — unlocked (#1, held 30s)\n"
+                              "2026-11-15 23:48:07 — unlocked (#2, held 60s)\n"
+                              "2026-11-15 23:55:07 — unlocked (#3, held 60s)\n");
+       return NightsView::create();
+     },
+     NightsView::SIZE},
+    {"guide",
+     [](DrawnMachine& desk) {
+       return std::make_shared<OverlayContentView>(AssentaHostApp::current(desk.machine.bundle),
+                                                   AssentaPanel::screenRecording, [] {});
+     },
+     {}},
+    {"card", [](DrawnMachine&) { return AccessibilityCardView::create([] {}); }, {}},
+    {"about", [](DrawnMachine&) { return std::make_shared<AboutView>(); }, {}},
+    {"alert",
+     [](DrawnMachine& desk) {
+       const RecoveryWords words = desk.machine.wording.recovery(true);
+       return std::make_shared<AlertView>(
+           Alert{AlertStyle::warning, words.title, words.text, {words.button, "Not Now"}}, [](std::size_t) {});
+     },
+     {}},
+};
+
 TEST(StrangersScreens, HaveRoomForEveryOtherWindow) {
-  using Make = std::function<std::shared_ptr<View>(DrawnMachine&)>;
-  const struct {
-    const char* name;
-    Make make;
-    std::optional<Size> wanted;  // else what fits
-  } windows[] = {
-      {"settings",
-       [](DrawnMachine& desk) {
-         desk.machine.accessibility.setTrusted(false);
-         desk.machine.updater.setStatus("Dormel 1.1 is ready and will be installed when you open Dormel again.");
-         return SettingsView::create(desk.machine.updater,
-                                     {[] {}, [] {}, [] {}, [] { return true; }, [] {}, [] {}, [] {}});
-       },
-       Size{460, 660}},
-      {"card", [](DrawnMachine&) { return AccessibilityCardView::create([] {}); }, {}},
-      {"about", [](DrawnMachine&) { return std::make_shared<AboutView>(); }, {}},
-      {"alert",
-       [](DrawnMachine& desk) {
-         const RecoveryWords words = desk.machine.wording.recovery(true);
-         return std::make_shared<AlertView>(
-             Alert{AlertStyle::warning, words.title, words.text, {words.button, "Not Now"}}, [](std::size_t) {});
-       },
-       {}},
-  };
   for (const auto& [screen, language] : FOREIGN_SCREENS) {
-    for (const auto& window : windows) {
+    for (const Window& window : WINDOWS) {
       DrawnMachine desk;
       desk.speak(language);
       desk.speakAsLinux();
@@ -133,6 +156,39 @@ TEST(StrangersScreens, HaveRoomForEveryOtherWindow) {
       EXPECT_FALSE(partsOf().empty()) << window.name;
     }
   }
+}
+
+// Of white on our ground: letters that are fainter have less than the contrast of 4.4 to 1.
+constexpr double READABLE = 0.44;
+
+void expectReadable(const QQuickItem& item, double opacity, const char* where) {
+  opacity *= item.opacity();
+  if (!item.isVisible() || !item.isEnabled() || opacity < 0.004) return;
+  const QString text = item.property("text").toString();
+  if (item.inherits("QQuickText") && !text.isEmpty()) {
+    const QColor colour = item.property("color").value<QColor>();
+    // Dark letters stand on a white button.
+    if (colour.value() > 100) {
+      EXPECT_GE(colour.alphaF() * opacity, READABLE) << where << ": " << qPrintable(text);
+    }
+  }
+  for (const QQuickItem* child : item.childItems()) expectReadable(*child, opacity, where);
+}
+
+TEST(StrangersScreens, AreReadableInHighContrast) {
+  AppPalette::setHighContrast(true);
+  for (const Window& window : WINDOWS) {
+    if (window.name == std::string("card")) continue;  // the painter's, which knows no desktop
+    DrawnMachine desk;
+    const auto view = window.make(desk);
+    DrawnView drawn(desk.factory, view, 1, window.wanted ? *window.wanted : QmlCanvas(desk.stage, view).fittingSize());
+    drawn.picture();
+    desk.pass(3);
+    drawn.picture();
+    expectReadable(*static_cast<QQuickWindow*>(QGuiApplication::allWindows().constLast())->contentItem(), 1,
+                   window.name);
+  }
+  AppPalette::setHighContrast(false);
 }
 
 }  // namespace
