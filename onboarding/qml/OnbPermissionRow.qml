@@ -31,7 +31,7 @@ Item {
         anchors.verticalCenter: parent.verticalCenter
         width: 28
         height: 28
-        shape: Glyph.Person
+        shape: Glyph.Lock
         lineWidth: 1.5
         color: Qt.rgba(1, 1, 1, 0.9)
     }

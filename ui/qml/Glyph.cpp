@@ -33,16 +33,14 @@ QPainterPath pathOf(Glyph::Shape shape) {
       path.lineTo(9.5, 18);
       path.lineTo(20, 6.5);
       break;
-    case Glyph::Person:  // arms wide, in a circle
-      path.addEllipse(QRectF(1, 1, 22, 22));
-      path.addEllipse(QRectF(10.7, 4.9, 2.6, 2.6));
-      path.moveTo(6, 9.6);
-      path.quadTo(12, 11.4, 18, 9.6);
-      path.moveTo(12, 10.5);
-      path.lineTo(12, 14);
-      path.moveTo(8.9, 19);
-      path.lineTo(12, 13.6);
-      path.lineTo(15.1, 19);
+    case Glyph::Lock:
+      path.addRoundedRect(QRectF(4, 10, 16, 11.5), 2.5, 2.5);
+      path.moveTo(7.5, 10);
+      path.lineTo(7.5, 7);
+      path.arcTo(QRectF(7.5, 2.5, 9, 9), 180, -180);
+      path.lineTo(16.5, 10);
+      path.moveTo(12, 14.5);
+      path.lineTo(12, 17);
       break;
   }
   return path;

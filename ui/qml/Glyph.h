@@ -16,7 +16,7 @@ class Glyph : public QQuickPaintedItem {
   Q_PROPERTY(double lineWidth MEMBER lineWidth_ NOTIFY changed)
 
  public:
-  enum Shape { ChevronLeft, ShortChevronLeft, ArrowUp, Check, Person };
+  enum Shape { ChevronLeft, ShortChevronLeft, ArrowUp, Check, Lock };
   Q_ENUM(Shape)
 
   explicit Glyph(QQuickItem* parent = nullptr);
