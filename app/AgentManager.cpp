@@ -63,14 +63,15 @@ PropertyListDictionary plistDictionary(const std::string& executable) {
 bool install(const std::string& executable) {
   Files& files = platform().files;
   const PropertyListDictionary job = plistDictionary(executable);
-  files.createDirectories(folder(), 0777);
   const auto xml = writeXmlPropertyList({job});
   if (!xml) {
     platform().output.print("AgentManager: failed to serialise plist");
     return false;
   }
+  auto error = files.createDirectories(folder(), 0777);
   // In one step: the list that stood there is what brings the lock back at the next login, should the disk be full.
-  if (const auto error = files.writeAtomically(plistPath(), *xml)) {
+  if (!error) error = files.writeAtomically(plistPath(), *xml);
+  if (error) {
     platform().output.print("AgentManager: failed to write plist: " + error->message);
     return false;
   }

@@ -67,34 +67,87 @@ class SpeechServer:
         os.unlink(self._path)
 
 
+class HungServer:
+    """Is there and answers nothing. With `full`, nobody else is even let in."""
+
+    def __init__(self, runtime, full):
+        folder = os.path.join(runtime, "speech-dispatcher")
+        os.makedirs(folder, exist_ok=True)
+        self._path = os.path.join(folder, "speechd.sock")
+        self._ends = [socket.socket(socket.AF_UNIX)]
+        self._ends[0].bind(self._path)
+        self._ends[0].listen(0)
+        while full:
+            self._ends.append(socket.socket(socket.AF_UNIX))
+            self._ends[-1].setblocking(False)
+            full = self._ends[-1].connect_ex(self._path) == 0
+
+    def close(self):
+        for end in self._ends:
+            end.close()
+        os.unlink(self._path)
+
+
 class SpeechTest(DesktopCase):
     def hears(self, server, part):
         said = until(f"{part!r}", lambda: next((line for line in server.said if part in line), None), 8)
         self.saw(said)
 
-    def test_a_lock_is_heard(self):
+    def listening_desk(self):
+        """A desk with a screen reader, and the environment in which it is heard in German."""
         desk = self.desk()
         reader = self.reader(desk)
         bus = dbus.bus.BusConnection(reader.environment()["DBUS_SESSION_BUS_ADDRESS"])
         bus.get_object("org.a11y.Bus", "/org/a11y/bus").Set("org.a11y.Status", "ScreenReaderEnabled", True,
                                                             dbus_interface=PROPERTIES)
-        server = SpeechServer(desk.home.runtime)
         desk.home.change_settings(debugLoggingEnabled=True)
-        self.lock(desk, environment={**reader.environment(), "LANG": "de_DE.UTF-8", "LANGUAGE": ""})
+        return desk, {**reader.environment(), "LANG": "de_DE.UTF-8", "LANGUAGE": ""}
+
+    def test_a_bad_server_holds_nothing_up(self):
+        """None that could be started, one that is silent, one that lets nobody in: the lock comes, keys count, and the
+        next good server is found."""
+        desk, environment = self.listening_desk()
+        folder = os.path.join(desk.home.path, "bin")
+        os.makedirs(folder)
+        hangs = os.path.join(folder, "speech-dispatcher")
+        with open(hangs, "w", encoding="ascii") as file:
+            file.write("#!/bin/sh\nexec sleep 30\n")
+        os.chmod(hangs, 0o755)
+        environment["PATH"] = folder + ":" + os.environ["PATH"]
+        for name, full in (("none", None), ("silent", False), ("full", True)):
+            with self.subTest(name):
+                server = None if full is None else HungServer(desk.home.runtime, full)
+                began = self.clock()
+                process = self.lock(desk, environment=environment)
+                codes = self.press_the_keys(desk)
+                took = self.clock() - began
+                self.saw(f"{name}: all keys held {took:.1f} s after the start")
+                self.assertLess(took, 6)
+                desk.keyboard.release(*codes)
+                if server is not None:
+                    server.close()
+                server = SpeechServer(desk.home.runtime)
+                try:
+                    def heard():
+                        desk.keyboard.tap(codes[0])
+                        return any("1 von 5." in line for line in server.said)
+                    until("it is heard again", heard, 12, every=0.3)
+                finally:
+                    server.close()
+                    process.kill()
+                    process.wait()
+                    until("the desktop is back", lambda: not desk.eyes.dark(), 5)
+
+    def test_a_lock_is_heard(self):
+        desk, environment = self.listening_desk()
+        server = SpeechServer(desk.home.runtime)
+        self.addCleanup(server.close)
+        self.lock(desk, environment=environment)
         self.hears(server, "Dieser Computer ist gesperrt. Zum Öffnen halte diese Tasten zusammen 30 Sekunden lang: ")
         self.assertEqual(server.commands[:3], ["SET self CLIENT_NAME user:dormel:lock", "SET self PRIORITY important",
                                                "SET self LANGUAGE de"])
-        codes = self.press_the_keys(desk)
+        self.press_the_keys(desk)
         self.hears(server, "Alle fünf. Weiter halten.")
-
-        # Without its server the lock goes on, and finds the next one.
-        server.close()
-        desk.keyboard.release(*codes)
-        server = SpeechServer(desk.home.runtime)
-        self.addCleanup(server.close)
-        desk.keyboard.press(codes[0])
-        self.hears(server, "1 von 5.")
-        desk.keyboard.release(codes[0])
 
 
 if __name__ == "__main__":

@@ -5,26 +5,22 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <utility>
+
+#include "tests/posix/TemporaryHome.h"
 
 namespace dormel {
 
 class PrivateBus {
  public:
   /// `variable` is what clients find it by: DBUS_SYSTEM_BUS_ADDRESS or DBUS_SESSION_BUS_ADDRESS.
-  PrivateBus(const std::string& folder, const char* variable) : variable_(variable), socket_(folder + "/bus") {
-    if (const char* before = std::getenv(variable)) before_ = before;
-    ::setenv(variable_, ("unix:path=" + socket_).c_str(), 1);
-  }
+  PrivateBus(const std::string& folder, const char* variable)
+      : socket_(folder + "/bus"), address_(variable, "unix:path=" + socket_) {}
   PrivateBus(const PrivateBus&) = delete;
   PrivateBus& operator=(const PrivateBus&) = delete;
-  ~PrivateBus() {
-    stop();
-    before_.empty() ? ::unsetenv(variable_) : ::setenv(variable_, before_.c_str(), 1);
-  }
+  ~PrivateBus() { stop(); }
 
   void start() {
     daemon_ = ::fork();
@@ -44,9 +40,8 @@ class PrivateBus {
   }
 
  private:
-  const char* variable_;
   std::string socket_;
-  std::string before_;
+  Variable address_;
   pid_t daemon_ = -1;
 };
 

@@ -7,6 +7,7 @@
 #include <condition_variable>
 #include <mutex>
 
+#include "platform/linux/freedesktop/InstanceLockFiles.h"
 #include "platform/linux/posix/PosixProcess.h"
 #include "platform/linux/posix/PosixQueues.h"
 #include "tests/posix/Child.h"
@@ -123,6 +124,22 @@ TEST_F(PosixProcess, OneSessionAtATime) {
     EXPECT_EQ(claimed(), 0);
   }
   EXPECT_EQ(claimed(), 1) << "free again with its holder gone";
+}
+
+TEST_F(PosixProcess, TwoUsersOfOneMachineDoNotMeet) {
+  if (::geteuid() != 0) GTEST_SKIP() << "becomes another user";
+  const auto claim = [&](auto&& then) {
+    posix::PosixProcess process(queues, freedesktop::instanceLockFiles(), noWatch);
+    return process.claimSession() && then();
+  };
+  // As after su: with the first user's variables. The second one has a seat all the same, and only one.
+  const Variable runtime("XDG_RUNTIME_DIR", home.path());
+  EXPECT_TRUE(claim([&] {
+    const TemporaryHome second;
+    return statusAsOrdinaryUser(second.path(), [&] {
+             return claim([&] { return statusOf([&] { return claim([] { return true; }); }) == 0; });
+           }) == 1;
+  }));
 }
 
 TEST_F(PosixProcess, TheSecondWindowTellsTheFirst) {
