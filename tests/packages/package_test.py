@@ -77,6 +77,8 @@ def install(package):
                                    "/usr/share/metainfo/*dormel*", "/usr/share/icons/hicolor/scalable/apps/*dormel*.svg",
                                    "/usr/share/gnome-shell/extensions/dormel@*/metadata.json") if not glob.glob(place)]
     expect(not missing, f"{missing} is installed")
+    with open(glob.glob("/usr/share/applications/*dormel*.desktop")[0], encoding="utf-8") as file:
+        expect("\nComment[de]=" in file.read(), "the menus are told what it is in German")
     saw(f"{size_of(INSTALLED) / 1e6:.1f} MB in {INSTALLED}")
     saw(f"{output('dormel', '--version').strip()}, its manual, its entry in the menus, its extension for everybody")
 
