@@ -23,6 +23,12 @@ bool isTrusted() { return platform().accessibility.isProcessTrusted(); }
 
 bool isBlockingNow() { return Config::isBlockingNow(platform().clock.now()); }
 
+/// What leads to it may change on the way: a log-out may be what is left to do.
+std::string permissionWords() {
+  const PermissionWords words = platform().wording.permission();
+  return words.granted + words.advice + words.settingsButton;
+}
+
 void trace(const std::string& line) { DebugLog::shared().append(line); }
 
 }  // namespace
@@ -40,6 +46,7 @@ SettingsView::SettingsView(Updater& updater, Hooks hooks)
       hooks_(std::move(hooks)),
       startHour_(this, Config::startHour()),
       axTrusted_(this, dormel::isTrusted()),
+      permissionWords_(this, permissionWords()),
       enabled_(this, Config::blockingEnabled()),
       blockingNow_(this, isBlockingNow()),
       use24Hour_(this, Config::use24HourClock()) {}
@@ -71,6 +78,7 @@ void SettingsView::refresh() {
     hooks_.bringToFront();
   }
   axTrusted_ = trusted;
+  permissionWords_ = permissionWords();
   lookAtTheHours();
 }
 

@@ -108,6 +108,7 @@ class SettingsView : public View, public Observable, public std::enable_shared_f
   Hooks hooks_;
   Published<int> startHour_;
   Published<bool> axTrusted_;
+  Published<std::string> permissionWords_;  // all of them: they may change on the way to it
   Published<bool> enabled_;
   Published<bool> blockingNow_;
   Published<bool> use24Hour_;

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "assistant/AssentaAssistant.h"
+#include "platform/linux/DesktopWording.h"
 #include "settings/AccessibilityCardView.h"
 #include "settings/SettingsView.h"
 #include "tests/sim/Program.h"
@@ -201,6 +202,23 @@ TEST(Settings, FollowsTheMachineWithinTwoSeconds) {
   EXPECT_EQ(guide.activePanel(), std::nullopt);
   page.view.reset();
   EXPECT_EQ(page.machine.timeline.repeatingTimers(), 0);
+}
+
+TEST(Settings, FollowsTheWayToThePermission) {
+  Page page({"12:00:00"});
+  DesktopFacts facts{DisplayKind::none, true, true, "", "/f", "Not there yet.", true};
+  const DesktopWording wording([&] { return facts; });
+  page.machine.wording.speakAs(wording);
+  page.machine.accessibility.setTrusted(false);
+  page.machine.advance(2.1);
+  EXPECT_NE(page.view->permissionText().find("Not there yet."), std::string::npos);
+  int changes = 0;
+  const auto observation = page.view->observe([&] { ++changes; });
+  page.machine.advance(10);
+  EXPECT_EQ(changes, 0);
+  facts.extensionAdvice = "Log out once.";
+  page.machine.advance(2.1);
+  EXPECT_EQ(changes, 1);
 }
 
 TEST(Settings, FollowsTheUpdaterWhileItIsShown) {
