@@ -79,19 +79,5 @@ TEST(EntryPoint, AnArgumentNobodyKnowsOpensTheWindowAndIsNamed) {
   EXPECT_NE(program.machine.mainWindows.front(), nullptr);
 }
 
-TEST(EntryPoint, ATerminationSignalEndsAnyDesktopRunWithOne) {
-  for (const Lines& arguments : {Lines{}, Lines{"--scheduled"}}) {
-    Program program;
-    program.machine.setWallClock("2026-11-16 23:00:00");
-    program.open(arguments);
-    program.machine.advance(5);
-    program.machine.journal.clear();
-    program.machine.process.terminate();
-    program.machine.settle();
-    EXPECT_EQ(program.machine.output.lines().back(), "SIGTERM caught — respawning via non-zero exit.");
-    EXPECT_EQ(program.machine.exitStatus(), 1);
-  }
-}
-
 }  // namespace
 }  // namespace dormel

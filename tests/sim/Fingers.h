@@ -12,6 +12,18 @@ inline void pressAll(SimMachine& machine, const BypassController& controller) {
   machine.settle();
 }
 
+/// The same where no tap runs: the controller is told of each key by hand.
+inline void pressAllByHand(SimMachine& machine, BypassController& controller) {
+  for (const RequiredKey& key : controller.requiredKeys()) {
+    machine.keyboard.press(key.keyCode);
+    if (key.isModifier) {
+      controller.handleFlagsChanged(key.keyCode, machine.keyboard.flags());
+    } else {
+      controller.handleKeyDown(key.keyCode);
+    }
+  }
+}
+
 inline void releaseAll(SimMachine& machine) {
   machine.keyboard.releaseAll();
   machine.settle();

@@ -16,18 +16,6 @@ class OverlayTest : public testing::Test {
  protected:
   OverlayTest() { EXPECT_EQ(view->kind(), ViewKind::blockerOverlay); }
 
-  /// The challenge without an interceptor: events reach the controller by hand.
-  void hold() {
-    for (const RequiredKey& key : session->controller->requiredKeys()) {
-      machine.keyboard.press(key.keyCode);
-      if (key.isModifier) {
-        session->controller->handleFlagsChanged(key.keyCode, machine.keyboard.flags());
-      } else {
-        session->controller->handleKeyDown(key.keyCode);
-      }
-    }
-  }
-
   SimMachine machine;
   std::shared_ptr<FakeSession> session = std::make_shared<FakeSession>();
   std::shared_ptr<BlockerOverlayView> view = BlockerOverlayView::create(session);
@@ -36,7 +24,7 @@ class OverlayTest : public testing::Test {
 TEST_F(OverlayTest, StatusTellsWhatHappens) {
   EXPECT_EQ(view->state().statusText, "Good night. Time to sleep.");
   EXPECT_EQ(view->state().statusColor, color::white(0.40));
-  hold();
+  pressAllByHand(machine, *session->controller);
   EXPECT_EQ(view->state().statusText, "Keep holding...");
   session->controller->handleKeyUp(session->controller->requiredKeys()[4].keyCode);
   EXPECT_EQ(view->state().statusText, "Good night. Time to sleep.");

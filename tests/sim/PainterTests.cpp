@@ -97,16 +97,7 @@ class PainterTest : public testing::Test {
     blocker->window().makeKeyAndOrderFront();
     machine.settle();
   }
-  void hold() {
-    for (const RequiredKey& key : session->controller->requiredKeys()) {
-      machine.keyboard.press(key.keyCode);
-      if (key.isModifier) {
-        session->controller->handleFlagsChanged(key.keyCode, machine.keyboard.flags());
-      } else {
-        session->controller->handleKeyDown(key.keyCode);
-      }
-    }
-  }
+  void hold() { pressAllByHand(machine, *session->controller); }
   [[nodiscard]] SimWindow& window() const { return static_cast<SimWindow&>(blocker->window()); }
   [[nodiscard]] bool isPainted() const { return window().frames() > 0 && window().corner() != paint::PLAIN_GROUND; }
   /// Lines of the guard's own are on screen.

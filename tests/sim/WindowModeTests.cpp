@@ -74,7 +74,8 @@ TEST(WindowMode, HealsALostJobOrAsksForTheSwitch) {
   refusedAloud.push_back(RECOVERY);
   const char* const healedTrail = "self-heal: agent not loaded at Settings launch — re-armed";
   const char* const offTrail = "self-heal: Dormel is switched off in Login Items — asking the user";
-  const char* const exitTrail = "agent bootstrap FAILED exit=5";
+  const Lines refusedTrail{"agent bootstrap FAILED exit=5"};
+  const Lines askedTrail{refusedTrail.front(), "self-heal: re-arm bootstrap FAILED — asking the user"};
 
   const struct {
     const char* name;
@@ -91,15 +92,8 @@ TEST(WindowMode, HealsALostJobOrAsksForTheSwitch) {
       {"lost, lock off", true, false, false, false, Status::enabled, healed, {healedTrail}},
       {"off", true, true, false, true, Status::requiresApproval, {PRINT + " = 113", RECOVERY}, {offTrail}},
       {"off, lock off too", true, false, false, true, Status::requiresApproval, {PRINT + " = 113"}, {offTrail}},
-      {"refused",
-       true,
-       true,
-       false,
-       true,
-       Status::enabled,
-       refusedAloud,
-       {exitTrail, "self-heal: re-arm bootstrap FAILED — asking the user"}},
-      {"refused, lock off", true, false, false, true, Status::enabled, refused, {exitTrail}},
+      {"refused", true, true, false, true, Status::enabled, refusedAloud, askedTrail},
+      {"refused, lock off", true, false, false, true, Status::enabled, refused, refusedTrail},
   };
   for (const auto& row : rows) {
     Program program;
@@ -135,37 +129,22 @@ TEST(WindowMode, OffersNoPageThatCannotBeOpened) {
 
 TEST(WindowMode, LooksForTheSwitchWheneverTheUserComesBack) {
   const Lines rearmed{PRINT + " = 113", WRITE, BOOTOUT + " = 3", BOOTSTRAP + " = 0"};
+  Lines takenOff = rearmed;
+  takenOff.insert(takenOff.begin(), "alert taken off: Dormel is switched off");
+  const Lines opened{"alert answered: Open Login Items", "login items page opened"};
+  const Lines notNow{"alert answered: Not Now"};
   const struct {
     const char* name;
     const char* answer;  // null: the alert still stands
     bool stillOff, loadedMeanwhile;
     Lines answered, back;
-    bool awaits;
   } rows[] = {
-      {"by way of the button",
-       "Open Login Items",
-       false,
-       false,
-       {"alert answered: Open Login Items", "login items page opened"},
-       rearmed,
-       false},
-      {"by a way of its own", "Not Now", false, false, {"alert answered: Not Now"}, rearmed, false},
-      {"with the alert still open",
-       nullptr,
-       false,
-       false,
-       {},
-       {"alert taken off: Dormel is switched off", rearmed[0], rearmed[1], rearmed[2], rearmed[3]},
-       false},
-      {"nothing changed",
-       "Open Login Items",
-       true,
-       false,
-       {"alert answered: Open Login Items", "login items page opened"},
-       {},
-       true},
-      {"nothing changed, alert open", nullptr, true, false, {}, {}, true},
-      {"loaded by the desktop already", "Not Now", false, true, {"alert answered: Not Now"}, {PRINT + " = 0"}, false},
+      {"by way of the button", "Open Login Items", false, false, opened, rearmed},
+      {"by a way of its own", "Not Now", false, false, notNow, rearmed},
+      {"with the alert still open", nullptr, false, false, {}, takenOff},
+      {"nothing changed", "Open Login Items", true, false, opened, {}},
+      {"nothing changed, alert open", nullptr, true, false, {}, {}},
+      {"loaded by the desktop already", "Not Now", false, true, notNow, {PRINT + " = 0"}},
   };
   for (const auto& row : rows) {
     Program program;
@@ -189,8 +168,8 @@ TEST(WindowMode, LooksForTheSwitchWheneverTheUserComesBack) {
     machine.application.comeBack();
     machine.settle();
     EXPECT_EQ(effects(program), row.back) << row.name;
-    EXPECT_EQ(program.delegate().awaitingLoginItemsFix(), row.awaits) << row.name;
-    EXPECT_EQ(appTrail().back() == TRAIL_BACK, !row.awaits) << row.name;
+    EXPECT_EQ(program.delegate().awaitingLoginItemsFix(), row.stillOff) << row.name;
+    EXPECT_EQ(appTrail().back() == TRAIL_BACK, !row.stillOff) << row.name;
     EXPECT_EQ(program.isArmed(), !row.stillOff) << row.name;
 
     machine.application.leave();
@@ -284,17 +263,12 @@ TEST(WindowMode, FinishingTheOnboardingArmsTheSchedulerOrSaysThatItCouldNot) {
                    "application activated",
                    "main window 1 closed",
                    WRITE,
-                   BOOTOUT + " = 3",
-                   BOOTSTRAP + " = 0",
-                   "out: Onboarding complete — scheduler armed (lock 22:00 → 6:00)."};
-    if (refused) {
-      expected.erase(expected.end() - 2, expected.end());
-      for (const std::string& line :
-           {BOOTSTRAP + " = 5", REFUSED, std::string("out: Onboarding complete but the scheduler could NOT be armed."),
-            RECOVERY}) {
-        expected.push_back(line);
-      }
-    }
+                   BOOTOUT + " = 3"};
+    const Lines ends =
+        refused ? Lines{BOOTSTRAP + " = 5", REFUSED, "out: Onboarding complete but the scheduler could NOT be armed.",
+                        RECOVERY}
+                : Lines{BOOTSTRAP + " = 0", "out: Onboarding complete — scheduler armed (lock 22:00 → 6:00)."};
+    expected.insert(expected.end(), ends.begin(), ends.end());
     EXPECT_EQ(effects(program), expected);
     EXPECT_EQ(program.delegate().awaitingLoginItemsFix(), refused);
   }
