@@ -63,17 +63,17 @@ void AppDelegate::didFinishLaunching() {
 
 void AppDelegate::startScheduledBlock() {
   mode_ = Mode::scheduled;
-  claimNight(INSTANCE_LOCK_TRIES);
+  waitForInstance(INSTANCE_LOCK_TRIES);
 }
 
-void AppDelegate::claimNight(int triesLeft) {
-  if (platform().process.claimSession()) return beginNight();
+void AppDelegate::waitForInstance(int triesLeft) {
+  if (platform().process.acquireScheduledInstance()) return beginNight();
   if (triesLeft == 0) {
     print("Dormel is already watching this night in another process. Exiting.");
     platform().process.exit(0);
   }
   platform().runLoop.asyncAfter(INSTANCE_LOCK_PAUSE, [weak = weak_from_this(), triesLeft] {
-    if (const auto self = weak.lock()) self->claimNight(triesLeft - 1);
+    if (const auto self = weak.lock()) self->waitForInstance(triesLeft - 1);
   });
 }
 
@@ -96,7 +96,7 @@ void AppDelegate::startWindowMode() {
   for (std::size_t i = 1; i < cliArgs.size(); ++i) {
     platform().output.printError("Dormel: unknown argument " + cliArgs[i] + "; see --help");
   }
-  if (!platform().process.claimWindow([weak = weak_from_this()] {
+  if (!platform().process.acquireWindowInstance([weak = weak_from_this()] {
         if (const auto self = weak.lock()) self->handleReopen();
       })) {
     platform().process.exit(0);  // the running one comes to the front instead

@@ -64,7 +64,7 @@ class AppDelegate : public ApplicationDelegate, public std::enable_shared_from_t
   AppDelegate() = default;
   void startScheduledBlock();
   /// Takes the instance lock of scheduled runs, once a holder that is dying has ended, or ends the process.
-  void claimNight(int triesLeft);
+  void waitForInstance(int triesLeft);
   void beginNight();
   void startWindowMode();
   bool putUpdateInPlace();

@@ -41,11 +41,11 @@ class Process {
 
   /// Takes the lock that lets one scheduled run in at a time in this user's login session. True when this process has
   /// it now, and until it ends; false when another process has it.
-  virtual bool claimSession() = 0;
+  virtual bool acquireScheduledInstance() = 0;
 
   /// Takes the lock that lets one opened program in at a time in this user's login session. False when another has it,
   /// which has then been told; `onReopen` runs in this process, on the main thread, whenever it is told.
-  virtual bool claimWindow(Task onReopen) = 0;
+  virtual bool acquireWindowInstance(Task onReopen) = 0;
 };
 
 class ChildProcesses {

@@ -2,7 +2,7 @@
 import QtQuick
 import Dormel.Ui
 
-Mark {
+Logo {
     color: AppPalette.text
     // Finer where it is large.
     stroke: width > 48 ? 1.1 : 1.6

@@ -21,7 +21,7 @@ struct DisplayOffer {
   /// It lets them lock the session.
   bool sessionLock = false;
   /// And a new client takes over a lock whose owner died; without that, nobody could end such a lock.
-  bool sessionLockIsTakenOver = true;
+  bool allowsLockTakeover = true;
   bool x11 = false;
   /// GNOME Shell's extension answers.
   bool extension = false;
@@ -37,7 +37,7 @@ enum class DisplayKind {
 
 [[nodiscard]] inline DisplayKind chooseDisplay(const DisplayOffer& offer) {
   if (offer.extension) return DisplayKind::extension;
-  if (offer.overlay && offer.sessionLock && offer.sessionLockIsTakenOver) return DisplayKind::sessionLock;
+  if (offer.overlay && offer.sessionLock && offer.allowsLockTakeover) return DisplayKind::sessionLock;
   // An overlay that has the keyboard stops typing, but not the compositor's shortcuts.
   if (offer.overlay && offer.shortcutsInhibitor) return DisplayKind::overlay;
   return offer.x11 ? DisplayKind::x11 : DisplayKind::none;

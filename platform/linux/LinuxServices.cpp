@@ -11,8 +11,8 @@
 #include "platform/Identifiers.h"
 #include "platform/RunningApplications.h"
 #include "platform/common/paint/PaintedCanvases.h"
+#include "platform/linux/ActiveDisplay.h"
 #include "platform/linux/DesktopWording.h"
-#include "platform/linux/DisplayInForce.h"
 #include "platform/linux/SessionWorkspace.h"
 #include "platform/linux/freedesktop/AutostartLoginItems.h"
 #include "platform/linux/freedesktop/CreatedFolders.h"
@@ -56,11 +56,11 @@ DisplayUse useOf(LaunchKind kind) {
 /// The permission as the display sees it, and the way back when there was no display at first.
 class DesktopAccessibility final : public Accessibility {
  public:
-  DesktopAccessibility(DisplayInForce& display, Process& process, StandardOutput& output, LaunchKind kind)
+  DesktopAccessibility(ActiveDisplay& display, Process& process, StandardOutput& output, LaunchKind kind)
       : display_(display), process_(process), output_(output), isStartedAgain_(kind == LaunchKind::background) {}
 
   [[nodiscard]] bool isProcessTrusted() const override {
-    if (isStartedAgain_ && display_.hasComeUp()) {
+    if (isStartedAgain_ && display_.hasAppeared()) {
       // Nothing of this process was built for a display. The scheduler's next start has one from the beginning.
       output_.print("A display has come up. Starting again on it.");
       process_.exit(1);
@@ -69,7 +69,7 @@ class DesktopAccessibility final : public Accessibility {
   }
 
  private:
-  DisplayInForce& display_;
+  ActiveDisplay& display_;
   Process& process_;
   StandardOutput& output_;
   const bool isStartedAgain_;
@@ -174,9 +174,9 @@ struct LinuxServices::Parts {
   posix::SessionTexts texts;
   posix::PosixChildProcesses children;
   posix::PropertyListDefaults defaults;
-  paint::HelperLauncher launcher;
+  paint::PainterProcessLauncher launcher;
   paint::PaintedCanvases painted;
-  DisplayInForce display;
+  ActiveDisplay display;
   DesktopAccessibility accessibility;
   freedesktop::ShellOverview shellOverview;
   DesktopApplication application;

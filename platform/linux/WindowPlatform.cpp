@@ -5,9 +5,9 @@
 
 #include "platform/linux/LinuxServices.h"
 #include "platform/linux/posix/StandardDescriptors.h"
-#include "platform/linux/qt/EventLoopCarrier.h"
 #include "platform/linux/qt/QtAlerts.h"
 #include "platform/linux/qt/QtDragging.h"
+#include "platform/linux/qt/QtEventLoopAdapter.h"
 #include "platform/linux/qt/QtGuideWindows.h"
 #include "platform/linux/qt/QtMainMenu.h"
 #include "platform/linux/qt/QtMainWindows.h"
@@ -63,7 +63,7 @@ struct WindowPlatform::Parts {
   QIcon icon;
   std::shared_ptr<SceneLoader> stage;
   LinuxServices common;
-  qt::EventLoopCarrier carrier;
+  qt::QtEventLoopAdapter carrier;
   std::shared_ptr<WindowGroup> windows;
   QtDragging dragging;
   QtGuideWindows panels;

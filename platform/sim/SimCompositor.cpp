@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/common/lock/FocusKeeper.h"
-#include "platform/common/lock/LockKeeper.h"
+#include "platform/common/lock/FocusRetrier.h"
+#include "platform/common/lock/LockController.h"
 
 namespace dormel {
 namespace {
@@ -25,13 +25,13 @@ class SimCompositor::Client : public LockPlace {
  public:
   Client(SimCompositor& compositor, int number) : compositor_(compositor), number_(number) {}
 
-  LockKeeper keeper{*this};
-  FocusKeeper focus{compositor_.clock_,
-                    {[this] { return compositor_.isFocusHeld(); },
-                     [this] {
-                       if (!keeper.isUp()) compositor_.giveFocusBack();
-                     },
-                     [this] { compositor_.giveFocusBack(); }}};
+  LockController keeper{*this};
+  FocusRetrier focus{compositor_.clock_,
+                     {[this] { return compositor_.isFocusHeld(); },
+                      [this] {
+                        if (!keeper.isUp()) compositor_.giveFocusBack();
+                      },
+                      [this] { compositor_.giveFocusBack(); }}};
   bool isEnding = false;
 
   bool mark() override {
@@ -161,23 +161,23 @@ LockRelease SimCompositor::release() {
 void SimCompositor::look(int process) {
   const auto found = watchers_.find(process);
   if (found == watchers_.end()) return;
-  LockWatch& watch = *found->second.watch;
-  LockWatch::Seen seen{mark_};
+  AbandonedLockPolicy& watch = *found->second.watch;
+  AbandonedLockPolicy::Seen seen{mark_};
   if (mark_) {
     const int owner = static_cast<int>(mark_->owner.startedAt);
     const bool isCounted = owner == launches_ && timeline_.uptime() < diedAt_ + COUNTED;
     seen.isOwnerAlive = isRunning(owner) || isCounted;
   }
   seen.isCompositorAlive = found->second.compositor == generation_;
-  const LockWatch::Step step = watch.next(seen, timeline_.uptime());
-  const LockRelease result = step == LockWatch::Step::release ? release() : LockRelease::failed;
+  const AbandonedLockPolicy::Step step = watch.next(seen, timeline_.uptime());
+  const LockRelease result = step == AbandonedLockPolicy::Step::release ? release() : LockRelease::failed;
   if (result == LockRelease::released) mark_.reset();
-  if (step == LockWatch::Step::end || result == LockRelease::released) {
+  if (step == AbandonedLockPolicy::Step::end || result == LockRelease::released) {
     watchers_.erase(found);
     return;
   }
-  if (step == LockWatch::Step::release) watch.tried(result);
-  timeline_.addWorld(LockWatch::PAUSE, [this, process] { look(process); });
+  if (step == AbandonedLockPolicy::Step::release) watch.tried(result);
+  timeline_.addWorld(AbandonedLockPolicy::PAUSE, [this, process] { look(process); });
 }
 
 void SimCompositor::stealFocus() {

@@ -10,8 +10,8 @@
 #include <memory>
 #include <optional>
 
+#include "platform/common/lock/AbandonedLockPolicy.h"
 #include "platform/common/lock/LockMark.h"
-#include "platform/common/lock/LockWatch.h"
 #include "platform/sim/SimJournal.h"
 #include "platform/sim/SimKeyboard.h"
 #include "platform/sim/SimTimeline.h"
@@ -67,7 +67,7 @@ class SimCompositor {
   struct Watcher {
     bool isMarked;
     int compositor;
-    std::optional<LockWatch> watch;  ///< from the owner's death on
+    std::optional<AbandonedLockPolicy> watch;  ///< from the owner's death on
   };
 
   [[nodiscard]] bool isInForce() const { return desktop_ == Desktop::sessionLock || desktop_ == Desktop::overlay; }

@@ -55,7 +55,7 @@ class SimMachine {
   };
 
   /// One process's end.
-  struct Ending {
+  struct ExitResult {
     int status;
     Date at;
   };
@@ -92,7 +92,7 @@ class SimMachine {
   void launch(const std::vector<std::string>& arguments, const std::string& logPath = {});
   /// Runs `work` as the process's main thread. False when that ended the process.
   bool run(const Task& work) { return timeline.perform(work); }
-  [[nodiscard]] const std::vector<Ending>& endings() const { return endings_; }
+  [[nodiscard]] const std::vector<ExitResult>& endings() const { return endings_; }
   /// The last process's exit status; nothing while one runs.
   [[nodiscard]] std::optional<int> exitStatus() const;
 
@@ -142,7 +142,7 @@ class SimMachine {
   std::optional<PlatformScope> scope_;
   Program program_;
   std::shared_ptr<void> launched_;
-  std::vector<Ending> endings_;
+  std::vector<ExitResult> endings_;
 };
 
 }  // namespace dormel

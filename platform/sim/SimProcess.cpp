@@ -17,7 +17,7 @@ std::string commandLine(const std::string& tool, const std::vector<std::string>&
 
 }  // namespace
 
-bool SimProcess::claimWindow(Task onReopen) {
+bool SimProcess::acquireWindowInstance(Task onReopen) {
   if (windowSeatTaken_) {
     journal_.note("the running program is told that it was opened again");
     return false;

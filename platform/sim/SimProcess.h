@@ -26,8 +26,8 @@ class SimProcess : public Process {
   [[nodiscard]] int processId() const override { return 4711; }
   [[nodiscard]] unsigned userId() const override { return 1000; }
   void onTerminationSignal(Task handler) override { terminationHandler_ = std::move(handler); }
-  bool claimSession() override { return !sessionTaken_; }
-  bool claimWindow(Task onReopen) override;
+  bool acquireScheduledInstance() override { return !sessionTaken_; }
+  bool acquireWindowInstance(Task onReopen) override;
 
   // The world's side.
   /// The termination signal: the handler's turn comes on the main thread; without one the process dies of it.

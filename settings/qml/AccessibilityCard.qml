@@ -31,7 +31,7 @@ Item {
             width: parent.width
             height: 20
 
-            Mark {
+            Logo {
                 id: mark
                 width: 20
                 height: 20

@@ -40,7 +40,7 @@ Item {
                 bottomPadding: 4
 
                 // It draws itself when the window opens.
-                Mark {
+                Logo {
                     anchors.horizontalCenter: parent.horizontalCenter
                     width: 40
                     height: 40

@@ -14,7 +14,7 @@
 #include "tests/drawn/DrawnMachine.h"
 #include "tests/drawn/OpenWindows.h"
 #include "tests/drawn/SeenItems.h"
-#include "ui/qml/Mark.h"
+#include "ui/qml/Logo.h"
 
 namespace dormel {
 namespace {
@@ -298,10 +298,10 @@ TEST_F(SettingsWindowTest, ScrollsByWheelAndIsDraggedByItsBackground) {
   EXPECT_EQ(grabberOfPressAt(control("Lock at")->mapToScene({20, 20})), nullptr);
 }
 
-TEST(MarkTest, TheIconsFileShowsTheMark) {
+TEST(LogoTest, TheIconsFileShowsTheMark) {
   QFile file(QStringLiteral(DORMEL_SOURCE "/packaging/dormel.svg"));
   ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-  EXPECT_TRUE(file.readAll().contains(Mark::svgPath().toUtf8()));
+  EXPECT_TRUE(file.readAll().contains(Logo::svgPath().toUtf8()));
 }
 
 }  // namespace

@@ -116,11 +116,11 @@ TEST_F(PosixProcess, TheLastResortEndsAStoppedProcessUnlessItIsTakenBack) {
 
 TEST_F(PosixProcess, OneSessionAtATime) {
   const auto claimed = [&] {
-    return statusOf([&] { return posix::PosixProcess(queues, paths, noWatch).claimSession(); });
+    return statusOf([&] { return posix::PosixProcess(queues, paths, noWatch).acquireScheduledInstance(); });
   };
   {
     posix::PosixProcess process(queues, paths, noWatch);
-    EXPECT_TRUE(process.claimSession());
+    EXPECT_TRUE(process.acquireScheduledInstance());
     EXPECT_EQ(claimed(), 0);
   }
   EXPECT_EQ(claimed(), 1) << "free again with its holder gone";
@@ -130,7 +130,7 @@ TEST_F(PosixProcess, TwoUsersOfOneMachineDoNotMeet) {
   if (::geteuid() != 0) GTEST_SKIP() << "becomes another user";
   const auto claim = [&](auto&& then) {
     posix::PosixProcess process(queues, freedesktop::instanceLockFiles(), noWatch);
-    return process.claimSession() && then();
+    return process.acquireScheduledInstance() && then();
   };
   // As after su: with the first user's variables. The second one has a seat all the same, and only one.
   const Variable runtime("XDG_RUNTIME_DIR", home.path());
@@ -147,9 +147,9 @@ TEST_F(PosixProcess, TheSecondWindowTellsTheFirst) {
   const auto watch = [&](int, std::function<bool()> action) { onReadable = std::move(action); };
   int reopened = 0;
   const auto another = [&] {
-    return statusOf([&] { return posix::PosixProcess(queues, paths, watch).claimWindow([] {}); });
+    return statusOf([&] { return posix::PosixProcess(queues, paths, watch).acquireWindowInstance([] {}); });
   };
-  const auto claim = [&](posix::PosixProcess& process) { return process.claimWindow([&] { ++reopened; }); };
+  const auto claim = [&](posix::PosixProcess& process) { return process.acquireWindowInstance([&] { ++reopened; }); };
 
   // Something else stands in the place: it locks nobody out.
   put(paths.window, "left behind");
@@ -172,7 +172,7 @@ TEST_F(PosixProcess, TheSecondWindowTellsTheFirst) {
   }
   EXPECT_EQ(another(), 1) << "free again with its holder gone, though its file is still there";
   const posix::InstanceLockPaths nowhere{"/nowhere/session", "/nowhere/window"};
-  EXPECT_TRUE(posix::PosixProcess(queues, nowhere, watch).claimWindow([] {}));
+  EXPECT_TRUE(posix::PosixProcess(queues, nowhere, watch).acquireWindowInstance([] {}));
 }
 
 }  // namespace

@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "platform/common/lock/FocusKeeper.h"
+#include "platform/common/lock/AbandonedLockPolicy.h"
+#include "platform/common/lock/FocusRetrier.h"
 #include "platform/common/lock/LockStages.h"
-#include "platform/common/lock/LockWatch.h"
 #include "platform/linux/DisplayChoice.h"
 #include "platform/linux/display/KeyTracker.h"
 #include "platform/linux/display/XkbLabels.h"
@@ -91,10 +91,10 @@ struct Struggle {
   SimMachine machine;
   bool isHeld = true;
   std::string asked;  // a: again, n: a new surface
-  FocusKeeper focus{machine.clock, {[this] { return isHeld; }, [this] { asked += 'a'; }, [this] { asked += 'n'; }}};
+  FocusRetrier focus{machine.clock, {[this] { return isHeld; }, [this] { asked += 'a'; }, [this] { asked += 'n'; }}};
 };
 
-TEST(FocusKeeper, AsksAtOnceAndThenByTurns) {
+TEST(FocusRetrier, AsksAtOnceAndThenByTurns) {
   Struggle s;
   s.focus.want(true);
   s.isHeld = false;
@@ -110,7 +110,7 @@ TEST(FocusKeeper, AsksAtOnceAndThenByTurns) {
   EXPECT_EQ(s.asked, "ana");
 }
 
-TEST(FocusKeeper, UnderALockOnlyANewSurfaceHelps) {
+TEST(FocusRetrier, UnderALockOnlyANewSurfaceHelps) {
   Struggle s;
   s.focus.setUnderLock(true);
   s.isHeld = false;
@@ -119,7 +119,7 @@ TEST(FocusKeeper, UnderALockOnlyANewSurfaceHelps) {
   EXPECT_EQ(s.asked, "nn");
 }
 
-TEST(FocusKeeper, DoesNotFightAtFullSpeedForEver) {
+TEST(FocusRetrier, DoesNotFightAtFullSpeedForEver) {
   Struggle s;
   s.focus.want(true);
   for (int i = 0; i < 1000; ++i) {  // somebody takes it back each time it was had
@@ -133,7 +133,7 @@ TEST(FocusKeeper, DoesNotFightAtFullSpeedForEver) {
   EXPECT_GE(s.asked.size(), 10U);
 }
 
-TEST(FocusKeeper, LeavesTheKeyboardToAnotherProgramsLock) {
+TEST(FocusRetrier, LeavesTheKeyboardToAnotherProgramsLock) {
   Struggle s;
   s.focus.want(true);
   s.focus.setYielding(true);
@@ -206,14 +206,14 @@ TEST(LockMark, TextThatIsNoneIsNoMark) {
   for (const char* text : {"", "x", "12 345 67", "-1 2 3 4", "0 0 0 0"}) EXPECT_FALSE(LockMark::parse(text)) << text;
 }
 
-TEST(LockWatch, EndsALockThatNobodyHasTakenOver) {
-  using Step = LockWatch::Step;
+TEST(AbandonedLockPolicy, EndsALockThatNobodyHasTakenOver) {
+  using Step = AbandonedLockPolicy::Step;
   const ProcessMark compositor{7, 1};
   const LockMark dead{{12, 345}, compositor};
   struct Case {
     const char* what;
     bool isMarked;
-    LockWatch::Seen seen;
+    AbandonedLockPolicy::Seen seen;
     Step before;
     Step after;
   };
@@ -225,36 +225,36 @@ TEST(LockWatch, EndsALockThatNobodyHasTakenOver) {
       {"the compositor is gone", true, {dead, false, false}, Step::end, Step::end},
   };
   for (const Case& c : cases) {
-    LockWatch watch(dead.owner, c.isMarked, 100);
+    AbandonedLockPolicy watch(dead.owner, c.isMarked, 100);
     EXPECT_EQ(watch.next(c.seen, 109.9), c.before) << c.what;
     EXPECT_EQ(watch.next(c.seen, 110), c.after) << c.what;
   }
 }
 
-TEST(LockWatch, LeavesALockToWhomHasTakenItOver) {
-  const LockWatch::Seen taken{LockMark{{13, 678}, {7, 1}}, true};
-  LockWatch watch({12, 345}, true, 0);
-  EXPECT_EQ(watch.next(taken, 2), LockWatch::Step::look) << "its own watcher may not be there yet";
-  EXPECT_EQ(watch.next(taken, 3), LockWatch::Step::end);
+TEST(AbandonedLockPolicy, LeavesALockToWhomHasTakenItOver) {
+  const AbandonedLockPolicy::Seen taken{LockMark{{13, 678}, {7, 1}}, true};
+  AbandonedLockPolicy watch({12, 345}, true, 0);
+  EXPECT_EQ(watch.next(taken, 2), AbandonedLockPolicy::Step::look) << "its own watcher may not be there yet";
+  EXPECT_EQ(watch.next(taken, 3), AbandonedLockPolicy::Step::end);
 }
 
-TEST(LockWatch, WaitsAnewForAnOwnerThatDiedAsWell) {
+TEST(AbandonedLockPolicy, WaitsAnewForAnOwnerThatDiedAsWell) {
   const LockMark other{{13, 678}, {7, 1}};
-  LockWatch watch({12, 345}, true, 0);
-  EXPECT_EQ(watch.next({other, true}, 9), LockWatch::Step::look);
-  EXPECT_EQ(watch.next({other, false}, 9.5), LockWatch::Step::look);
-  EXPECT_EQ(watch.next({other, false}, 10), LockWatch::Step::look) << "the scheduler brings it back";
-  EXPECT_EQ(watch.next({other, false}, 19.5), LockWatch::Step::release);
+  AbandonedLockPolicy watch({12, 345}, true, 0);
+  EXPECT_EQ(watch.next({other, true}, 9), AbandonedLockPolicy::Step::look);
+  EXPECT_EQ(watch.next({other, false}, 9.5), AbandonedLockPolicy::Step::look);
+  EXPECT_EQ(watch.next({other, false}, 10), AbandonedLockPolicy::Step::look) << "the scheduler brings it back";
+  EXPECT_EQ(watch.next({other, false}, 19.5), AbandonedLockPolicy::Step::release);
 }
 
-TEST(LockWatch, TriesAgainUntilTheCompositorHasNoticedAndNotForEver) {
-  LockWatch watch({12, 345}, true, 0);
-  const LockWatch::Seen seen{LockMark{{12, 345}, {7, 1}}};
+TEST(AbandonedLockPolicy, TriesAgainUntilTheCompositorHasNoticedAndNotForEver) {
+  AbandonedLockPolicy watch({12, 345}, true, 0);
+  const AbandonedLockPolicy::Seen seen{LockMark{{12, 345}, {7, 1}}};
   int attempts = 0;
   for (int i = 0; i < 1000; ++i) watch.tried(LockRelease::failed);
-  for (; watch.next(seen, 10) == LockWatch::Step::release; ++attempts) watch.tried(LockRelease::owned);
-  EXPECT_GE(attempts * LockWatch::PAUSE, 3);
-  EXPECT_LE(attempts * LockWatch::PAUSE, 6);
+  for (; watch.next(seen, 10) == AbandonedLockPolicy::Step::release; ++attempts) watch.tried(LockRelease::owned);
+  EXPECT_GE(attempts * AbandonedLockPolicy::PAUSE, 3);
+  EXPECT_LE(attempts * AbandonedLockPolicy::PAUSE, 6);
 }
 
 }  // namespace

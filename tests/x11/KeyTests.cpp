@@ -27,7 +27,7 @@ struct Tapped {
   explicit Tapped(const XServer& server)
       : connection(server.client()),
         features(ServerFeatures::query(*connection)),
-        taps(connection, features, TypingCare::create(connection, features)),
+        taps(connection, features, AccessXSuspension::create(connection, features)),
         tap((taps.setOnLost([this] { ++cuts; }), taps.create([this](const KeyEvent& event) {
           events.push_back(event);
           return TapVerdict::swallow;

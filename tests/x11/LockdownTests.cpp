@@ -101,7 +101,7 @@ TEST_F(LockdownTest, TheNextStartRepairsWhatACrashLeftAndNobodyDisturbsALivingLo
   if (pid == 0) {
     const auto connection = server->client();
     const ServerFeatures features = ServerFeatures::query(*connection);
-    Lockdown lockdown(connection, features, TypingCare::create(connection, features));
+    Lockdown lockdown(connection, features, AccessXSuspension::create(connection, features));
     lockdown.set(true);
     connection->sync();
     if (write(ready[1], "!", 1) == 1) pause();
@@ -208,22 +208,14 @@ TEST_F(LockdownTest, WhatKeysLockInTheServerIsAsBeforeWhenTheLockGoes) {
   }
   const auto connection = server->client();
   const ServerFeatures features = ServerFeatures::query(*connection);
-  LockedState died(connection, features);
+  XkbLockState died(connection, features);
   died.remember(died.ask(keyDevices(*connection, features)));
   pressAll();  // and that process died
   { const Fixture next(*server); }
   EXPECT_EQ(locked(), before) << "by the next start";
 }
 
-TEST_F(LockdownTest, TheLastWillNeedsNoMainThread) {
-  Fixture desk(*server);
-  desk.x11.setLockdown(true);
-  ASSERT_EQ(waysOut(serverHotkeys()), 0);
-  std::thread([&] { desk.x11.restoreAtExit(false); }).join();
-  EXPECT_EQ(serverHotkeys(), before);
-}
-
-TEST_F(LockdownTest, TheLastWillStandsWhateverTheMainThreadIsDoing) {
+TEST_F(LockdownTest, RestoresAtExitWhateverTheMainThreadIsDoing) {
   bool isLost = false;
   for (int round = 0; round < 5; ++round) {
     Witness document(*server);

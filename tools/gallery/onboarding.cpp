@@ -101,7 +101,7 @@ QString named(const char* name, int scale) {
 }
 
 /// All on one, in rows of four.
-class Sheet {
+class OutputSurface {
  public:
   void add(const QImage& picture) {
     QImage pixels = picture;
@@ -167,7 +167,7 @@ int main(int argc, char** argv) {
   const QDir folder(argc > 1 ? QString::fromLocal8Bit(argv[1]) : QStringLiteral("gallery"));
   const std::string language = argc > 2 ? argv[2] : "en";
   bool saved = folder.mkpath(QStringLiteral("."));
-  Sheet sheet;
+  OutputSurface sheet;
   for (const int scale : {1, 2}) {
     saved = drawComponents(folder, scale) && saved;
     for (const Moment& moment : moments()) {

@@ -3,7 +3,7 @@
 #include "ui/qml/AboutBridge.h"
 #include "ui/qml/AlertBridge.h"
 #include "ui/qml/AppPalette.h"
-#include "ui/qml/Mark.h"
+#include "ui/qml/Logo.h"
 #include "ui/qml/PressableAccessible.h"
 #include "ui/qml/Typeface.h"
 

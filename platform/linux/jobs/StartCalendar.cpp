@@ -68,7 +68,7 @@ std::time_t nextStart(StartTime start, std::time_t after) {
   }
 }
 
-std::vector<std::time_t> displacedStarts(StartTime start, std::time_t from, int days) {
+std::vector<std::time_t> startsSkippedByClockChange(StartTime start, std::time_t from, int days) {
   std::vector<std::time_t> displaced;
   for (int later = 0; later < days; ++later) {
     const Day day = dayOf(from, later);

@@ -16,7 +16,7 @@ namespace dormel::jobs {
 [[nodiscard]] std::time_t nextStart(StartTime start, std::time_t after);
 
 /// The starts, from `from` on for `days` days, that fall on another time of day because theirs was skipped.
-[[nodiscard]] std::vector<std::time_t> displacedStarts(StartTime start, std::time_t from, int days);
+[[nodiscard]] std::vector<std::time_t> startsSkippedByClockChange(StartTime start, std::time_t from, int days);
 
 /// "22:05".
 [[nodiscard]] std::string clockText(StartTime start);

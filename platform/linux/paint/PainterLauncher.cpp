@@ -188,7 +188,7 @@ std::shared_ptr<const PictureMemory> mapSealed(int fd) {
 
 /// Processes that were killed and have not gone yet: one that waits for a dead disk may take its time, and nobody here
 /// waits for it.
-struct HelperLauncher::Unreaped {
+struct PainterProcessLauncher::Unreaped {
   std::vector<pid_t> processes;
   void reap() {
     std::erase_if(processes, [](pid_t process) {
@@ -198,7 +198,7 @@ struct HelperLauncher::Unreaped {
   }
 };
 
-class HelperLauncher::Child final : public PainterProcess {
+class PainterProcessLauncher::Child final : public PainterProcess {
  public:
   Child(pid_t process, FileDescriptor socket, PainterHandlers handlers, EventLoop& loop,
         std::shared_ptr<Unreaped> unreaped)
@@ -250,12 +250,12 @@ class HelperLauncher::Child final : public PainterProcess {
   std::shared_ptr<bool> isHere_ = std::make_shared<bool>(true);  ///< it may go inside its own call
 };
 
-HelperLauncher::HelperLauncher(std::string program, EventLoop& loop)
+PainterProcessLauncher::PainterProcessLauncher(std::string program, EventLoop& loop)
     : program_(std::move(program)), loop_(loop), unreaped_(std::make_shared<Unreaped>()) {}
 
-HelperLauncher::~HelperLauncher() = default;
+PainterProcessLauncher::~PainterProcessLauncher() = default;
 
-std::unique_ptr<PainterProcess> HelperLauncher::start(PainterHandlers handlers) {
+std::unique_ptr<PainterProcess> PainterProcessLauncher::start(PainterHandlers handlers) {
   unreaped_->reap();
   std::array<int, 2> ends{};
   if (::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0, ends.data()) != 0) return nullptr;

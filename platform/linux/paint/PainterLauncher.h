@@ -16,13 +16,13 @@
 
 namespace dormel::paint {
 
-class HelperLauncher final : public PainterLauncher {
+class PainterProcessLauncher final : public PainterLauncher {
  public:
   /// `loop` outlives it and every process.
-  HelperLauncher(std::string program, EventLoop& loop);
-  HelperLauncher(const HelperLauncher&) = delete;
-  HelperLauncher& operator=(const HelperLauncher&) = delete;
-  ~HelperLauncher() override;
+  PainterProcessLauncher(std::string program, EventLoop& loop);
+  PainterProcessLauncher(const PainterProcessLauncher&) = delete;
+  PainterProcessLauncher& operator=(const PainterProcessLauncher&) = delete;
+  ~PainterProcessLauncher() override;
 
   [[nodiscard]] std::unique_ptr<PainterProcess> start(PainterHandlers handlers) override;
 

@@ -28,12 +28,12 @@ namespace {
 constexpr Seconds DRAIN_LIMIT = 2.0;
 
 // A signal handler may do next to nothing; it rings this bell and the main loop does the rest.
-std::array<std::atomic<int>, 65> signalBells{};
+std::array<std::atomic<int>, 65> signalEvents{};
 
 void ringBell(int signal) {
   const int saved = errno;
   const std::uint64_t one = 1;
-  const int fd = signalBells.at(static_cast<std::size_t>(signal));
+  const int fd = signalEvents.at(static_cast<std::size_t>(signal));
   if (fd > 0) static_cast<void>(!::write(fd, &one, sizeof one));
   errno = saved;
 }
@@ -113,7 +113,7 @@ unsigned PosixProcess::userId() const { return ::getuid(); }
 void PosixProcess::onSignal(int signal, Task handler) {
   const int bell = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
   if (bell < 0) return;
-  signalBells.at(static_cast<std::size_t>(signal)) = bell;
+  signalEvents.at(static_cast<std::size_t>(signal)) = bell;
   watchReadable_(bell, [bell, handler = std::move(handler)] {
     std::uint64_t count = 0;
     if (::read(bell, &count, sizeof count) == sizeof count) handler();
@@ -125,7 +125,7 @@ void PosixProcess::onSignal(int signal, Task handler) {
   ::sigaction(signal, &action, nullptr);
 }
 
-bool PosixProcess::claimSession() {
+bool PosixProcess::acquireScheduledInstance() {
   FileDescriptor file(::open(sessionLockPath_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
   // Without a place to keep the claim nobody else can have it either; not locking would be worse than two locks.
   if (!file.valid()) return true;

@@ -45,8 +45,8 @@ class PosixProcess final : public Process {
   [[nodiscard]] int processId() const override;
   [[nodiscard]] unsigned userId() const override;
   void onTerminationSignal(Task handler) override { onSignal(15, std::move(handler)); }
-  bool claimSession() override;
-  bool claimWindow(Task onReopen) override { return windowSeat_.claim(watchReadable_, std::move(onReopen)); }
+  bool acquireScheduledInstance() override;
+  bool acquireWindowInstance(Task onReopen) override { return windowSeat_.claim(watchReadable_, std::move(onReopen)); }
 
   /// Runs `handler` on the main thread for each `signal` instead of its default effect.
   void onSignal(int signal, Task handler);

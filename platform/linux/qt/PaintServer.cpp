@@ -50,7 +50,7 @@ PixelRect united(const PixelRect& a, const PixelRect& b) {
   return {x, y, std::max(a.x + a.width, b.x + b.width) - x, std::max(a.y + a.height, b.y + b.height) - y};
 }
 
-class Wire {
+class PaintConnection {
  public:
   /// The first answer to the guard goes out only with the first picture: until then the guard is patient.
   void send(const Answer& answer, int descriptor = -1) {
@@ -89,9 +89,9 @@ class Wire {
 };
 
 /// A view that lives in the guard.
-class DistantView final : public PaintedView {
+class RemoteView final : public PaintedView {
  public:
-  DistantView(ViewKind kind, std::function<void(std::uint32_t)> onAct) : kind_(kind), onAct_(std::move(onAct)) {}
+  RemoteView(ViewKind kind, std::function<void(std::uint32_t)> onAct) : kind_(kind), onAct_(std::move(onAct)) {}
 
   void setState(std::string state) {
     if (state == state_) return;
@@ -169,13 +169,14 @@ class SharedFrames {
 
 class ServedCanvas {
  public:
-  ServedCanvas(std::uint32_t number, ViewKind kind, const std::shared_ptr<SceneLoader>& stage, Wire& wire)
+  ServedCanvas(std::uint32_t number, ViewKind kind, const std::shared_ptr<SceneLoader>& stage,
+               PaintConnection& connection)
       : number_(number),
-        wire_(wire),
-        view_(std::make_shared<DistantView>(kind,
-                                            [this](std::uint32_t action) {
-                                              wire_.send(Act{number_, action});
-                                            })),
+        connection_(connection),
+        view_(std::make_shared<RemoteView>(kind,
+                                           [this](std::uint32_t action) {
+                                             connection_.send(Act{number_, action});
+                                           })),
         canvas_(stage, view_) {
     canvas_.setOnDrawn([this] { done(); });
   }
@@ -216,12 +217,12 @@ class ServedCanvas {
   void show(const Pixels& pixels, const PixelRect& changed) {
     if (!frames_) {
       frames_.emplace(pixels.width, pixels.height);
-      wire_.send(Memory{number_, revision_, static_cast<std::uint32_t>(pixels.width),
-                        static_cast<std::uint32_t>(pixels.height), FRAMES},
-                 frames_->descriptor());
+      connection_.send(Memory{number_, revision_, static_cast<std::uint32_t>(pixels.width),
+                              static_cast<std::uint32_t>(pixels.height), FRAMES},
+                       frames_->descriptor());
     }
     if (const auto frame = frames_->put(pixels, changed)) {
-      wire_.send(Frame{number_, revision_, *frame, changed});
+      connection_.send(Frame{number_, revision_, *frame, changed});
     } else {
       isLate_ = true;
     }
@@ -233,14 +234,14 @@ class ServedCanvas {
     std::vector<Rect> areas = canvas_.pressableAreas();
     if (areas != areas_) {
       areas_ = std::move(areas);
-      wire_.send(Areas{number_, areas_});
+      connection_.send(Areas{number_, areas_});
     }
-    wire_.send(Done{number_, serial});
+    connection_.send(Done{number_, serial});
   }
 
   std::uint32_t number_;
-  Wire& wire_;
-  std::shared_ptr<DistantView> view_;
+  PaintConnection& connection_;
+  std::shared_ptr<RemoteView> view_;
   std::uint32_t revision_ = 0;
   std::optional<SharedFrames> frames_;
   bool isLate_ = false;  ///< a picture found no frame free
@@ -274,7 +275,7 @@ class PaintServer {
 
   void carryOut(const Scene& scene) {
     auto& canvas = canvases_[scene.canvas];
-    if (!canvas) canvas = std::make_unique<ServedCanvas>(scene.canvas, scene.kind, stage_, wire_);
+    if (!canvas) canvas = std::make_unique<ServedCanvas>(scene.canvas, scene.kind, stage_, connection_);
     canvas->set(scene);
   }
   void carryOut(const Close& close) { canvases_.erase(close.canvas); }
@@ -284,10 +285,10 @@ class PaintServer {
   void carryOut(const Release& released) {
     if (const auto at = canvases_.find(released.canvas); at != canvases_.end()) at->second->release(released);
   }
-  void carryOut(const Ping& ping) { wire_.send(Pong{ping.serial}); }
+  void carryOut(const Ping& ping) { connection_.send(Pong{ping.serial}); }
 
   std::shared_ptr<SceneLoader> stage_;
-  Wire wire_;
+  PaintConnection connection_;
   std::map<std::uint32_t, std::unique_ptr<ServedCanvas>> canvases_;
   std::array<char, LONGEST_MESSAGE> buffer_{};
   QSocketNotifier notifier_;

@@ -135,7 +135,7 @@ std::optional<JobError> SystemdScheduler::load(const Job& job) {
   bool changed = false;
   FileResult error = update(units.serviceFile, serviceUnit(job, launcher_, session.environment), changed);
   if (job.start) {
-    const auto displaced = displacedStarts(*job.start, std::time(nullptr), DAYS_AHEAD);
+    const auto displaced = startsSkippedByClockChange(*job.start, std::time(nullptr), DAYS_AHEAD);
     if (!error) error = update(units.timerFile, timerUnit(job, displaced, session.zone), changed);
     if (!error) error = updateLink(units.timerLink, units.timerFile, changed);
   } else if (removeFile(units.timerFile)) {

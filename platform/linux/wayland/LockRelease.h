@@ -4,7 +4,7 @@
 #include <chrono>
 #include <string>
 
-#include "platform/common/lock/LockWatch.h"
+#include "platform/common/lock/AbandonedLockPolicy.h"
 
 namespace dormel::wayland {
 

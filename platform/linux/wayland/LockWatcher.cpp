@@ -65,8 +65,8 @@ void closeAllBut(int one, int other) {
 
 Seconds now() { return std::chrono::duration<Seconds>(std::chrono::steady_clock::now().time_since_epoch()).count(); }
 
-LockWatch::Seen seen(const LockWatcher::Watched& watched) {
-  LockWatch::Seen seen;
+AbandonedLockPolicy::Seen seen(const LockWatcher::Watched& watched) {
+  AbandonedLockPolicy::Seen seen;
   seen.mark = readMark(watched.path);
   seen.isOwnerAlive = seen.mark && isAlive(seen.mark->owner);
   seen.isCompositorAlive = watched.mark.compositor.pid == 0 || isAlive(watched.mark.compositor);
@@ -74,14 +74,14 @@ LockWatch::Seen seen(const LockWatcher::Watched& watched) {
 }
 
 void takeCare(const LockWatcher::Watched& watched) {
-  LockWatch watch(watched.mark.owner, watched.isMarked, now());
+  AbandonedLockPolicy watch(watched.mark.owner, watched.isMarked, now());
   for (;;) {
     switch (watch.next(seen(watched), now())) {
-      case LockWatch::Step::end:
+      case AbandonedLockPolicy::Step::end:
         return;
-      case LockWatch::Step::look:
+      case AbandonedLockPolicy::Step::look:
         break;
-      case LockWatch::Step::release: {
+      case AbandonedLockPolicy::Step::release: {
         const LockRelease result = releaseLock(watched.display, RELEASE_LIMIT);
         if (result == LockRelease::released) {
           ::unlink(watched.path.c_str());
@@ -91,7 +91,7 @@ void takeCare(const LockWatcher::Watched& watched) {
         break;
       }
     }
-    std::this_thread::sleep_for(std::chrono::duration<Seconds>(LockWatch::PAUSE));
+    std::this_thread::sleep_for(std::chrono::duration<Seconds>(AbandonedLockPolicy::PAUSE));
   }
 }
 

@@ -1,6 +1,6 @@
-// A small process that outlives this one while a session lock is up, and does what LockWatch decides: should the lock's
-// owner die and nobody take the lock over (the program was deleted, its job removed, its disk is gone), it ends the
-// lock from memory, so that nobody is left behind a lock that no process on this machine can open.
+// A small process that outlives this one while a session lock is up, and does what AbandonedLockPolicy decides: should
+// the lock's owner die and nobody take the lock over (the program was deleted, its job removed, its disk is gone), it
+// ends the lock from memory, so that nobody is left behind a lock that no process on this machine can open.
 #pragma once
 
 #include <optional>

@@ -43,7 +43,7 @@ PanelContext::PanelContext(Connection& theConnection, EventLoop& theLoop, Output
                     }}),
       updateHolder(loop, [this] { panelsChanged(); }) {
   lock.setOnChange([this] { lockChanged(); });
-  lock.setOnSheet([this](wl_surface* surface, bool isThere) {
+  lock.setOnSurface([this](wl_surface* surface, bool isThere) {
     if (!isThere) return pointer.remove(surface);
     Pointer::Target hidden;
     hidden.isHidden = true;
@@ -91,7 +91,7 @@ void PanelContext::panelsChanged() {
   if (!output) return;
   // It is there before the last panel goes, so that no key falls between the two.
   const Placement point{Placement::Corner{false, false, 0, 0, {1, 1}}};
-  holder = std::make_unique<LayerSheet>(connection, shades, output, point, KeyboardUse::exclusive, [this] {
+  holder = std::make_unique<LayerShellSurface>(connection, shades, output, point, KeyboardUse::exclusive, [this] {
     loop.async([this] {
       if (holder) inhibitors.remove(holder->surface());
       holder.reset();
@@ -162,12 +162,12 @@ Placement Panel::placement(const Output& output) const {
   }
   const auto points = [](double distance) { return static_cast<int>(std::lround(distance)); };
   Placement::Corner corner;
-  const Rect sheet = outset(frame_, shadowMargin(style_));
-  corner.size = {sheet.width, sheet.height};
-  corner.right = screen.right() - sheet.right() < sheet.x - screen.x;
-  corner.bottom = sheet.y - screen.y < screen.top() - sheet.top();
-  corner.horizontal = points(corner.right ? screen.right() - sheet.right() : sheet.x - screen.x);
-  corner.vertical = points(corner.bottom ? sheet.y - screen.y : screen.top() - sheet.top());
+  const Rect surface = outset(frame_, shadowMargin(style_));
+  corner.size = {surface.width, surface.height};
+  corner.right = screen.right() - surface.right() < surface.x - screen.x;
+  corner.bottom = surface.y - screen.y < screen.top() - surface.top();
+  corner.horizontal = points(corner.right ? screen.right() - surface.right() : surface.x - screen.x);
+  corner.vertical = points(corner.bottom ? surface.y - screen.y : screen.top() - surface.top());
   return {corner};
 }
 
@@ -175,8 +175,8 @@ void Panel::makeLayer() {
   const auto output = env_->outputs.showing(frame_);
   if (!output) return;  // it comes up with the next output that shows its place
   const KeyboardUse use = isKey() ? env_->keyboardUse() : KeyboardUse::none;
-  layer_ = std::make_unique<LayerSheet>(env_->connection, env_->shades, output, placement(*output), use, [this] {
-    // Not while the sheet itself is calling.
+  layer_ = std::make_unique<LayerShellSurface>(env_->connection, env_->shades, output, placement(*output), use, [this] {
+    // Not while the surface itself is calling.
     env_->loop.async([weak = weak_from_this()] {
       const auto self = weak.lock();
       if (!self || !self->layer_) return;
@@ -351,15 +351,15 @@ bool Panel::askForKeyboardAgain() {
 }
 
 void Panel::stand() {
-  Sheet* sheet = layer_.get();
+  OutputSurface* surface = layer_.get();
   if (isBlack() && layer_) {
-    if (Sheet* const locked = env_->lock.sheetOn(*layer_->output())) sheet = locked;
+    if (OutputSurface* const locked = env_->lock.surfaceOn(*layer_->output())) surface = locked;
   }
-  const bool isOther = std::exchange(standing_, sheet) != sheet;
-  if (isOther) content_.standOn(sheet != nullptr ? sheet->surface() : nullptr);
-  if (sheet == nullptr) return;
-  // The lock's sheets outlive panels, and another panel may have stood here while outputs changed.
-  sheet->setOnLayout([weak = weak_from_this()] {
+  const bool isOther = std::exchange(standing_, surface) != surface;
+  if (isOther) content_.standOn(surface != nullptr ? surface->surface() : nullptr);
+  if (surface == nullptr) return;
+  // The lock's surfaces outlive panels, and another panel may have stood here while outputs changed.
+  surface->setOnLayout([weak = weak_from_this()] {
     if (const auto self = weak.lock()) self->layOutLater_.ask();
   });
   if (isOther) {

@@ -1,5 +1,5 @@
-// One panel: a sheet of the desktop's overlay on the output that it lies on, and, while the session lock is up, the
-// lock's own sheet there. Its picture stands on whichever of the two can be seen. Main thread only.
+// One panel: a surface of the desktop's overlay on the output that it lies on, and, while the session lock is up, the
+// lock's own surface there. Its picture stands on whichever of the two can be seen. Main thread only.
 #pragma once
 
 #include <functional>
@@ -9,7 +9,7 @@
 
 #include "platform/common/Canvas.h"
 #include "platform/common/RateLimiter.h"
-#include "platform/common/lock/FocusKeeper.h"
+#include "platform/common/lock/FocusRetrier.h"
 #include "platform/linux/display/AlphaAnimator.h"
 #include "platform/linux/display/CoalescedTimer.h"
 #include "platform/linux/wayland/Content.h"
@@ -54,8 +54,8 @@ struct PanelContext {
   Shades shades;
   Inhibitors inhibitors;
   SessionLock lock;
-  FocusKeeper focus;
-  std::unique_ptr<LayerSheet> holder;  ///< a clear point that has the keyboard where no panel can have it
+  FocusRetrier focus;
+  std::unique_ptr<LayerShellSurface> holder;  ///< a clear point that has the keyboard where no panel can have it
   CoalescedTimer updateHolder;
   bool isFreshHolderWanted = false;
   std::vector<std::weak_ptr<Panel>> panels;  ///< in the order in which they came up
@@ -101,11 +101,11 @@ class Panel final : public FadingWindow, public std::enable_shared_from_this<Pan
 
   void makeLayer();
   void dropLayer();
-  /// What lies beneath a shadow can be clicked. Shown with the sheet's next commit.
+  /// What lies beneath a shadow can be clicked. Shown with the surface's next commit.
   void keepShadowFromPointer();
   [[nodiscard]] Placement placement(const Output& output) const;
   [[nodiscard]] Pointer::Target target();
-  /// Has the picture stand on the sheet that can be seen.
+  /// Has the picture stand on the surface that can be seen.
   void stand();
   void layOut();
   void paint();
@@ -120,8 +120,8 @@ class Panel final : public FadingWindow, public std::enable_shared_from_this<Pan
   double alpha_ = 1;
   bool isVisible_ = false;
   bool isLowering_ = false;
-  std::unique_ptr<LayerSheet> layer_;
-  Sheet* standing_ = nullptr;  ///< the sheet that the picture is on
+  std::unique_ptr<LayerShellSurface> layer_;
+  OutputSurface* standing_ = nullptr;  ///< the surface that the picture is on
   Content content_;
   std::shared_ptr<View> view_;
   mutable std::unique_ptr<Canvas> canvas_;

@@ -67,7 +67,7 @@ void SessionLock::giveBack(bool isUp) {
   ext_session_lock_v1* const lock = lock_.exchange(nullptr);
   if (lock == nullptr) return;
   if (isUp) ext_session_lock_v1_unlock_and_destroy(lock);
-  drop(std::exchange(sheets_, {}));
+  drop(std::exchange(surfaces_, {}));
   if (!isUp) ext_session_lock_v1_destroy(lock);
   connection_.flush();
 }
@@ -86,34 +86,34 @@ void SessionLock::confirmEnd() {
 
 void SessionLock::lookAtOutputs() {
   if (lock_ == nullptr) return;
-  Sheets left;
+  Surfaces left;
   bool isOther = false;
   for (const auto& output : outputs_.outputs()) {
-    auto& sheet = left[output->number];
-    const auto known = sheets_.find(output->number);
-    if (known != sheets_.end()) {
-      sheet = std::move(known->second);
-      sheets_.erase(known);
+    auto& surface = left[output->number];
+    const auto known = surfaces_.find(output->number);
+    if (known != surfaces_.end()) {
+      surface = std::move(known->second);
+      surfaces_.erase(known);
     } else {
-      sheet = std::make_unique<LockSheet>(connection_, shades_, output, lock_);
-      if (onSheet_) onSheet_(sheet->surface(), true);
+      surface = std::make_unique<SessionLockSurface>(connection_, shades_, output, lock_);
+      if (onSurface_) onSurface_(surface->surface(), true);
       isOther = true;
     }
   }
-  const Sheets gone = std::exchange(sheets_, std::move(left));
+  const Surfaces gone = std::exchange(surfaces_, std::move(left));
   if (isOther || !gone.empty()) changed();
   drop(gone);
 }
 
-void SessionLock::drop(const Sheets& sheets) {
-  for (const auto& [number, sheet] : sheets) {
-    if (onSheet_) onSheet_(sheet->surface(), false);
+void SessionLock::drop(const Surfaces& surfaces) {
+  for (const auto& [number, surface] : surfaces) {
+    if (onSurface_) onSurface_(surface->surface(), false);
   }
 }
 
-Sheet* SessionLock::sheetOn(const Output& output) const {
-  const auto found = sheets_.find(output.number);
-  return isUp() && found != sheets_.end() ? found->second.get() : nullptr;
+OutputSurface* SessionLock::surfaceOn(const Output& output) const {
+  const auto found = surfaces_.find(output.number);
+  return isUp() && found != surfaces_.end() ? found->second.get() : nullptr;
 }
 
 void SessionLock::changed() {

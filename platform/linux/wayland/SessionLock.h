@@ -1,6 +1,6 @@
-// The compositor's session lock: while it is up, nothing shows but our sheets, one on each output, and no key reaches
-// anybody else. When it is taken and given back decides LockKeeper; here are the compositor, the mark in the runtime
-// folder and the process that watches over this one. Main thread only, but for `restoreAtExit`.
+// The compositor's session lock: while it is up, nothing shows but our surfaces, one on each output, and no key reaches
+// anybody else. When it is taken and given back decides LockController; here are the compositor, the mark in the
+// runtime folder and the process that watches over this one. Main thread only, but for `restoreAtExit`.
 #pragma once
 
 #include <atomic>
@@ -11,9 +11,9 @@
 #include <string>
 #include <utility>
 
-#include "platform/common/lock/LockKeeper.h"
+#include "platform/common/lock/LockController.h"
 #include "platform/linux/wayland/LockWatcher.h"
-#include "platform/linux/wayland/Sheet.h"
+#include "platform/linux/wayland/OutputSurface.h"
 
 namespace dormel::wayland {
 
@@ -35,20 +35,20 @@ class SessionLock final : private LockPlace {
   [[nodiscard]] bool isUp() const { return keeper_.isUp(); }
   /// Another program's lock is up, as far as is known.
   [[nodiscard]] bool isRefused() const { return keeper_.isRefused(); }
-  /// The lock's sheet on this output; null when there is none.
-  [[nodiscard]] Sheet* sheetOn(const Output& output) const;
+  /// The lock's surface on this output; null when there is none.
+  [[nodiscard]] OutputSurface* surfaceOn(const Output& output) const;
 
-  /// The lock came, ended or was refused, or its sheets are others. Sheets that go are still there meanwhile.
+  /// The lock came, ended or was refused, or its surfaces are others. Surfaces that go are still there meanwhile.
   void setOnChange(Task onChange) { onChange_ = std::move(onChange); }
 
   /// A surface of the lock is there; and, before it goes, that it is no more.
-  void setOnSheet(std::function<void(wl_surface*, bool isThere)> onSheet) { onSheet_ = std::move(onSheet); }
+  void setOnSurface(std::function<void(wl_surface*, bool isThere)> onSurface) { onSurface_ = std::move(onSurface); }
 
   /// Ends the lock for a process that ends now. Any thread.
   void restoreAtExit(std::chrono::milliseconds limit);
 
  private:
-  using Sheets = std::map<std::uint32_t, std::unique_ptr<LockSheet>>;
+  using Surfaces = std::map<std::uint32_t, std::unique_ptr<SessionLockSurface>>;
 
   [[nodiscard]] bool isOffered() const { return connection_.globals().sessionLock && !mark_.empty(); }
 
@@ -62,22 +62,22 @@ class SessionLock final : private LockPlace {
   void changed() override;
   void answered(bool isUp);
   [[nodiscard]] LockMark markNow() const;
-  void drop(const Sheets& sheets);
+  void drop(const Surfaces& surfaces);
 
   Connection& connection_;
   Outputs& outputs_;
   Shades& shades_;
   const std::string mark_;
-  LockKeeper keeper_{*this};
+  LockController keeper_{*this};
   /// Non-null from the request on. The last moments of the process may ask for it from another thread.
   std::atomic<ext_session_lock_v1*> lock_ = nullptr;
   std::atomic<bool> isLocked_ = false;
   std::atomic<bool> isEnding_ = false;  ///< given back, and not confirmed yet
   std::unique_ptr<LockWatcher> watcher_;
-  Sheets sheets_;
+  Surfaces surfaces_;
   Owned<wl_callback> ended_;
   Task onChange_;
-  std::function<void(wl_surface*, bool isThere)> onSheet_;
+  std::function<void(wl_surface*, bool isThere)> onSurface_;
 };
 
 }  // namespace dormel::wayland

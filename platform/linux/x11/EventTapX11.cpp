@@ -113,7 +113,7 @@ class SourceX11 : public RunLoopSource {
 
 class EventTapX11 : public EventTap {
  public:
-  EventTapX11(std::shared_ptr<TapX11> tap, std::shared_ptr<TypingCare> care)
+  EventTapX11(std::shared_ptr<TapX11> tap, std::shared_ptr<AccessXSuspension> care)
       : tap_(std::move(tap)), care_(std::move(care)) {}
   EventTapX11(const EventTapX11&) = delete;
   EventTapX11& operator=(const EventTapX11&) = delete;
@@ -133,14 +133,14 @@ class EventTapX11 : public EventTap {
   }
 
   std::shared_ptr<TapX11> tap_;
-  std::shared_ptr<TypingCare> care_;
-  TypingCare::Hold careHold_;
+  std::shared_ptr<AccessXSuspension> care_;
+  AccessXSuspension::Hold careHold_;
 };
 
 }  // namespace
 
 EventTapsX11::EventTapsX11(std::shared_ptr<Connection> connection, const ServerFeatures& features,
-                           std::shared_ptr<TypingCare> care)
+                           std::shared_ptr<AccessXSuspension> care)
     : connection_(std::move(connection)), features_(features), care_(std::move(care)) {}
 
 std::unique_ptr<EventTap> EventTapsX11::create(std::function<TapVerdict(const KeyEvent&)> callback) {

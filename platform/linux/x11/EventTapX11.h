@@ -8,8 +8,8 @@
 #include <utility>
 
 #include "platform/Keyboard.h"
+#include "platform/linux/x11/AccessXSuspension.h"
 #include "platform/linux/x11/ServerFeatures.h"
-#include "platform/linux/x11/TypingCare.h"
 
 namespace dormel::x11 {
 
@@ -18,7 +18,7 @@ class EventTapsX11 : public EventTaps {
   /// Every tap gets a connection of its own to the same display, and holds `care` while it is to be enabled. Without a
   /// connection there are no taps, and no care.
   EventTapsX11(std::shared_ptr<Connection> connection, const ServerFeatures& features,
-               std::shared_ptr<TypingCare> care);
+               std::shared_ptr<AccessXSuspension> care);
 
   /// Called from the run loop when a tap made from now on loses its connection: it neither swallows nor tells
   /// anything any more, and enabling it again does not help.
@@ -29,7 +29,7 @@ class EventTapsX11 : public EventTaps {
  private:
   std::shared_ptr<Connection> connection_;
   ServerFeatures features_;
-  std::shared_ptr<TypingCare> care_;
+  std::shared_ptr<AccessXSuspension> care_;
   Task onLost_;
 };
 

@@ -7,7 +7,7 @@
 namespace dormel::x11 {
 
 Lockdown::Lockdown(std::shared_ptr<Connection> connection, const ServerFeatures& features,
-                   std::shared_ptr<TypingCare> care)
+                   std::shared_ptr<AccessXSuspension> care)
     : connection_(std::move(connection)),
       keys_(connection_, features),
       care_(std::move(care)),
@@ -84,7 +84,7 @@ void Lockdown::bequeath(const std::string& display, std::uint32_t client, xcb_wi
   xcb_kill_client(*connection, client);
   const ServerFeatures features = ServerFeatures::query(*connection);
   ServerHotkeys(connection, features).restore();
-  LockedState(connection, features).restore();
+  XkbLockState(connection, features).restore();
   const auto present = owned(xcb_get_input_focus_reply(*connection, xcb_get_input_focus(*connection), nullptr));
   const bool isFree = present && (present->focus == XCB_NONE || present->focus == XCB_INPUT_FOCUS_POINTER_ROOT);
   if (focus != XCB_NONE && isFree) {

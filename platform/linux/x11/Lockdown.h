@@ -7,17 +7,18 @@
 #include <string>
 
 #include "platform/linux/display/CoalescedTimer.h"
+#include "platform/linux/x11/AccessXSuspension.h"
 #include "platform/linux/x11/InputGrab.h"
 #include "platform/linux/x11/SecondaryDeviceGrabs.h"
 #include "platform/linux/x11/ServerHotkeys.h"
-#include "platform/linux/x11/TypingCare.h"
 
 namespace dormel::x11 {
 
 class Lockdown {
  public:
   /// Undoes what a process that died while locked left behind, unless another process of ours is locking now.
-  Lockdown(std::shared_ptr<Connection> connection, const ServerFeatures& features, std::shared_ptr<TypingCare> care);
+  Lockdown(std::shared_ptr<Connection> connection, const ServerFeatures& features,
+           std::shared_ptr<AccessXSuspension> care);
   ~Lockdown();
   Lockdown(const Lockdown&) = delete;
   Lockdown& operator=(const Lockdown&) = delete;
@@ -38,8 +39,8 @@ class Lockdown {
 
   std::shared_ptr<Connection> connection_;
   ServerHotkeys keys_;
-  std::shared_ptr<TypingCare> care_;
-  TypingCare::Hold careHold_;
+  std::shared_ptr<AccessXSuspension> care_;
+  AccessXSuspension::Hold careHold_;
   InputGrab pointer_;
   SecondaryDeviceGrabs secondaryDeviceGrabs_;
   ServerFeatures features_;

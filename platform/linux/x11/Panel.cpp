@@ -241,7 +241,7 @@ void Panel::orderFront() {
   const bool fadesWithoutCompositor = isBlack() && alpha() < 1 && !env_->compositor.isRunning();
   if (!fadesWithoutCompositor) {
     env_->desktop.settle();
-  } else if (!env_->stacking.hasScreenSaverPanels()) {
+  } else if (!env_->stacking.hasBlockers()) {
     env_->desktop.want();
   }
   surface_.prepareMap();
@@ -260,7 +260,7 @@ void Panel::orderOut() {
   env_->stacking.remove(window_);
   xcb_unmap_window(*env_->connection, window_);
   surface_.unmapped();
-  if (!env_->stacking.hasScreenSaverPanels()) env_->desktop.drop();
+  if (!env_->stacking.hasBlockers()) env_->desktop.drop();
   env_->connection->flush();
   if (canvas_) canvas_->setShowing(false);
 }

@@ -27,7 +27,7 @@ bool Stacking::isOurs(xcb_window_t window) const {
   return std::any_of(kept_.begin(), kept_.end(), [&](const Kept& k) { return k.window == window; });
 }
 
-bool Stacking::hasScreenSaverPanels() const { return !kept_.empty() && kept_.back().level == WindowLevel::screenSaver; }
+bool Stacking::hasBlockers() const { return !kept_.empty() && kept_.back().level == WindowLevel::screenSaver; }
 
 void Stacking::raise(xcb_window_t window, WindowLevel level) {
   remove(window);

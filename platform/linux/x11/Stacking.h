@@ -22,7 +22,7 @@ class Stacking {
   /// the top of its level.
   void raise(xcb_window_t window, WindowLevel level);
   void remove(xcb_window_t window);
-  [[nodiscard]] bool hasScreenSaverPanels() const;
+  [[nodiscard]] bool hasBlockers() const;
 
  private:
   struct Kept {

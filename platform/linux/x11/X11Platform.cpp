@@ -55,9 +55,9 @@ X11Platform::X11Platform(EventLoop& loop, CanvasFactory& canvases, const Clock& 
       features_(connection_ ? ServerFeatures::query(*connection_) : ServerFeatures{}),
       screens_(std::make_shared<ScreensX11>(loop, connection_, features_)),
       numbering_(connection_, features_),
-      typingCare_(connection_ ? TypingCare::create(connection_, features_) : nullptr),
+      accessXSuspension_(connection_ ? AccessXSuspension::create(connection_, features_) : nullptr),
       accessibility_(connection_, features_),
-      eventTaps_(connection_, features_, typingCare_),
+      eventTaps_(connection_, features_, accessXSuspension_),
       hardwareKeys_(connection_, features_, numbering_),
       inputIdle_(connection_, features_),
       layout_(connection_, features_, numbering_),
@@ -65,7 +65,7 @@ X11Platform::X11Platform(EventLoop& loop, CanvasFactory& canvases, const Clock& 
       runningApplications_(loop, connection_),
       windowList_(connection_, screens_),
       managedWindows_(connection_),
-      lockdown_(connection_ ? std::make_unique<Lockdown>(connection_, features_, typingCare_) : nullptr),
+      lockdown_(connection_ ? std::make_unique<Lockdown>(connection_, features_, accessXSuspension_) : nullptr),
       display_(display) {
   if (connection_) connection_->startPumping();
 }
@@ -101,7 +101,7 @@ void X11Platform::setLockdown(bool on) {
 }
 
 void X11Platform::restoreAtExit(bool /*comesBack*/) {
-  if (!isLockedDown_ && !(typingCare_ && typingCare_->isHeld())) return;
+  if (!isLockedDown_ && !(accessXSuspension_ && accessXSuspension_->isHeld())) return;
   isEnding_ = true;
   // A server that does not answer must not keep the process from ending.
   auto given = std::make_shared<std::promise<void>>();

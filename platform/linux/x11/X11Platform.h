@@ -69,7 +69,7 @@ class X11Platform final : public DisplayFamily {
   ServerFeatures features_;
   std::shared_ptr<ScreensX11> screens_;
   KeyNumbering numbering_;
-  std::shared_ptr<TypingCare> typingCare_;
+  std::shared_ptr<AccessXSuspension> accessXSuspension_;
   AccessibilityX11 accessibility_;
   EventTapsX11 eventTaps_;
   HardwareKeysX11 hardwareKeys_;

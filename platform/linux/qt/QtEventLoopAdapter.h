@@ -9,9 +9,9 @@
 namespace dormel::qt {
 
 /// While it lives, what `loop` has to do is done in Qt's loop, an inner one included. `loop` outlives it.
-class EventLoopCarrier {
+class QtEventLoopAdapter {
  public:
-  explicit EventLoopCarrier(EventLoop& loop);
+  explicit QtEventLoopAdapter(EventLoop& loop);
 
  private:
   QSocketNotifier notifier_;

@@ -9,14 +9,14 @@
 
 #include "platform/linux/display/CoalescedTimer.h"
 #include "platform/linux/x11/AccessX.h"
-#include "platform/linux/x11/LockedState.h"
+#include "platform/linux/x11/XkbLockState.h"
 
 namespace dormel::x11 {
 
-class TypingCare : public std::enable_shared_from_this<TypingCare> {
+class AccessXSuspension : public std::enable_shared_from_this<AccessXSuspension> {
  public:
-  [[nodiscard]] static std::shared_ptr<TypingCare> create(const std::shared_ptr<Connection>& connection,
-                                                          const ServerFeatures& features);
+  [[nodiscard]] static std::shared_ptr<AccessXSuspension> create(const std::shared_ptr<Connection>& connection,
+                                                                 const ServerFeatures& features);
 
   /// It is on from the first of these that is taken until the last one is let go.
   using Hold = std::shared_ptr<const void>;
@@ -31,7 +31,7 @@ class TypingCare : public std::enable_shared_from_this<TypingCare> {
   [[nodiscard]] Asked<&xcb_get_property_reply> askLeft() { return locked_.askLeft(); }
 
  private:
-  TypingCare(std::shared_ptr<Connection> connection, const ServerFeatures& features);
+  AccessXSuspension(std::shared_ptr<Connection> connection, const ServerFeatures& features);
   void begin(const KeyDevices& devices);
   void end();
   void handle(const xcb_generic_event_t& event);
@@ -39,7 +39,7 @@ class TypingCare : public std::enable_shared_from_this<TypingCare> {
   std::shared_ptr<Connection> connection_;
   ServerFeatures features_;
   AccessX aids_;
-  LockedState locked_;
+  XkbLockState locked_;
   std::weak_ptr<const void> held_;
   std::atomic<bool> isHeld_ = false;
   Subscription subscription_;

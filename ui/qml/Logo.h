@@ -10,7 +10,7 @@
 
 namespace dormel {
 
-class Mark : public QQuickPaintedItem {
+class Logo : public QQuickPaintedItem {
   Q_OBJECT
   QML_ELEMENT
   Q_PROPERTY(QColor color MEMBER color_ NOTIFY changed)
@@ -20,7 +20,7 @@ class Mark : public QQuickPaintedItem {
   Q_PROPERTY(double stroke MEMBER stroke_ NOTIFY changed)
 
  public:
-  explicit Mark(QQuickItem* parent = nullptr);
+  explicit Logo(QQuickItem* parent = nullptr);
 
   /// The stroke's middle line in a box of 24 by 24, and as a path of SVG.
   [[nodiscard]] static const QPainterPath& path();

@@ -21,7 +21,7 @@ enum class LockRelease {
   failed,    ///< the compositor did not answer
 };
 
-class LockWatch {
+class AbandonedLockPolicy {
  public:
   enum class Step { look, release, end };
 
@@ -38,7 +38,7 @@ class LockWatch {
 
   /// `owner` has died at `now`. `isMarked`: its mark could be written. Where it could not, only the compositor knows
   /// whether somebody has the lock.
-  LockWatch(const ProcessMark& owner, bool isMarked, Seconds now)
+  AbandonedLockPolicy(const ProcessMark& owner, bool isMarked, Seconds now)
       : owner_(owner), isMarked_(isMarked), deadline_(now + PATIENCE) {}
 
   [[nodiscard]] Step next(const Seen& seen, Seconds now) {

@@ -1,10 +1,10 @@
-#include "platform/linux/qt/EventLoopCarrier.h"
+#include "platform/linux/qt/QtEventLoopAdapter.h"
 
 #include <QAbstractEventDispatcher>
 
 namespace dormel::qt {
 
-EventLoopCarrier::EventLoopCarrier(EventLoop& loop) : notifier_(loop.descriptor(), QSocketNotifier::Read) {
+QtEventLoopAdapter::QtEventLoopAdapter(EventLoop& loop) : notifier_(loop.descriptor(), QSocketNotifier::Read) {
   const auto dispatch = [&loop] { loop.dispatchPending(); };
   QObject::connect(&notifier_, &QSocketNotifier::activated, &context_, dispatch);
   QObject::connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, &context_, dispatch);

@@ -20,20 +20,21 @@ class LockPlace {
   /// Starts the process that watches over this one, if none does yet; `isMarked`: what `mark` answered.
   virtual void startWatching(bool isMarked) = 0;
   virtual void stopWatching() = 0;
-  /// Asks the compositor; the answer comes by `LockKeeper::answered`.
+  /// Asks the compositor; the answer comes by `LockController::answered`.
   virtual void ask() = 0;
   /// Gives back what was asked for, or `isUp`.
   virtual void giveBack(bool isUp) = 0;
-  /// Has `LockKeeper::ended` called when the compositor has carried out everything so far; never, if `ask` comes first.
+  /// Has `LockController::ended` called when the compositor has carried out everything so far; never, if `ask` comes
+  /// first.
   virtual void confirmEnd() = 0;
   /// The lock came, is about to end, or was refused: what is shown where is another matter now.
   virtual void changed() = 0;
 };
 
-class LockKeeper {
+class LockController {
  public:
   /// `place` outlives it.
-  explicit LockKeeper(LockPlace& place) : place_(place) {}
+  explicit LockController(LockPlace& place) : place_(place) {}
 
   /// Tells what has changed; `apply` then does what is due.
   [[nodiscard]] LockStages& stages() { return stages_; }

@@ -10,12 +10,12 @@
 
 namespace dormel::wayland {
 
-class Sheet {
+class OutputSurface {
  public:
-  Sheet(Connection& connection, Shades& shades, std::shared_ptr<Output> output);
-  Sheet(const Sheet&) = delete;
-  Sheet& operator=(const Sheet&) = delete;
-  ~Sheet();
+  OutputSurface(Connection& connection, Shades& shades, std::shared_ptr<Output> output);
+  OutputSurface(const OutputSurface&) = delete;
+  OutputSurface& operator=(const OutputSurface&) = delete;
+  ~OutputSurface();
 
   [[nodiscard]] wl_surface* surface() const { return surface_.get(); }
   [[nodiscard]] const std::shared_ptr<Output>& output() const { return output_; }
@@ -53,7 +53,7 @@ class Sheet {
 
 enum class KeyboardUse { none, exclusive };
 
-/// Where a sheet of the desktop's overlay stands. All of the output without a corner; else at a corner, beside bars.
+/// Where a surface of the desktop's overlay stands. All of the output without a corner; else at a corner, beside bars.
 struct Placement {
   struct Corner {
     bool right = false;
@@ -65,12 +65,12 @@ struct Placement {
   std::optional<Corner> corner;
 };
 
-/// A sheet above all windows.
-class LayerSheet final : public Sheet {
+/// A surface above all windows.
+class LayerShellSurface final : public OutputSurface {
  public:
   /// `onClosed`: the compositor took it down; it shows nothing any more.
-  LayerSheet(Connection& connection, Shades& shades, const std::shared_ptr<Output>& output, const Placement& placement,
-             KeyboardUse use, Task onClosed);
+  LayerShellSurface(Connection& connection, Shades& shades, const std::shared_ptr<Output>& output,
+                    const Placement& placement, KeyboardUse use, Task onClosed);
 
   /// Commits.
   void place(const Placement& placement);
@@ -87,10 +87,10 @@ class LayerSheet final : public Sheet {
   Owned<zwlr_layer_surface_v1> role_;
 };
 
-/// A sheet of the session lock, opaque black from its first frame.
-class LockSheet final : public Sheet {
+/// A surface of the session lock, opaque black from its first frame.
+class SessionLockSurface final : public OutputSurface {
  public:
-  LockSheet(Connection& connection, Shades& shades, std::shared_ptr<Output> output, ext_session_lock_v1* lock);
+  SessionLockSurface(Connection& connection, Shades& shades, std::shared_ptr<Output> output, ext_session_lock_v1* lock);
 
  private:
   Owned<ext_session_lock_surface_v1> role_;

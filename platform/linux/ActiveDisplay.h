@@ -22,15 +22,15 @@ namespace wayland {
 class WaylandPlatform;
 }
 
-class DisplayInForce {
+class ActiveDisplay {
  public:
   /// `lockMark`: where the mark of a Wayland session lock is kept. `limit`: how long this process may go on at most;
   /// what outlives it ends then, too. `loop`, `canvases` and `clock` outlive it.
-  DisplayInForce(DisplayUse use, const std::string& lockMark, EventLoop& loop, CanvasFactory& canvases,
-                 const Clock& clock, std::function<std::optional<Seconds>()> limit);
-  DisplayInForce(const DisplayInForce&) = delete;
-  DisplayInForce& operator=(const DisplayInForce&) = delete;
-  ~DisplayInForce();
+  ActiveDisplay(DisplayUse use, const std::string& lockMark, EventLoop& loop, CanvasFactory& canvases,
+                const Clock& clock, std::function<std::optional<Seconds>()> limit);
+  ActiveDisplay(const ActiveDisplay&) = delete;
+  ActiveDisplay& operator=(const ActiveDisplay&) = delete;
+  ~ActiveDisplay();
 
   [[nodiscard]] DisplayKind kind() const { return kind_; }
   /// Whether it is a Wayland compositor's, be it by way of its bridge for X programs.
@@ -38,7 +38,7 @@ class DisplayInForce {
   /// One line that says which family is in force.
   [[nodiscard]] std::string description() const;
   /// Whether there is a display now, in a process that found none at its start.
-  [[nodiscard]] bool hasComeUp() const;
+  [[nodiscard]] bool hasAppeared() const;
 
   [[nodiscard]] DisplayFamily& family();
   [[nodiscard]] RunningApplications& runningApplications();
@@ -52,14 +52,14 @@ class DisplayInForce {
 
  private:
   /// Where nobody tells what other programs show: nothing is known of them.
-  struct NoNeighbours;
+  struct NullWindowList;
 
   const std::string lockMark_;
   DisplayKind kind_ = DisplayKind::none;
   std::unique_ptr<gnome::GnomePlatform> gnome_;
   std::unique_ptr<wayland::WaylandPlatform> wayland_;
   std::unique_ptr<x11::X11Platform> x11_;
-  std::unique_ptr<NoNeighbours> noNeighbours_;
+  std::unique_ptr<NullWindowList> nullWindowList_;
 };
 
 }  // namespace dormel

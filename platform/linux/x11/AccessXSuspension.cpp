@@ -1,15 +1,15 @@
-#include "platform/linux/x11/TypingCare.h"
+#include "platform/linux/x11/AccessXSuspension.h"
 
 #include <utility>
 
 namespace dormel::x11 {
 
-std::shared_ptr<TypingCare> TypingCare::create(const std::shared_ptr<Connection>& connection,
-                                               const ServerFeatures& features) {
-  return std::shared_ptr<TypingCare>(new TypingCare(connection, features));
+std::shared_ptr<AccessXSuspension> AccessXSuspension::create(const std::shared_ptr<Connection>& connection,
+                                                             const ServerFeatures& features) {
+  return std::shared_ptr<AccessXSuspension>(new AccessXSuspension(connection, features));
 }
 
-TypingCare::TypingCare(std::shared_ptr<Connection> connection, const ServerFeatures& features)
+AccessXSuspension::AccessXSuspension(std::shared_ptr<Connection> connection, const ServerFeatures& features)
     : connection_(std::move(connection)),
       features_(features),
       aids_(connection_, features),
@@ -18,13 +18,13 @@ TypingCare::TypingCare(std::shared_ptr<Connection> connection, const ServerFeatu
         if (isHeld_) aids_.suspend(aids_.ask(keyDevices(*connection_, features_)));
       }) {}
 
-TypingCare::Hold TypingCare::hold() {
+AccessXSuspension::Hold AccessXSuspension::hold() {
   if (Hold present = held_.lock()) return present;
   selectHierarchy(*connection_, features_);
   return hold(keyDevices(*connection_, features_));
 }
 
-TypingCare::Hold TypingCare::hold(const KeyDevices& devices) {
+AccessXSuspension::Hold AccessXSuspension::hold(const KeyDevices& devices) {
   if (Hold present = held_.lock()) return present;
   begin(devices);
   Hold first(this, [self = shared_from_this()](const void*) { self->end(); });
@@ -32,7 +32,7 @@ TypingCare::Hold TypingCare::hold(const KeyDevices& devices) {
   return first;
 }
 
-void TypingCare::begin(const KeyDevices& devices) {
+void AccessXSuspension::begin(const KeyDevices& devices) {
   isHeld_ = true;  // before anything changes in the server
   subscription_ = connection_->subscribe([this](const xcb_generic_event_t& event) { handle(event); });
   auto states = locked_.ask(devices);
@@ -41,7 +41,7 @@ void TypingCare::begin(const KeyDevices& devices) {
   aids_.suspend(std::move(controls));
 }
 
-void TypingCare::end() {
+void AccessXSuspension::end() {
   subscription_.reset();
   check_.forget();
   aids_.resume();
@@ -49,7 +49,7 @@ void TypingCare::end() {
   isHeld_ = false;
 }
 
-void TypingCare::handle(const xcb_generic_event_t& event) {
+void AccessXSuspension::handle(const xcb_generic_event_t& event) {
   // A change comes as a burst, and our own is among them: look once, after it.
   if (aids_.concerns(event) || isHierarchyChange(event, features_)) check_.ask();
 }

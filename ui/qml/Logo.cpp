@@ -1,4 +1,4 @@
-#include "ui/qml/Mark.h"
+#include "ui/qml/Logo.h"
 
 #include <QLinearGradient>
 #include <QPainter>
@@ -41,12 +41,12 @@ QString text(const QPointF& point) {
 
 }  // namespace
 
-const QPainterPath& Mark::path() {
+const QPainterPath& Logo::path() {
   static const QPainterPath path = makePath();
   return path;
 }
 
-QString Mark::svgPath() {
+QString Logo::svgPath() {
   QString svg = QLatin1Char('M') + text(START);
   for (const Curve& curve : CURVES) {
     svg += QLatin1Char('C') + text(curve.leaving) + QLatin1Char(' ') + text(curve.arriving) + QLatin1Char(' ') +
@@ -55,7 +55,7 @@ QString Mark::svgPath() {
   return svg;
 }
 
-void Mark::paintMark(QPainter& painter, const QRectF& box, const QColor& color, double drawn, double stroke) {
+void Logo::paintMark(QPainter& painter, const QRectF& box, const QColor& color, double drawn, double stroke) {
   if (drawn <= 0) return;
   const double scale = std::min(box.width(), box.height()) / BOX;
   QPen pen(color, stroke, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
@@ -73,13 +73,13 @@ void Mark::paintMark(QPainter& painter, const QRectF& box, const QColor& color, 
   painter.restore();
 }
 
-Mark::Mark(QQuickItem* parent) : QQuickPaintedItem(parent) {
+Logo::Logo(QQuickItem* parent) : QQuickPaintedItem(parent) {
   setAntialiasing(true);
   setImplicitSize(BOX, BOX);
-  connect(this, &Mark::changed, this, [this] { update(); });
+  connect(this, &Logo::changed, this, [this] { update(); });
 }
 
-void Mark::paint(QPainter* painter) { paintMark(*painter, QRectF(0, 0, width(), height()), color_, drawn_, stroke_); }
+void Logo::paint(QPainter* painter) { paintMark(*painter, QRectF(0, 0, width(), height()), color_, drawn_, stroke_); }
 
 AppTile::AppTile(QQuickItem* parent) : QQuickPaintedItem(parent) { setAntialiasing(true); }
 
@@ -100,7 +100,7 @@ void AppTile::paintTile(QPainter& painter, const QRectF& box) {
   painter.drawRoundedRect(box.adjusted(half, half, -half, -half), corner - half, corner - half);
   painter.restore();
   const double margin = box.width() * (1 - TILE_MARK) / 2;
-  Mark::paintMark(painter, box.adjusted(margin, margin, -margin, -margin), Qt::white);
+  Logo::paintMark(painter, box.adjusted(margin, margin, -margin, -margin), Qt::white);
 }
 
 QIcon AppTile::icon() {

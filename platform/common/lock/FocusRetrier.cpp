@@ -1,4 +1,4 @@
-#include "platform/common/lock/FocusKeeper.h"
+#include "platform/common/lock/FocusRetrier.h"
 
 #include <utility>
 
@@ -10,20 +10,20 @@ constexpr Seconds RETRY = 0.1;
 
 }  // namespace
 
-FocusKeeper::FocusKeeper(const Clock& clock, Hooks hooks)
+FocusRetrier::FocusRetrier(const Clock& clock, Hooks hooks)
     : hooks_(std::move(hooks)), budget_(clock, MOST_ATTEMPTS, 1.0) {}
 
-void FocusKeeper::want(bool wanted) {
+void FocusRetrier::want(bool wanted) {
   if (std::exchange(isWanted_, wanted) != wanted) asksAnew_ = false;
   look();
 }
 
-void FocusKeeper::setYielding(bool isYielding) {
+void FocusRetrier::setYielding(bool isYielding) {
   isYielding_ = isYielding;
   look();
 }
 
-void FocusKeeper::look() {
+void FocusRetrier::look() {
   if (!isWanted_ || isYielding_ || hooks_.isHeld()) {
     next_.invalidate();
     asksAnew_ = false;
@@ -32,7 +32,7 @@ void FocusKeeper::look() {
   if (!next_) next_ = Timer::once(0, [this] { attempt(); });
 }
 
-void FocusKeeper::attempt() {
+void FocusRetrier::attempt() {
   next_ = Timer::once(RETRY, [this] { attempt(); });
   if (hooks_.isHeld()) {
     next_.invalidate();

@@ -1,4 +1,4 @@
-#include "platform/common/lock/LockKeeper.h"
+#include "platform/common/lock/LockController.h"
 
 namespace dormel {
 namespace {
@@ -7,7 +7,7 @@ constexpr Seconds RETRY = 1.0;
 
 }  // namespace
 
-void LockKeeper::apply() {
+void LockController::apply() {
   switch (stages_.next()) {
     case LockStages::Step::lock:
       // Before the request: from the moment it is sent, the lock may be up and this process may die.
@@ -24,7 +24,7 @@ void LockKeeper::apply() {
   }
 }
 
-void LockKeeper::answered(bool isUp) {
+void LockController::answered(bool isUp) {
   if (isUp) {
     isRefused_ = false;
     stages_.locked();
@@ -42,7 +42,7 @@ void LockKeeper::answered(bool isUp) {
   retry_ = Timer::once(RETRY, [this] { retry(); });
 }
 
-void LockKeeper::retry() {
+void LockController::retry() {
   stages_.retry();
   apply();
   if (stages_.stage() != LockStages::Stage::open) return;
@@ -51,9 +51,9 @@ void LockKeeper::retry() {
   place_.changed();
 }
 
-void LockKeeper::ended() { forget(); }
+void LockController::ended() { forget(); }
 
-void LockKeeper::forget() {
+void LockController::forget() {
   place_.unmark();
   place_.stopWatching();
 }

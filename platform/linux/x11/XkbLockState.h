@@ -15,9 +15,9 @@
 
 namespace dormel::x11 {
 
-class LockedState {
+class XkbLockState {
  public:
-  LockedState(std::shared_ptr<Connection> connection, const ServerFeatures& features);
+  XkbLockState(std::shared_ptr<Connection> connection, const ServerFeatures& features);
 
   /// What is locked on each keyboard, on its way.
   struct States {

@@ -1,4 +1,4 @@
-#include "platform/linux/wayland/Sheet.h"
+#include "platform/linux/wayland/OutputSurface.h"
 
 #include <algorithm>
 #include <cmath>
@@ -21,7 +21,7 @@ Size sized(std::uint32_t width, std::uint32_t height) {
 
 }  // namespace
 
-Sheet::Sheet(Connection& connection, Shades& shades, std::shared_ptr<Output> output)
+OutputSurface::OutputSurface(Connection& connection, Shades& shades, std::shared_ptr<Output> output)
     : connection_(connection),
       shades_(shades),
       output_(std::move(output)),
@@ -33,23 +33,23 @@ Sheet::Sheet(Connection& connection, Shades& shades, std::shared_ptr<Output> out
       wp_fractional_scale_manager_v1_get_fractional_scale(connection.globals().fractionalScale.get(), surface_.get()));
   static constexpr wp_fractional_scale_v1_listener LISTENER{
       [](void* data, wp_fractional_scale_v1*, std::uint32_t scale) {
-        auto& self = *static_cast<Sheet*>(data);
+        auto& self = *static_cast<OutputSurface*>(data);
         const double told = std::clamp(scale / FRACTIONS, 0.25, 16.0);
         if (std::exchange(self.scale_, told) != told && self.onLayout_) self.onLayout_();
       }};
   wp_fractional_scale_v1_add_listener(fraction_.get(), &LISTENER, this);
 }
 
-Sheet::~Sheet() = default;
+OutputSurface::~OutputSurface() = default;
 
-void Sheet::configured(const Size& size) {
+void OutputSurface::configured(const Size& size) {
   const bool isOther = size != size_;
   size_ = size;
   commit();
   if (isOther && onLayout_) onLayout_();
 }
 
-void Sheet::commit() {
+void OutputSurface::commit() {
   if (size_.width < 1 || size_.height < 1) return;
   const int width = static_cast<int>(size_.width);
   const int height = static_cast<int>(size_.height);
@@ -69,9 +69,9 @@ void Sheet::commit() {
   wl_surface_commit(surface_.get());
 }
 
-LayerSheet::LayerSheet(Connection& connection, Shades& shades, const std::shared_ptr<Output>& output,
-                       const Placement& placement, KeyboardUse use, Task onClosed)
-    : Sheet(connection, shades, output),
+LayerShellSurface::LayerShellSurface(Connection& connection, Shades& shades, const std::shared_ptr<Output>& output,
+                                     const Placement& placement, KeyboardUse use, Task onClosed)
+    : OutputSurface(connection, shades, output),
       use_(use),
       onClosed_(std::move(onClosed)),
       role_(zwlr_layer_shell_v1_get_layer_surface(connection.globals().layerShell.get(), surface(),
@@ -79,10 +79,10 @@ LayerSheet::LayerSheet(Connection& connection, Shades& shades, const std::shared
   static constexpr zwlr_layer_surface_v1_listener LISTENER{
       [](void* data, zwlr_layer_surface_v1* role, std::uint32_t serial, std::uint32_t width, std::uint32_t height) {
         zwlr_layer_surface_v1_ack_configure(role, serial);
-        static_cast<LayerSheet*>(data)->configured(sized(width, height));
+        static_cast<LayerShellSurface*>(data)->configured(sized(width, height));
       },
       [](void* data, zwlr_layer_surface_v1*) {
-        const Task onClosed = static_cast<LayerSheet*>(data)->onClosed_;
+        const Task onClosed = static_cast<LayerShellSurface*>(data)->onClosed_;
         if (onClosed) onClosed();
       }};
   zwlr_layer_surface_v1_add_listener(role_.get(), &LISTENER, this);
@@ -91,7 +91,7 @@ LayerSheet::LayerSheet(Connection& connection, Shades& shades, const std::shared
   wl_surface_commit(surface());  // without a picture: the compositor answers with the size
 }
 
-void LayerSheet::arrange(const Placement& placement) {
+void LayerShellSurface::arrange(const Placement& placement) {
   zwlr_layer_surface_v1* const role = role_.get();
   if (!placement.corner) {
     zwlr_layer_surface_v1_set_size(role, 0, 0);
@@ -110,19 +110,19 @@ void LayerSheet::arrange(const Placement& placement) {
                                    corner.bottom ? corner.vertical : 0, corner.right ? 0 : corner.horizontal);
 }
 
-void LayerSheet::place(const Placement& placement) {
+void LayerShellSurface::place(const Placement& placement) {
   arrange(placement);
   wl_surface_commit(surface());
 }
 
-void LayerSheet::setKeyboardUse(KeyboardUse use) {
+void LayerShellSurface::setKeyboardUse(KeyboardUse use) {
   use_ = use;
   zwlr_layer_surface_v1_set_keyboard_interactivity(
       role_.get(), use == KeyboardUse::exclusive ? ZWLR_LAYER_SURFACE_V1_KEYBOARD_INTERACTIVITY_EXCLUSIVE
                                                  : ZWLR_LAYER_SURFACE_V1_KEYBOARD_INTERACTIVITY_NONE);
 }
 
-void LayerSheet::askForKeyboardAgain() {
+void LayerShellSurface::askForKeyboardAgain() {
   if (use_ != KeyboardUse::exclusive || size().width < 1) return;
   for (const KeyboardUse use : {KeyboardUse::none, KeyboardUse::exclusive}) {
     setKeyboardUse(use);
@@ -130,14 +130,15 @@ void LayerSheet::askForKeyboardAgain() {
   }
 }
 
-LockSheet::LockSheet(Connection& connection, Shades& shades, std::shared_ptr<Output> output, ext_session_lock_v1* lock)
-    : Sheet(connection, shades, std::move(output)),
+SessionLockSurface::SessionLockSurface(Connection& connection, Shades& shades, std::shared_ptr<Output> output,
+                                       ext_session_lock_v1* lock)
+    : OutputSurface(connection, shades, std::move(output)),
       role_(ext_session_lock_v1_get_lock_surface(lock, surface(), this->output()->handle.get())) {
   static constexpr ext_session_lock_surface_v1_listener LISTENER{[](void* data, ext_session_lock_surface_v1* role,
                                                                     std::uint32_t serial, std::uint32_t width,
                                                                     std::uint32_t height) {
     ext_session_lock_surface_v1_ack_configure(role, serial);
-    static_cast<LockSheet*>(data)->configured(sized(width, height));
+    static_cast<SessionLockSurface*>(data)->configured(sized(width, height));
   }};
   ext_session_lock_surface_v1_add_listener(role_.get(), &LISTENER, this);
   setBlack(1);

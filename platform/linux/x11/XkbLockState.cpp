@@ -1,4 +1,4 @@
-#include "platform/linux/x11/LockedState.h"
+#include "platform/linux/x11/XkbLockState.h"
 
 #include <algorithm>
 #include <cstring>
@@ -11,10 +11,10 @@ constexpr std::uint8_t ALL_MODIFIERS = 0xff;
 
 }  // namespace
 
-LockedState::LockedState(std::shared_ptr<Connection> connection, const ServerFeatures& features)
+XkbLockState::XkbLockState(std::shared_ptr<Connection> connection, const ServerFeatures& features)
     : connection_(std::move(connection)), features_(features), property_(connection_->atom("_DORMEL_LOCKED_STATE")) {}
 
-LockedState::States LockedState::ask(const KeyDevices& devices) {
+XkbLockState::States XkbLockState::ask(const KeyDevices& devices) {
   States states;
   if (!features_.xkb) return states;
   states.devices = devices;
@@ -24,7 +24,7 @@ LockedState::States LockedState::ask(const KeyDevices& devices) {
   return states;
 }
 
-std::vector<LockedState::Device> LockedState::answers(States states) {
+std::vector<XkbLockState::Device> XkbLockState::answers(States states) {
   std::vector<Device> devices;
   for (std::size_t i = 0; i < states.devices.size(); ++i) {
     const auto reply = states.asked[i].take();
@@ -33,7 +33,7 @@ std::vector<LockedState::Device> LockedState::answers(States states) {
   return devices;
 }
 
-void LockedState::remember(States states) {
+void XkbLockState::remember(States states) {
   if (!features_.xkb) return;
   remembered_ = answers(std::move(states));
   static_assert(sizeof(Device) == 12);
@@ -42,7 +42,7 @@ void LockedState::remember(States states) {
   connection_->flush();
 }
 
-void LockedState::restore(Asked<&xcb_get_property_reply> left) {
+void XkbLockState::restore(Asked<&xcb_get_property_reply> left) {
   if (!features_.xkb) return;
   std::vector<Device> wanted = std::exchange(remembered_, {});
   if (wanted.empty()) {

@@ -10,7 +10,7 @@
 
 namespace dormel {
 
-class FocusKeeper {
+class FocusRetrier {
  public:
   struct Hooks {
     std::function<bool()> isHeld;
@@ -20,7 +20,7 @@ class FocusKeeper {
     Task mapAnew;
   };
 
-  FocusKeeper(const Clock& clock, Hooks hooks);
+  FocusRetrier(const Clock& clock, Hooks hooks);
 
   void want(bool wanted);
   [[nodiscard]] bool isWanted() const { return isWanted_; }

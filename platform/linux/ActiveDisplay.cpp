@@ -1,4 +1,4 @@
-#include "platform/linux/DisplayInForce.h"
+#include "platform/linux/ActiveDisplay.h"
 
 #include <chrono>
 #include <cstdlib>
@@ -29,13 +29,13 @@ DisplayOffer offerOf(const wayland::Connection& connection) {
   offer.shortcutsInhibitor = globals.shortcutsInhibit != nullptr;
   offer.sessionLock = globals.sessionLock != nullptr;
   // Hyprland does so only where an option of its own says so.
-  offer.sessionLockIsTakenOver = variable("HYPRLAND_INSTANCE_SIGNATURE").empty();
+  offer.allowsLockTakeover = variable("HYPRLAND_INSTANCE_SIGNATURE").empty();
   return offer;
 }
 
 }  // namespace
 
-struct DisplayInForce::NoNeighbours final : RunningApplications, WindowList {
+struct ActiveDisplay::NullWindowList final : RunningApplications, WindowList {
   [[nodiscard]] std::vector<RunningApplication> withBundleIdentifier(const std::string& /*identifier*/) const override {
     return {};
   }
@@ -46,9 +46,9 @@ struct DisplayInForce::NoNeighbours final : RunningApplications, WindowList {
   [[nodiscard]] std::optional<std::vector<ListedWindow>> onScreen() const override { return std::nullopt; }
 };
 
-DisplayInForce::DisplayInForce(DisplayUse use, const std::string& lockMark, EventLoop& loop, CanvasFactory& canvases,
-                               const Clock& clock, std::function<std::optional<Seconds>()> limit)
-    : lockMark_(lockMark), noNeighbours_(std::make_unique<NoNeighbours>()) {
+ActiveDisplay::ActiveDisplay(DisplayUse use, const std::string& lockMark, EventLoop& loop, CanvasFactory& canvases,
+                             const Clock& clock, std::function<std::optional<Seconds>()> limit)
+    : lockMark_(lockMark), nullWindowList_(std::make_unique<NullWindowList>()) {
   gnome_ = gnome::GnomePlatform::connect(use, loop, canvases, clock, std::move(limit));
   if (gnome_) {
     kind_ = DisplayKind::extension;
@@ -68,15 +68,15 @@ DisplayInForce::DisplayInForce(DisplayUse use, const std::string& lockMark, Even
   kind_ = chooseDisplay(offer);
 }
 
-DisplayInForce::~DisplayInForce() = default;
+ActiveDisplay::~ActiveDisplay() = default;
 
-std::string DisplayInForce::description() const {
+std::string ActiveDisplay::description() const {
   return describe(kind_, variable("WAYLAND_DISPLAY"), variable("DISPLAY"));
 }
 
-bool DisplayInForce::isWayland() const { return !variable("WAYLAND_DISPLAY").empty() || (x11_ && x11_->isBridge()); }
+bool ActiveDisplay::isWayland() const { return !variable("WAYLAND_DISPLAY").empty() || (x11_ && x11_->isBridge()); }
 
-bool DisplayInForce::hasComeUp() const {
+bool ActiveDisplay::hasAppeared() const {
   gnome::Message hello;
   // Behind a bridge for X programs nothing can be locked, until the shell's extension is switched on.
   if (kind_ == DisplayKind::x11) {
@@ -90,23 +90,23 @@ bool DisplayInForce::hasComeUp() const {
   return chooseDisplay(offer) != DisplayKind::none;
 }
 
-DisplayFamily& DisplayInForce::family() {
+DisplayFamily& ActiveDisplay::family() {
   if (gnome_) return *gnome_;
   if (wayland_) return *wayland_;
   return *x11_;
 }
 
-RunningApplications& DisplayInForce::runningApplications() {
+RunningApplications& ActiveDisplay::runningApplications() {
   if (x11_) return x11_->runningApplications();
-  return *noNeighbours_;
+  return *nullWindowList_;
 }
 
-WindowList& DisplayInForce::windowList() {
+WindowList& ActiveDisplay::windowList() {
   if (x11_) return x11_->windowList();
-  return *noNeighbours_;
+  return *nullWindowList_;
 }
 
-void DisplayInForce::restoreAtExit(bool comesBack) {
+void ActiveDisplay::restoreAtExit(bool comesBack) {
   family().restoreAtExit(comesBack);
   const auto mark = wayland::readMark(lockMark_);
   if (!mark || wayland::isAlive(mark->owner)) return;
