@@ -15,10 +15,15 @@ Item {
 
     FrameAnimation {
         running: root.view.showing && root.view.allKeysHeld
-        onTriggered: root.view.advance()
+        // Half a point of the arc is the least that is worth a frame.
+        onTriggered: {
+            if (Math.abs(root.view.progress - ring.progress) * Math.PI * root.width >= 0.5)
+                root.view.advance();
+        }
     }
 
     ProgressRing {
+        id: ring
         // The stroke's middle runs along the dial's circle.
         anchors.fill: parent
         anchors.margins: -lineWidth / 2
