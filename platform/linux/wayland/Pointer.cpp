@@ -9,7 +9,22 @@
 
 namespace dormel::wayland {
 
-/// What a newer library also tells stays unheard.
+namespace {
+
+/// Events that only newer versions of the protocol have, which a compositor must not send to us. libwayland ends the
+/// process when one comes that nobody listens to. (Templates: an older library's struct has fewer of them.)
+template <typename Listener>
+constexpr void hearNewerEvents(Listener& listener) {
+  if constexpr (requires { listener.axis_value120; }) {
+    listener.axis_value120 = [](void*, wl_pointer*, std::uint32_t, std::int32_t) {};
+  }
+  if constexpr (requires { listener.axis_relative_direction; }) {
+    listener.axis_relative_direction = [](void*, wl_pointer*, std::uint32_t, std::uint32_t) {};
+  }
+}
+
+}  // namespace
+
 constexpr wl_pointer_listener Pointer::Hand::listener() {
   wl_pointer_listener listener{};
   listener.enter = [](void* data, wl_pointer* pointer, std::uint32_t serial, wl_surface* surface, wl_fixed_t x,
@@ -50,6 +65,7 @@ constexpr wl_pointer_listener Pointer::Hand::listener() {
   listener.axis_source = [](void*, wl_pointer*, std::uint32_t) {};
   listener.axis_stop = [](void*, wl_pointer*, std::uint32_t, std::uint32_t) {};
   listener.axis_discrete = [](void*, wl_pointer*, std::uint32_t, std::int32_t) {};
+  hearNewerEvents(listener);
   return listener;
 }
 
