@@ -456,7 +456,8 @@ class OnSystemd(JobModel, unittest.TestCase):
         shutil.rmtree(cls.folder, ignore_errors=True)
 
     def variables_of(self, pid):
-        block = pathlib.Path(f"/proc/{pid}/environ").read_text()
+        # Empty while it is between two programs.
+        block = until("the program's variables", pathlib.Path(f"/proc/{pid}/environ").read_text, 5)
         return dict(entry.split("=", 1) for entry in block.split("\0") if entry)
 
     def test_one_shells_variables_are_the_jobs_alone(self):
