@@ -10,9 +10,9 @@ namespace dormel {
 /// Hold times of the unlock challenge: the first unlock of a night, and every later one.
 inline constexpr std::array<double, 2> BYPASS_DURATIONS{30.0, 60.0};
 inline constexpr double GRACE_PERIOD_DURATION = 300.0;
-/// How many keys one challenge requires. The draw follows (BypassController::pickRandomKeys); by hand go with it the
-/// width of the caps' row (464 points, in BlockerOverlayView.h and BlockerOverlay.qml) and the texts that say five:
-/// SpokenLock.cpp, EntryPoint.cpp, packaging/texts, packaging/dormel.1.in and README.md.
+/// How many keys one challenge requires. The draw follows (BypassController::pickRandomKeys). By hand go with it: the
+/// width of the caps' row (464 points, in BlockerOverlayView.h and BlockerOverlay.qml), and whatever says five:
+/// SpokenLock.cpp, EntryPoint.cpp, packaging/, README.md, docs/GLOSSARY.md and the rules in tools/nights.
 inline constexpr int BYPASS_KEY_COUNT = 5;
 
 inline constexpr double OVERLAY_FADE_IN_DURATION = 2.5;
