@@ -41,9 +41,7 @@ class BlockerOverlayView : public PaintedView,
   /// With a fade-in, `appeared` turns true after half its length; otherwise at once.
   void onAppear() override;
   [[nodiscard]] std::string encodedState() const override { return encoded(state()); }
-  [[nodiscard]] std::shared_ptr<const void> observeState(Task handler) override {
-    return std::make_shared<Observation>(observe(std::move(handler)));
-  }
+  [[nodiscard]] std::shared_ptr<const void> observeState(Task handler) override { return observe(std::move(handler)); }
   [[nodiscard]] bool isMoving() const override { return bypassController_->allKeysHeld(); }
   [[nodiscard]] Size fittingSize() const override { return {464, 523}; }
   [[nodiscard]] std::vector<std::string> plainLines(const CanWrite& canWrite) const override;

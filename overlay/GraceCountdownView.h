@@ -25,9 +25,7 @@ class GraceCountdownView : public PaintedView,
   [[nodiscard]] GraceCountdownState state() const;
 
   [[nodiscard]] std::string encodedState() const override { return encoded(state()); }
-  [[nodiscard]] std::shared_ptr<const void> observeState(Task handler) override {
-    return std::make_shared<Observation>(observe(std::move(handler)));
-  }
+  [[nodiscard]] std::shared_ptr<const void> observeState(Task handler) override { return observe(std::move(handler)); }
   /// Room for the widest of its texts.
   [[nodiscard]] Size fittingSize() const override { return {212, 56}; }
   [[nodiscard]] std::vector<std::string> plainLines(const CanWrite& /*canWrite*/) const override {

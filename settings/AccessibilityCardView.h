@@ -29,9 +29,7 @@ class AccessibilityCardView : public PaintedView,
   /// The switch in miniature begins to flip every 1.4 s.
   void onAppear() override;
   [[nodiscard]] std::string encodedState() const override { return encoded(state()); }
-  [[nodiscard]] std::shared_ptr<const void> observeState(Task handler) override {
-    return std::make_shared<Observation>(observe(std::move(handler)));
-  }
+  [[nodiscard]] std::shared_ptr<const void> observeState(Task handler) override { return observe(std::move(handler)); }
   [[nodiscard]] Size fittingSize() const override;
   void act(std::uint32_t action) override;
   [[nodiscard]] std::vector<std::string> plainLines(const CanWrite& canWrite) const override;

@@ -3,31 +3,35 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <utility>
 #include <vector>
 
 #include "platform/Registration.h"
-#include "platform/RunLoop.h"
 
 namespace dormel {
 
+/// `News` is what a handler is told; nothing for most.
+template <typename... News>
 class HandlerList {
  public:
+  using Handler = std::function<void(News...)>;
+
   /// Never null. The registration may outlive the list.
-  [[nodiscard]] std::unique_ptr<Registration> add(Task handler) {
-    auto kept = std::make_shared<Task>(std::move(handler));
+  [[nodiscard]] std::unique_ptr<Registration> add(Handler handler) {
+    auto kept = std::make_shared<Kept>(std::move(handler));
     std::erase_if(handlers_, [](const auto& gone) { return gone.expired(); });
     handlers_.push_back(kept);
-    return std::make_unique<Handler>(std::move(kept));
+    return std::make_unique<Held>(std::move(kept));
   }
 
-  /// Calls them in the order they came. A handler may add others, which are not called yet, and end any registration,
-  /// its own included.
-  void call() const {
+  /// Calls them in the order they came. A handler may add others, which are not called yet, end any registration, its
+  /// own included, and destroy the list.
+  void call(News... news) const {
     const auto present = handlers_;
     for (const auto& waiting : present) {
-      if (const auto handler = waiting.lock()) (*handler)();
+      if (const auto handler = waiting.lock()) (*handler)(news...);
     }
   }
 
@@ -37,12 +41,13 @@ class HandlerList {
   }
 
  private:
-  struct Handler final : Registration {
-    explicit Handler(std::shared_ptr<Task> task) : kept(std::move(task)) {}
-    std::shared_ptr<Task> kept;
+  using Kept = const Handler;
+  struct Held final : Registration {
+    explicit Held(std::shared_ptr<Kept> handler) : kept(std::move(handler)) {}
+    std::shared_ptr<Kept> kept;
   };
 
-  std::vector<std::weak_ptr<Task>> handlers_;
+  std::vector<std::weak_ptr<Kept>> handlers_;
 };
 
 }  // namespace dormel

@@ -49,7 +49,7 @@ class DesktopNotices final : public Notices {
   void setOnSleepWanted(Task onSleepWanted) { onSleepWanted_ = std::move(onSleepWanted); }
 
  private:
-  std::map<Notice, HandlerList> observers_;
+  std::map<Notice, HandlerList<>> observers_;
   Task onSleepWanted_;
 };
 

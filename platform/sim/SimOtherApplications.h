@@ -49,7 +49,7 @@ class SimOtherApplications : public RunningApplications, public WindowList {
   std::vector<RunningApplication> running_;
   std::optional<RunningApplication> frontmost_;
   std::optional<std::vector<ListedWindow>> windows_ = std::vector<ListedWindow>();
-  HandlerList observers_;
+  HandlerList<> observers_;
 };
 
 }  // namespace dormel

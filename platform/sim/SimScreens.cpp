@@ -12,35 +12,11 @@ constexpr double BAR = 24;
 }  // namespace
 
 std::unique_ptr<Registration> SimNotices::observe(Notice notice, Task handler) {
-  class Observation : public Registration {
-   public:
-    Observation(std::weak_ptr<Observers> observers, std::shared_ptr<Task> handler)
-        : observers_(std::move(observers)), handler_(std::move(handler)) {}
-    Observation(const Observation&) = delete;
-    Observation& operator=(const Observation&) = delete;
-    ~Observation() override {
-      const auto observers = observers_.lock();
-      if (observers) std::erase_if(*observers, [&](const Observer& o) { return o.handler == handler_; });
-    }
-
-   private:
-    std::weak_ptr<Observers> observers_;
-    std::shared_ptr<Task> handler_;
-  };
-  auto shared = std::make_shared<Task>(std::move(handler));
-  observers_->push_back({notice, shared});
-  return std::make_unique<Observation>(observers_, std::move(shared));
+  return (*observers_)[notice].add(std::move(handler));
 }
 
 void SimNotices::post(Notice notice) {
-  timeline_.addMain(0, 0, [observers = observers_, notice] {
-    const Observers now = *observers;
-    for (const Observer& told : now) {
-      const bool still = std::any_of(observers->begin(), observers->end(),
-                                     [&](const Observer& o) { return o.handler == told.handler; });
-      if (told.notice == notice && still) (*told.handler)();
-    }
-  });
+  timeline_.addMain(0, 0, [observers = observers_, notice] { (*observers)[notice].call(); });
 }
 
 std::vector<Screen> SimScreens::all() const {

@@ -2,12 +2,15 @@
 // notices that the desktop sends round.
 #pragma once
 
+#include <map>
+#include <memory>
 #include <vector>
 
 #include "platform/Notices.h"
 #include "platform/Registration.h"
 #include "platform/Screens.h"
 #include "platform/common/CoordinateSpace.h"
+#include "platform/common/HandlerList.h"
 #include "platform/sim/SimJournal.h"
 #include "platform/sim/SimTimeline.h"
 
@@ -24,11 +27,7 @@ class SimNotices : public Notices {
   void processEnded() { observers_->clear(); }
 
  private:
-  struct Observer {
-    Notice notice;
-    std::shared_ptr<Task> handler;
-  };
-  using Observers = std::vector<Observer>;
+  using Observers = std::map<Notice, HandlerList<>>;
 
   SimTimeline& timeline_;
   std::shared_ptr<Observers> observers_ = std::make_shared<Observers>();

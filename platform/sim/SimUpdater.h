@@ -65,7 +65,7 @@ class SimUpdater : public Updater {
   bool hasFeed_ = true;
   bool staged_ = false;
   std::string status_;
-  HandlerList observers_;
+  HandlerList<> observers_;
 };
 
 }  // namespace dormel

@@ -97,7 +97,7 @@ class EventLoop final : public RunLoop {
   std::optional<Steady::time_point> armedFor_;
   std::map<std::uint64_t, Scheduled> timers_;
   std::uint64_t lastTimer_ = 0;
-  HandlerList beforeWaiting_;
+  HandlerList<> beforeWaiting_;
   bool isStopped_ = false;
   std::mutex mutex_;
   std::vector<Task> posted_;

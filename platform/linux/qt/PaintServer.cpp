@@ -112,7 +112,7 @@ class RemoteView final : public PaintedView {
   ViewKind kind_;
   std::function<void(std::uint32_t)> onAct_;
   std::string state_;
-  HandlerList handlers_;
+  HandlerList<> handlers_;
 };
 
 /// The frames of one canvas, which the guard maps.

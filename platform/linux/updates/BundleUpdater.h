@@ -74,7 +74,7 @@ class BundleUpdater final : public Updater {
   bool byHand_ = false;  // the look that is under way
   UpdateResult heard_;
   std::string status_;
-  HandlerList observers_;
+  HandlerList<> observers_;
   const std::shared_ptr<BundleUpdater*> self_;  // what waits in the loop finds out by it whether we still live
 };
 

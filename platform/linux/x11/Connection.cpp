@@ -4,7 +4,6 @@
 #include <sys/epoll.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <chrono>
 #include <utility>
 
@@ -102,15 +101,7 @@ void Connection::handleEvents(const std::function<xcb_generic_event_t*()>& next)
 void Connection::dispatch(const xcb_generic_event_t& event) {
   // Errors of requests without a reply: a window that went away meanwhile, mostly. Nothing depends on them.
   if (event.response_type == 0) return;
-  std::vector<std::shared_ptr<const Handler>> present;
-  present.reserve(handlers_.size());
-  for (const auto& weak : handlers_) {
-    if (auto handler = weak.lock()) present.push_back(std::move(handler));
-  }
-  for (const auto& handler : present) {
-    if (handler.use_count() > 1) (*handler)(event);  // not for one that an earlier handler let go of
-  }
-  std::erase_if(handlers_, [](const auto& weak) { return weak.expired(); });
+  handlers_.call(event);
 }
 
 void Connection::checkLost() {
@@ -120,11 +111,7 @@ void Connection::checkLost() {
   if (onLost_) onLost_();
 }
 
-Subscription Connection::subscribe(Handler handler) {
-  auto shared = std::make_shared<const Handler>(std::move(handler));
-  handlers_.emplace_back(shared);
-  return shared;
-}
+Subscription Connection::subscribe(Handler handler) { return handlers_.add(std::move(handler)); }
 
 void Connection::selectOnRoot(std::uint32_t events) {
   rootEvents_ |= events;

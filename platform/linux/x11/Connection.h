@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/common/HandlerList.h"
 #include "platform/linux/loop/EventLoop.h"
 #include "platform/linux/x11/Reply.h"
 
@@ -100,7 +101,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
   int screenNumber_;
   EventLoop* loop_;
   std::string display_;
-  std::vector<std::weak_ptr<const Handler>> handlers_;
+  HandlerList<const xcb_generic_event_t&> handlers_;
   std::uint32_t rootEvents_ = 0;
   std::map<std::string, Atom> atoms_;  ///< they stay the same as long as the server lives
   Task onLost_;

@@ -35,7 +35,7 @@ class RunningApplicationsX11 final : public RunningApplications {
   std::shared_ptr<Connection> connection_;
   std::unique_ptr<ClientWindows> clients_;  // null without a display
   ApplicationNaming naming_;
-  HandlerList observers_;
+  HandlerList<> observers_;
   Subscription subscription_;  // from the first observer on
   CoalescedTimer telling_;
 };
