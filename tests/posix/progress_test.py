@@ -3,6 +3,7 @@
 import os
 import pathlib
 import pty
+import re
 import subprocess
 import tempfile
 import unittest
@@ -29,7 +30,7 @@ class Progress(unittest.TestCase):
                 except OSError:
                     pass  # how a terminal ends
             self.assertEqual(pathlib.Path(file.name).read_text(encoding="utf-8"), text)
-        return told.decode()
+        return re.sub(r"\b\d+:\d\d\b", "0:00", told.decode())  # a loaded machine takes seconds over it
 
     def test_steps(self):
         for text, steps in ((NINJA, 3), (APT, 6)):
