@@ -58,6 +58,11 @@ void setup() {
   const bool installed = AgentManager::install();
   AppInstaller::listInMenus();
   print(installed ? "Setup complete — agent installed." : "Setup FAILED — agent not installed.");
+  if (!AppInstaller::isInItsPlace()) {
+    platform().output.printError("Dormel: " +
+                                 translate("This copy will not lock: it is not in your Applications folder. "
+                                           "Open it once, and it offers to move itself."));
+  }
   platform().process.exit(installed ? 0 : 1);
 }
 

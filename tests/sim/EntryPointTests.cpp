@@ -62,6 +62,14 @@ TEST(EntryPoint, OneShotCommands) {
   }
 }
 
+TEST(EntryPoint, SaysThatACopyInTheWrongPlaceWillNotLock) {
+  Program program("/home/user/Downloads/Dormel.app");
+  program.machine.launch({"--setup"});
+  EXPECT_EQ(program.machine.output.errors(),
+            (Lines{"Dormel: This copy will not lock: it is not in your Applications folder. "
+                   "Open it once, and it offers to move itself."}));
+}
+
 TEST(EntryPoint, HelpsInTheLanguageOfItsUser) {
   Program program;
   program.machine.texts.setMarked(true);
