@@ -160,6 +160,18 @@ TEST(Desk, OutputsAreScreensFromTheBottomLeftOfTheMainOne) {
   EXPECT_EQ(*screens[1].displayBounds, (Rect{1920, -200, 1280, 1024}));
 }
 
+TEST(Desk, OutputsThatLieOverEachOtherAreToldApart) {
+  // What some compositors do with an output that comes back without a place. Points go upwards from the main one's
+  // bottom.
+  for (const auto& order : {Desk{{{"wide", {0, 0, 1920, 1080}}, {"small", {0, 0, 1280, 1024}}}},
+                            Desk{{{"small", {0, 0, 1280, 1024}}, {"wide", {0, 0, 1920, 1080}}}}}) {
+    const auto screens = order.screens();
+    ASSERT_EQ(screens.size(), 2U);
+    for (const Screen& screen : screens) EXPECT_EQ(screenShowing(screens, screen.frame)->name, screen.name);
+    EXPECT_EQ(screenShowing(screens, {5000, 0, 10, 10}), nullptr);
+  }
+}
+
 TEST(KeyTracker, AKeyboardThatIsHeardOfAgainLetsGoOfWhatWasMissed) {
   constexpr std::uint32_t A = 38;
   constexpr std::uint32_t S = 39;

@@ -1,6 +1,7 @@
 #include "platform/linux/wayland/Outputs.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "platform/linux/wayland/Protocols.h"
@@ -47,6 +48,21 @@ std::vector<Screen> Desk::screens() const {
     screens.push_back({name, frame, frame, Rect{x, y, frame.width, frame.height}});
   }
   return screens;
+}
+
+const Screen* screenShowing(const std::vector<Screen>& screens, const Rect& frame) {
+  const Screen* best = nullptr;
+  double most = 0;
+  double beside = 0;
+  for (const Screen& screen : screens) {
+    const double area = common(screen.frame, frame);
+    const double rest = screen.frame.width * screen.frame.height - area;
+    if (area <= 0 || area < most || (area == most && rest >= beside)) continue;
+    best = &screen;
+    most = area;
+    beside = rest;
+  }
+  return best;
 }
 
 Outputs::Outputs(Connection& connection, EventLoop& loop)
@@ -115,18 +131,15 @@ std::optional<Screen> Outputs::main() const {
 }
 
 std::shared_ptr<Output> Outputs::showing(const Rect& frame) const {
-  std::shared_ptr<Output> best;
-  double most = 0;
-  for (const Screen& screen : screens_) {
-    const double area = common(screen.frame, frame);
-    if (area <= most) continue;
-    const auto found =
-        std::find_if(outputs_.begin(), outputs_.end(), [&](const auto& output) { return output->name == screen.name; });
-    if (found == outputs_.end()) continue;
-    best = *found;
-    most = area;
-  }
-  return best;
+  const auto outputOf = [&](const Screen& screen) {
+    return std::find_if(outputs_.begin(), outputs_.end(),
+                        [&](const auto& output) { return output->name == screen.name; });
+  };
+  std::vector<Screen> present;
+  std::copy_if(screens_.begin(), screens_.end(), std::back_inserter(present),
+               [&](const Screen& screen) { return outputOf(screen) != outputs_.end(); });
+  const Screen* const best = screenShowing(present, frame);
+  return best != nullptr ? *outputOf(*best) : nullptr;
 }
 
 }  // namespace dormel::wayland

@@ -38,6 +38,10 @@ struct Desk {
   friend bool operator==(const Desk&, const Desk&) = default;
 };
 
+/// The screen that shows most of this rectangle; where outputs lie over each other and several show as much of it, the
+/// one with the least beside it. Null when none shows any. Plain computation.
+[[nodiscard]] const Screen* screenShowing(const std::vector<Screen>& screens, const Rect& frame);
+
 class Outputs : public Screens {
  public:
   /// `connection` outlives it.
@@ -52,7 +56,7 @@ class Outputs : public Screens {
   [[nodiscard]] std::vector<Screen> all() const override { return screens_; }
   [[nodiscard]] std::optional<Screen> main() const override;
 
-  /// The output that shows most of this rectangle; null when there is none.
+  /// The output of the screen that shows most of this rectangle; null when there is none.
   [[nodiscard]] std::shared_ptr<Output> showing(const Rect& frame) const;
   [[nodiscard]] const std::list<std::shared_ptr<Output>>& outputs() const { return outputs_; }
 
