@@ -9,6 +9,7 @@
 
 #include "assistant/qml/AssistantScenes.h"
 #include "core/Config.h"
+#include "onboarding/OnboardingModel.h"
 #include "onboarding/qml/OnboardingScenes.h"
 #include "overlay/qml/OverlayScenes.h"
 #include "platform/linux/DesktopWording.h"
@@ -90,6 +91,13 @@ void DrawnMachine::speak(const std::string& language) {
   auto catalog = Catalog::parse(std::string{std::istreambuf_iterator<char>(file), {}});
   if (!catalog) throw std::runtime_error("no texts in " + language);
   machine.texts.setLanguage(language, std::move(*catalog));
+}
+
+void DrawnMachine::answerTheFirstRun(const char* keeps) {
+  store(defaultsKey::onboardingLate, {std::int64_t{26}});
+  store(defaultsKey::onboardingNights, {4.0});
+  store(defaultsKey::onboardingWant, {std::int64_t{23}});
+  store(defaultsKey::onboardingKeeps, {PropertyListArray{{std::string(keeps)}}});
 }
 
 void DrawnMachine::pass(Seconds duration) {

@@ -73,6 +73,9 @@ class DrawnMachine {
   /// Speaks that language, of those that the program has: "de".
   void speak(const std::string& language);
 
+  /// Stores an answer to every question of the first run.
+  void answerTheFirstRun(const char* keeps = "scrolling");
+
   /// Puts a value into the settings, as another process would.
   void store(const char* key, PropertyListValue value) { machine.defaults.writeFromOutside(key, std::move(value)); }
 
