@@ -98,7 +98,6 @@ class SimBundle : public Bundle {
   void setPath(std::string path) { path_ = std::move(path); }
   void setPackageRemoval(std::string command) { packageRemoval_ = std::move(command); }
   void setInfo(const std::string& key, std::string value) { info_[key] = std::move(value); }
-  void removeInfo(const std::string& key) { info_.erase(key); }
 
  private:
   std::string path_ = "/Applications/Dormel.app";

@@ -26,7 +26,6 @@ class SimDragging : public Dragging {
 
   // The user's and the receiver's side.
   void setDenied(bool denied) { denied_ = denied; }
-  [[nodiscard]] bool isDragging() const { return onEnd_ != nullptr; }
   /// What the receiver gets when it asks.
   [[nodiscard]] std::optional<std::string> ask(const std::string& type) const { return item_.provide(type); }
   /// It is over.

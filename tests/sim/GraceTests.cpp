@@ -15,13 +15,6 @@ class GraceTest : public testing::Test {
     machine.advance(60);
   }
 
-  /// Locked, held to the end, and let go: the hold is complete at this moment.
-  void completeHold() {
-    pressAll(machine, night.controller());
-    ASSERT_TRUE(machine.timeline.advanceUntil([&] { return night.session().state() == SessionState::grace; }, 61));
-    machine.keyboard.releaseAll();
-  }
-
   NightFixture night;
   SimMachine& machine = night.machine;
 };
@@ -98,35 +91,6 @@ TEST_F(GraceTest, AWholeNight) {
                 "06:00:00.000 presentation 0\n"
                 "06:00:00.000 out: Blocking hours ended. Exiting cleanly.\n"
                 "06:00:00.000 exit 0\n");
-}
-
-TEST_F(GraceTest, LiftsTheLockStepByStep) {
-  completeHold();
-  const struct {
-    Seconds after;
-    bool confirm, fadingOut, covered, taken;
-    unsigned windows;
-    int remaining;
-  } rows[] = {
-      {0.0, true, false, true, true, 2, 300},    {1.499, true, false, true, true, 2, 299},
-      {1.5, true, true, true, true, 2, 299},     {2.499, true, true, true, true, 2, 298},
-      {2.6, true, true, false, true, 2, 298},    {3.699, true, true, false, true, 2, 297},
-      {3.7, false, false, false, true, 1, 297},  {5.699, false, false, false, true, 1, 295},
-      {5.7, false, false, false, false, 1, 295},
-  };
-  Seconds passed = 0;
-  for (const auto& row : rows) {
-    machine.advance(row.after - passed);
-    passed = row.after;
-    const ScreenManager& session = night.session();
-    EXPECT_EQ(session.showUnlockConfirm(), row.confirm) << row.after;
-    EXPECT_EQ(session.isFadingOut(), row.fadingOut) << row.after;
-    EXPECT_EQ(machine.windows.cover() == 1, row.covered) << row.after;
-    EXPECT_EQ(machine.keyboard.isTaken(), row.taken) << row.after;
-    EXPECT_EQ(machine.windows.visible().size(), row.windows) << row.after;
-    EXPECT_EQ(session.graceSecondsRemaining(), row.remaining) << row.after;
-    EXPECT_EQ(session.retiringInterceptor() != nullptr, row.after >= 3.7 && row.after < 5.7) << row.after;
-  }
 }
 
 TEST_F(GraceTest, ALoweringThatIsOvertakenStopsAtItsNextStep) {

@@ -37,11 +37,9 @@ TEST(OnboardingModel, MakesFiguresAndSentencesOfTheAnswers) {
       {{}, {}, {}, {"work"}, {}, "You're up too late, too often.", 24},
       {25, {}, {}, {}, {}, "You're up too late, too often.", 24},
       {26, 23, 4.0, {"scrolling"}, 12, "You're up until about 2 AM, several nights a week. Mostly scrolling.", 23},
-      {24, 23, 2.0, {}, 2, "You're up until about midnight, some nights.", 23},
       {25, 24, 2.0, {"everything", "work"}, 2, "You're up until about 1 AM, some nights.", 24},
       {28, 22, 7.0, {"work", "games"}, 42, "You're up until about 4 AM, most nights. Mostly work.", 22},
       {23, 21, 0.75, {"work", "everything"}, 2, "You're up until about 11 PM, some nights.", 22},
-      {23, 22, 2.5, {}, 3, "You're up until about 11 PM, some nights.", 22},
       {24, 24, 7.0, {}, {}, "You're up until about midnight, most nights.", 24},
       {24, 27, 7.0, {}, {}, "You're up until about midnight, most nights.", 26},
       {LARGE, 1, 1e300, {}, LARGE, "You're up until about 7 AM, most nights.", 22},
@@ -82,22 +80,16 @@ TEST(OnboardingModel, DamagedAnswersReadAsAbsent) {
     const char* shown;
   } rows[] = {
       {late, whole(25), "25 0 0 24 []"},
-      {late, whole(1), "1 0 0 24 []"},
       {late, whole(0), "0 0 0 24 []"},
-      {late, whole(-1), "0 0 0 24 []"},
       {late, whole(std::numeric_limits<std::int64_t>::max()), "0 0 0 24 []"},
-      {late, whole(std::numeric_limits<std::int64_t>::min()), "0 0 0 24 []"},
       {late, whole((std::int64_t{1} << 32) + 25), "0 0 0 24 []"},
-      {late, {std::string("25")}, "0 0 0 24 []"},
       {late, {true}, "0 0 0 24 []"},
-      {late, {PropertyListArray{whole(25)}}, "0 0 0 24 []"},
       {defaultsKey::onboardingWant, whole(23), "0 0 23 24 []"},
       {defaultsKey::onboardingWant, {2.5e300}, "0 0 0 24 []"},
       {nights, {4.0}, "0 4 0 24 []"},
       {nights, whole(7), "0 7 0 24 []"},
       {nights, {-1.0}, "0 0 0 24 []"},
       {nights, {std::nan("")}, "0 0 0 24 []"},
-      {nights, {std::numeric_limits<double>::infinity()}, "0 0 0 24 []"},
       {nights, {PropertyListDictionary{}}, "0 0 0 24 []"},
       {keeps, {PropertyListArray{{std::string("work")}, {std::string("games")}}}, "0 0 0 24 [work;games;]"},
       {keeps, {PropertyListArray{{std::string("work")}, whole(3)}}, "0 0 0 24 []"},
@@ -231,17 +223,18 @@ struct FirstRun : Program {
 
 TEST(Onboarding, LeadsFromTheFirstScreenToAnArmedLock) {
   FirstRun program;
-  Lines steps;
   for (const Beat beat : ONBOARDING_BEATS) {
     const auto view = program.stranger.view();
     ASSERT_TRUE(view);
     ASSERT_EQ(view->beat(), beat);
-    if (beat == Beat::finale) break;
+    if (beat == Beat::finale) {
+      EXPECT_EQ(shown(view->model()), "26 7 25 23 [work;scrolling;]");
+      break;
+    }
     program.stranger.goOn();
-    Lines stored = program.stored();
+    const Lines stored = program.stored();
     ASSERT_GE(stored.size(), 6U);
-    const Lines answers{stored.end() - 6, stored.end()};
-    steps.push_back(shown(view->model()) + " -> " + answers.back());
+    EXPECT_EQ(stored.back(), "onboardingV2Beat = " + std::to_string(rawValue(beat) + 1));
     EXPECT_EQ(shown(*OnboardingModel::restored()), shown(view->model())) << "what was stored is what is there";
     if (beat == Beat::schedule) {
       EXPECT_EQ(stored.front(), "blockStartHour = 23");
@@ -250,17 +243,6 @@ TEST(Onboarding, LeadsFromTheFirstScreenToAnArmedLock) {
       EXPECT_EQ(stored.size(), 6U);
     }
   }
-  EXPECT_EQ(steps,
-            (Lines{"0 0 0 24 [] -> onboardingV2Beat = 1", "0 0 0 24 [] -> onboardingV2Beat = 2",
-                   "26 0 0 24 [] -> onboardingV2Beat = 3", "26 7 0 24 [] -> onboardingV2Beat = 4",
-                   "26 7 25 24 [] -> onboardingV2Beat = 5", "26 7 25 24 [work;scrolling;] -> onboardingV2Beat = 6",
-                   "26 7 25 24 [work;scrolling;] -> onboardingV2Beat = 7",
-                   "26 7 25 24 [work;scrolling;] -> onboardingV2Beat = 8",
-                   "26 7 25 24 [work;scrolling;] -> onboardingV2Beat = 9",
-                   "26 7 25 24 [work;scrolling;] -> onboardingV2Beat = 10",
-                   "26 7 25 24 [work;scrolling;] -> onboardingV2Beat = 11",
-                   "26 7 25 24 [work;scrolling;] -> onboardingV2Beat = 12",
-                   "26 7 25 23 [work;scrolling;] -> onboardingV2Beat = 13"}));
   EXPECT_FALSE(program.isArmed());
   program.stranger.goOn();
   EXPECT_TRUE(program.isArmed());
