@@ -131,11 +131,6 @@ int epoll_wait(int fd, epoll_event* events, int most, int timeout) {
   return original(fd, events, most, realMilliseconds(timeout));
 }
 
-int epoll_pwait(int fd, epoll_event* events, int most, int timeout, const sigset_t* mask) {
-  static const auto original = next<int (*)(int, epoll_event*, int, int, const sigset_t*)>("epoll_pwait");
-  return original(fd, events, most, realMilliseconds(timeout), mask);
-}
-
 int epoll_pwait2(int fd, epoll_event* events, int most, const timespec* timeout, const sigset_t* mask) {
   static const auto original = next<int (*)(int, epoll_event*, int, const timespec*, const sigset_t*)>("epoll_pwait2");
   const timespec real = timeout != nullptr ? realSpan(*timeout) : timespec{};
@@ -157,12 +152,6 @@ int nanosleep(const timespec* span, timespec* left) {
   static const auto original = next<int (*)(const timespec*, timespec*)>("nanosleep");
   const timespec real = realSpan(*span);
   return original(&real, left);
-}
-
-int clock_nanosleep(clockid_t clock, int flags, const timespec* time, timespec* left) {
-  static const auto original = next<int (*)(clockid_t, int, const timespec*, timespec*)>("clock_nanosleep");
-  const timespec real = (flags & TIMER_ABSTIME) != 0 ? realMoment(clock, *time) : realSpan(*time);
-  return original(clock, flags, &real, left);
 }
 
 int pthread_cond_timedwait(pthread_cond_t* condition, pthread_mutex_t* mutex, const timespec* until) {
