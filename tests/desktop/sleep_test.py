@@ -2,7 +2,7 @@
 
 import unittest
 
-from case import DesktopCase, NotSeen, until
+from case import DesktopCase, until
 from desk import LoginManager, processes
 from desk.wait import No
 
@@ -21,34 +21,13 @@ class SleepTest(DesktopCase):
         return desk.eyes.rectangle(main.x + main.width // 2 - 280, main.y + main.height // 2 + 70, 560,
                                    100).brighter_than(200)
 
-    def test_a_hold_does_not_last_through_sleep(self):
+    def test_a_hold_does_not_last_through_sleep_nor_the_lock_past_the_hours(self):
         desk, manager = self.desk_with_login_manager()
         process = self.lock(desk, environment=manager.environment)
         self.press_the_keys(desk)
-        desk.home.wait_for_line("debug.log", "holding 1.", 3)
-        until("the keys are lit", lambda: self.bright_key_pixels(desk) > 5000, 2)
+        until("the keys are lit", lambda: self.bright_key_pixels(desk) > 5000, 3)
         manager.say(True)
         until("nothing counts as held", lambda: self.bright_key_pixels(desk) < 500, 2)
-        manager.say(False)
-        mark = len(desk.home.log("debug.log"))
-
-        def pressed_again():
-            """What is pressed before the news of the waking has arrived does not count either."""
-            desk.keyboard.let_go()
-            try:
-                return self.press_the_keys(desk)
-            except NotSeen:
-                return None
-
-        until("the hold begins anew", pressed_again, 10)
-        self.assertIn("holding 0.", desk.home.wait_for_line("debug.log", "  holding ", 3, mark)[1])
-        self.assertIsNone(process.poll())
-        self.assertTrue(desk.eyes.covered(process.pid))
-
-    def test_waking_after_the_hours(self):
-        desk, manager = self.desk_with_login_manager()
-        process = self.lock(desk, environment=manager.environment)
-        manager.say(True)
         desk.home.end_the_hours()
         manager.say(False)
         # Without the waking it would be the watchdog's turn, which has a line of its own.

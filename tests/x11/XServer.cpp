@@ -96,13 +96,6 @@ void Child::kill() {
   waitpid(std::exchange(pid_, -1), nullptr, 0);
 }
 
-bool Child::endsWhenAsked() {
-  ::kill(pid_, SIGTERM);
-  const bool hasEnded = until([this] { return waitpid(pid_, nullptr, WNOHANG) == pid_; }, 5000);
-  if (hasEnded) pid_ = -1;
-  return hasEnded;
-}
-
 std::unique_ptr<XServer> XServer::xorg(const std::vector<std::string>& arguments) {
   std::string folder = "/tmp/dormel-x11-XXXXXX";
   if (mkdtemp(folder.data()) == nullptr) throw std::runtime_error("no folder for the server");
@@ -159,8 +152,6 @@ void XServer::plug(const std::string& output, int width, int height, int x, int 
     throw std::runtime_error("xrandr --output " + output);
   }
 }
-
-void XServer::pull(const std::string& output) { run({"xrandr", "--output", output, "--off"}); }
 
 void XServer::configure(const std::string& output, std::optional<std::pair<int, int>> place) {
   Connection& c = *hand_;
@@ -303,12 +294,11 @@ void Camera::stop() {
   if (thread_.joinable()) thread_.join();
 }
 
-Witness::Witness(const XServer& server, std::uint32_t colour, int x, int y, int width, int height)
+Witness::Witness(const XServer& server, std::uint32_t colour)
     : connection_(server.client()), window_(connection_->newId()) {
   const std::uint32_t values[] = {colour, 1, XCB_EVENT_MASK_KEY_PRESS | XCB_EVENT_MASK_KEY_RELEASE};
-  xcb_create_window(*connection_, XCB_COPY_FROM_PARENT, window_, connection_->root(), static_cast<std::int16_t>(x),
-                    static_cast<std::int16_t>(y), static_cast<std::uint16_t>(width), static_cast<std::uint16_t>(height),
-                    0, XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
+  xcb_create_window(*connection_, XCB_COPY_FROM_PARENT, window_, connection_->root(), 0, 0, 2000, 2000, 0,
+                    XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
                     XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK, values);
   xcb_map_window(*connection_, window_);
   focus();
@@ -334,17 +324,6 @@ bool Witness::grabKeyboard() {
       xcb_grab_keyboard(*connection_, 0, window_, XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC),
       nullptr));
   return reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
-}
-
-void Witness::ungrabKeyboard() {
-  xcb_ungrab_keyboard(*connection_, XCB_CURRENT_TIME);
-  connection_->sync();
-}
-
-void Witness::raise() {
-  const std::uint32_t mode = XCB_STACK_MODE_ABOVE;
-  xcb_configure_window(*connection_, window_, XCB_CONFIG_WINDOW_STACK_MODE, &mode);
-  connection_->sync();
 }
 
 std::vector<xcb_window_t> Witness::others() {

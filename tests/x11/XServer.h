@@ -32,8 +32,6 @@ class Child {
   Child(Child&& other) noexcept;
   ~Child() { kill(); }
   void kill();
-  /// Asks it to end; false when it has not within five seconds.
-  [[nodiscard]] bool endsWhenAsked();
 
  private:
   pid_t pid_;
@@ -50,12 +48,9 @@ class XServer {
   [[nodiscard]] const std::string& display() const { return display_; }
   /// Ends the server as a crash would.
   void crash();
-  /// Asks the server to end; false when it does not.
-  [[nodiscard]] bool endsWhenAsked() { return process_.endsWhenAsked(); }
 
   // Monitors, by `xrandr`. Names are those of outputs; geometry as "800x600+0+0".
   void plug(const std::string& output, int width, int height, int x, int y);
-  void pull(const std::string& output);
   /// One raw request, as `xrandr` never sends it: nothing beside it is changed, and nobody holds the server meanwhile.
   /// Puts what the output shows at another place; without a place, turns it off.
   void configure(const std::string& output, std::optional<std::pair<int, int>> place);
@@ -86,8 +81,7 @@ class XServer {
 /// Another program: one mapped window with the input focus that counts the keys it gets.
 class Witness {
  public:
-  explicit Witness(const XServer& server, std::uint32_t colour = 0x336699, int x = 0, int y = 0, int width = 2000,
-                   int height = 2000);
+  explicit Witness(const XServer& server, std::uint32_t colour = 0x336699);
   ~Witness() {
     xcb_destroy_window(*connection_, window_);
     connection_->sync();
@@ -96,8 +90,6 @@ class Witness {
   [[nodiscard]] int keysSeen();
   void focus();
   bool grabKeyboard();
-  void ungrabKeyboard();
-  void raise();
   /// All top-level windows but its own.
   [[nodiscard]] std::vector<xcb_window_t> others();
   [[nodiscard]] Connection& connection() { return *connection_; }
