@@ -22,8 +22,7 @@ class FirstRunTest(DesktopCase):
         return desk, reader, run
 
     def quit(self, desk, run):
-        desk.keyboard.press(LEFT_CTRL, Q)
-        desk.keyboard.let_go()
+        desk.keyboard.chord(LEFT_CTRL, Q)
         self.assertEqual(run.process.wait(10), 0)
 
     def test_by_mouse(self):

@@ -92,8 +92,7 @@ class UninstallTest(DesktopCase):
     def uninstall(self, desk, process):
         """Through the opened window, by keyboard."""
         window = self.in_front(desk, process, "Dormel")
-        desk.keyboard.press(LEFT_SHIFT, TAB)  # to the last control
-        desk.keyboard.let_go()
+        desk.keyboard.chord(LEFT_SHIFT, TAB)  # to the last control
         desk.keyboard.tap(RETURN)
         alert = self.in_front(desk, process, "Uninstall Dormel?")
         self.assertEqual(alert.belongs_to, window.id)

@@ -71,8 +71,7 @@ class WaylandTest(DesktopCase):
                 desk = self.wayland(compositor)
                 self.lock(desk)
                 for keys in ((56, 15), (125,), (125, 32), (56, 62)):  # Alt+Tab, Super, Super+D, Alt+F4
-                    desk.keyboard.press(*keys)
-                    desk.keyboard.let_go()
+                    desk.keyboard.chord(*keys)
                 self.assertTrue(desk.eyes.dark())
                 self.assertFalse(desk.keys_reach_the_document())
 

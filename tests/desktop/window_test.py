@@ -35,11 +35,6 @@ class WindowTest(DesktopCase):
                      lambda: next((c for c in desk.clients.of(process.pid) if c.title == title), None), 10)
 
     @staticmethod
-    def chord(desk, *keys):
-        desk.keyboard.press(*keys)
-        desk.keyboard.let_go()
-
-    @staticmethod
     def link(reader):
         """What starts the rehearsal; further down than the window shows."""
         return until("the link", lambda: next((e for e in reader.elements() if e.name == "Rehearse the lock"), None), 5)
@@ -139,7 +134,7 @@ class WindowTest(DesktopCase):
         desk.keyboard.tap(ESCAPE)
         desk.home.wait_for_line("debug.log", "═══ TEST CANCELLED ═══", 3, mark)
         until("the pill is gone", lambda: [w for w in desk.eyes.windows_of(process.pid) if w.override] == [], 3)
-        self.chord(desk, LEFT_CTRL, Q)
+        desk.keyboard.chord(LEFT_CTRL, Q)
         self.assertEqual(process.wait(5), 0)
 
 

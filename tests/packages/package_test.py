@@ -107,8 +107,7 @@ def uninstall_in_its_window():
         hand = ByMouse(desk, reader)
         until("the window has the keyboard",
               lambda: desk.clients.active() in [client.id for client in desk.clients.of(process.pid)], 10)
-        desk.keyboard.press(LEFT_SHIFT, TAB)  # to the last control, which the window scrolls to
-        desk.keyboard.let_go()
+        desk.keyboard.chord(LEFT_SHIFT, TAB)  # to the last control, which the window scrolls to
         hand.press("Uninstall Dormel")
         hand.press("Uninstall")
         reader.wait_for("Dormel uninstalled", 10)

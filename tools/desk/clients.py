@@ -4,6 +4,8 @@ from dataclasses import dataclass
 
 from Xlib import X, Xatom, error
 
+from .server import ServerClient
+
 HIDDEN = "_NET_WM_STATE_HIDDEN"
 
 
@@ -29,17 +31,7 @@ class Client:
         return HIDDEN in self.states
 
 
-class Clients:
-    def __init__(self, server):
-        self._display = server.open()
-        self._root = self._display.screen().root
-
-    def close(self):
-        try:
-            self._display.close()
-        except Exception:  # the server went first
-            pass
-
+class Clients(ServerClient):
     def _values(self, window, name):
         found = window.get_full_property(self._display.intern_atom(name), X.AnyPropertyType)
         return list(found.value) if found else []

@@ -3,10 +3,9 @@
 import contextlib
 import os
 import shlex
-import socket
 import subprocess
 
-from . import paint
+from . import buses, paint, processes
 from .clients import Clients
 from .eyes import Eyes
 from .keyboard import Keyboard
@@ -87,12 +86,7 @@ class Desk(PrivateDesk):
         """Where a user manager has it, for desks without one."""
         path = os.path.join(self.home.runtime, "bus")
         self.helper(["dbus-daemon", "--session", "--nofork", "--nopidfile", f"--address=unix:path={path}"])
-
-        def listens():
-            with socket.socket(socket.AF_UNIX) as caller:
-                return caller.connect_ex(path) == 0
-
-        until("the session bus is there", listens, 5)
+        until("the session bus is there", lambda: buses.listens(path), 5)
 
     def composited(self):
         """Whether somebody composites the screens."""
@@ -133,17 +127,7 @@ class Desk(PrivateDesk):
         self._stop_manager()
         self._close_all()
         for process in self._helpers:
-            _end(process)
+            processes.end(process)
         self._sweep()
         self.server.stop()
         self._remove_folder()
-
-
-def _end(process):
-    if process.poll() is None:
-        process.terminate()
-        try:
-            process.wait(5)
-        except subprocess.TimeoutExpired:
-            process.kill()
-            process.wait()

@@ -9,6 +9,7 @@ from dataclasses import dataclass
 from Xlib import X, error
 from Xlib.ext import res
 
+from .server import ServerClient
 from .wait import No
 
 ALL_PLANES = 0xFFFFFFFF
@@ -101,19 +102,7 @@ class Picture:
         return path
 
 
-class Eyes:
-    """One pair of eyes on a connection of its own; use it from one thread."""
-
-    def __init__(self, server):
-        self._display = server.open()
-        self._root = self._display.screen().root
-
-    def close(self):
-        try:
-            self._display.close()
-        except Exception:
-            pass
-
+class Eyes(ServerClient):
     def monitors(self):
         """What is lit now, in the server's order."""
         if not self._display.has_extension("RANDR"):

@@ -1,7 +1,11 @@
 """Keys by their place on the keyboard, pressed through XTEST: they go through grabs and show as hardware state."""
 
-from Xlib import XK, X
+import contextlib
+
+from Xlib import X
 from Xlib.ext import xtest
+
+from .server import ServerClient
 
 # The place of every key the challenge can ask for, as Linux numbers keys, by its label on a US keyboard.
 EVDEV = {
@@ -19,62 +23,52 @@ def evdev_of_label(label):
     return EVDEV[label]
 
 
-class Keyboard:
-    """Hands on the keyboard. Remembers what it holds, so that letting go leaves nothing pressed."""
+class Hands:
+    """Base of the hands on a keyboard. They remember what they hold, so that letting go leaves nothing pressed.
 
-    def __init__(self, server):
-        self._display = server.open()
-        self._held = []
+    A subclass sends one key in _send(key, down), and has all of them arrive in _arrive().
+    """
 
-    def place_of(self, name):
-        """Where a key is that the server's keymap gives this name ("Up"): not every server numbers the keys beside the
-        letters as Linux does."""
-        return self._display.keysym_to_keycode(XK.string_to_keysym(name)) - 8
-
-    @property
-    def held(self):
-        return tuple(self._held)
+    _held = ()
 
     def press(self, *keys):
         for key in keys:
-            xtest.fake_input(self._display, X.KeyPress, key + 8)
-            self._held.append(key)
-        self._display.sync()
+            self._held = (*self._held, key)
+            self._send(key, True)
+        self._arrive()
 
     def release(self, *keys):
         for key in keys:
-            xtest.fake_input(self._display, X.KeyRelease, key + 8)
-            if key in self._held:
-                self._held.remove(key)
-        self._display.sync()
+            self._held = tuple(held for held in self._held if held != key)
+            self._send(key, False)
+        self._arrive()
 
     def tap(self, *keys):
         for key in keys:
             self.press(key)
             self.release(key)
 
+    def chord(self, *keys):
+        """All of them together, let go in reverse."""
+        self.press(*keys)
+        self.release(*reversed(keys))
+
     def let_go(self):
         """Releases everything, the last key first."""
         self.release(*reversed(self._held))
 
-    def pressed(self):
-        """What the server says is down, as Linux key numbers."""
-        state = self._display.query_keymap()
-        return sorted(code - 8 for code in range(8, 256) if state[code // 8] >> (code % 8) & 1)
+    def _arrive(self):
+        pass
 
-    # The pointer belongs to the same hands.
 
-    def move(self, x, y):
-        xtest.fake_input(self._display, X.MotionNotify, x=x, y=y)
-        self._display.sync()
+class Keyboard(Hands, ServerClient):
+    def _send(self, key, down):
+        xtest.fake_input(self._display, X.KeyPress if down else X.KeyRelease, key + 8)
 
-    def button(self, number, down):
-        xtest.fake_input(self._display, X.ButtonPress if down else X.ButtonRelease, number)
+    def _arrive(self):
         self._display.sync()
 
     def close(self):
-        try:
+        with contextlib.suppress(Exception):  # the server may be gone, and then nothing is held either
             self.let_go()
-            self._display.close()
-        except Exception:  # the server may be gone, and then nothing is held either
-            pass
+        super().close()

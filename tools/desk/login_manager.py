@@ -2,22 +2,11 @@
 
 import ctypes
 import os
-import socket
 import subprocess
 
+from . import buses
 from .wait import until
 
-CONFIG = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
- "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
-<busconfig>
-  <listen>unix:path={path}</listen>
-  <auth>EXTERNAL</auth>
-  <policy context="default">
-    <allow user="*"/><allow own="*"/><allow send_type="*"/><allow receive_type="*"/>
-    <allow send_destination="*" eavesdrop="true"/>
-  </policy>
-</busconfig>
-"""
 NAME, OBJECT, INTERFACE = b"org.freedesktop.login1", b"/org/freedesktop/login1", b"org.freedesktop.login1.Manager"
 
 
@@ -26,29 +15,21 @@ class LoginManager:
 
     def __init__(self, folder):
         self._path = os.path.join(folder, "system-bus")
-        self._config = os.path.join(folder, "system-bus.conf")
         self.environment = {"DBUS_SYSTEM_BUS_ADDRESS": f"unix:path={self._path}"}
         self._systemd = ctypes.CDLL("libsystemd.so.0")
         self._bus = ctypes.c_void_p()
         self._daemon = None
 
     def __enter__(self):
-        with open(self._config, "w", encoding="ascii") as file:
-            file.write(CONFIG.format(path=self._path))
-        self._daemon = subprocess.Popen(["dbus-daemon", f"--config-file={self._config}", "--nofork", "--nopidfile"],
-                                        stdin=subprocess.DEVNULL, start_new_session=True)
+        self._daemon = subprocess.Popen(buses.daemon("system", self._path), stdin=subprocess.DEVNULL,
+                                        start_new_session=True)
         try:
-            until("the bus is there", self._listens, 5)
+            until("the bus is there", lambda: buses.listens(self._path), 5)
             self._take_the_name()
         except BaseException:
             self.end_the_bus()
             raise
         return self
-
-    def _listens(self):
-        """A socket that exists may not be listened to yet."""
-        with socket.socket(socket.AF_UNIX) as caller:
-            return caller.connect_ex(self._path) == 0
 
     def _take_the_name(self):
         self._call("sd_bus_new", ctypes.byref(self._bus))

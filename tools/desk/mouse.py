@@ -5,11 +5,10 @@ import time
 from Xlib import X
 from Xlib.ext import xtest
 
+from .server import ServerClient
 
-class Mouse:
-    def __init__(self, server):
-        self._display = server.open()
 
+class Mouse(ServerClient):
     def move(self, x, y):
         xtest.fake_input(self._display, X.MotionNotify, x=x, y=y)
         self._display.sync()
@@ -35,9 +34,3 @@ class Mouse:
             self.move(x + (to_x - x) * step // steps, y + (to_y - y) * step // steps)
             time.sleep(0.01)
         self.release()
-
-    def close(self):
-        try:
-            self._display.close()
-        except Exception:  # the server went first
-            pass

@@ -7,6 +7,8 @@ import subprocess
 
 from Xlib import X, Xatom
 
+from .server import ServerClient
+
 DAWN = "gradient:#29405f-#b98a72"
 
 
@@ -61,27 +63,22 @@ def wallpaper(server, monitors):
         display.close()
 
 
-class DesktopWindow:
+class DesktopWindow(ServerClient):
     """What the file manager of a desktop shows behind everything: the wallpaper, for compositors that leave out the
     root window."""
 
     def __init__(self, server):
-        self._display = server.open()
-        screen = self._display.screen()
-        root = screen.root
-        geometry = root.get_geometry()
+        super().__init__(server)
+        geometry = self._root.get_geometry()
         atom = self._display.intern_atom
-        window = root.create_window(0, 0, geometry.width, geometry.height, 0, screen.root_depth, X.InputOutput,
-                                    X.CopyFromParent)
-        pixmap, = root.get_full_property(atom("_XROOTPMAP_ID"), X.AnyPropertyType).value
+        window = self._root.create_window(0, 0, geometry.width, geometry.height, 0, geometry.depth, X.InputOutput,
+                                          X.CopyFromParent)
+        pixmap, = self._root.get_full_property(atom("_XROOTPMAP_ID"), X.AnyPropertyType).value
         window.change_attributes(background_pixmap=self._display.create_resource_object("pixmap", pixmap))
         window.set_wm_normal_hints(flags=3, x=0, y=0)
         window.change_property(atom("_NET_WM_WINDOW_TYPE"), Xatom.ATOM, 32, [atom("_NET_WM_WINDOW_TYPE_DESKTOP")])
         window.map()
         self._display.sync()
-
-    def close(self):
-        self._display.close()
 
 
 def document(width, height):

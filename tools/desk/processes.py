@@ -1,7 +1,20 @@
 """What a process is and costs, read from /proc."""
 
 import os
-import time
+import subprocess
+
+
+class Running:
+    """Base of those who run one process."""
+
+    _process = None
+
+    @property
+    def pid(self):
+        return self._process.pid
+
+    def alive(self):
+        return self._process is not None and self._process.poll() is None
 
 
 def of_home(home_path):
@@ -24,12 +37,14 @@ def of_home(home_path):
     return found
 
 
-def started_at(pid):
-    """When the process was started, on the monotonic clock; good to 10 ms."""
-    with open(f"/proc/{pid}/stat", encoding="utf-8", errors="replace") as file:
-        ticks = int(file.read().rpartition(")")[2].split()[19])
-    since_boot = ticks / os.sysconf("SC_CLK_TCK")
-    return since_boot - (time.clock_gettime(time.CLOCK_BOOTTIME) - time.monotonic())
+def end(process, within=5):
+    """Asks a child to end; one that does not is killed."""
+    process.terminate()
+    try:
+        process.wait(within)
+    except subprocess.TimeoutExpired:
+        process.kill()
+        process.wait()
 
 
 def alive(pid):

@@ -8,10 +8,10 @@ run at all, the program falls back to its built-in supervisor, and so do its tes
 import glob
 import os
 import shutil
-import signal
 import subprocess
 import time
 
+from . import processes
 from .wait import NotSeen
 
 BINARY = next((p for p in ("/usr/lib/systemd/systemd", "/lib/systemd/systemd") if os.path.exists(p)), None)
@@ -81,13 +81,7 @@ class UserManager:
     def stop(self):
         if self._process is None:
             return
-        if self._process.poll() is None:
-            self._process.send_signal(signal.SIGTERM)
-            try:
-                self._process.wait(10)
-            except subprocess.TimeoutExpired:
-                self._process.kill()
-                self._process.wait()
+        processes.end(self._process, 10)
         for group in self._groups:
             for path in sorted(glob.glob(group + "/**/", recursive=True), key=len, reverse=True):
                 try:

@@ -4,6 +4,7 @@ The server runs on a seat of its own, so it opens no virtual terminal and needs 
 cookie, as on a real desktop, so a program that was not handed XAUTHORITY fails here as it would there.
 """
 
+import contextlib
 import os
 import secrets
 import select
@@ -17,6 +18,7 @@ from Xlib import display as xdisplay
 from Xlib.protocol import display as xprotocol
 from Xlib.protocol import event as xevent
 
+from . import processes
 from .wait import NotSeen
 
 XORG = next((p for p in ("/usr/lib/xorg/Xorg", "/usr/bin/Xorg") if os.path.exists(p)), "Xorg")
@@ -51,7 +53,7 @@ EndSection
 """
 
 
-class Server:
+class Server(processes.Running):
     """One X server. `monitors` are (width, height) of what is plugged in from the start, left to right."""
 
     def __init__(self, folder, monitors=((1920, 1080), (1280, 1024)), arguments=(), dpi=96):
@@ -62,7 +64,6 @@ class Server:
         self._arguments = list(arguments)
         self._monitors = monitors
         self._dpi = dpi
-        self._process = None
         self._modes = set()
 
     def start(self):
@@ -92,13 +93,6 @@ class Server:
         for index, (width, height) in enumerate(self._monitors):
             self.plug(index, width, height)
         return self
-
-    @property
-    def pid(self):
-        return self._process.pid
-
-    def alive(self):
-        return self._process is not None and self._process.poll() is None
 
     def open(self):
         """A connection of one's own. Connections are not shared between threads."""
@@ -231,13 +225,20 @@ class Server:
 
     def stop(self):
         """Asks it to end, as a session does that is over; one that does not is killed after ten seconds."""
-        if not self.alive():
-            return
-        self._process.terminate()
-        try:
-            self._process.wait(10)
-        except subprocess.TimeoutExpired:
-            self.kill()
+        if self._process is not None:
+            processes.end(self._process, 10)
+
+
+class ServerClient:
+    """Base of those who have a connection of their own; use each from one thread."""
+
+    def __init__(self, server):
+        self._display = server.open()
+        self._root = self._display.screen().root
+
+    def close(self):
+        with contextlib.suppress(Exception):  # the server may have gone first
+            self._display.close()
 
 
 def _read_line(fd, within, process):

@@ -7,12 +7,31 @@ import time
 from Xlib import X, Xatom, error
 
 
-class Witness:
+class KeyRecord:
+    """Base of the witnesses. `keys`: (time, "press" or "release", Linux key number)."""
+
+    def __init__(self):
+        self.keys = []
+        self._lock = threading.Lock()
+
+    def _note_key(self, key, down):
+        with self._lock:
+            self.keys.append((time.monotonic(), "press" if down else "release", key))
+
+    def mark(self):
+        with self._lock:
+            return len(self.keys)
+
+    def heard(self, since=0):
+        with self._lock:
+            return list(self.keys[since:])
+
+
+class Witness(KeyRecord):
     """A document window. `picture`, if given, is a paint.Image that fills it."""
 
     def __init__(self, server, x=200, y=140, width=900, height=620, colour=0xE8E4DC, picture=None):
-        self.keys = []  # (time, "press" or "release", Linux key number)
-        self._lock = threading.Lock()
+        super().__init__()
         self._display = server.open()
         screen = self._display.screen()
         # A window that places itself would escape a window manager; this one is managed where there is one.
@@ -48,9 +67,7 @@ class Witness:
                 while self._display.pending_events():
                     event = self._display.next_event()
                     if event.type in (X.KeyPress, X.KeyRelease):
-                        kind = "press" if event.type == X.KeyPress else "release"
-                        with self._lock:
-                            self.keys.append((time.monotonic(), kind, event.detail - 8))
+                        self._note_key(event.detail - 8, event.type == X.KeyPress)
                     elif event.type == X.MapNotify:
                         self._mapped.set()
                     elif event.type == X.FocusIn and event.mode in (X.NotifyNormal, X.NotifyUngrab):
@@ -69,14 +86,6 @@ class Witness:
         else:
             self.window.map()
         self._display.flush()
-
-    def mark(self):
-        with self._lock:
-            return len(self.keys)
-
-    def heard(self, since=0):
-        with self._lock:
-            return list(self.keys[since:])
 
     def close(self):
         self._closing = True

@@ -3,9 +3,7 @@ lock screen needs (mocked), and the media server that carries the pictures of mo
 
 import os
 import signal
-import socket
 import subprocess
-import time
 
 import dbus
 import dbus.bus
@@ -15,25 +13,16 @@ gi.require_version("GdkPixbuf", "2.0")
 from dbus.mainloop.glib import DBusGMainLoop  # noqa: E402
 from gi.repository import GdkPixbuf, GLib  # noqa: E402
 
+from .. import buses, processes  # noqa: E402
 from ..eyes import Monitor, Picture  # noqa: E402
 from ..wait import NotSeen, until  # noqa: E402
 
-BUS = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
- "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
-<busconfig>
-  <type>{kind}</type><listen>unix:path={path}</listen><auth>EXTERNAL</auth>
-  <policy context="default">
-    <allow user="*"/><allow own="*"/><allow send_type="*"/><allow receive_type="*"/>
-    <allow send_destination="*" eavesdrop="true"/>
-  </policy>
-</busconfig>
-"""
 STARTED = "GNOME Shell started at"
 SETTINGS = (("org.gnome.shell", "welcome-dialog-last-shown-version", "'999'"),
             ("org.gnome.desktop.interface", "enable-animations", "false"))
 
 
-class GnomeShell:
+class GnomeShell(processes.Running):
     """monitors: (width, height) of what is there from the start, left to right. environment: of the desk's home.
 
     Started anew after `kill`, it is what the user finds after the next login: the home is the same."""
@@ -47,7 +36,7 @@ class GnomeShell:
         self._log = os.path.join(folder, "gnome-shell.out")
         self.extensions = []  # switched on from the start
         self._services = []
-        self._process = self.bus = None
+        self.bus = None
         self._plugged = {}
         self.path = os.path.join(home.runtime, "wayland-0")
 
@@ -78,16 +67,8 @@ class GnomeShell:
         return process
 
     def _start_bus(self, kind, path):
-        config = path + ".conf"
-        with open(config, "w", encoding="ascii") as file:
-            file.write(BUS.format(kind=kind, path=path))
-        self._service(["dbus-daemon", f"--config-file={config}", "--nofork", "--nopidfile"])
-
-        def listens():
-            with socket.socket(socket.AF_UNIX) as caller:
-                return caller.connect_ex(path) == 0
-
-        until(f"the {kind} bus is there", listens, 10)
+        self._service(buses.daemon(kind, path))
+        until(f"the {kind} bus is there", lambda: buses.listens(path), 10)
 
     def _mock_login(self):
         """The login manager with one session in front, and the login screen's service as far as its version."""
@@ -133,17 +114,10 @@ class GnomeShell:
             file.seek(since)
             return file.read()
 
-    @property
-    def pid(self):
-        return self._process.pid
-
     def memory(self):
         """In MB."""
         with open(f"/proc/{self.pid}/statm", encoding="ascii") as file:
             return int(file.read().split()[1]) * os.sysconf("SC_PAGE_SIZE") / 1e6
-
-    def alive(self):
-        return self._process is not None and self._process.poll() is None
 
     def kill(self):
         """As when it crashes, which ends the session."""
@@ -159,13 +133,8 @@ class GnomeShell:
             self.kill()
         for process in reversed(self._services):
             process.terminate()
-        deadline = time.monotonic() + 5
         for process in reversed(self._services):
-            try:
-                process.wait(max(0.1, deadline - time.monotonic()))
-            except subprocess.TimeoutExpired:
-                process.kill()
-                process.wait()
+            processes.end(process)
 
     # Asked over its bus.
 

@@ -9,8 +9,8 @@ import shutil
 import signal
 import socket
 import subprocess
-import time
 
+from .. import buses, processes
 from ..eyes import Monitor, Picture
 from ..wait import NotSeen, until
 
@@ -21,7 +21,7 @@ def make(name, folder, monitors):
     return {"sway": Sway, "labwc": Labwc, "kwin": KWin}[name](folder, monitors)
 
 
-class Compositor:
+class Compositor(processes.Running):
     """monitors: (width, height) of what is there from the start, left to right."""
 
     program = None
@@ -31,7 +31,6 @@ class Compositor:
         self.folder = os.path.join(folder, "compositor")
         self.runtime = os.path.join(self.folder, "run")
         os.makedirs(self.runtime, mode=0o700)
-        self._process = None
         self._log = os.path.join(folder, "compositor.out")
         self.path = None  # of its socket
 
@@ -88,9 +87,8 @@ class Compositor:
         for name in sorted(os.listdir(self.runtime)):
             path = os.path.join(self.runtime, name)
             if name.startswith("wayland-") and not name.endswith(".lock"):
-                with socket.socket(socket.AF_UNIX) as caller:
-                    if caller.connect_ex(path) == 0:
-                        return path
+                if buses.listens(path):
+                    return path
         return None
 
     def start(self):
@@ -99,13 +97,6 @@ class Compositor:
         self._process = self._start()
         self.path = until(f"{self.program} listens", self._listens, 20)
         return self
-
-    @property
-    def pid(self):
-        return self._process.pid
-
-    def alive(self):
-        return self._process is not None and self._process.poll() is None
 
     def kill(self):
         """As when it crashes."""
@@ -116,11 +107,7 @@ class Compositor:
     def stop(self):
         if not self.alive():
             return
-        self._process.terminate()
-        try:
-            self._process.wait(5)
-        except subprocess.TimeoutExpired:
-            pass
+        processes.end(self._process)
         try:
             os.killpg(self._process.pid, signal.SIGKILL)
         except ProcessLookupError:
@@ -280,14 +267,7 @@ class KWin(Compositor):
         if self._outside is not None:
             self._outside.stop()
 
-    def _doctor(self, *arguments):
-        return self._ask(["kscreen-doctor", *arguments], {
-            "WAYLAND_DISPLAY": self.path, "DBUS_SESSION_BUS_ADDRESS": self._bus, "QT_QPA_PLATFORM": "wayland"})
-
     def monitors(self):
-        return self._outputs()
-
-    def _outputs(self):
         from .wire import Connection  # the protocol files may be missing where nobody asks for a desk without X
         connection = Connection(self.path)
         try:

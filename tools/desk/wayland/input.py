@@ -3,11 +3,12 @@
 Keys are Linux key numbers. One injector is kept: the first key of a new one reaches nobody as a press.
 """
 
+import contextlib
 import ctypes
 import os
 import time
 
-from ..keyboard import EVDEV
+from ..keyboard import EVDEV, Hands
 from .wire import Connection
 
 MODIFIERS = {EVDEV["L.Shift"]: 1, EVDEV["R.Shift"]: 1, EVDEV["L.Ctrl"]: 4, 97: 4, EVDEV["L.Option"]: 8,
@@ -27,9 +28,9 @@ def keymap(layout=b"us"):
     return ctypes.string_at(library.xkb_keymap_get_as_string(ctypes.c_void_p(made), 1)) + b"\0"
 
 
-class Keyboard:
+class Keyboard(Hands):
     def __init__(self, compositor):
-        self._held, self._fake, self._keys, self._trusted = [], None, None, None
+        self._fake = self._keys = self._trusted = None
         if compositor.keys == "fake-input":
             self._trusted = compositor.trusted()
             self._connection = connection = Connection(compositor.path, self._trusted[0])
@@ -47,10 +48,6 @@ class Keyboard:
             os.close(memory)
         connection.roundtrip()
 
-    @property
-    def held(self):
-        return tuple(self._held)
-
     def _send(self, key, down):
         if self._fake:
             self._fake.keyboard_key(key, int(down))
@@ -62,26 +59,8 @@ class Keyboard:
                     bits |= MODIFIERS.get(other, 0)
                 self._keys.modifiers(bits, 0, 0, 0)
 
-    def press(self, *keys):
-        for key in keys:
-            self._held.append(key)
-            self._send(key, True)
+    def _arrive(self):
         self._connection.roundtrip()
-
-    def release(self, *keys):
-        for key in keys:
-            if key in self._held:
-                self._held.remove(key)
-            self._send(key, False)
-        self._connection.roundtrip()
-
-    def tap(self, *keys):
-        for key in keys:
-            self.press(key)
-            self.release(key)
-
-    def let_go(self):
-        self.release(*reversed(self._held))
 
     def move(self, dx, dy):
         """From where the pointer is."""
@@ -93,10 +72,8 @@ class Keyboard:
         self._connection.roundtrip()
 
     def close(self):
-        try:
+        with contextlib.suppress(Exception):  # the compositor may be gone, and then nothing is held either
             self.let_go()
-        except Exception:  # the compositor may be gone, and then nothing is held either
-            pass
         self._connection.close()
         if self._trusted:
             self._trusted[1].close()

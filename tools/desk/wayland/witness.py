@@ -8,17 +8,17 @@ import threading
 import time
 
 from ..wait import until
+from ..witness import KeyRecord
 from .wire import Connection
 
 
-class Witness:
+class Witness(KeyRecord):
     """`colour` fills its windows. One more window opens on every monitor that comes."""
 
     def __init__(self, path, colour=0xE8E4DC, waits_for_keyboard=True):
-        self.keys = []      # (time, "press" or "release", Linux key number)
-        self.focus = []     # (time, whether it has the keyboard from then on)
+        super().__init__()
+        self.focus = []  # (time, whether it has the keyboard from then on)
         self.ended = None
-        self._lock = threading.Lock()
         self._colour = 0xFF000000 | colour
         self._connection = connection = Connection(path)
         self._compositor = connection.bind("wl_compositor", 4)
@@ -49,15 +49,11 @@ class Witness:
             self._keyboard.on["keymap"] = lambda kind, fd, size: os.close(fd)
             self._keyboard.on["enter"] = lambda serial, surface, keys: self._note(True)
             self._keyboard.on["leave"] = lambda serial, surface: self._note(False)
-            self._keyboard.on["key"] = self._key
+            self._keyboard.on["key"] = lambda serial, at, key, state: self._note_key(key, state)
 
     def _note(self, focused):
         with self._lock:
             self.focus.append((time.monotonic(), focused))
-
-    def _key(self, serial, at, key, state):
-        with self._lock:
-            self.keys.append((time.monotonic(), "press" if state else "release", key))
 
     def _look(self):
         for number in self._connection.names("wl_output"):
@@ -106,14 +102,6 @@ class Witness:
                 self._look()
         except OSError:
             self.ended = time.monotonic()
-
-    def mark(self):
-        with self._lock:
-            return len(self.keys)
-
-    def heard(self, since=0):
-        with self._lock:
-            return list(self.keys[since:])
 
     def close(self):
         self._closing = True
