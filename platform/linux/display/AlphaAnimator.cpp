@@ -10,10 +10,13 @@ namespace dormel {
 AlphaAnimator::AlphaAnimator(RunLoop& loop, const Clock& clock, std::function<int()> frameMilliseconds)
     : clock_(clock), frameMilliseconds_(std::move(frameMilliseconds)), loop_(loop) {}
 
-void AlphaAnimator::animate(const std::vector<std::shared_ptr<FadingWindow>>& windows, double alpha, Seconds duration,
+void AlphaAnimator::animate(const std::vector<std::shared_ptr<Window>>& windows, double alpha, Seconds duration,
                             TimingCurve curve, Task completion) {
   Animation animation{{}, alpha, std::max(duration, 0.0), curve, std::move(completion), {}};
-  for (const auto& window : windows) animation.windows.push_back({window, window->beginFade(), window->alpha()});
+  for (const auto& window : windows) {
+    const auto fading = std::dynamic_pointer_cast<FadingWindow>(window);
+    if (fading) animation.windows.push_back({fading, fading->beginFade(), fading->alpha()});
+  }
   animations_.push_back(std::move(animation));
   timer_ = Timer::repeating(loop_, frameMilliseconds_() / 1000.0, [this] { frame(); });
 }

@@ -29,10 +29,11 @@ class AlphaAnimator {
   /// `frameMilliseconds` is asked at every start of an animation. `loop` and `clock` outlive it.
   AlphaAnimator(RunLoop& loop, const Clock& clock, std::function<int()> frameMilliseconds);
 
+  /// Of those windows whose alpha can be animated.
   /// The clock of an animation starts with its first frame, so that a busy start shows as a delay, not as a jump.
   /// The completion runs from the run loop, once, also when no window is left.
-  void animate(const std::vector<std::shared_ptr<FadingWindow>>& windows, double alpha, Seconds duration,
-               TimingCurve curve, Task completion);
+  void animate(const std::vector<std::shared_ptr<Window>>& windows, double alpha, Seconds duration, TimingCurve curve,
+               Task completion);
 
  private:
   struct Faded {

@@ -2,10 +2,10 @@
 
 #include <systemd/sd-bus.h>
 
-#include <algorithm>
 #include <utility>
 
 #include "platform/linux/display/DisplayLink.h"
+#include "platform/linux/display/HeldKeyTaps.h"
 #include "platform/linux/gnome/Panel.h"
 
 namespace dormel::gnome {
@@ -54,113 +54,6 @@ class MutterIdle final : public InputIdle {
   mutable sd_bus* bus_ = nullptr;
 };
 
-/// Taps while the extension holds the keys, which is what "enabled" means. What came to us went to nobody else: the
-/// verdict of the callback has no effect here.
-class Taps final : public EventTaps {
- public:
-  explicit Taps(std::shared_ptr<Stage> stage) : shared_(std::make_shared<Shared>()) {
-    shared_->stage = std::move(stage);
-    shared_->stage->setOnKey([weak = std::weak_ptr(shared_)](const KeyEvent& event) {
-      if (const auto shared = weak.lock()) shared->deliver(event);
-    });
-    shared_->stage->setOnKeysChanged([weak = std::weak_ptr(shared_)] {
-      if (const auto shared = weak.lock()) shared->keysChanged();
-    });
-  }
-
-  [[nodiscard]] std::unique_ptr<EventTap> create(std::function<TapVerdict(const KeyEvent&)> callback) override {
-    auto state = std::make_shared<State>();
-    state->callback = std::move(callback);
-    std::erase_if(shared_->taps, [](const auto& weak) { return weak.expired(); });
-    shared_->taps.push_back(state);
-    return std::make_unique<Tap>(shared_, std::move(state));
-  }
-
- private:
-  struct State {
-    std::function<TapVerdict(const KeyEvent&)> callback;
-    bool isWanted = false;
-    bool wasEnabled = false;
-    int sources = 0;
-  };
-  struct Shared {
-    void wantedChanged() {
-      stage->setKeysWanted(std::any_of(taps.begin(), taps.end(), [](const auto& weak) {
-        const auto state = weak.lock();
-        return state && state->isWanted;
-      }));
-      keysChanged();
-    }
-    void deliver(const KeyEvent& event) {
-      bool isHeard = false;
-      const auto present = taps;
-      for (const auto& weak : present) {
-        const auto state = weak.lock();
-        if (!state || state->sources == 0) continue;
-        isHeard = true;
-        state->callback(event);
-      }
-      if (!isHeard) stage->deliver(event);
-    }
-    void keysChanged() {
-      const bool has = stage->hasKeys();
-      const auto present = taps;
-      for (const auto& weak : present) {
-        const auto state = weak.lock();
-        if (!state || !state->isWanted) continue;
-        const bool isLost = std::exchange(state->wasEnabled, has) && !has;
-        if (isLost && state->sources > 0) state->callback({EventType::tapDisabledByUserInput, 0, 0});
-      }
-    }
-    std::shared_ptr<Stage> stage;
-    std::vector<std::weak_ptr<State>> taps;
-  };
-  class Source final : public RunLoopSource {
-   public:
-    explicit Source(std::shared_ptr<State> state) : state_(std::move(state)) { ++state_->sources; }
-    Source(const Source&) = delete;
-    Source& operator=(const Source&) = delete;
-    ~Source() override { --state_->sources; }
-
-   private:
-    std::shared_ptr<State> state_;
-  };
-  class Tap final : public EventTap {
-   public:
-    Tap(std::shared_ptr<Shared> shared, std::shared_ptr<State> state)
-        : shared_(std::move(shared)), state_(std::move(state)) {}
-    Tap(const Tap&) = delete;
-    Tap& operator=(const Tap&) = delete;
-    ~Tap() override { set(false); }
-
-    void enable(bool on) override { set(on); }
-    [[nodiscard]] bool isEnabled() const override { return state_->isWanted && shared_->stage->hasKeys(); }
-    [[nodiscard]] std::unique_ptr<RunLoopSource> makeRunLoopSource() override {
-      return std::make_unique<Source>(state_);
-    }
-
-   private:
-    void set(bool on) {
-      state_->isWanted = on;
-      if (!on) state_->wasEnabled = false;
-      shared_->wantedChanged();
-    }
-
-    std::shared_ptr<Shared> shared_;
-    std::shared_ptr<State> state_;
-  };
-
-  std::shared_ptr<Shared> shared_;
-};
-
-class MonitorRegistration final : public Registration {
- public:
-  explicit MonitorRegistration(std::shared_ptr<KeyMonitor> monitor) : monitor_(std::move(monitor)) {}
-
- private:
-  std::shared_ptr<KeyMonitor> monitor_;
-};
-
 class PanelServer final : public WindowServer {
  public:
   explicit PanelServer(std::shared_ptr<Stage> stage) : stage_(std::move(stage)) {}
@@ -177,9 +70,7 @@ class PanelServer final : public WindowServer {
   }
   [[nodiscard]] std::unique_ptr<Registration> addLocalKeyDownMonitor(
       std::function<bool(const KeyEvent&)> monitor) override {
-    auto shared = std::make_shared<KeyMonitor>(std::move(monitor));
-    stage_->keyMonitors.emplace_back(shared);
-    return std::make_unique<MonitorRegistration>(std::move(shared));
+    return stage_->keyMonitors.add(std::move(monitor));
   }
   [[nodiscard]] std::unique_ptr<Registration> makeDisplayLink(Task onFrame) override {
     return std::make_unique<DisplayLink>(stage_->loop(), std::move(onFrame));
@@ -192,9 +83,17 @@ class PanelServer final : public WindowServer {
 }  // namespace
 
 struct GnomePlatform::Services {
-  explicit Services(const std::shared_ptr<Stage>& stage) : trust(stage), taps(stage), panels(stage) {}
+  explicit Services(const std::shared_ptr<Stage>& stage)
+      : trust(stage),
+        taps({[stage] { return stage->hasKeys(); }, [stage](bool some) { stage->setKeysWanted(some); }}),
+        panels(stage) {
+    stage->setOnKey([this, stage = stage.get()](const KeyEvent& event) {
+      if (!taps.deliver(event)) stage->deliver(event);
+    });
+    stage->setOnKeysChanged([this] { taps.heldChanged(); });
+  }
   Trust trust;
-  Taps taps;
+  HeldKeyTaps taps;
   MutterIdle idle;
   PanelServer panels;
 };
@@ -213,7 +112,10 @@ std::unique_ptr<GnomePlatform> GnomePlatform::connect(DisplayUse use, EventLoop&
 GnomePlatform::GnomePlatform(std::shared_ptr<Stage> stage, bool mayBeAbandoned)
     : mayBeAbandoned_(mayBeAbandoned), stage_(std::move(stage)), services_(std::make_unique<Services>(stage_)) {}
 
-GnomePlatform::~GnomePlatform() = default;
+GnomePlatform::~GnomePlatform() {
+  stage_->setOnKey({});
+  stage_->setOnKeysChanged({});
+}
 
 Accessibility& GnomePlatform::accessibility() { return services_->trust; }
 EventTaps& GnomePlatform::eventTaps() { return services_->taps; }

@@ -329,14 +329,7 @@ void Stage::sayHold() {
 }
 
 void Stage::deliver(const KeyEvent& event) {
-  std::erase_if(keyMonitors, [](const auto& weak) { return weak.expired(); });
-  if (event.type == EventType::keyDown) {
-    const auto present = keyMonitors;
-    for (const auto& weak : present) {
-      const auto monitor = weak.lock();
-      if (monitor && (*monitor)(event)) return;
-    }
-  }
+  if (event.type == EventType::keyDown && keyMonitors.swallow(event)) return;
   const auto visible = visiblePanels();
   const auto front = std::find_if(visible.rbegin(), visible.rend(), [](const auto& panel) { return panel->isKey(); });
   if (front != visible.rend()) (*front)->key(event);

@@ -13,6 +13,7 @@
 #include "platform/common/Canvas.h"
 #include "platform/common/lock/HoldPlan.h"
 #include "platform/linux/display/CoalescedTimer.h"
+#include "platform/linux/display/KeyMonitors.h"
 #include "platform/linux/display/KeyTracker.h"
 #include "platform/linux/display/XkbLabels.h"
 #include "platform/linux/gnome/Link.h"
@@ -20,8 +21,6 @@
 namespace dormel::gnome {
 
 class Panel;
-
-using KeyMonitor = std::function<bool(const KeyEvent&)>;
 
 /// A monitor in the shell's coordinates: points from the top left corner of all monitors, y downwards.
 struct Monitor {
@@ -84,7 +83,7 @@ class Stage final : public Screens, public HardwareKeys {
   /// One went, or changed its strength.
   void panelsChanged() { update_.ask(); }
 
-  std::vector<std::weak_ptr<KeyMonitor>> keyMonitors;
+  KeyMonitors keyMonitors;
   /// To the key panel that is in front, unless a monitor swallows it.
   void deliver(const KeyEvent& event);
 

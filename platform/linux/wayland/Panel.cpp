@@ -121,19 +121,10 @@ void PanelContext::lockChanged() {
 
 void PanelContext::keyboardChanged() { focus.look(); }
 
-bool PanelContext::isSwallowed(const KeyEvent& event) {
-  std::erase_if(keyMonitors, [](const auto& weak) { return weak.expired(); });
-  const auto present = keyMonitors;
-  return std::any_of(present.begin(), present.end(), [&](const auto& weak) {
-    const auto monitor = weak.lock();
-    return monitor && (*monitor)(event);
-  });
-}
-
 void PanelContext::deliver(const KeyEvent& event) {
   const auto visible = visiblePanels();
   const auto front = std::find_if(visible.rbegin(), visible.rend(), [](const auto& panel) { return panel->isKey(); });
-  if (event.type == EventType::keyDown && isSwallowed(event)) return;
+  if (event.type == EventType::keyDown && keyMonitors.swallow(event)) return;
   if (front != visible.rend()) (*front)->key(event);
 }
 

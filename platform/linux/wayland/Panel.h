@@ -12,6 +12,7 @@
 #include "platform/common/lock/FocusRetrier.h"
 #include "platform/linux/display/AlphaAnimator.h"
 #include "platform/linux/display/CoalescedTimer.h"
+#include "platform/linux/display/KeyMonitors.h"
 #include "platform/linux/wayland/Content.h"
 #include "platform/linux/wayland/Inhibitors.h"
 #include "platform/linux/wayland/Keyboard.h"
@@ -21,8 +22,6 @@
 namespace dormel::wayland {
 
 class Panel;
-
-using KeyMonitor = std::function<bool(const KeyEvent&)>;
 
 /// What all panels of one connection share. It outlives the last of them.
 struct PanelContext {
@@ -38,8 +37,6 @@ struct PanelContext {
   void keyboardChanged();
   /// Whether the lock's surfaces may ask for the keyboard at all.
   [[nodiscard]] KeyboardUse keyboardUse() const;
-  /// Shows a key-down to the local monitors; true when one swallows it.
-  [[nodiscard]] bool isSwallowed(const KeyEvent& event);
   /// To the key panel that is in front.
   void deliver(const KeyEvent& event);
   [[nodiscard]] std::vector<std::shared_ptr<Panel>> visiblePanels() const;
@@ -59,7 +56,7 @@ struct PanelContext {
   CoalescedTimer updateHolder;
   bool isFreshHolderWanted = false;
   std::vector<std::weak_ptr<Panel>> panels;  ///< in the order in which they came up
-  std::vector<std::weak_ptr<KeyMonitor>> keyMonitors;
+  KeyMonitors keyMonitors;
 };
 
 class Panel final : public FadingWindow, public std::enable_shared_from_this<Panel> {

@@ -21,7 +21,11 @@ WaylandPlatform::WaylandPlatform(std::unique_ptr<Connection> connection, const s
       environment_(
           std::make_shared<PanelContext>(*connection_, loop, outputs_, keyboard_, pointer_, canvases, clock, lockMark)),
       accessibility_(*connection_),
-      taps_(environment_),
+      taps_({[this] { return keyboard_.isHeld(); },
+             [this](bool some) {
+               environment_->focus.want(some);
+               environment_->panelsChanged();
+             }}),
       panels_(environment_) {
   keyboard_.setPointer(&pointer_);
   keyboard_.setOnKey([this](const KeyEvent& event) {
@@ -29,7 +33,7 @@ WaylandPlatform::WaylandPlatform(std::unique_ptr<Connection> connection, const s
   });
   keyboard_.setOnFocus([this] {
     environment_->keyboardChanged();
-    taps_.focusChanged();
+    taps_.heldChanged();
   });
   keyboard_.setOnSeats([this] { environment_->inhibitors.seatsChanged(); });
   outputs_.setOnOutputs([this] { environment_->outputsChanged(); });

@@ -8,7 +8,7 @@
 
 #include "platform/Accessibility.h"
 #include "platform/linux/DisplayFamily.h"
-#include "platform/linux/wayland/EventTapWayland.h"
+#include "platform/linux/display/HeldKeyTaps.h"
 #include "platform/linux/wayland/PanelServer.h"
 
 namespace dormel::wayland {
@@ -59,7 +59,7 @@ class WaylandPlatform final : public DisplayFamily {
   Pointer pointer_;
   std::shared_ptr<PanelContext> environment_;
   Trust accessibility_;
-  EventTapsWayland taps_;
+  HeldKeyTaps taps_;
   UnknownIdle idle_;
   PanelServer panels_;
   Task onLost_;

@@ -336,7 +336,7 @@ void Panel::onKey(const xcb_key_press_event_t& event, bool isPress) {
   const auto key =
       isPress ? env_->keys.press(WINDOW_KEYS, event.detail, env_->numbering.usual().virtualKeyCode(event.detail))
               : env_->keys.release(WINDOW_KEYS, event.detail);
-  if (!key || (key->type == EventType::keyDown && env_->isSwallowed(*key))) return;
+  if (!key || (key->type == EventType::keyDown && env_->keyMonitors.swallow(*key))) return;
   const auto handler = keyHandler_;
   if (handler) handler(*key);
 }

@@ -124,14 +124,4 @@ void PanelContext::placePanelsAnew() {
   connection->flush();
 }
 
-bool PanelContext::isSwallowed(const KeyEvent& event) {
-  std::erase_if(keyMonitors, [](const auto& weak) { return weak.expired(); });
-  const auto present = keyMonitors;
-  for (const auto& weak : present) {
-    const auto monitor = weak.lock();
-    if (monitor && (*monitor)(event)) return true;
-  }
-  return false;
-}
-
 }  // namespace dormel::x11

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/common/Canvas.h"
+#include "platform/linux/display/KeyMonitors.h"
 #include "platform/linux/display/KeyTracker.h"
 #include "platform/linux/x11/Compositor.h"
 #include "platform/linux/x11/DesktopSnapshot.h"
@@ -30,8 +31,6 @@ struct PanelAtoms {
   xcb_atom_t gtkFrameExtents;
 };
 
-using KeyMonitor = std::function<bool(const KeyEvent&)>;
-
 struct PanelContext {
   PanelContext(std::shared_ptr<Connection> connection, const ServerFeatures& features,
                std::shared_ptr<ScreensX11> screens, CanvasFactory& canvases, const Clock& clock);
@@ -42,8 +41,6 @@ struct PanelContext {
   void handle(const xcb_generic_event_t& event);
   void compositorChanged();
   void placePanelsAnew();
-  /// Shows a key-down to the local monitors; true when one swallows it.
-  [[nodiscard]] bool isSwallowed(const KeyEvent& event);
 
   std::shared_ptr<Connection> connection;
   ServerFeatures features;
@@ -60,7 +57,7 @@ struct PanelContext {
   KeyNumbering numbering;
   KeyTracker keys;  ///< of the key events that reach our windows
   std::map<xcb_window_t, std::weak_ptr<Panel>> panels;
-  std::vector<std::weak_ptr<KeyMonitor>> keyMonitors;
+  KeyMonitors keyMonitors;
   Subscription subscription;
 };
 

@@ -12,14 +12,6 @@ namespace {
 constexpr int FRAME_MILLISECONDS = 16;
 constexpr int DRAWN_FRAME_MILLISECONDS = 33;  // every pixel is computed: half as often
 
-class MonitorRegistration : public Registration {
- public:
-  explicit MonitorRegistration(std::shared_ptr<KeyMonitor> monitor) : monitor_(std::move(monitor)) {}
-
- private:
-  std::shared_ptr<KeyMonitor> monitor_;
-};
-
 }  // namespace
 
 PanelServer::PanelServer(RunLoop& loop, const std::shared_ptr<Connection>& connection, const ServerFeatures& features,
@@ -38,18 +30,12 @@ std::shared_ptr<Window> PanelServer::makeWindow(const WindowStyle& style, const 
 
 void PanelServer::animateAlpha(const std::vector<std::shared_ptr<Window>>& windows, double alpha, Seconds duration,
                                TimingCurve curve, Task completion) {
-  std::vector<std::shared_ptr<FadingWindow>> fading;
-  for (const auto& window : windows) {
-    if (auto one = std::dynamic_pointer_cast<FadingWindow>(window)) fading.push_back(std::move(one));
-  }
-  animator_.animate(fading, alpha, duration, curve, std::move(completion));
+  animator_.animate(windows, alpha, duration, curve, std::move(completion));
 }
 
 std::unique_ptr<Registration> PanelServer::addLocalKeyDownMonitor(std::function<bool(const KeyEvent&)> monitor) {
   if (!env_) return nullptr;
-  auto shared = std::make_shared<KeyMonitor>(std::move(monitor));
-  env_->keyMonitors.emplace_back(shared);
-  return std::make_unique<MonitorRegistration>(std::move(shared));
+  return env_->keyMonitors.add(std::move(monitor));
 }
 
 std::unique_ptr<Registration> PanelServer::makeDisplayLink(Task onFrame) {

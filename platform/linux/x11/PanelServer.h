@@ -24,7 +24,7 @@ class PanelServer : public WindowServer {
 
   /// Shows the monitors a key-down that reached a window of this application that is no panel; true when one
   /// swallows it.
-  [[nodiscard]] bool isSwallowed(const KeyEvent& event) { return env_ && env_->isSwallowed(event); }
+  [[nodiscard]] bool isSwallowed(const KeyEvent& event) { return env_ && env_->keyMonitors.swallow(event); }
   /// What a key of a window of ours is, by its X key code.
   [[nodiscard]] KeyCode keyCode(xcb_keycode_t code) const {
     return env_ ? env_->numbering.usual().virtualKeyCode(code) : KeyCodes().virtualKeyCode(code);
