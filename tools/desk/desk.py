@@ -74,12 +74,9 @@ class Desk(PrivateDesk):
                                        stderr=out, start_new_session=True)
         self._helpers.append(process)
         if ready_property:
-            connection = self.server.open()
-            try:
+            with contextlib.closing(self.server.open()) as connection:
                 root, atom = connection.screen().root, connection.intern_atom(ready_property)
                 until(f"{command[0]} is ready", lambda: root.get_full_property(atom, 0) is not None, 10)
-            finally:
-                connection.close()
         return process
 
     def start_session_bus(self):
@@ -90,11 +87,8 @@ class Desk(PrivateDesk):
 
     def composited(self):
         """Whether somebody composites the screens."""
-        connection = self.server.open()
-        try:
+        with contextlib.closing(self.server.open()) as connection:
             return connection.get_selection_owner(connection.intern_atom("_NET_WM_CM_S0")) != 0
-        finally:
-            connection.close()
 
     def start_compositor(self):
         process = self.helper(["picom", "--backend", "xrender", "--config", "/dev/null"])

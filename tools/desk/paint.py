@@ -3,6 +3,7 @@
 Drawn by ImageMagick. Nothing but the pictures depends on it; where it is missing the desktop is one plain colour.
 """
 
+import contextlib
 import subprocess
 
 from Xlib import X, Xatom
@@ -38,8 +39,7 @@ class Image:
 
 def wallpaper(server, monitors):
     """Paints every monitor's part of the root window and keeps it there after this connection ends."""
-    display = server.open()
-    try:
+    with contextlib.closing(server.open()) as display:
         screen = display.screen()
         root = screen.root
         geometry = root.get_geometry()
@@ -59,8 +59,6 @@ def wallpaper(server, monitors):
         for name in ("_XROOTPMAP_ID", "ESETROOT_PMAP_ID"):
             root.change_property(display.intern_atom(name), display.intern_atom("PIXMAP"), 32, [pixmap.id])
         display.sync()
-    finally:
-        display.close()
 
 
 class DesktopWindow(ServerClient):

@@ -115,12 +115,9 @@ class Server(processes.Running):
 
     def set_resources(self, text):
         """The user's settings that every client finds on the root window."""
-        connection = self.open()
-        try:
+        with contextlib.closing(self.open()) as connection:
             connection.screen().root.change_property(Xatom.RESOURCE_MANAGER, Xatom.STRING, 8, text.encode())
             connection.sync()
-        finally:
-            connection.close()
 
     def _use_common_keymap(self):
         """Keys are numbered as they are where a real keyboard is plugged in. Without one the server takes those beyond
@@ -155,8 +152,7 @@ class Server(processes.Running):
     def configure(self, index, at):
         """One raw request, as a program sends it that is not xrandr: nothing beside it is changed, and nobody holds the
         server meanwhile. Puts what the monitor shows at (x, y); turns it off where that is None."""
-        connection = self.open()
-        try:
+        with contextlib.closing(self.open()) as connection:
             resources = connection.screen().root.xrandr_get_screen_resources_current()
             stamp = resources.config_timestamp
             output = next(o for o in resources.outputs
@@ -167,8 +163,6 @@ class Server(processes.Running):
             done = connection.xrandr_set_crtc_config(crtc, stamp, x, y, mode, shown.rotation, outputs)
             if done.status != 0:
                 raise RuntimeError(f"DUMMY{index} at {at}: status {done.status}")
-        finally:
-            connection.close()
 
     def rotate(self, index):
         """Stands the monitor on its side, or lays it back.
@@ -176,22 +170,16 @@ class Server(processes.Running):
         The dummy driver cannot turn a picture, so this sets a mode with the sides exchanged. Clients see what they
         see when a real monitor is turned: the same output, the same corner, width and height exchanged.
         """
-        connection = self.open()
-        try:
+        with contextlib.closing(self.open()) as connection:
             monitor = next(m for m in connection.screen().root.xrandr_get_monitors().monitors
                            if connection.get_atom_name(m.name) == f"DUMMY{index}")
-        finally:
-            connection.close()
         self.resize(index, monitor.height_in_pixels, monitor.width_in_pixels)
 
     def free_place(self):
         """Right of everything."""
-        connection = self.open()
-        try:
+        with contextlib.closing(self.open()) as connection:
             return max((m.x + m.width_in_pixels for m in connection.screen().root.xrandr_get_monitors().monitors),
                        default=0), 0
-        finally:
-            connection.close()
 
     def _mode(self, width, height):
         name = f"{width}x{height}_dormel"

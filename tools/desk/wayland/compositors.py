@@ -3,6 +3,7 @@
 None of them runs as root, so a root that plays on one gives it a user of its own; its socket is named by its path.
 """
 
+import contextlib
 import json
 import os
 import shutil
@@ -269,8 +270,7 @@ class KWin(Compositor):
 
     def monitors(self):
         from .wire import Connection  # the protocol files may be missing where nobody asks for a desk without X
-        connection = Connection(self.path)
-        try:
+        with contextlib.closing(Connection(self.path)) as connection:
             found = []
             manager = connection.bind("zxdg_output_manager_v1", 3)
             for number in connection.names("wl_output"):
@@ -283,8 +283,6 @@ class KWin(Compositor):
                 (x, y), (width, height) = seen["logical_position"], seen["logical_size"]
                 found.append(Monitor(seen["name"][0], x, y, width, height, x == 0))
             return sorted(found, key=lambda m: m.x)
-        finally:
-            connection.close()
 
     def picture(self, monitor):
         """By the compositor's own service, which hands the pixels over in a pipe; or from outside."""
