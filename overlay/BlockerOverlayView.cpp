@@ -50,7 +50,18 @@ void BlockerOverlayView::startObserving() {
   };
   if (const auto session = session_.lock()) sessionObservation_ = session->observe(redraw);
   controllerObservation_ = bypassController_->observe(redraw);
-  clockTimer_ = Timer::repeating(CLOCK_REFRESH, redraw, CLOCK_ACCURACY);
+  clockTimer_ = Timer::repeating(
+      CLOCK_REFRESH,
+      [weak = weak_from_this()] {
+        if (const auto self = weak.lock()) self->tellOfClock();
+      },
+      CLOCK_ACCURACY);
+}
+
+void BlockerOverlayView::tellOfClock() {
+  const Date now = platform().clock.now();
+  const bool in24 = Config::use24HourClock();
+  toldClock_ = clockText(now, in24) + (in24 ? "" : amPmText(now));
 }
 
 void BlockerOverlayView::onAppear() {

@@ -3,8 +3,8 @@
 // (overlay/qml/).
 //
 // The view keeps nothing but its appearance flag; everything else is read through from the session and its bypass
-// controller. It is notified about a change of either, once a second for the clock, and it tells its own observers.
-// Main thread only.
+// controller. It tells its own observers when either of them changes, and, looking once a second, when the clock reads
+// differently: a night has thirty thousand seconds in which nothing changes. Main thread only.
 #pragma once
 
 #include <memory>
@@ -49,12 +49,14 @@ class BlockerOverlayView : public PaintedView,
  private:
   explicit BlockerOverlayView(const std::shared_ptr<OverlaySession>& session);
   void startObserving();
+  void tellOfClock();
   [[nodiscard]] Seconds appearDuration() const;
   [[nodiscard]] std::string statusText(bool showUnlockConfirm) const;
 
   std::weak_ptr<OverlaySession> session_;
   std::shared_ptr<BypassController> bypassController_;
   Published<bool> appeared_{this, false};
+  Published<std::string> toldClock_{this, {}};
   bool onAppearCalled_ = false;
   Observation sessionObservation_;
   Observation controllerObservation_;

@@ -65,6 +65,25 @@ TEST_F(OverlayTest, ClockInBothForms) {
   }
 }
 
+TEST_F(OverlayTest, TellsOfTheClockOnlyWhenItReadsDifferently) {
+  machine.defaults.putBoolean(defaultsKey::use24HourClock, true);
+  machine.advanceTo("2026-11-16 23:04:01");
+  int told = 0;
+  const Observation observation = view->observe([&told] { ++told; });
+  machine.advance(58);
+  EXPECT_EQ(told, 0);
+  machine.advance(2);
+  EXPECT_EQ(told, 1);
+  machine.defaults.putBoolean(defaultsKey::use24HourClock, false);  // as the settings of another process do
+  machine.advance(1);
+  EXPECT_EQ(told, 2);
+  machine.advanceTo("2026-11-17 11:05:30");
+  const int before = told;
+  machine.jumpWallClock(12 * 3600);
+  machine.advance(1);
+  EXPECT_EQ(told, before + 1) << "the same digits, another half of the day";
+}
+
 TEST_F(OverlayTest, AppearsHalfwayThroughTheFadeInOrAtOnce) {
   view->onAppear();
   EXPECT_EQ(view->state().appearDuration, 2.5);
