@@ -3,6 +3,7 @@
 import unittest
 
 from case import DesktopCase, until
+from desk import TAB
 from desk.first_run import noon
 
 
@@ -33,6 +34,12 @@ class SettingsWindowTest(DesktopCase):
             self.assertIn(("label", text), kinds)
         # The toolkit lists what is hidden, too.
         self.assertNotIn("showing", kinds["push button", "Check for Updates…"].states)
+
+        # What Tab reaches is said, not only to be found by who asks.
+        reader.listen(desk)
+        desk.keyboard.tap(TAB)
+        desk.keyboard.tap(TAB)
+        until("the focus is said", lambda: reader.focus_said()[-2:] == ["Dormel", "Lock at"], 3)
 
         # It operates the window, too, and hears what comes of it.
         reader.press(kinds["check box", "Dormel"])

@@ -4,6 +4,7 @@ Needs python3-dbus and at-spi2-core. Works on the session bus of the desk's user
 """
 
 import os
+import re
 from dataclasses import dataclass
 
 import dbus
@@ -13,6 +14,8 @@ from .wait import No, until
 ACCESSIBLE = "org.a11y.atspi.Accessible"
 COMPONENT = "org.a11y.atspi.Component"
 ACTION = "org.a11y.atspi.Action"
+EVENT = "org.a11y.atspi.Event.Object"
+REGISTRY_ITSELF = ("org.a11y.atspi.Registry", "/org/a11y/atspi/registry")
 REGISTRY = ("org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root")
 PROPERTIES = "org.freedesktop.DBus.Properties"
 SCREEN = dbus.UInt32(0)
@@ -54,7 +57,8 @@ class ScreenReader:
         door = session.get_object("org.a11y.Bus", "/org/a11y/bus")
         # Programs only speak to assistive tools while somebody says that there are any.
         door.Set("org.a11y.Status", "IsEnabled", True, dbus_interface=PROPERTIES)
-        self._bus = dbus.bus.BusConnection(str(door.GetAddress(dbus_interface="org.a11y.Bus")))
+        self._address = str(door.GetAddress(dbus_interface="org.a11y.Bus"))
+        self._bus = dbus.bus.BusConnection(self._address)
         self._kept = session
 
     def _connect(self):
@@ -108,6 +112,21 @@ class ScreenReader:
         """The innermost element that has the keyboard, once there is one."""
         return until("something has the focus",
                      lambda: [e for e in self.elements() if "focused" in e.states], 3, every=0.02)[-1]
+
+    def listen(self, desk):
+        """From here on focus_said() tells; without anybody who listens, programs say nothing."""
+        self._bus.get_object(*REGISTRY_ITSELF, introspect=False).RegisterEvent(
+            "object:state-changed:focused", dbus.Array(signature="s"), "", dbus_interface=REGISTRY_ITSELF[0])
+        desk.helper(["dbus-monitor", "--address", self._address,
+                     f"type='signal',interface='{EVENT}',member='StateChanged',arg0='focused'"])
+        self._heard = os.path.join(desk.folder, "dbus-monitor.out")
+        until("the bus is listened to", lambda: os.path.getsize(self._heard) > 0, 5)
+
+    def focus_said(self):
+        """The names of what was said to have the focus, in that order."""
+        with open(self._heard, encoding="utf-8") as file:
+            said = re.findall(r"sender=(\S+) .*path=(\S+);.*\n +string \"focused\"\n +int32 1", file.read())
+        return [self._describe(address).name for address in said]
 
     def press(self, element):
         """As a screen reader's user presses it."""

@@ -69,6 +69,7 @@ void Pressable::keyReleaseEvent(QKeyEvent* event) {
 }
 
 void Pressable::focusInEvent(QFocusEvent* event) {
+  QQuickItem::focusInEvent(event);  // tells assistive tools
   // A window that comes back to the front brings its ring back, and so does a list that closes.
   if (event->reason() != Qt::ActiveWindowFocusReason && event->reason() != Qt::PopupFocusReason) {
     byKeyboard_ = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
