@@ -2,8 +2,10 @@
 #include <gtest/gtest.h>
 
 #include "platform/linux/display/KeyTracker.h"
+#include "platform/linux/display/PanelCanvas.h"
 #include "platform/linux/display/TimingCurves.h"
 #include "platform/linux/x11/AlphaRegion.h"
+#include "tests/x11/Fixture.h"
 
 namespace dormel::x11::test {
 namespace {
@@ -42,6 +44,28 @@ TEST(AlphaRegion, OutlinesWhatIsMoreOpaqueThanNot) {
             std::to_string(r.height) + "; ";
   }
   EXPECT_EQ(text, "1,1 2x2; 4,1 1x2; 0,3 5x1; 2,5 1x1; ");
+}
+
+TEST(PanelCanvas, APressOnWhatTakesNoneDragsWhatCanBeMoved) {
+  using enum PointerAction;
+  PlainCanvases canvases;
+  PanelCanvas content(loop(), canvases, pillStyle(),
+                      {[&] {
+                         content.fit({200, 100}, 1);
+                       },
+                       [](const Pixels&, const PixelRect&) {}});
+  content.setView(std::make_shared<PlainView>());
+  content.show();
+  ASSERT_TRUE(until([&] { return content.size() == Size{200, 100}; }));
+  EXPECT_FALSE(content.pointer(press, 10, 20));
+  EXPECT_FALSE(content.pointer(move, 10.5, 19.5)) << "not far enough";
+  const auto dragged = content.pointer(move, 13, 18);
+  ASSERT_TRUE(dragged);
+  EXPECT_EQ(dragged->right, 3);
+  EXPECT_EQ(dragged->down, -2);
+  EXPECT_FALSE(content.pointer(release, 13, 18) || content.pointer(move, 50, 50));
+  canvases.made.at(0)->takesPointer = true;
+  EXPECT_FALSE(content.pointer(press, 10, 20) || content.pointer(move, 60, 60)) << "its content's";
 }
 
 }  // namespace

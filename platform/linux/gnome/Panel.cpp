@@ -23,8 +23,9 @@ Panel::Panel(std::shared_ptr<Stage> stage, const WindowStyle& style, const Rect&
       style_(style),
       number_(stage_->nextNumber()),
       frame_(contentRect),
-      showContentLater_(stage_->loop(), [this] { showContent(); }),
-      layOutLater_(stage_->loop(), [this] { layOut(); }) {}
+      canvas_(stage_->loop(), stage_->canvases(), style,
+              {[this] { layOut(); },
+               [this](const Pixels& pixels, const PixelRect& changed) { onFrame(pixels, changed); }}) {}
 
 Panel::~Panel() { orderOut(); }
 
@@ -77,22 +78,8 @@ void Panel::setFrame(const Rect& frame) {
   frame_ = frame;
   if (!isVisible_) return;
   say(0, TimingCurve::linear);
-  layOutLater_.ask();
+  canvas_.layOutLater();
 }
-
-void Panel::setContent(std::shared_ptr<View> view) {
-  canvas_.reset();
-  laidOut_ = {};
-  view_ = std::move(view);
-  if (isVisible_) showContentLater_.ask();
-}
-
-Canvas* Panel::canvas() const {
-  if (!canvas_ && view_) canvas_ = stage_->canvases().make(view_);
-  return canvas_.get();
-}
-
-Size Panel::contentFittingSize() const { return canvas() != nullptr ? canvas_->fittingSize() : Size{}; }
 
 void Panel::fadeTo(double alpha, Seconds duration, TimingCurve curve) {
   alpha_ = std::clamp(alpha, 0.0, 1.0);
@@ -112,15 +99,14 @@ void Panel::fadeTo(double alpha, Seconds duration, TimingCurve curve) {
 void Panel::orderFrontRegardless() {
   const bool isNew = !std::exchange(isVisible_, true);
   if (!stage_->raised(shared_from_this())) say(0, TimingCurve::linear);
-  if (isNew) showContentLater_.ask();
+  if (isNew) canvas_.show();
 }
 
 void Panel::orderOut() {
   if (!std::exchange(isVisible_, false)) return;
-  drag_.reset();
   isFading_ = false;
   fadeEnd_ = {};
-  if (canvas_) canvas_->setShowing(false);
+  canvas_.hide();
   stage_->say("drop", {{"id", number_}});
   if (pool_ != 0) stage_->say("unpool", {{"id", pool_}});
   pool_ = 0;
@@ -135,34 +121,17 @@ void Panel::orderOut() {
 void Panel::monitorsChanged() {
   if (!isVisible_) return;
   say(0, TimingCurve::linear);
-  layOutLater_.ask();
+  canvas_.layOutLater();
 }
 
 Rect Panel::contentPlace() const {
-  if (!isBlack()) return {0, 0, laidOut_.width, laidOut_.height};
-  return {std::floor((frame_.width - laidOut_.width) / 2), std::floor((frame_.height - laidOut_.height) / 2),
-          laidOut_.width, laidOut_.height};
+  const auto [width, height] = canvas_.size();
+  if (!isBlack()) return {0, 0, width, height};
+  return {std::floor((frame_.width - width) / 2), std::floor((frame_.height - height) / 2), width, height};
 }
 
 void Panel::layOut() {
-  if (!isVisible_ || !canvas_) return;
-  Size size{area().width, area().height};
-  if (isBlack()) {
-    fitting_ = canvas_->fittingSize();
-    size = {std::min(fitting_.width, size.width), std::min(fitting_.height, size.height)};
-  }
-  const double scale = stage_->scaleAt(stage_->toShell(area()));
-  if (size == laidOut_ && scale == laidOutScale_) return;
-  laidOut_ = size;
-  laidOutScale_ = scale;
-  canvas_->resize(size, scale);
-}
-
-void Panel::showContent() {
-  if (!isVisible_ || canvas() == nullptr) return;
-  canvas_->setOnFrame([this](const Pixels& pixels, const PixelRect& changed) { onFrame(pixels, changed); });
-  layOut();
-  canvas_->setShowing(true);
+  if (isVisible_) canvas_.fit({area().width, area().height}, stage_->scaleAt(stage_->toShell(area())));
 }
 
 void Panel::onFrame(const Pixels& pixels, const PixelRect& changed) {
@@ -187,14 +156,6 @@ void Panel::onFrame(const Pixels& pixels, const PixelRect& changed) {
                   {"panels", {number_}},     {"at", placeOf(contentPlace())}};
   isFrameSaid_ = false;
   sayFrame();
-  // The content may have come to want another size; it is not asked to change while it is drawing.
-  if (isBlack() && canvas_ && canvas_->fittingSize() != fitting_) layOutLater_.ask();
-}
-
-bool Panel::tellCanvas(PointerAction action, double x, double y) {
-  if (!canvas_) return false;
-  const Rect place = contentPlace();
-  return canvas_->pointer(action, x - place.x, y - place.y);
 }
 
 void Panel::heard(const std::string& kind, const Message& body) {
@@ -212,17 +173,15 @@ void Panel::onPointer(const Message& body) {
   const std::string action = body.value("action", "");
   const double x = body.value("x", 0.0);
   const double y = body.value("y", 0.0);
+  constexpr std::pair<const char*, PointerAction> ACTIONS[] = {
+      {"press", PointerAction::press}, {"release", PointerAction::release}, {"leave", PointerAction::leave}};
+  const auto* const found =
+      std::find_if(std::begin(ACTIONS), std::end(ACTIONS), [&](const auto& one) { return one.first == action; });
+  const PointerAction told = found == std::end(ACTIONS) ? PointerAction::move : found->second;
   const auto self = shared_from_this();  // a press may take the panel away
-  if (action == "press") {
-    if (!tellCanvas(PointerAction::press, x, y) && style_.isMovableByBackground) drag_ = Drag{x, y};
-  } else if (action == "release") {
-    if (!std::exchange(drag_, std::nullopt)) tellCanvas(PointerAction::release, x, y);
-  } else if (action == "leave") {
-    if (!drag_) tellCanvas(PointerAction::leave, 0, 0);
-  } else if (!drag_) {
-    tellCanvas(PointerAction::move, x, y);
-  } else if (const double dx = x - drag_->x, dy = y - drag_->y; std::abs(dx) >= 1 || std::abs(dy) >= 1) {
-    setFrame({frame_.x + dx, frame_.y - dy, frame_.width, frame_.height});
+  const Rect place = contentPlace();
+  if (const auto move = canvas_.pointer(told, x - place.x, y - place.y)) {
+    setFrame({frame_.x + move->right, frame_.y - move->down, frame_.width, frame_.height});
   }
 }
 

@@ -3,11 +3,9 @@
 
 #include <functional>
 #include <memory>
-#include <optional>
+#include <utility>
 
-#include "platform/Windows.h"
-#include "platform/common/Canvas.h"
-#include "platform/linux/display/CoalescedTimer.h"
+#include "platform/linux/display/PanelCanvas.h"
 #include "platform/linux/gnome/FrameMemory.h"
 #include "platform/linux/gnome/Stage.h"
 
@@ -22,9 +20,8 @@ class Panel final : public Window, public std::enable_shared_from_this<Panel> {
 
   [[nodiscard]] Rect frame() const override { return frame_; }
   void setFrame(const Rect& frame) override;
-  /// A black panel's canvas is made only once the panel is up: covering waits for no toolkit.
-  void setContent(std::shared_ptr<View> view) override;
-  [[nodiscard]] Size contentFittingSize() const override;
+  void setContent(std::shared_ptr<View> view) override { canvas_.setView(std::move(view)); }
+  [[nodiscard]] Size contentFittingSize() const override { return canvas_.fittingSize(); }
   /// While it fades, where it is going to.
   [[nodiscard]] double alpha() const override { return alpha_; }
   void setAlpha(double alpha) override { fadeTo(alpha, 0, TimingCurve::linear); }
@@ -48,24 +45,16 @@ class Panel final : public Window, public std::enable_shared_from_this<Panel> {
   [[nodiscard]] bool isOpaque() const { return alpha_ >= 1 && !isFading_; }
 
  private:
-  struct Drag {
-    double x;
-    double y;
-  };
-
   /// Its frame and the room for its shadow.
   [[nodiscard]] Rect area() const;
   /// Its frame within that: the shadow takes no clicks.
   [[nodiscard]] Rect reach() const;
   void say(Seconds duration, TimingCurve curve);
   void layOut();
-  void showContent();
-  Canvas* canvas() const;
   void onFrame(const Pixels& pixels, const PixelRect& changed);
   /// Says the newest frame, unless the shell is still busy with one, or had one a moment ago.
   void sayFrame();
   void onPointer(const Message& body);
-  bool tellCanvas(PointerAction action, double x, double y);
   [[nodiscard]] Rect contentPlace() const;
 
   std::shared_ptr<Stage> stage_;
@@ -82,15 +71,8 @@ class Panel final : public Window, public std::enable_shared_from_this<Panel> {
   bool isFrameSaid_ = true;  ///< the newest one
   std::uint64_t saidSerial_ = 0;
   bool isShellBusy_ = false;  ///< with the frame before
-  std::shared_ptr<View> view_;
-  mutable std::unique_ptr<Canvas> canvas_;
-  Size fitting_;  ///< as of the last layout
-  Size laidOut_;
-  double laidOutScale_ = 0;
-  std::optional<Drag> drag_;
+  PanelCanvas canvas_;
   std::function<void(const KeyEvent&)> keyHandler_;
-  CoalescedTimer showContentLater_;
-  CoalescedTimer layOutLater_;
   Timer pace_;  ///< runs while it is too early for another frame
 };
 

@@ -133,9 +133,10 @@ Panel::Panel(std::shared_ptr<PanelContext> environment, const WindowStyle& style
       style_(style),
       frame_(contentRect),
       content_(env_->connection, isBlack()),
+      canvas_(
+          env_->loop, env_->canvases, style,
+          {[this] { layOut(); }, [this](const Pixels& pixels, const PixelRect& changed) { onFrame(pixels, changed); }}),
       putBackBudget_(env_->clock, MOST_PUT_BACKS, 1.0),
-      showContentLater_(env_->loop, [this] { showContent(); }),
-      layOutLater_(env_->loop, [this] { layOut(); }),
       putBackLater_(
           env_->loop,
           [this] {
@@ -179,7 +180,7 @@ void Panel::makeLayer() {
   if (isKey()) env_->inhibitors.add(layer_->surface());
   keepShadowFromPointer();
   layer_->setBlack(isBlack() ? alpha_ : 0);
-  layer_->setOnLayout([this] { layOutLater_.ask(); });
+  layer_->setOnLayout([this] { canvas_.layOutLater(); });
 }
 
 void Panel::keepShadowFromPointer() {
@@ -207,34 +208,23 @@ Pointer::Target Panel::target() {
   target.isHidden = isBlack();
   if (style_.ignoresMouseEvents) return target;
   target.onButton = [this](double x, double y, bool isPress) {
-    if (!isPress) {
-      if (!std::exchange(drag_, std::nullopt)) tellCanvas(PointerAction::release, x, y);
-    } else if (!tellCanvas(PointerAction::press, x, y) && style_.isMovableByBackground) {
-      drag_ = Drag{x, y};
-    }
+    onPointer(isPress ? PointerAction::press : PointerAction::release, x, y);
   };
   // A blocker has nothing that answers to a pointer passing by; why wake up for it.
   if (isBlack()) return target;
-  target.onMove = [this](double x, double y) {
-    if (!drag_) {
-      tellCanvas(PointerAction::move, x, y);
-    } else if (const double dx = x - drag_->x, dy = y - drag_->y; std::abs(dx) >= 1 || std::abs(dy) >= 1) {
-      setFrame({frame_.x + dx, frame_.y - dy, frame_.width, frame_.height});
-    }
-  };
-  target.onLeave = [this] {
-    if (!drag_) tellCanvas(PointerAction::leave, 0, 0);
-  };
+  target.onMove = [this](double x, double y) { onPointer(PointerAction::move, x, y); };
+  target.onLeave = [this] { onPointer(PointerAction::leave, 0, 0); };
   return target;
 }
 
-bool Panel::tellCanvas(PointerAction action, double x, double y) {
-  if (!canvas_) return false;
+void Panel::onPointer(PointerAction action, double x, double y) {
   if (isBlack() && standing_ != nullptr) {
-    x -= std::floor((standing_->size().width - laidOut_.width) / 2);
-    y -= std::floor((standing_->size().height - laidOut_.height) / 2);
+    x -= std::floor((standing_->size().width - canvas_.size().width) / 2);
+    y -= std::floor((standing_->size().height - canvas_.size().height) / 2);
   }
-  return canvas_->pointer(action, x, y);
+  if (const auto move = canvas_.pointer(action, x, y)) {
+    setFrame({frame_.x + move->right, frame_.y - move->down, frame_.width, frame_.height});
+  }
 }
 
 void Panel::setFrame(const Rect& frame) {
@@ -249,23 +239,13 @@ void Panel::setFrame(const Rect& frame) {
     makeLayer();
     stand();
   }
-  layOutLater_.ask();
+  canvas_.layOutLater();
 }
 
 void Panel::setContent(std::shared_ptr<View> view) {
-  canvas_.reset();
   content_.clear();
-  laidOut_ = {};
-  view_ = std::move(view);
-  if (isVisible_) showContentLater_.ask();
+  canvas_.setView(std::move(view));
 }
-
-Canvas* Panel::canvas() const {
-  if (!canvas_ && view_) canvas_ = env_->canvases.make(view_);
-  return canvas_.get();
-}
-
-Size Panel::contentFittingSize() const { return canvas() != nullptr ? canvas_->fittingSize() : Size{}; }
 
 void Panel::orderFrontRegardless() {
   if (!std::exchange(isVisible_, true)) {
@@ -274,7 +254,7 @@ void Panel::orderFrontRegardless() {
     env_->panels.push_back(weak_from_this());
     makeLayer();
     stand();
-    showContentLater_.ask();
+    canvas_.show();
     env_->panelsChanged();
   }
   env_->connection.flush();
@@ -282,14 +262,13 @@ void Panel::orderFrontRegardless() {
 
 void Panel::orderOut() {
   if (!std::exchange(isVisible_, false)) return;
-  drag_.reset();
   env_->panelsChanged();
   if (standing_ != nullptr) content_.standOn(nullptr);
   standing_ = nullptr;
   dropLayer();
   putBackLater_.forget();
   env_->connection.flush();
-  if (canvas_) canvas_->setShowing(false);
+  canvas_.hide();
 }
 
 void Panel::setAlpha(double alpha) {
@@ -351,51 +330,30 @@ void Panel::stand() {
   if (surface == nullptr) return;
   // The lock's surfaces outlive panels, and another panel may have stood here while outputs changed.
   surface->setOnLayout([weak = weak_from_this()] {
-    if (const auto self = weak.lock()) self->layOutLater_.ask();
+    if (const auto self = weak.lock()) self->canvas_.layOutLater();
   });
   if (isOther) {
     layOut();
   } else {
-    layOutLater_.ask();
+    canvas_.layOutLater();
   }
 }
 
 void Panel::layOut() {
   if (standing_ == nullptr || standing_->size().width < 1) return;
-  if (canvas_) {
-    const Size& room = standing_->size();
-    Size size = room;
-    if (isBlack()) {
-      fitting_ = canvas_->fittingSize();
-      size = {std::min(fitting_.width, room.width), std::min(fitting_.height, room.height)};
-    }
-    if (size != laidOut_ || standing_->scale() != laidOutScale_) {
-      laidOut_ = size;
-      laidOutScale_ = standing_->scale();
-      canvas_->resize(size, laidOutScale_);
-    }
-  }
+  canvas_.fit(standing_->size(), standing_->scale());
   content_.layOut(standing_->size(), isBlack());
   standing_->commit();
   env_->connection.flush();
 }
 
-void Panel::showContent() {
-  if (!isVisible_ || canvas() == nullptr) return;
-  canvas_->setOnFrame([this](const Pixels& pixels, const PixelRect& changed) { onFrame(pixels, changed); });
-  layOut();
-  canvas_->setShowing(true);
-}
-
 void Panel::onFrame(const Pixels& pixels, const PixelRect& changed) {
-  content_.update(pixels, changed, laidOut_);
+  content_.update(pixels, changed, canvas_.size());
   if (standing_ != nullptr && content_.isMoved(standing_->size(), isBlack())) {
     content_.layOut(standing_->size(), isBlack());
     standing_->commit();
   }
   env_->connection.flush();
-  // The content may have come to want another size; it is not asked to change while it is drawing.
-  if (isBlack() && canvas_ && canvas_->fittingSize() != fitting_) layOutLater_.ask();
 }
 
 void Panel::key(const KeyEvent& event) {

@@ -4,15 +4,14 @@
 
 #include <functional>
 #include <memory>
-#include <optional>
 #include <vector>
 
-#include "platform/common/Canvas.h"
 #include "platform/common/RateLimiter.h"
 #include "platform/common/lock/FocusRetrier.h"
 #include "platform/linux/display/AlphaAnimator.h"
 #include "platform/linux/display/CoalescedTimer.h"
 #include "platform/linux/display/KeyMonitors.h"
+#include "platform/linux/display/PanelCanvas.h"
 #include "platform/linux/wayland/Content.h"
 #include "platform/linux/wayland/Inhibitors.h"
 #include "platform/linux/wayland/Keyboard.h"
@@ -68,9 +67,8 @@ class Panel final : public FadingWindow, public std::enable_shared_from_this<Pan
 
   [[nodiscard]] Rect frame() const override { return frame_; }
   void setFrame(const Rect& frame) override;
-  /// A black panel's canvas is made only once the panel is up: covering waits for no toolkit.
   void setContent(std::shared_ptr<View> view) override;
-  [[nodiscard]] Size contentFittingSize() const override;
+  [[nodiscard]] Size contentFittingSize() const override { return canvas_.fittingSize(); }
   [[nodiscard]] double alpha() const override { return alpha_; }
   void setAlpha(double alpha) override;
   void setFadedAlpha(double alpha) override;
@@ -91,11 +89,6 @@ class Panel final : public FadingWindow, public std::enable_shared_from_this<Pan
   [[nodiscard]] bool isKey() const { return style_.canBecomeKey; }
 
  private:
-  struct Drag {
-    double x;
-    double y;
-  };
-
   void makeLayer();
   void dropLayer();
   /// What lies beneath a shadow can be clicked. Shown with the surface's next commit.
@@ -106,10 +99,8 @@ class Panel final : public FadingWindow, public std::enable_shared_from_this<Pan
   void stand();
   void layOut();
   void paint();
-  void showContent();
-  Canvas* canvas() const;
   void onFrame(const Pixels& pixels, const PixelRect& changed);
-  bool tellCanvas(PointerAction action, double x, double y);
+  void onPointer(PointerAction action, double x, double y);
 
   std::shared_ptr<PanelContext> env_;
   WindowStyle style_;
@@ -120,16 +111,9 @@ class Panel final : public FadingWindow, public std::enable_shared_from_this<Pan
   std::unique_ptr<LayerShellSurface> layer_;
   OutputSurface* standing_ = nullptr;  ///< the surface that the picture is on
   Content content_;
-  std::shared_ptr<View> view_;
-  mutable std::unique_ptr<Canvas> canvas_;
-  Size fitting_;  ///< as of the last layout
-  Size laidOut_;
-  double laidOutScale_ = 0;
-  std::optional<Drag> drag_;
+  PanelCanvas canvas_;
   std::function<void(const KeyEvent&)> keyHandler_;
   RateLimiter putBackBudget_;
-  CoalescedTimer showContentLater_;
-  CoalescedTimer layOutLater_;
   CoalescedTimer putBackLater_;
 };
 

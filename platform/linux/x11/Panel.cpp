@@ -35,9 +35,10 @@ Panel::Panel(std::shared_ptr<PanelContext> environment, const WindowStyle& style
       frame_(contentRect),
       area_(areaOf(contentRect)),
       surface_(*env_, style.background),
+      canvas_(env_->connection->loop(), env_->canvases, style,
+              {[this] { layOutContent(); },
+               [this](const Pixels& pixels, const PixelRect& changed) { onFrame(pixels, changed); }}),
       putBackBudget_(env_->clock, 20, 1.0),
-      showContentLater_(env_->connection->loop(), [this] { showContent(); }),
-      layOutLater_(env_->connection->loop(), [this] { layOutContent(); }),
       putBackLater_(
           env_->connection->loop(),
           [this] {
@@ -158,49 +159,18 @@ void Panel::moveTo(const PixelRect& area) {
 }
 
 void Panel::setContent(std::shared_ptr<View> view) {
-  canvas_.reset();
   surface_.clearContent();
-  laidOut_ = {};
-  view_ = std::move(view);
-  if (isVisible_) showContentLater_.ask();
+  canvas_.setView(std::move(view));
 }
-
-Canvas* Panel::canvas() const {
-  if (!canvas_ && view_) canvas_ = env_->canvases.make(view_);
-  return canvas_.get();
-}
-
-Size Panel::contentFittingSize() const { return canvas() != nullptr ? canvas_->fittingSize() : Size{}; }
 
 void Panel::layOutContent() {
-  if (!canvas_) return;
   const double scale = env_->screens->space().scale;
-  const Size window{area_.width / scale, area_.height / scale};
-  Size size = window;
-  if (isBlack()) {
-    fitting_ = canvas_->fittingSize();
-    size = {std::min(fitting_.width, window.width), std::min(fitting_.height, window.height)};
-  }
-  if (size == laidOut_ && scale == laidOutScale_) return;
-  laidOut_ = size;
-  laidOutScale_ = scale;
-  canvas_->resize(size, scale);
-}
-
-void Panel::showContent() {
-  if (!isVisible_ || canvas() == nullptr) return;
-  layOutContent();
-  canvas_->setOnFrame([this](const Pixels& pixels, const PixelRect& changed) { onFrame(pixels, changed); });
-  canvas_->setShowing(true);
+  canvas_.fit({area_.width / scale, area_.height / scale}, scale);
 }
 
 void Panel::onFrame(const Pixels& pixels, const PixelRect& changed) {
   surface_.updateContent(pixels, changed);
   env_->connection->flush();
-  // The content may have come to want another size; it is not asked to change while it is drawing.
-  if (isBlack() && canvas_ && canvas_->fittingSize() != fitting_) {
-    layOutLater_.ask();
-  }
 }
 
 void Panel::setAlpha(double alpha) {
@@ -250,7 +220,7 @@ void Panel::orderFront() {
   surface_.finishMap();
   isVisible_ = true;
   isMappedUnseen_ = true;
-  showContentLater_.ask();
+  canvas_.show();
 }
 
 void Panel::orderOut() {
@@ -262,7 +232,7 @@ void Panel::orderOut() {
   surface_.unmapped();
   if (!env_->stacking.hasBlockers()) env_->desktop.drop();
   env_->connection->flush();
-  if (canvas_) canvas_->setShowing(false);
+  canvas_.hide();
 }
 
 void Panel::handle(const xcb_generic_event_t& event) {
@@ -378,10 +348,9 @@ void Panel::onLeave(const xcb_leave_notify_event_t& event) {
 }
 
 bool Panel::tellCanvas(PointerAction action, int x, int y) {
-  if (!canvas_) return false;
   const double scale = env_->screens->space().scale;
   const PixelRect content = surface_.contentArea();
-  return canvas_->pointer(action, (x - content.x) / scale, (y - content.y) / scale);
+  return canvas_.tell(action, (x - content.x) / scale, (y - content.y) / scale);
 }
 
 }  // namespace dormel::x11

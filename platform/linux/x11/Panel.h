@@ -7,6 +7,7 @@
 
 #include "platform/linux/display/AlphaAnimator.h"
 #include "platform/linux/display/CoalescedTimer.h"
+#include "platform/linux/display/PanelCanvas.h"
 #include "platform/linux/x11/PanelContext.h"
 #include "platform/linux/x11/PanelSurface.h"
 
@@ -22,9 +23,8 @@ class Panel final : public FadingWindow, public std::enable_shared_from_this<Pan
 
   [[nodiscard]] Rect frame() const override;
   void setFrame(const Rect& frame) override;
-  /// A black panel's canvas is made only once the window is up: covering waits for no toolkit.
   void setContent(std::shared_ptr<View> view) override;
-  [[nodiscard]] Size contentFittingSize() const override;
+  [[nodiscard]] Size contentFittingSize() const override { return canvas_.fittingSize(); }
   [[nodiscard]] double alpha() const override { return surface_.alpha(); }
   void setAlpha(double alpha) override;
   void setFadedAlpha(double alpha) override;
@@ -56,8 +56,6 @@ class Panel final : public FadingWindow, public std::enable_shared_from_this<Pan
   void tellShadow();
   void orderFront();
   void settle();
-  void showContent();
-  Canvas* canvas() const;
   void layOutContent();
   void onFrame(const Pixels& pixels, const PixelRect& changed);
   void onKey(const xcb_key_press_event_t& event, bool isPress);
@@ -78,18 +76,12 @@ class Panel final : public FadingWindow, public std::enable_shared_from_this<Pan
   PixelRect area_;  ///< where that is in the root window
   xcb_window_t window_ = XCB_NONE;
   PanelSurface surface_;
-  std::shared_ptr<View> view_;
-  mutable std::unique_ptr<Canvas> canvas_;
-  Size fitting_;  ///< as of the last layout
-  Size laidOut_;
-  double laidOutScale_ = 0;
+  PanelCanvas canvas_;
   bool isVisible_ = false;
   bool isMappedUnseen_ = false;  ///< asked for; the server may not have got to it
   std::optional<Drag> drag_;
   RateLimiter putBackBudget_;
   std::function<void(const KeyEvent&)> keyHandler_;
-  CoalescedTimer showContentLater_;
-  CoalescedTimer layOutLater_;
   CoalescedTimer putBackLater_;
 };
 
