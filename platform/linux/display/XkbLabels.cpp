@@ -14,27 +14,23 @@ namespace {
 
 constexpr KeyCode KEY_CODES = 128;  // those of keys that this program has a name for
 
-}  // namespace
-
-void XkbDeleter::operator()(xkb_context* context) const { xkb_context_unref(context); }
-void XkbDeleter::operator()(xkb_keymap* keymap) const { xkb_keymap_unref(keymap); }
-
-std::optional<std::string> characterOn(xkb_keymap& keymap, std::uint32_t layout, KeyCode keyCode) {
-  const auto codes = KeyCodes().xKeyCodes(keyCode);
-  if (codes.empty()) return std::nullopt;
-  const xkb_layout_index_t layouts = xkb_keymap_num_layouts_for_key(&keymap, codes.front());
-  if (layouts == 0) return std::nullopt;
+/// What the key produces alone in that layout, no modifiers; nothing when that is no character.
+std::optional<std::string> characterOn(xkb_keymap& keymap, xkb_layout_index_t layout, xkb_keycode_t key) {
   const xkb_keysym_t* symbols = nullptr;
-  const int count = xkb_keymap_key_get_syms_by_level(&keymap, codes.front(), layout % layouts, 0, &symbols);
+  const int count = xkb_keymap_key_get_syms_by_level(&keymap, key, layout, 0, &symbols);
   std::string text;
   for (int i = 0; i < count; ++i) {
     std::array<char, 8> utf8{};
     // A dead key's accent is no character yet: it yields nothing.
     if (xkb_keysym_to_utf8(symbols[i], utf8.data(), utf8.size()) > 0) text += utf8.data();
   }
-  if (text.empty()) return std::nullopt;
-  return text;
+  return text.empty() ? std::nullopt : std::optional(text);
 }
+
+}  // namespace
+
+void XkbDeleter::operator()(xkb_context* context) const { xkb_context_unref(context); }
+void XkbDeleter::operator()(xkb_keymap* keymap) const { xkb_keymap_unref(keymap); }
 
 std::string pcLegend(KeyCode keyCode) {
   switch (keyCode) {
@@ -75,7 +71,7 @@ void XkbLabels::readKeymap() const {
     const xkb_layout_index_t layouts = xkb_keymap_num_layouts_for_key(keymap.get(), codes.front());
     Characters& characters = characters_[keyCode];
     for (xkb_layout_index_t layout = 0; layout < layouts; ++layout) {
-      characters.push_back(characterOn(*keymap, layout, keyCode));
+      characters.push_back(characterOn(*keymap, layout, codes.front()));
     }
   }
 }

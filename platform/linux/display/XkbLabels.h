@@ -21,10 +21,6 @@ struct XkbDeleter {
   void operator()(xkb_keymap* keymap) const;
 };
 
-/// What `keymap` produces for the key alone in its layout number `layout`, no modifiers; nothing when that is no
-/// character.
-[[nodiscard]] std::optional<std::string> characterOn(xkb_keymap& keymap, std::uint32_t layout, KeyCode keyCode);
-
 /// What PC keyboards print on a modifier key; empty for all others.
 [[nodiscard]] std::string pcLegend(KeyCode keyCode);
 

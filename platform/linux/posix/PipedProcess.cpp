@@ -2,12 +2,14 @@
 
 #include <fcntl.h>
 #include <signal.h>
-#include <spawn.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
+
+#include "platform/linux/posix/Spawn.h"
 
 namespace dormel::posix {
 namespace {
@@ -22,25 +24,8 @@ std::unique_ptr<PipedProcess> PipedProcess::start(const std::string& path, const
   FileDescriptor output(ends[0]);
   const FileDescriptor input(ends[1]);
   ::fcntl(output.get(), F_SETFL, O_NONBLOCK);
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-  posix_spawn_file_actions_adddup2(&actions, input.get(), STDOUT_FILENO);
-  posix_spawnattr_t attributes;
-  posix_spawnattr_init(&attributes);
-  sigset_t usual;  // what we do with signals is ours
-  sigemptyset(&usual);
-  for (const int signal : {SIGTERM, SIGINT, SIGHUP, SIGPIPE}) sigaddset(&usual, signal);
-  posix_spawnattr_setsigdefault(&attributes, &usual);
-  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF);
-  std::vector<char*> array{const_cast<char*>(path.c_str())};
-  for (const std::string& argument : arguments) array.push_back(const_cast<char*>(argument.c_str()));
-  array.push_back(nullptr);
-  pid_t child = -1;
-  const int failure = ::posix_spawn(&child, path.c_str(), &actions, &attributes, array.data(), environ);
-  posix_spawnattr_destroy(&attributes);
-  posix_spawn_file_actions_destroy(&actions);
-  if (failure != 0) return nullptr;
+  const pid_t child = spawn(path, arguments, {input.get(), STDERR_FILENO});
+  if (child < 0) return nullptr;
   return std::unique_ptr<PipedProcess>(new PipedProcess(child, std::move(output)));
 }
 

@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <signal.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -11,19 +10,12 @@
 #include <optional>
 
 #include "platform/linux/posix/FileDescriptor.h"
+#include "platform/linux/posix/Spawn.h"
 
 namespace dormel::posix {
 namespace {
 
 constexpr std::size_t HEARD_AT_MOST = 4096;
-
-/// The null-terminated array that the exec calls take. The texts are the caller's.
-std::vector<char*> argumentArray(const std::string& path, const std::vector<std::string>& arguments) {
-  std::vector<char*> array{const_cast<char*>(path.c_str())};
-  for (const std::string& argument : arguments) array.push_back(const_cast<char*>(argument.c_str()));
-  array.push_back(nullptr);
-  return array;
-}
 
 struct Pipe {
   FileDescriptor readEnd, writeEnd;
@@ -33,30 +25,6 @@ std::optional<Pipe> makePipe() {
   std::array<int, 2> ends{};
   if (::pipe2(ends.data(), O_CLOEXEC) != 0) return {};
   return Pipe{FileDescriptor(ends[0]), FileDescriptor(ends[1])};
-}
-
-/// Spawns with standard streams on /dev/null, but for standard error if `errors` is a descriptor; -1 when it fails.
-pid_t spawn(const std::string& path, const std::vector<std::string>& arguments, int errors) {
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-    posix_spawn_file_actions_addopen(&actions, fd, "/dev/null", O_RDWR, 0);
-  }
-  if (errors >= 0) posix_spawn_file_actions_adddup2(&actions, errors, STDERR_FILENO);
-  // What we do with signals is ours; the tool starts with the usual dispositions.
-  posix_spawnattr_t attributes;
-  posix_spawnattr_init(&attributes);
-  sigset_t usual;
-  sigemptyset(&usual);
-  for (const int signal : {SIGTERM, SIGINT, SIGPIPE, SIGCHLD}) sigaddset(&usual, signal);
-  posix_spawnattr_setsigdefault(&attributes, &usual);
-  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF);
-  pid_t child = -1;
-  const int failure =
-      ::posix_spawn(&child, path.c_str(), &actions, &attributes, argumentArray(path, arguments).data(), environ);
-  posix_spawnattr_destroy(&attributes);
-  posix_spawn_file_actions_destroy(&actions);
-  return failure == 0 ? child : -1;
 }
 
 std::int32_t statusOf(pid_t child) {
@@ -112,7 +80,7 @@ std::string PosixChildProcesses::toolPath(const std::string& tool) const {
 }
 
 std::int32_t PosixChildProcesses::run(const std::string& tool, const std::vector<std::string>& arguments) {
-  const pid_t child = spawn(toolPath(tool), arguments, -1);
+  const pid_t child = spawn(toolPath(tool), arguments, {});
   return child < 0 ? -1 : statusOf(child);
 }
 
@@ -120,7 +88,7 @@ PosixChildProcesses::Outcome PosixChildProcesses::runHearingErrors(const std::st
                                                                    const std::vector<std::string>& arguments) {
   auto pipe = makePipe();
   if (!pipe) return {run(tool, arguments), {}};
-  const pid_t child = spawn(toolPath(tool), arguments, pipe->writeEnd.get());
+  const pid_t child = spawn(toolPath(tool), arguments, {-1, pipe->writeEnd.get()});
   pipe->writeEnd.reset();
   if (child < 0) return {};
   std::string errors = readAll(pipe->readEnd.get());
