@@ -9,7 +9,6 @@
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <cmath>
-#include <cstdio>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -26,6 +25,7 @@
 #include "settings/SettingsView.h"
 #include "tests/drawn/DrawnNight.h"
 #include "tests/drawn/StrangersScreens.h"
+#include "tools/gallery/PictureFolders.h"
 
 using namespace dormel;
 
@@ -113,17 +113,14 @@ class Gallery {
   using MakeView = std::function<std::shared_ptr<View>(DrawnMachine&)>;
   using Touch = std::function<void(QQuickItem& root)>;
 
-  Gallery(const QDir& folder, std::string language, const std::optional<QDir>& pictures)
-      : folder_(folder), language_(std::move(language)), pictures_(pictures) {}
-
-  [[nodiscard]] bool isWhole() const { return whole_; }
+  explicit Gallery(PictureFolders& folders) : folders_(folders) {}
 
   /// One picture per monitor of what `play` leads to, in a night of its own.
   void show(const char* name, const DrawnNight::Options& options, const std::function<void(DrawnNight&)>& play,
             const std::function<void(DrawnNight&)>& then = {}, Docs docs = Docs::no) {
     for (const Monitor& monitor : MONITORS) {
       DrawnNight night(options);
-      night.speak(language_);
+      night.speak(folders_.language());
       play(night);
       const bool pill = night.view()->kind() == ViewKind::graceCountdown;
       const Size pillSize{220, 64};
@@ -138,8 +135,8 @@ class Gallery {
       const QImage screen = onMonitor(drawn.picture(), monitor, pill);
       const QRect corner(screen.width() - 480, 0, 480, 160);
       const QRect middle(screen.width() / 2 - 700, screen.height() / 2 - 500, 1400, 1000);
-      if (chosen) keep(name, screen.copy(pill ? corner : middle));
-      save(QStringLiteral("%1-%2").arg(QLatin1String(name), QLatin1String(monitor.name)), screen);
+      if (chosen) folders_.keep(QLatin1String(name), screen.copy(pill ? corner : middle));
+      folders_.save(QStringLiteral("%1-%2").arg(QLatin1String(name), QLatin1String(monitor.name)), screen);
     }
   }
 
@@ -147,14 +144,14 @@ class Gallery {
   void showPage(const char* name, const MakeView& make, Seconds after = 3, Docs docs = Docs::no) {
     for (const int scale : {1, 2}) {
       DrawnMachine machine;
-      machine.speak(language_);
+      machine.speak(folders_.language());
       machine.speakAsLinux();
       DrawnView drawn(machine.factory, make(machine), scale);
       drawn.picture();
       machine.pass(after);
       const QImage picture = onDesktop(drawn.picture(), scale);
-      if (docs == Docs::yes && scale == 2) keep(name, picture);
-      save(QStringLiteral("%1-%2x").arg(QLatin1String(name)).arg(scale), picture);
+      if (docs == Docs::yes && scale == 2) folders_.keep(QLatin1String(name), picture);
+      folders_.save(QStringLiteral("%1-%2x").arg(QLatin1String(name)).arg(scale), picture);
     }
   }
 
@@ -163,12 +160,12 @@ class Gallery {
   void showWindow(const char* name, const MakeView& make, const Touch& touch = {}, Docs docs = Docs::no) {
     for (const int scale : {1, 2}) {
       const QImage window = windowPicture(make, touch, scale, {});
-      if (docs == Docs::yes && scale == 2) keep(name, window);
-      save(QStringLiteral("%1-%2x").arg(QLatin1String(name)).arg(scale), onDesktop(window, scale));
+      if (docs == Docs::yes && scale == 2) folders_.keep(QLatin1String(name), window);
+      folders_.save(QStringLiteral("%1-%2x").arg(QLatin1String(name)).arg(scale), onDesktop(window, scale));
     }
     for (const StrangersScreen& screen : STRANGERS_SCREENS) {
-      save(QStringLiteral("%1-%2").arg(QLatin1String(name), QLatin1String(screen.name)),
-           onDesktop(windowPicture(make, touch, screen.scale, screen), screen.scale));
+      folders_.save(QStringLiteral("%1-%2").arg(QLatin1String(name), QLatin1String(screen.name)),
+                    onDesktop(windowPicture(make, touch, screen.scale, screen), screen.scale));
     }
   }
 
@@ -176,7 +173,7 @@ class Gallery {
   [[nodiscard]] QImage windowPicture(const MakeView& make, const Touch& touch, double scale,
                                      const std::optional<StrangersScreen>& screen) const {
     DrawnMachine machine;
-    machine.speak(language_);
+    machine.speak(folders_.language());
     machine.speakAsLinux();
     DrawnView drawn(machine.factory, make(machine), scale);
     if (screen) drawn.canvas().resize(screen->sizeOf(drawn.canvas().fittingSize()), scale);
@@ -192,27 +189,7 @@ class Gallery {
     return withCutCorners(drawn.picture(), scale);
   }
 
-  void save(const QString& name, const QImage& picture) {
-    write(folder_.filePath(name + QStringLiteral(".png")), picture);
-  }
-
-  void keep(const char* name, const QImage& picture) {
-    if (pictures_) write(pictures_->filePath(QLatin1String(name) + QStringLiteral(".png")), picture);
-  }
-
-  void write(const QString& file, const QImage& picture) {
-    if (picture.save(file, "PNG", 0)) {  // packed as tightly as it goes
-      std::printf("%s\n", qPrintable(file));
-    } else {
-      std::fprintf(stderr, "cannot write %s\n", qPrintable(file));
-      whole_ = false;
-    }
-  }
-
-  QDir folder_;
-  std::string language_;
-  std::optional<QDir> pictures_;
-  bool whole_ = true;
+  PictureFolders& folders_;
 };
 
 std::shared_ptr<View> card(DrawnMachine& /*machine*/) {
@@ -372,8 +349,9 @@ int main(int argc, char** argv) {
   const std::optional<QDir> pictures = argc > 3 ? std::optional(QDir(QString::fromLocal8Bit(argv[3]))) : std::nullopt;
   if (!folder.mkpath(QStringLiteral("."))) return 1;
   if (pictures && !pictures->mkpath(QStringLiteral("."))) return 1;
-  Gallery gallery(folder, argc > 2 ? argv[2] : "en", pictures);
-
+  PictureFolders folders(folder, argc > 2 ? argv[2] : "en", pictures);
+  drawFirstRun(folders);
+  Gallery gallery(folders);
   showSettings(gallery);
   showNights(gallery);
   showWindows(gallery);
@@ -443,5 +421,5 @@ int main(int argc, char** argv) {
     gallery.show(qPrintable(QStringLiteral("pill-%1").arg(left)), {}, grace(left),
                  [](DrawnNight& night) { night.pass(1); });
   }
-  return gallery.isWhole() ? 0 : 1;
+  return folders.isWhole() ? 0 : 1;
 }

@@ -1,12 +1,7 @@
-// Draws the first run to PNG files: onboarding_gallery [folder [language [pictures]]]. Its components in all their
-// states, all its screens, early and settled, at both scales, and a sheet of them. The sheet goes into the second
-// folder as well, for the documentation. Needs no display.
-#include <QDir>
-#include <QGuiApplication>
+// The first run.
 #include <QPainter>
 #include <QQuickItem>
 #include <QQuickWindow>
-#include <cstdio>
 #include <functional>
 #include <memory>
 #include <string>
@@ -17,6 +12,7 @@
 #include "platform/linux/qt/AboutView.h"
 #include "tests/drawn/DrawnMachine.h"
 #include "tests/drawn/StrangersScreens.h"
+#include "tools/gallery/PictureFolders.h"
 #include "ui/qml/UiModule.h"
 
 using namespace dormel;
@@ -30,13 +26,6 @@ struct Moment {
   bool onSheet = false;
   std::function<void(DrawnMachine&)> given = {};
 };
-
-void answer(DrawnMachine& desk) {
-  desk.store(defaultsKey::onboardingLate, {std::int64_t{26}});
-  desk.store(defaultsKey::onboardingNights, {4.0});
-  desk.store(defaultsKey::onboardingWant, {std::int64_t{23}});
-  desk.store(defaultsKey::onboardingKeeps, {PropertyListArray{{std::string("scrolling")}}});
-}
 
 void unanswered(DrawnMachine& desk) {
   for (const char* key : {defaultsKey::onboardingLate, defaultsKey::onboardingWant})
@@ -89,19 +78,12 @@ std::vector<Moment> moments() {
   };
 }
 
-bool save(const QDir& folder, const QString& name, const QImage& picture) {
-  const QString file = folder.filePath(name + QStringLiteral(".png"));
-  const bool saved = picture.save(file);
-  std::printf("%s%s\n", saved ? "" : "cannot write ", qPrintable(file));
-  return saved;
-}
-
 QString named(const char* name, int scale) {
   return QStringLiteral("first-run-%1-%2x").arg(QLatin1String(name)).arg(scale);
 }
 
 /// All on one, in rows of four.
-class OutputSurface {
+class ContactSheet {
  public:
   void add(const QImage& picture) {
     QImage pixels = picture;
@@ -133,7 +115,7 @@ QImage pictureOf(const std::string& language, const Moment& moment, double scale
   DrawnMachine desk;
   desk.speak(language);
   desk.speakAsLinux();
-  answer(desk);
+  desk.answerTheFirstRun();
   if (moment.given) moment.given(desk);
   const auto view = OnboardingView::create({[](const auto&) { return true; }, [] {}});
   DrawnView drawn(desk.factory, view, scale, size);
@@ -144,7 +126,7 @@ QImage pictureOf(const std::string& language, const Moment& moment, double scale
   return drawn.picture();
 }
 
-bool drawComponents(const QDir& folder, int scale) {
+void drawComponents(PictureFolders& folders, int scale) {
   DrawnMachine desk;
   QmlSceneRegistry registry;
   registerUiScenes(registry);
@@ -156,36 +138,27 @@ bool drawComponents(const QDir& folder, int scale) {
   DrawnView drawn(factory, std::make_shared<AboutView>(), scale);
   drawn.picture();
   desk.pass(2);
-  return save(folder, named("components", scale), drawn.picture());
+  folders.save(named("components", scale), drawn.picture());
 }
 
 }  // namespace
 
-int main(int argc, char** argv) {
-  qputenv("QT_QPA_PLATFORM", "offscreen");
-  QGuiApplication application(argc, argv);
-  const QDir folder(argc > 1 ? QString::fromLocal8Bit(argv[1]) : QStringLiteral("gallery"));
-  const std::string language = argc > 2 ? argv[2] : "en";
-  bool saved = folder.mkpath(QStringLiteral("."));
-  OutputSurface sheet;
+void dormel::drawFirstRun(PictureFolders& folders) {
+  ContactSheet sheet;
   for (const int scale : {1, 2}) {
-    saved = drawComponents(folder, scale) && saved;
+    drawComponents(folders, scale);
     for (const Moment& moment : moments()) {
-      const QImage picture = pictureOf(language, moment, scale, OnboardingView::SIZE);
+      const QImage picture = pictureOf(folders.language(), moment, scale, OnboardingView::SIZE);
       if (moment.onSheet && scale == 2) sheet.add(picture);
-      saved = save(folder, named(moment.name, scale), picture) && saved;
+      folders.save(named(moment.name, scale), picture);
     }
   }
   for (const StrangersScreen& screen : STRANGERS_SCREENS) {
     for (const Moment& moment : moments()) {
-      const QString name =
-          QStringLiteral("first-run-%1-%2").arg(QLatin1String(moment.name), QLatin1String(screen.name));
-      const QImage picture = pictureOf(language, moment, screen.scale, screen.sizeOf(OnboardingView::SIZE));
-      saved = save(folder, name, picture) && saved;
+      folders.save(QStringLiteral("first-run-%1-%2").arg(QLatin1String(moment.name), QLatin1String(screen.name)),
+                   pictureOf(folders.language(), moment, screen.scale, screen.sizeOf(OnboardingView::SIZE)));
     }
   }
-  saved = save(folder, QStringLiteral("first-run"), sheet.picture()) && saved;
-  if (argc > 3)
-    saved = save(QDir(QString::fromLocal8Bit(argv[3])), QStringLiteral("first-run"), sheet.picture()) && saved;
-  return saved ? 0 : 1;
+  folders.save(QStringLiteral("first-run"), sheet.picture());
+  folders.keep(QStringLiteral("first-run"), sheet.picture());
 }
