@@ -146,13 +146,13 @@ TEST(FocusRetrier, LeavesTheKeyboardToAnotherProgramsLock) {
   EXPECT_EQ(s.asked, "a");
 }
 
-TEST(Desk, OutputsAreScreensFromTheBottomLeftOfTheMainOne) {
-  const Desk desk{{{"right", {1920, -200, 1280, 1024}},
-                   {"main", {0, 0, 1920, 1080}},
-                   {"mirror", {0, 0, 1920, 1080}},
-                   {"off", {0, 0, 0, 0}},
-                   {"mad", {1 << 30, 0, 1 << 30, 1}}}};
-  const auto screens = desk.screens();
+TEST(OutputLayout, OutputsAreScreensFromTheBottomLeftOfTheMainOne) {
+  const OutputLayout layout{{{"right", {1920, -200, 1280, 1024}},
+                             {"main", {0, 0, 1920, 1080}},
+                             {"mirror", {0, 0, 1920, 1080}},
+                             {"off", {0, 0, 0, 0}},
+                             {"mad", {1 << 30, 0, 1 << 30, 1}}}};
+  const auto screens = layout.screens();
   ASSERT_EQ(screens.size(), 2U);
   EXPECT_EQ(screens[0].name, "main");
   EXPECT_EQ(screens[0].frame, (Rect{0, 0, 1920, 1080}));
@@ -160,11 +160,11 @@ TEST(Desk, OutputsAreScreensFromTheBottomLeftOfTheMainOne) {
   EXPECT_EQ(*screens[1].displayBounds, (Rect{1920, -200, 1280, 1024}));
 }
 
-TEST(Desk, OutputsThatLieOverEachOtherAreToldApart) {
+TEST(OutputLayout, OutputsThatLieOverEachOtherAreToldApart) {
   // What some compositors do with an output that comes back without a place. Points go upwards from the main one's
   // bottom.
-  for (const auto& order : {Desk{{{"wide", {0, 0, 1920, 1080}}, {"small", {0, 0, 1280, 1024}}}},
-                            Desk{{{"small", {0, 0, 1280, 1024}}, {"wide", {0, 0, 1920, 1080}}}}}) {
+  for (const auto& order : {OutputLayout{{{"wide", {0, 0, 1920, 1080}}, {"small", {0, 0, 1280, 1024}}}},
+                            OutputLayout{{{"small", {0, 0, 1280, 1024}}, {"wide", {0, 0, 1920, 1080}}}}}) {
     const auto screens = order.screens();
     ASSERT_EQ(screens.size(), 2U);
     for (const Screen& screen : screens) EXPECT_EQ(screenShowing(screens, screen.frame)->name, screen.name);

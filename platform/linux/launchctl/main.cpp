@@ -33,9 +33,9 @@
 
 #include "platform/linux/freedesktop/AppBundle.h"
 #include "platform/linux/freedesktop/AutostartEntry.h"
-#include "platform/linux/jobs/HelperCommand.h"
 #include "platform/linux/jobs/Job.h"
 #include "platform/linux/jobs/JobLaunch.h"
+#include "platform/linux/jobs/LaunchctlCommand.h"
 #include "platform/linux/jobs/Scheduler.h"
 #include "platform/linux/supervisor/Supervisor.h"
 #include "platform/linux/supervisor/SupervisorScheduler.h"
@@ -173,7 +173,7 @@ int permit(const std::string& label, const std::string& propertyList, const std:
   return 1;
 }
 
-int execute(const HelperCommand& command) {
+int execute(const LaunchctlCommand& command) {
   Job job;
   job.standardOutput = command.standardOutput;
   job.standardError = command.standardError;
@@ -184,8 +184,8 @@ int execute(const HelperCommand& command) {
 }
 
 int run(const Arguments& arguments) {
-  using Verb = HelperCommand::Verb;
-  const auto command = parseHelperCommand(arguments, ownDomain());
+  using Verb = LaunchctlCommand::Verb;
+  const auto command = parseLaunchctlCommand(arguments, ownDomain());
   if (!command) return usage();
   switch (command->verb) {
     case Verb::bootstrap:

@@ -9,7 +9,7 @@
 namespace dormel::wayland {
 namespace {
 
-/// Larger than any desk: what a compositor says beyond that is no place.
+/// Larger than any layout: what a compositor says beyond that is no place.
 constexpr int FAR = 1 << 24;
 
 bool isSane(const PixelRect& area) {
@@ -24,7 +24,7 @@ double common(const Rect& a, const Rect& b) {
 
 }  // namespace
 
-std::vector<Screen> Desk::screens() const {
+std::vector<Screen> OutputLayout::screens() const {
   std::vector<std::pair<std::string, PixelRect>> shown;
   for (const auto& output : outputs) {
     const bool isMirror =
@@ -109,15 +109,15 @@ void Outputs::departed(std::uint32_t number) {
   if (std::erase_if(outputs_, [&](const auto& output) { return output->number == number; }) != 0) announcement_.ask();
 }
 
-Desk Outputs::desk() const {
-  Desk desk;
-  for (const auto& output : outputs_) desk.outputs.emplace_back(output->name, output->area);
-  return desk;
+OutputLayout Outputs::layout() const {
+  OutputLayout layout;
+  for (const auto& output : outputs_) layout.outputs.emplace_back(output->name, output->area);
+  return layout;
 }
 
 void Outputs::announce() {
   if (onOutputs_) onOutputs_();
-  const Desk now = desk();
+  const OutputLayout now = layout();
   if (now == announced_) return;
   auto screens = now.screens();
   if (screens.empty()) return;  // the moment between two configurations, the last cable pulled

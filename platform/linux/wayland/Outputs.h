@@ -29,13 +29,13 @@ struct Output {
 };
 
 /// Where screens lie, as logic sees them, given the areas of the compositor's outputs. Plain computation.
-struct Desk {
+struct OutputLayout {
   std::vector<std::pair<std::string, PixelRect>> outputs;
 
   /// Mirrored outputs, and those that show nothing, left out. The main one is that at the compositor's origin, the
   /// first from the left where none is.
   [[nodiscard]] std::vector<Screen> screens() const;
-  friend bool operator==(const Desk&, const Desk&) = default;
+  friend bool operator==(const OutputLayout&, const OutputLayout&) = default;
 };
 
 /// The screen that shows most of this rectangle; where outputs lie over each other and several show as much of it, the
@@ -66,12 +66,12 @@ class Outputs : public Screens {
   void setOnChange(Task onChange) { onChange_ = std::move(onChange); }
 
  private:
-  [[nodiscard]] Desk desk() const;
+  [[nodiscard]] OutputLayout layout() const;
 
   Connection& connection_;
   std::list<std::shared_ptr<Output>> outputs_;
   std::vector<Screen> screens_;
-  Desk announced_;
+  OutputLayout announced_;
   Task onOutputs_;
   Task onChange_;
   CoalescedTimer announcement_;

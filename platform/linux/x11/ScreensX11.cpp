@@ -18,7 +18,7 @@ ScreensX11::ScreensX11(RunLoop& loop, std::shared_ptr<Connection> connection, co
         XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE | XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE);
     subscription_ = connection_->subscribe([this](const xcb_generic_event_t& event) { handle(event); });
   }
-  announced_ = desk();
+  announced_ = layout();
 }
 
 void ScreensX11::handle(const xcb_generic_event_t& event) {
@@ -31,41 +31,41 @@ void ScreensX11::handle(const xcb_generic_event_t& event) {
 }
 
 void ScreensX11::announce() {
-  if (desk() == announced_) return;
-  announced_ = desk_;
+  if (layout() == announced_) return;
+  announced_ = layout_;
   if (onChange_) onChange_();
   if (afterChange_) afterChange_();
 }
 
-const ScreensX11::Desk& ScreensX11::desk() const {
-  if (!connection_ || !std::exchange(isStale_, false)) return desk_;
+const ScreensX11::Layout& ScreensX11::layout() const {
+  if (!connection_ || !std::exchange(isStale_, false)) return layout_;
   auto resources = connection_->askProperty(connection_->root(), XCB_ATOM_RESOURCE_MANAGER);
   auto monitors = queryMonitors(*connection_, features_.randr);
-  if (monitors.empty() && !desk_.monitors.empty()) return desk_;
+  if (monitors.empty() && !layout_.monitors.empty()) return layout_;
   if (monitors.empty()) monitors = queryMonitors(*connection_, 0);  // a server without any output, a virtual one
-  if (monitors.empty()) return desk_;
+  if (monitors.empty()) return layout_;
   const Monitor& main = monitors.front();
-  desk_.space.scale =
+  layout_.space.scale =
       displayScale(xftDpi(Connection::text(std::move(resources))), main.area.width, main.widthMillimetres);
-  desk_.space.originX = main.area.x;
-  desk_.space.originBottom = main.area.y + main.area.height;
-  desk_.monitors = std::move(monitors);
-  return desk_;
+  layout_.space.originX = main.area.x;
+  layout_.space.originBottom = main.area.y + main.area.height;
+  layout_.monitors = std::move(monitors);
+  return layout_;
 }
 
-const CoordinateSpace& ScreensX11::space() const { return desk().space; }
+const CoordinateSpace& ScreensX11::space() const { return layout().space; }
 
 std::vector<Screen> ScreensX11::all() const {
   std::vector<Screen> screens;
-  if (desk().monitors.empty()) return screens;
+  if (layout().monitors.empty()) return screens;
   const auto area = workArea();
-  for (const Monitor& monitor : desk_.monitors) screens.push_back(screen(monitor, area));
+  for (const Monitor& monitor : layout_.monitors) screens.push_back(screen(monitor, area));
   return screens;
 }
 
 std::optional<Screen> ScreensX11::main() const {
-  if (desk().monitors.empty()) return std::nullopt;
-  return screen(desk_.monitors.front(), workArea());
+  if (layout().monitors.empty()) return std::nullopt;
+  return screen(layout_.monitors.front(), workArea());
 }
 
 Screen ScreensX11::screen(const Monitor& monitor, const std::optional<PixelRect>& workArea) const {
@@ -74,13 +74,14 @@ Screen ScreensX11::screen(const Monitor& monitor, const std::optional<PixelRect>
     const PixelRect common = intersection(visible, *workArea);
     if (!common.empty()) visible = common;
   }
-  return {monitor.name, desk_.space.toPoints(monitor.area), desk_.space.toPoints(visible), displayBounds(monitor.area)};
+  return {monitor.name, layout_.space.toPoints(monitor.area), layout_.space.toPoints(visible),
+          displayBounds(monitor.area)};
 }
 
 Rect ScreensX11::displayBounds(const PixelRect& area) const {
-  if (desk().monitors.empty()) return {};
-  const PixelRect& main = desk_.monitors.front().area;
-  const double scale = desk_.space.scale;
+  if (layout().monitors.empty()) return {};
+  const PixelRect& main = layout_.monitors.front().area;
+  const double scale = layout_.space.scale;
   return {(area.x - main.x) / scale, (area.y - main.y) / scale, area.width / scale, area.height / scale};
 }
 

@@ -37,23 +37,23 @@ class ScreensX11 : public Screens {
   void setAfterChange(Task afterChange) { afterChange_ = std::move(afterChange); }
 
  private:
-  struct Desk {
+  struct Layout {
     std::vector<Monitor> monitors;
     CoordinateSpace space;
-    friend bool operator==(const Desk&, const Desk&) = default;
+    friend bool operator==(const Layout&, const Layout&) = default;
   };
 
   void handle(const xcb_generic_event_t& event);
   void announce();
-  const Desk& desk() const;
+  const Layout& layout() const;
   [[nodiscard]] Screen screen(const Monitor& monitor, const std::optional<PixelRect>& workArea) const;
   [[nodiscard]] std::optional<PixelRect> workArea() const;
 
   std::shared_ptr<Connection> connection_;
   ServerFeatures features_;
-  mutable Desk desk_;
+  mutable Layout layout_;
   mutable bool isStale_ = true;
-  Desk announced_;
+  Layout announced_;
   Task onChange_;
   Task afterChange_;
   Subscription subscription_;

@@ -1,4 +1,4 @@
-#include "platform/linux/jobs/HelperCommand.h"
+#include "platform/linux/jobs/LaunchctlCommand.h"
 
 #include <charconv>
 #include <string_view>
@@ -8,7 +8,7 @@
 namespace dormel::jobs {
 namespace {
 
-using Verb = HelperCommand::Verb;
+using Verb = LaunchctlCommand::Verb;
 
 /// The label in "<domain>/<label>".
 std::optional<std::string> labelIn(const std::string& target, const std::string& domain) {
@@ -28,12 +28,13 @@ std::string logIn(const std::string& text) { return text == "-" ? std::string() 
 
 }  // namespace
 
-std::optional<HelperCommand> parseHelperCommand(const std::vector<std::string>& arguments, const std::string& domain) {
+std::optional<LaunchctlCommand> parseLaunchctlCommand(const std::vector<std::string>& arguments,
+                                                      const std::string& domain) {
   const std::string_view verb = arguments.empty() ? std::string_view() : std::string_view(arguments[0]);
   const auto takes = [&](std::string_view name, std::size_t count) {
     return verb == name && arguments.size() == count;
   };
-  HelperCommand command;
+  LaunchctlCommand command;
   if (takes("bootstrap", 3) || takes("login", 3)) {
     if (arguments[1] != domain) return {};
     command.verb = verb == "login" ? Verb::login : Verb::bootstrap;

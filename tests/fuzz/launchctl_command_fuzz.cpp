@@ -1,14 +1,14 @@
-// The scheduler helper's command line: a word for each line of the input.
-#include "platform/linux/jobs/HelperCommand.h"
+// The scheduler's command line: a word for each line of the input.
 #include "platform/linux/jobs/Job.h"
+#include "platform/linux/jobs/LaunchctlCommand.h"
 #include "tests/fuzz/FuzzInput.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace dormel::jobs;
   using dormel::fuzz::require;
-  using Verb = HelperCommand::Verb;
+  using Verb = LaunchctlCommand::Verb;
   const auto words = dormel::fuzz::words(dormel::fuzz::text(data, size));
-  const auto command = parseHelperCommand(words, "gui/1000");
+  const auto command = parseLaunchctlCommand(words, "gui/1000");
   if (!command) return 0;
   switch (command->verb) {
     case Verb::bootstrap:

@@ -1,4 +1,4 @@
-// What the scheduler helper was asked to do. Any thread.
+// What the scheduler's command line was asked to do. Any thread.
 #pragma once
 
 #include <optional>
@@ -7,7 +7,7 @@
 
 namespace dormel::jobs {
 
-struct HelperCommand {
+struct LaunchctlCommand {
   enum class Verb { bootstrap, bootout, print, login, permit, exec, supervise };
   Verb verb = Verb::print;
   std::string label{};                            ///< a job's label: of bootout, print, permit
@@ -17,12 +17,12 @@ struct HelperCommand {
   std::string standardOutput{}, standardError{};  ///< of exec; empty for none
   std::vector<std::string> job{};                 ///< of exec: the program and its arguments
 
-  friend bool operator==(const HelperCommand&, const HelperCommand&) = default;
+  friend bool operator==(const LaunchctlCommand&, const LaunchctlCommand&) = default;
 };
 
-/// The command in the helper's arguments, its own name left out; nothing for a wrong usage. `domain` is the only one
+/// The command in its arguments, the tool's own name left out; nothing for a wrong usage. `domain` is the only one
 /// whose jobs may be spoken of.
-[[nodiscard]] std::optional<HelperCommand> parseHelperCommand(const std::vector<std::string>& arguments,
-                                                              const std::string& domain);
+[[nodiscard]] std::optional<LaunchctlCommand> parseLaunchctlCommand(const std::vector<std::string>& arguments,
+                                                                    const std::string& domain);
 
 }  // namespace dormel::jobs
