@@ -257,6 +257,16 @@ TEST_F(SettingsWindowTest, ShowsWhereThingsStand) {
   EXPECT_FALSE(desk.isAnimating()) << "it rests";
 }
 
+TEST_F(SettingsWindowTest, SaysWhatToDoWhereNoPageOfTheDesktopHelps) {
+  desk.speakAsLinux();
+  desk.machine.accessibility.setTrusted(false);
+  open();
+  const QQuickItem* button = control("Open Settings");
+  EXPECT_TRUE(button == nullptr || !button->isVisible()) << "a button that does nothing";
+  const QQuickItem* advice = control(view->permissionText().c_str());
+  EXPECT_TRUE(advice != nullptr && advice->isVisible()) << view->permissionText();
+}
+
 TEST_F(SettingsWindowTest, OffersNoUpdatesWithoutAFeedAndSaysWhatWasNotSaved) {
   desk.machine.updater.setHasFeed(false);
   open();

@@ -7,7 +7,6 @@
 
 #include "overlay/BlockerOverlayView.h"
 #include "overlay/BlockerWindow.h"
-#include "overlay/GraceCountdownView.h"
 #include "platform/common/paint/PaintedCanvases.h"
 #include "platform/common/paint/PlainLines.h"
 #include "platform/sim/SimPainter.h"
@@ -57,30 +56,6 @@ TEST(PaintMessages, ArriveAsTheyWereSentAndNothingElseDoes) {
   paint::Scene scene;
   scene.kind = static_cast<ViewKind>(200);
   EXPECT_FALSE(paint::decodedOrder(paint::encoded(scene)));
-}
-
-TEST(PaintedStates, ArriveAsTheyWereSent) {
-  BlockerOverlayState overlay;
-  overlay.appeared = true;
-  overlay.appearDuration = 2.5;
-  overlay.keys = {{"Ω", "", "A", 3, true, false}, {"L.Option", "Alt", "L.Option", 58, false, true}};
-  overlay.statusText = "Keep holding...";
-  overlay.statusColor = color::red(0.4);
-  overlay.allKeysHeld = true;
-  overlay.hold = {12.5, 30};
-  overlay.clock = "11:05";
-  overlay.amPm = "PM";
-  overlay.showUnlockConfirm = true;
-  overlay.relockText = "Relocking in 4:05";
-  overlay.words = {"hint", "unlocked", "hold", "keep"};
-  EXPECT_EQ(decodedBlockerOverlay(encoded(overlay)), overlay);
-  EXPECT_FALSE(decodedBlockerOverlay(encoded(overlay).substr(1)));
-  const GraceCountdownState grace{0.25, color::orange(1), "45s remaining"};
-  EXPECT_EQ(decodedGraceCountdown(encoded(grace)), grace);
-  EXPECT_FALSE(decodedGraceCountdown(encoded(grace) + " "));
-  const AccessibilityCardState card{true, {"title", "text", "hint", "button", "footer"}};
-  EXPECT_EQ(decodedAccessibilityCard(encoded(card)), card);
-  EXPECT_FALSE(decodedAccessibilityCard(""));
 }
 
 /// A locked screen whose picture comes from a painter.
