@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
 #include <memory>
 #include <utility>
 
@@ -20,18 +19,6 @@ namespace {
 constexpr int ZONE = 60;  // minutes east, until the clocks change
 
 Seconds seconds(std::int64_t milliseconds) { return static_cast<Seconds>(milliseconds) / 1000; }
-
-std::string momentText(std::chrono::sys_seconds moment) {
-  const auto day = std::chrono::floor<std::chrono::days>(moment);
-  const std::chrono::year_month_day date(day);
-  const std::chrono::hh_mm_ss time(moment - day);
-  std::array<char, 64> text{};
-  std::snprintf(text.data(), text.size(), "%04d-%02u-%02u %02d:%02d:%02d", static_cast<int>(date.year()),
-                static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
-                static_cast<int>(time.hours().count()), static_cast<int>(time.minutes().count()),
-                static_cast<int>(time.seconds().count()));
-  return text.data();
-}
 
 SimMachine::Options options(const RandomNight& night) {
   return {night.seed, momentText(night.begin - std::chrono::minutes(ZONE)), false};
@@ -256,12 +243,12 @@ class Player {
     watch_->clockOrSettingsChanged();
   }
 
-  /// Does `begin` now and, when the last of its kind is over, `end`.
-  void forAWhile(int& running, std::int64_t milliseconds, const Task& begin, Task end) {
+  /// Has it happen now and, when the last of its kind is over, no longer.
+  void forAWhile(int& running, std::int64_t milliseconds, std::function<void(bool)> happens) {
     ++running;
-    begin();
-    machine_.after(seconds(milliseconds), [&running, end = std::move(end)] {
-      if (--running == 0) end();
+    happens(true);
+    machine_.after(seconds(milliseconds), [&running, happens = std::move(happens)] {
+      if (--running == 0) happens(false);
     });
   }
 
@@ -315,16 +302,10 @@ class Player {
 
   /// Without the keyboard for so long, which is whose fault it is not.
   void forAWhileDenied(int& running, std::int64_t milliseconds, std::function<void(bool)> happens) {
-    forAWhile(
-        running, milliseconds,
-        [&] {
-          if (running == 1) denyKeyboard(1);
-          happens(true);
-        },
-        [this, happens] {
-          denyKeyboard(-1);
-          happens(false);
-        });
+    forAWhile(running, milliseconds, [this, &running, happens = std::move(happens)](bool on) {
+      if (!on || running == 1) denyKeyboard(on ? 1 : -1);
+      happens(on);
+    });
   }
 
   void painterFails(const Happening& h) {
@@ -336,13 +317,10 @@ class Player {
   void noPainter(const Happening& h) {
     constexpr std::array<SimPainter::Mood, 4> MOODS{SimPainter::Mood::dies, SimPainter::Mood::hangs,
                                                     SimPainter::Mood::absent, SimPainter::Mood::babbles};
-    forAWhile(
-        paintless_, h.n[0],
-        [&] {
-          painter_.setMood(MOODS.at(static_cast<std::size_t>(h.n[1])));
-          painter_.die();
-        },
-        [this] { painter_.setMood(SimPainter::Mood::paints); });
+    forAWhile(paintless_, h.n[0], [this, mood = MOODS.at(static_cast<std::size_t>(h.n[1]))](bool on) {
+      painter_.setMood(on ? mood : SimPainter::Mood::paints);
+      if (on) painter_.die();
+    });
   }
 
   void happen(const Happening& h) {
@@ -464,18 +442,14 @@ class Player {
         break;
       case Kind::runtime:
         watch_->marksMayBeMissing();
-        forAWhile(
-            markless_, h.n[0], [this] { machine_.compositor.setMarkWritable(false); },
-            [this] { machine_.compositor.setMarkWritable(true); });
+        forAWhile(markless_, h.n[0], [this](bool on) { machine_.compositor.setMarkWritable(!on); });
         break;
       case Kind::loseTap:
         watch_->tapDisabled();
         keyboard.loseTap();
         break;
       case Kind::noTaps:
-        forAWhile(
-            tapless_, h.n[0], [this] { machine_.keyboard.setTapsImpossible(true); },
-            [this] { machine_.keyboard.setTapsImpossible(false); });
+        forAWhile(tapless_, h.n[0], [this](bool on) { machine_.keyboard.setTapsImpossible(on); });
         break;
       case Kind::terminate:
         watch_->terminationSignal();
@@ -491,24 +465,18 @@ class Player {
         break;
       case Kind::full:
         diskTrouble(h.n[1], false);
-        forAWhile(
-            full_, h.n[1], [&] { machine_.files.setFreeBytes(static_cast<std::size_t>(h.n[0])); },
-            [this] { machine_.files.setFreeBytes({}); });
+        forAWhile(full_, h.n[1], [this, bytes = static_cast<std::size_t>(h.n[0])](bool on) {
+          machine_.files.setFreeBytes(on ? std::optional(bytes) : std::nullopt);
+        });
         break;
       case Kind::folder:
         folderMode(h);
         break;
       case Kind::hang:
-        forAWhile(
-            hanging_, h.n[0],
-            [this] {
-              watch_->queuesHang(true);
-              machine_.timeline.setSerialQueuesHang(true);
-            },
-            [this] {
-              watch_->queuesHang(false);
-              machine_.timeline.setSerialQueuesHang(false);
-            });
+        forAWhile(hanging_, h.n[0], [this](bool on) {
+          watch_->queuesHang(on);
+          machine_.timeline.setSerialQueuesHang(on);
+        });
         break;
       case Kind::painter:
         painterFails(h);
@@ -517,9 +485,7 @@ class Player {
         noPainter(h);
         break;
       case Kind::settings:
-        forAWhile(
-            unwritable_, h.n[0], [this] { machine_.defaults.setWritable(false); },
-            [this] { machine_.defaults.setWritable(true); });
+        forAWhile(unwritable_, h.n[0], [this](bool on) { machine_.defaults.setWritable(!on); });
         break;
       case Kind::hours:
       case Kind::flag:

@@ -91,6 +91,18 @@ void drawDesktop(RandomNight& night) {
 
 }  // namespace
 
+std::string momentText(std::chrono::sys_seconds moment) {
+  const auto day = std::chrono::floor<std::chrono::days>(moment);
+  const std::chrono::year_month_day date(day);
+  const std::chrono::hh_mm_ss time(moment - day);
+  std::array<char, 64> text{};
+  std::snprintf(text.data(), text.size(), "%04d-%02u-%02u %02d:%02d:%02d", static_cast<int>(date.year()),
+                static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
+                static_cast<int>(time.hours().count()), static_cast<int>(time.minutes().count()),
+                static_cast<int>(time.seconds().count()));
+  return text.data();
+}
+
 RandomNight RandomNight::drawn(std::uint64_t seed) {
   Dice dice(seed);
   RandomNight night;
@@ -132,18 +144,10 @@ RandomNight RandomNight::drawn(std::uint64_t seed) {
 
 std::string RandomNight::text() const {
   std::ostringstream line;
-  const auto days = std::chrono::floor<std::chrono::days>(begin);
-  const std::chrono::year_month_day date(days);
-  const std::chrono::hh_mm_ss time(begin - days);
-  std::array<char, 64> moment{};
-  std::snprintf(moment.data(), moment.size(), "%04d-%02u-%02u %02d:%02d:%02d", static_cast<int>(date.year()),
-                static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
-                static_cast<int>(time.hours().count()), static_cast<int>(time.minutes().count()),
-                static_cast<int>(time.seconds().count()));
   constexpr std::array<const char*, 4> DESKTOPS{"", "a session lock, ", "an overlay, ", "GNOME's shell, "};
   constexpr std::array<const char*, 4> RECORDS{"no", "a few", "old", "malformed"};
-  line << (opened ? "opened " : "") << moment.data() << ", hours " << startHour << " to " << endHour << ", " << screens
-       << " screens, " << DESKTOPS.at(static_cast<std::size_t>(desktop)) << (enabled ? "" : "switched off, ")
+  line << (opened ? "opened " : "") << momentText(begin) << ", hours " << startHour << " to " << endHour << ", "
+       << screens << " screens, " << DESKTOPS.at(static_cast<std::size_t>(desktop)) << (enabled ? "" : "switched off, ")
        << (onboarded ? "" : "not set up, ") << (trusted ? "" : "no permission, ") << (sidesReported ? "" : "no sides, ")
        << (debugLog ? "debug log, " : "") << RECORDS.at(static_cast<std::size_t>(records)) << " records, idle ";
   if (idleSeconds) {

@@ -48,4 +48,7 @@ struct RandomNight {
   [[nodiscard]] std::string text() const;
 };
 
+/// "2026-11-16 22:00:00"
+[[nodiscard]] std::string momentText(std::chrono::sys_seconds moment);
+
 }  // namespace dormel::nights
