@@ -50,13 +50,6 @@ std::string textsOf(const std::string& bundle) {
   return lines;
 }
 
-/// Sets `changed` when the file did not say so already.
-FileResult update(const std::string& path, std::string_view text, bool& changed) {
-  if (readTextFile(path) == text) return {};
-  changed = true;
-  return replaceTextFile(path, text);
-}
-
 }  // namespace
 
 ApplicationEntry::ApplicationEntry(std::string_view identifier)
@@ -89,11 +82,11 @@ FileResult ApplicationEntry::write(const std::string& bundle) const {
       "SingleMainWindow=true\n";
   bool changed = false;
   if (const auto icon = readTextFile(bundle + "/Contents/Resources/dormel.svg")) {
-    if (auto error = update(iconPath_, *icon, changed)) return error;
+    if (auto error = updateTextFile(iconPath_, *icon, changed)) return error;
     // Desktops look for new icons where the folder of the theme has changed.
     if (changed) ::utimensat(AT_FDCWD, theme_.c_str(), nullptr, 0);
   }
-  return update(path_, text, changed);
+  return updateTextFile(path_, text, changed);
 }
 
 void ApplicationEntry::remove() const {

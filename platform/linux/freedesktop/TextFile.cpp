@@ -7,6 +7,12 @@ namespace dormel::freedesktop {
 
 std::optional<std::string> readTextFile(const std::string& path) { return posix::PosixFiles().read(path); }
 
+FileResult updateTextFile(const std::string& path, std::string_view text, bool& changed) {
+  if (readTextFile(path) == text) return {};
+  changed = true;
+  return replaceTextFile(path, text);
+}
+
 FileResult createFolders(const std::string& path, unsigned mode) {
   return posix::PosixFiles(noteCreatedFolder).createDirectories(path, mode);
 }

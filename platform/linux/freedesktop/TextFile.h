@@ -16,6 +16,9 @@ namespace dormel::freedesktop {
 /// content or the new one.
 FileResult replaceTextFile(const std::string& path, std::string_view text);
 
+/// The same, unless it says so already; sets `changed` when it did not.
+FileResult updateTextFile(const std::string& path, std::string_view text, bool& changed);
+
 /// Creates the folder with all missing ones above it, less the process's umask, and takes note of each, so that an
 /// uninstall finds them.
 FileResult createFolders(const std::string& path, unsigned mode = 0777);

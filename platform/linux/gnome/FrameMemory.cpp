@@ -8,18 +8,6 @@
 #include <utility>
 
 namespace dormel::gnome {
-namespace {
-
-PixelRect united(const PixelRect& a, const PixelRect& b) {
-  if (a.empty()) return b;
-  if (b.empty()) return a;
-  const int left = std::min(a.x, b.x);
-  const int top = std::min(a.y, b.y);
-  return {left, top, std::max(a.x + a.width, b.x + b.width) - left, std::max(a.y + a.height, b.y + b.height) - top};
-}
-
-}  // namespace
-
 FrameMemory::FrameMemory(int width, int height) : width_(width), height_(height) {
   stale_.fill({0, 0, width, height});
   const std::size_t size = frameBytes() * stale_.size();

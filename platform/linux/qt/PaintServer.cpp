@@ -42,14 +42,6 @@ constexpr std::uint32_t FRAMES = 2;
 /// The guard is gone, or does not understand us: either way nobody is left to paint for.
 [[noreturn]] void leave(int status) { ::_exit(status); }
 
-PixelRect united(const PixelRect& a, const PixelRect& b) {
-  if (a.empty()) return b;
-  if (b.empty()) return a;
-  const int x = std::min(a.x, b.x);
-  const int y = std::min(a.y, b.y);
-  return {x, y, std::max(a.x + a.width, b.x + b.width) - x, std::max(a.y + a.height, b.y + b.height) - y};
-}
-
 class PaintConnection {
  public:
   /// The first answer to the guard goes out only with the first picture: until then the guard is patient.

@@ -39,13 +39,6 @@ struct Units {
   std::string timerLink;  ///< what arms the timer whenever the manager starts
 };
 
-/// Replaces the file unless it says so already; sets `changed` when it did not.
-FileResult update(const std::string& path, const std::string& text, bool& changed) {
-  if (freedesktop::readTextFile(path) == text) return {};
-  changed = true;
-  return freedesktop::replaceTextFile(path, text);
-}
-
 FileResult updateLink(const std::string& path, const std::string& target, bool& changed) {
   std::array<char, 4096> present{};
   const ssize_t length = ::readlink(path.c_str(), present.data(), present.size());
@@ -133,10 +126,11 @@ std::optional<JobError> SystemdScheduler::load(const Job& job) {
   const Units units(folder_, job.label);
   const Session session(units.serviceFile, *manager_);
   bool changed = false;
-  FileResult error = update(units.serviceFile, serviceUnit(job, launcher_, session.environment), changed);
+  FileResult error =
+      freedesktop::updateTextFile(units.serviceFile, serviceUnit(job, launcher_, session.environment), changed);
   if (job.start) {
     const auto displaced = startsSkippedByClockChange(*job.start, std::time(nullptr), DAYS_AHEAD);
-    if (!error) error = update(units.timerFile, timerUnit(job, displaced, session.zone), changed);
+    if (!error) error = freedesktop::updateTextFile(units.timerFile, timerUnit(job, displaced, session.zone), changed);
     if (!error) error = updateLink(units.timerLink, units.timerFile, changed);
   } else if (removeFile(units.timerFile)) {
     changed = true;

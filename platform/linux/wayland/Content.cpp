@@ -14,14 +14,6 @@ namespace {
 /// Compositors hold two, and a third while they change over. With so many in use it is overwritten what stands longest.
 constexpr std::size_t MOST_BUFFERS = 3;
 
-PixelRect united(const PixelRect& a, const PixelRect& b) {
-  if (a.empty()) return b;
-  if (b.empty()) return a;
-  const int left = std::min(a.x, b.x);
-  const int top = std::min(a.y, b.y);
-  return {left, top, std::max(a.x + a.width, b.x + b.width) - left, std::max(a.y + a.height, b.y + b.height) - top};
-}
-
 std::uint32_t weakened(std::uint32_t pixel, std::uint32_t strength) {
   // Two channels at a time, each with a byte of room above it.
   const std::uint32_t even = (pixel & 0x00ff00ff) * strength;
