@@ -140,6 +140,13 @@ class ShellTest(unittest.TestCase):
         self.assertEqual([is_ours(*at) for at in ((125, 125), (275, 175), (122, 150), (200, 178))],
                          [True, True, False, False])
 
+    def test_keys_before_the_cover(self):
+        """While the screens darken, and in the demo, which draws its own black."""
+        self.program.hold(cover=False, absence=0)
+        self.program.wait_for("held", lambda held: held["keys"])
+        self.assertFalse(self.desk.keys_reach_the_document(F9))
+        until("the program heard it", lambda: self.program.keys == [(F9, True), (F9, False)], 2)
+
     def test_new_monitor(self):
         self.program.lock()
         for _ in range(3):

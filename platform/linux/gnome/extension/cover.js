@@ -15,6 +15,7 @@ const BLACK = 'background-color: #000;';
 export class Cover {
     constructor() {
         this._isUp = false;
+        this._hears = false;
         this._words = [];
         this.panels = new Map();  // of the actors, by the program's own numbers
         this.actor = new Clutter.Actor({name: 'dormel', reactive: false});
@@ -41,18 +42,19 @@ export class Cover {
             global.stage.set_child_above_sibling(this.actor, null);
     }
 
-    /** Black everywhere or nowhere; at once. */
-    set(up) {
-        if (this._isUp === up)
+    /** Black everywhere or nowhere; at once. `hears`: keys and pointers come here, also while nothing is black. */
+    set(up, hears) {
+        if (this._isUp === up && this._hears === hears)
             return;
         this._isUp = up;
+        this._hears = hears;
         this.layOut();
     }
 
     layOut() {
         this.actor.set_size(global.stage.width, global.stage.height);
         this._black.destroy_all_children();
-        this.actor.reactive = this._isUp;
+        this.actor.reactive = this._isUp || this._hears;  // others are passed over even where they have the grab
         for (const {x, y, width, height} of this._isUp ? Main.layoutManager.monitors : [])
             this._black.add_child(new St.Widget({x, y, width, height, style: BLACK}));
         this._layOutWords();

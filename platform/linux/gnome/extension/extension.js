@@ -311,8 +311,9 @@ export default class Dormel extends Extension {
         const yields = isLockScreen();
         const hold = this._hold;
         this._cover.setVisible(!yields);
-        this._cover.set(hold !== null && hold.cover);
-        this._keys.want(hold !== null && hold.keys && !yields);
+        const keys = hold !== null && hold.keys && !yields;
+        this._cover.set(hold !== null && hold.cover, keys);
+        this._keys.want(keys);
         this._announce();
     }
 
