@@ -37,6 +37,10 @@ class SwitchTest(unittest.TestCase):
         self.assert_trusted(False)
         self.assertEqual(self.switch("lead"), "afterLogin")
         self.assertIn(UUID, shell.get(SHELL, "enabled-extensions"))
+        self.assertEqual(self.switch("remove"), "absent")  # before the shell has heard of it
+        self.assertNotIn(UUID, shell.get(SHELL, "enabled-extensions"))
+        shell.set(SHELL, "disabled-extensions", f"['x@y', '{UUID}']")  # as an earlier time may have left it
+        self.assertEqual(self.switch("lead"), "afterLogin")
         self.assert_trusted(False)
 
         shell.kill()
@@ -69,7 +73,8 @@ class SwitchTest(unittest.TestCase):
         self.switch("remove")
         self.assert_trusted(False)
         self.assertFalse(os.path.exists(copy))
-        self.assertNotIn(UUID, shell.get(SHELL, "enabled-extensions"))
+        for key, left in (("enabled-extensions", "@as []"), ("disabled-extensions", "['x@y']")):
+            self.assertEqual(shell.get(SHELL, key), left)
 
 
 if __name__ == "__main__":

@@ -310,6 +310,13 @@ TEST(GnomeExtension, ListedIn) {
   EXPECT_EQ(listedIn("['x@y']\n", "a@b"), "['x@y', 'a@b']");
   EXPECT_EQ(listedIn("['a@b', 'x@y']", "a@b"), "['a@b', 'x@y']");
   EXPECT_EQ(listedIn("", "a@b"), std::nullopt);
+  for (const auto& [list, without] : {std::pair("['a@b']\n", "[]"),
+                                      {"['a@b', 'x@y']", "['x@y']"},
+                                      {"['x@y', 'a@b']\n", "['x@y']"},
+                                      {"['x@y', 'a@b', 'z@z']", "['x@y', 'z@z']"}}) {
+    EXPECT_EQ(unlistedIn(list, "a@b"), without);
+  }
+  EXPECT_EQ(unlistedIn("@as []\n", "a@b"), std::nullopt);
 }
 
 }  // namespace

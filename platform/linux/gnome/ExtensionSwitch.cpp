@@ -41,6 +41,9 @@ constexpr const char* SHELL = "org.gnome.Shell";
 constexpr const char* SHELL_OBJECT = "/org/gnome/Shell";
 constexpr const char* EXTENSIONS = "org.gnome.Shell.Extensions";
 constexpr const char* PROGRAM = "gnome-extensions-app";
+// Of the shell's settings. What is on the second list stays off, whatever the first one says.
+constexpr const char* ENABLED = "enabled-extensions";
+constexpr const char* DISABLED = "disabled-extensions";
 
 const std::string& uuid() {
   static const std::string text = std::string("dormel@") + BUNDLE_IDENTIFIER;
@@ -128,9 +131,10 @@ int versionOfSystem() {
   return 0;
 }
 
-/// All that a program says, its first lines at least; empty where it cannot run.
-std::string outputOf(const char* command) {
-  const std::unique_ptr<FILE, int (*)(FILE*)> pipe(::popen(command, "re"), &::pclose);  // NOLINT(cert-env33-c)
+/// What a setting of the shell is, at least its first lines; empty where nobody knows.
+std::string setting(const char* key) {
+  const std::string command = std::string("gsettings get org.gnome.shell ") + key + " 2> /dev/null";
+  const std::unique_ptr<FILE, int (*)(FILE*)> pipe(::popen(command.c_str(), "re"), &::pclose);  // NOLINT(cert-env33-c)
   std::array<char, 16384> text{};
   return pipe ? std::string(text.data(), std::fread(text.data(), 1, text.size(), pipe.get())) : std::string();
 }
@@ -156,6 +160,19 @@ std::optional<std::string> listedIn(const std::string& list, const std::string& 
   const std::string item = "'" + name + "'";
   if (items.find(item) != std::string::npos) return "[" + items + "]";
   return "[" + items + (items.find('\'') == std::string::npos ? "" : ", ") + item + "]";
+}
+
+std::optional<std::string> unlistedIn(const std::string& list, const std::string& name) {
+  const std::string item = "'" + name + "'";
+  const auto at = list.find(item);
+  const auto close = list.rfind(']');
+  if (at == std::string::npos || close == std::string::npos || close < at) return std::nullopt;
+  std::string before = list.substr(0, at);
+  std::string after = list.substr(at + item.size(), close + 1 - at - item.size());
+  // One comma goes with it: the one behind it, or that before the last.
+  if (const auto next = after.find_first_not_of(", "); next != std::string::npos) after.erase(0, next);
+  if (after == "]") before.erase(before.find_last_not_of(", ") + 1);
+  return before + after;
 }
 
 ExtensionSwitch::ExtensionSwitch(ChildProcesses& children, std::string resources)
@@ -211,8 +228,13 @@ bool ExtensionSwitch::copy() const {
 }
 
 bool ExtensionSwitch::list() {
-  const auto list = listedIn(outputOf("gsettings get org.gnome.shell enabled-extensions"), uuid());
-  return list && set("enabled-extensions", *list);
+  const auto list = listedIn(setting(ENABLED), uuid());
+  return list && set(ENABLED, *list) && unlist(DISABLED);
+}
+
+bool ExtensionSwitch::unlist(const char* key) {
+  const auto list = unlistedIn(setting(key), uuid());
+  return !list || set(key, *list);
 }
 
 bool ExtensionSwitch::set(const char* key, const std::string& value) {
@@ -257,9 +279,11 @@ void ExtensionSwitch::refreshCopy() const {
 void ExtensionSwitch::remove() {
   std::error_code ignored;
   const bool isOurs = fs::exists(ownCopy(), ignored);
-  if (isSession()) {
-    const Bus bus = openBus();
-    static_cast<void>(ask(bus.get(), EXTENSIONS, "DisableExtension", "s", uuid().c_str()));
+  // By the settings, which the shell follows: asked to disable it, it does nothing before the login that finds it, and
+  // afterwards it would keep it on the second list, where it would be off when it comes again.
+  if (isOurs || isSession()) {
+    static_cast<void>(unlist(ENABLED));
+    static_cast<void>(unlist(DISABLED));
   }
   if (isOurs) fs::remove_all(ownCopy(), ignored);
 }

@@ -39,6 +39,9 @@ struct ExtensionFacts {
 /// The text of a list of texts, as the settings database writes it, with this one in it. Nothing where it is no list.
 [[nodiscard]] std::optional<std::string> listedIn(const std::string& list, const std::string& name);
 
+/// The same without it. Nothing where it is not in there.
+[[nodiscard]] std::optional<std::string> unlistedIn(const std::string& list, const std::string& name);
+
 class ExtensionSwitch {
  public:
   /// `resources`: the folder of the extension in the program's bundle. `children` outlives it.
@@ -58,6 +61,7 @@ class ExtensionSwitch {
   [[nodiscard]] ExtensionFacts facts() const;
   [[nodiscard]] bool copy() const;
   [[nodiscard]] bool list();
+  [[nodiscard]] bool unlist(const char* key);
   [[nodiscard]] bool set(const char* key, const std::string& value);
 
   ChildProcesses& children_;
