@@ -66,11 +66,12 @@ def trials(base, promise, compositor):
         def try_out(self, desk):
             dark = self.record("a change of the monitors, black to the edges", 1.0)
             self.lock(desk)
+            pulls = desk.server.pulls()
             for _ in range(self.rounds(100)):
                 names = [m.name for m in desk.eyes.monitors()]
-                if len(names) > 1 and self.chance.random() < 0.5:
+                if pulls and len(names) > 1 and self.chance.random() < 0.5:
                     desk.server.pull(self.chance.choice(names))
-                elif len(names) < 2:
+                elif len(names) < (2 if pulls else 5) and (pulls or self.chance.random() < 0.1):
                     desk.server.plug(*self.chance.choice(((1280, 1024), (1920, 1080), (640, 480))))
                 else:
                     desk.server.scale(self.chance.choice(names), self.chance.choice((1, 1.25, 1.5, 2)))

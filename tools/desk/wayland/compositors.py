@@ -99,6 +99,10 @@ class Compositor(processes.Running):
         self.path = until(f"{self.program} listens", self._listens, 20)
         return self
 
+    def pulls(self):
+        """Whether its monitors can be pulled."""
+        return True
+
     def kill(self):
         """As when it crashes."""
         if self.alive():
@@ -166,11 +170,13 @@ class Sway(Compositor):
         self.message("output", name, "mode", f"{width}x{height}")
         return name
 
+    def pulls(self):
+        """Before 1.8, sway says yes to `disable`, but a monitor that is none stays on."""
+        version = json.loads(self.message("-t", "get_version"))
+        return (version["major"], version["minor"]) >= (1, 8)
+
     def pull(self, name):
-        try:
-            self.message("output", name, "unplug")
-        except RuntimeError:  # sway 1.7 does not know that
-            self.message("output", name, "disable")
+        self.message("output", name, "unplug")
 
     def scale(self, name, factor):
         self.message("output", name, "scale", str(factor))
