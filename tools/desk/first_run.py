@@ -48,6 +48,7 @@ class ByKeyboard:
 
     def go_to(self, name, within=10):
         self._reader.wait_for(name, within)
+        until("a window has the keyboard", lambda: any("active" in e.states for e in self._reader.elements()), 5)
         for _ in range(MOST_TABS):
             at = self._reader.focused()
             if at.name == name:

@@ -1,6 +1,7 @@
 """What a screen reader is told: the controls of our windows by name, role, state and place, over the accessibility bus.
 
-Needs python3-dbus and at-spi2-core. Works on the session bus of the desk's user manager, or on a bus of its own.
+Needs python3-dbus and at-spi2-core. Works on the session bus of the desk's user manager, on the desk's own
+(`session_bus`), or on one that it starts.
 """
 
 import os
@@ -21,8 +22,8 @@ PROPERTIES = "org.freedesktop.DBus.Properties"
 SCREEN = dbus.UInt32(0)
 
 # Bits of a state set that are asked for here.
-STATES = {"checked": 4, "enabled": 8, "expandable": 9, "expanded": 10, "focusable": 11, "focused": 12, "selected": 23,
-          "sensitive": 24, "showing": 25}
+STATES = {"active": 1, "checked": 4, "enabled": 8, "expandable": 9, "expanded": 10, "focusable": 11, "focused": 12,
+          "selected": 23, "sensitive": 24, "showing": 25}
 
 
 @dataclass(frozen=True)
@@ -48,7 +49,9 @@ class Element:
 
 class ScreenReader:
     def __init__(self, desk):
-        if desk.manager is not None:
+        if hasattr(desk, "session_bus"):
+            self._session = desk.session_bus
+        elif desk.manager is not None:
             self._session = desk.environment()["DBUS_SESSION_BUS_ADDRESS"]
         else:
             self._session = f"unix:path={os.path.join(desk.home.runtime, 'reader-bus')}"
@@ -87,14 +90,17 @@ class ScreenReader:
         return Element(address, role, name, description, states, *place)
 
     def elements(self):
-        """Everything that all programs show, from the outside in."""
+        """Everything that programs show, from the outside in. Without GNOME's shell, which takes seconds to read."""
         waiting = [REGISTRY]
         found = []
         while waiting:
             address = waiting.pop(0)
             try:
                 if address != REGISTRY:
-                    found.append(self._describe(address))
+                    element = self._describe(address)
+                    if (element.role, element.name) == ("application", "gnome-shell"):
+                        continue
+                    found.append(element)
                 waiting += [(str(child[0]), str(child[1])) for child in self._ask(address, ACCESSIBLE, "GetChildren")]
             except dbus.exceptions.DBusException:
                 pass  # gone meanwhile

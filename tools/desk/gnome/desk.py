@@ -62,6 +62,10 @@ class GnomeDesk(WaylandDesk):
     def environment(self):
         return self.server.environment()
 
+    @property
+    def session_bus(self):
+        return self.server.session_bus
+
     def close(self):
         self._close_all()
         if "DORMEL_LOGS" in os.environ:

@@ -32,6 +32,7 @@ class GnomeShell(processes.Running):
     def __init__(self, folder, home, monitors):
         self.folder, self._home, self._monitors = folder, home, list(monitors)
         self._session_bus = os.path.join(home.runtime, "bus")
+        self.session_bus = f"unix:path={self._session_bus}"
         self._system_bus = os.path.join(folder, "system-bus")
         self._log = os.path.join(folder, "gnome-shell.out")
         self.extensions = []  # switched on from the start
@@ -50,6 +51,7 @@ class GnomeShell(processes.Running):
         os.makedirs("/run/systemd/seats", exist_ok=True)  # by this the shell knows that somebody manages logins
         self._start_bus("session", self._session_bus)
         self._service(["/usr/libexec/dconf-service"])
+        self._service(["/usr/libexec/at-spi-bus-launcher", "--launch-immediately"])
         for schema, key, value in (*SETTINGS, ("org.gnome.shell", "enabled-extensions", str(self.extensions))):
             self.set(schema, key, value)
         self._start_bus("system", self._system_bus)
@@ -97,7 +99,7 @@ class GnomeShell(processes.Running):
         with open(self._log, "ab") as out:
             self._process = subprocess.Popen(command, env=self.environment(), stdout=out, stderr=out,
                                              stdin=subprocess.DEVNULL, cwd=self._home.path, start_new_session=True)
-        self.bus = dbus.bus.BusConnection(f"unix:path={self._session_bus}", mainloop=DBusGMainLoop())
+        self.bus = dbus.bus.BusConnection(self.session_bus, mainloop=DBusGMainLoop())
         until("the shell has started", lambda: self._has_started(began), 60, 0.05)
         until("its screenshot service is there", lambda: self.bus.name_has_owner("org.gnome.Shell.Screenshot"), 20, 0.05)
         # Whoever owns this name may take pictures.
