@@ -3,6 +3,7 @@
 #include <QPainter>
 #include <QPainterPath>
 #include <QPen>
+#include <QQuickWindow>
 #include <QtMath>
 #include <algorithm>
 #include <cmath>
@@ -53,7 +54,9 @@ void ProgressRing::repaintAll() {
 void ProgressRing::repaintEnd(double before) {
   // The base class takes a part for the whole when a part is asked for last.
   if (allDirty_) return;
-  if (std::min(before, progress_) <= 0 || std::abs(progress_ - before) > SMALL_STEP) {
+  // A part is whole points. Where those are no whole pixels, its edges would be painted over and over.
+  const double scale = window() == nullptr ? 1 : window()->effectiveDevicePixelRatio();
+  if (std::min(before, progress_) <= 0 || std::abs(progress_ - before) > SMALL_STEP || scale != std::floor(scale)) {
     repaintAll();
     return;
   }

@@ -1,7 +1,8 @@
 // A ring that fills clockwise from the top: a full track below, an arc with round ends above. All of its stroke lies
 // inside the item.
 //
-// Made for a ring that grows by less than a pixel per frame: only what its end has moved over is painted afresh.
+// Made for a ring that grows by less than a pixel per frame: only what its end has moved over is painted afresh, where
+// a point is a whole number of pixels.
 #pragma once
 
 #include <QtQml/qqmlregistration.h>
