@@ -99,7 +99,11 @@ TEST_F(PainterTest, IsStartedOnceItIsCoveredAndAskedOnlyForWhatChanges) {
   machine.advance(0.2);
   EXPECT_TRUE(isPainted());
   const int frames = window().frames();
+  int woken = 0;
+  machine.timeline.setAfterEvent([&woken] { ++woken; });
   machine.advance(30);
+  machine.timeline.setAfterEvent(nullptr);
+  EXPECT_EQ(woken, 30) << "for the clock alone";
   EXPECT_EQ(window().frames(), frames);
   const KeyCode letter = session->controller->requiredKeys()[4].keyCode;
   machine.keyboard.press(letter);

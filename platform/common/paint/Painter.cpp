@@ -167,7 +167,7 @@ bool Painter::take(const Answer& answer, const std::shared_ptr<const PictureMemo
     return hello->version == VERSION;
   }
   if (!hasAnswered_) return false;
-  if (const auto* pong = std::get_if<Pong>(&answer)) return unanswered_.erase(pong->serial) == 1;
+  if (const auto* pong = std::get_if<Pong>(&answer)) return answered(pong->serial);
   const auto canvas = std::visit(
       [](const auto& a) -> std::uint32_t {
         if constexpr (requires { a.canvas; }) return a.canvas;
@@ -177,8 +177,14 @@ bool Painter::take(const Answer& answer, const std::shared_ptr<const PictureMemo
   if (canvas == 0 || canvas > lastClient_) return false;
   const auto client = clients_.find(canvas);
   if (client == clients_.end()) return true;  // it has left meanwhile
-  if (const auto* done = std::get_if<Done>(&answer)) unanswered_.erase(done->serial);
+  if (const auto* done = std::get_if<Done>(&answer)) answered(done->serial);
   return client->second->hear(answer, memory);
+}
+
+bool Painter::answered(std::uint32_t serial) {
+  const bool wasOwed = unanswered_.erase(serial) == 1;
+  if (unanswered_.empty()) overdueTimer_.invalidate();  // nothing to wake up for
+  return wasOwed;
 }
 
 void Painter::pictureShown() {

@@ -67,6 +67,8 @@ class Painter : public std::enable_shared_from_this<Painter> {
   void start();
   void hear(std::string_view bytes, const std::shared_ptr<const PictureMemory>& memory);
   [[nodiscard]] bool take(const Answer& answer, const std::shared_ptr<const PictureMemory>& memory);
+  /// False when nobody waited for it.
+  bool answered(std::uint32_t serial);
   void fail(const std::string& reason);
   void stop();
   void ping();
