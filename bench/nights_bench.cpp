@@ -9,7 +9,7 @@ namespace {
 /// 22:00 to 6:00 on two screens, three unlocks with all that belongs to them, and the exit. Journal off.
 void wholeNight(benchmark::State& state) {
   for (auto _ : state) {
-    Night night;
+    NightFixture night;
     night.machine.setJournalEnabled(false);
     night.begin("2026-11-16 22:00:00");
     for (int unlock = 0; unlock < 3; ++unlock) {
@@ -25,7 +25,7 @@ BENCHMARK(wholeNight)->Unit(benchmark::kMillisecond);
 
 /// A required letter goes down and up.
 void keyDownUp(benchmark::State& state) {
-  Night night;
+  NightFixture night;
   night.setHours(0, 6);
   night.machine.setJournalEnabled(false);
   night.begin("2026-11-17 00:00:00");
@@ -41,7 +41,7 @@ BENCHMARK(keyDownUp);
 
 /// A letter that nobody asked for, which is most of what a locked-out user types.
 void otherKeyDownUp(benchmark::State& state) {
-  Night night;
+  NightFixture night;
   night.machine.setJournalEnabled(false);
   night.begin("2026-11-16 22:00:00");
   BypassController& controller = night.controller();
@@ -55,7 +55,7 @@ BENCHMARK(otherKeyDownUp);
 
 /// One look at a hold that goes on, all five keys down.
 void updateProgress(benchmark::State& state) {
-  Night night;
+  NightFixture night;
   night.machine.setJournalEnabled(false);
   night.begin("2026-11-16 22:00:00");
   pressAll(night.machine, night.controller());
@@ -67,7 +67,7 @@ BENCHMARK(updateProgress);
 
 /// A whole new challenge.
 void pickRandomKeys(benchmark::State& state) {
-  Night night;
+  NightFixture night;
   night.machine.setJournalEnabled(false);
   night.begin("2026-11-16 22:00:00");
   for (auto _ : state) night.controller().pickRandomKeys(false);

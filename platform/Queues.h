@@ -1,5 +1,5 @@
-// Work off the main thread: serial queues for file writes, and one kind of timer that keeps ticking while the
-// main thread is stuck.
+// Serial queues for file writes off the main thread, and one kind of timer that keeps ticking while the main thread is
+// stuck.
 #pragma once
 
 #include <functional>
@@ -22,8 +22,8 @@ class SerialQueue {
   virtual void async(Task task) = 0;
 };
 
-/// A timer on a thread of its own. Destroying it (or `cancel`) stops the ticks; a tick that is running finishes.
-/// May be destroyed from inside its own tick.
+/// A timer that does not depend on the main thread. Destroying it (or `cancel`) stops the ticks; a tick that is running
+/// on another thread finishes. Main thread only; may be destroyed from inside its own tick there.
 class BackgroundTimer {
  public:
   virtual ~BackgroundTimer() = default;
@@ -37,8 +37,9 @@ class Queues {
   /// `label` names the queue's thread in debuggers.
   [[nodiscard]] virtual std::unique_ptr<SerialQueue> makeSerial(std::string_view label) = 0;
 
-  /// Calls `tick` off the main thread, first after `first` seconds, then every `interval`, with no leeway. Where no
-  /// thread can be had, never.
+  /// Calls `tick` after `first` seconds, then every `interval`: not later than then, up to a second earlier, on the
+  /// main thread; where that is stuck, up to a second later, on another one. Both may be in it at once. Where no thread
+  /// can be had, on the main thread alone. Main thread only.
   [[nodiscard]] virtual std::unique_ptr<BackgroundTimer> makeBackgroundTimer(Seconds first, Seconds interval,
                                                                              Task tick) = 0;
 };

@@ -169,7 +169,7 @@ struct LinuxServices::Parts {
   posix::PosixOutput output;
   posix::PosixRandom random;
   posix::PosixBundle bundle;
-  posix::PosixQueues queues;
+  posix::PosixQueues queues{loop};
   posix::PosixProcess process;
   posix::SessionTexts texts;
   posix::PosixChildProcesses children;

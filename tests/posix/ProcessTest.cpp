@@ -8,6 +8,7 @@
 #include <mutex>
 
 #include "platform/linux/freedesktop/InstanceLockFiles.h"
+#include "platform/linux/loop/EventLoop.h"
 #include "platform/linux/posix/PosixProcess.h"
 #include "platform/linux/posix/PosixQueues.h"
 #include "tests/posix/Child.h"
@@ -19,7 +20,8 @@ namespace {
 TEST(PosixQueues, RunsInOrderAndFinishesBeforeItGoes) {
   std::vector<int> order;
   {
-    posix::PosixQueues queues;
+    EventLoop loop;
+    posix::PosixQueues queues{loop};
     const auto queue = queues.makeSerial("com.example.order");
     for (int i = 0; i < 1000; ++i) queue->async([&order, i] { order.push_back(i); });
     EXPECT_TRUE(queues.drain(10));
@@ -37,7 +39,8 @@ TEST(PosixQueues, AMachineWithoutAThreadLeftCostsNobodyTheProcess) {
                                    ::getrlimit(RLIMIT_NPROC, &before);
                                    const rlimit none{0, before.rlim_max};
                                    ::setrlimit(RLIMIT_NPROC, &none);
-                                   posix::PosixQueues queues;
+                                   EventLoop loop;
+                                   posix::PosixQueues queues{loop};
                                    const auto queue = queues.makeSerial("com.example.poor");
                                    std::string done;
                                    queue->async([&] { done += "first "; });
@@ -50,37 +53,47 @@ TEST(PosixQueues, AMachineWithoutAThreadLeftCostsNobodyTheProcess) {
             0);
 }
 
-TEST(PosixQueues, ATimerMayEndItselfFromItsOwnTick) {
-  posix::PosixQueues queues;
+TEST(PosixQueues, ATimerTicksOnTheMainThreadAndOffItWhileThatIsStuck) {
+  EventLoop loop;
+  posix::PosixQueues queues{loop};
   std::mutex mutex;
   std::condition_variable changed;
-  int ticks = 0;
-  std::unique_ptr<BackgroundTimer> timer;
-  {
+  int onMain = 0;
+  int offMain = 0;
+  std::unique_ptr<BackgroundTimer> timer = queues.makeBackgroundTimer(0.1, 0.1, [&] {
     const std::lock_guard lock(mutex);
-    timer = queues.makeBackgroundTimer(0.001, 0.001, [&] {
-      const std::lock_guard inTick(mutex);
-      if (++ticks == 3) timer.reset();
+    if (!loop.isMainThread()) {
+      ++offMain;
       changed.notify_all();
-    });
-  }
-  std::unique_lock lock(mutex);
-  EXPECT_TRUE(changed.wait_for(lock, std::chrono::seconds(10), [&] { return ticks == 3; }));
-  EXPECT_FALSE(timer);
+    } else if (++onMain == 3) {
+      loop.async([&] {
+        std::unique_lock stuck(mutex);
+        const int before = offMain;
+        EXPECT_TRUE(changed.wait_for(stuck, std::chrono::seconds(10), [&] { return offMain >= before + 2; }));
+      });
+    } else if (onMain == 5) {
+      timer.reset();
+      loop.stop();
+    }
+  });
+  loop.run();
+  EXPECT_EQ(onMain, 5) << "it goes on where it was, and may end itself in its tick";
 }
 
 struct PosixProcess : testing::Test {
   static void noWatch(int /*descriptor*/, const std::function<bool()>& /*action*/) {}
 
   TemporaryHome home;
-  posix::PosixQueues queues;
+  EventLoop loop;
+  posix::PosixQueues queues{loop};
   posix::InstanceLockPaths paths{home.path() + "/session", home.path() + "/window"};
 };
 
 TEST_F(PosixProcess, ExitWaitsForTheRecordsButNotForEver) {
   const std::string path = home.path() + "/record";
   EXPECT_EQ(statusOf([&] {
-              posix::PosixQueues own;
+              EventLoop loop;
+              posix::PosixQueues own{loop};
               posix::PosixProcess process(own, paths, noWatch);
               const auto queue = own.makeSerial("com.example.records");
               queue->async([&] {
@@ -101,7 +114,8 @@ TEST_F(PosixProcess, ExitWaitsForTheRecordsButNotForEver) {
 TEST_F(PosixProcess, TheLastResortEndsAStoppedProcessUnlessItIsTakenBack) {
   const auto ends = [&](std::optional<Seconds> last) {
     return statusOf([&] {
-      posix::PosixQueues own;
+      EventLoop loop;
+      posix::PosixQueues own{loop};
       posix::PosixProcess process(own, paths, noWatch);
       process.endWithin(0.05);
       process.endWithin(last);

@@ -1,15 +1,22 @@
 #include "platform/linux/posix/PosixQueues.h"
 
 #include <pthread.h>
+#include <sys/timerfd.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
+#include <cerrno>
 #include <chrono>
 #include <condition_variable>
+#include <cstdint>
 #include <deque>
 #include <string>
 #include <system_error>
 #include <thread>
 #include <utility>
+
+#include "platform/linux/posix/FileDescriptor.h"
 
 namespace dormel::posix {
 namespace {
@@ -35,42 +42,87 @@ std::thread startThread(Task work) {
   }
 }
 
-class ThreadTimer final : public BackgroundTimer {
+/// How much earlier than prescribed the main loop may tick, to do it with whatever wakes it then, and how much later
+/// the thread does, so that it need not wake to find that the main loop lives.
+Seconds leeway(Seconds interval) { return std::min(POLL_ACCURACY, interval / 10); }
+
+timespec timespecOf(Seconds seconds) {
+  const auto whole = static_cast<time_t>(seconds);
+  return {whole, static_cast<long>((seconds - static_cast<double>(whole)) * 1e9)};
+}
+
+/// Ticks on the main loop while that turns. Each of those ticks puts off a kernel timer for which a thread waits, so
+/// the thread runs only while the main loop is stuck.
+class GuardedTimer final : public BackgroundTimer {
  public:
-  ThreadTimer(Seconds first, Seconds interval, Task tick) : state_(std::make_shared<State>()) {
-    std::thread thread = startThread([state = state_, first, interval, tick = std::move(tick)] {
-      nameThisThread("watchdog");
-      auto next = Steady::now() + steady(first);
-      std::unique_lock lock(state->mutex);
-      while (!state->wake.wait_until(lock, next, [&] { return state->cancelled; })) {
-        lock.unlock();
-        tick();
-        lock.lock();
-        next = std::max(next + steady(interval), Steady::now());
-      }
-    });
-    if (thread.joinable()) thread.detach();  // it may be destroyed by its own tick, which cannot join itself
+  GuardedTimer(RunLoop& loop, Seconds first, Seconds interval, Task tick)
+      : loop_(loop), shared_(std::make_shared<Shared>(interval, std::move(tick))) {
+    shared_->standInAfter(first + leeway(interval));
+    std::thread thread = startThread([shared = shared_] { shared->standIn(); });
+    if (thread.joinable()) thread.detach();  // it ends by itself, after a tick that may be running in it
+    schedule(first);
   }
-  ThreadTimer(const ThreadTimer&) = delete;
-  ThreadTimer& operator=(const ThreadTimer&) = delete;
-  ~ThreadTimer() override { stop(); }
+  GuardedTimer(const GuardedTimer&) = delete;
+  GuardedTimer& operator=(const GuardedTimer&) = delete;
+  ~GuardedTimer() override { stop(); }
 
   void cancel() override { stop(); }
 
  private:
-  struct State {
-    std::mutex mutex;
-    std::condition_variable wake;
-    bool cancelled = false;
+  class Shared {
+   public:
+    Shared(Seconds interval, Task tick) : interval_(interval), tick_(std::move(tick)) {}
+
+    [[nodiscard]] Seconds interval() const { return interval_; }
+    void tick() const { tick_(); }
+
+    void standInAfter(Seconds delay) const {
+      const itimerspec times{timespecOf(interval_), timespecOf(delay)};
+      ::timerfd_settime(alarm_.get(), 0, &times, nullptr);
+    }
+
+    void standIn() const {
+      nameThisThread("watchdog");
+      std::uint64_t elapsed = 0;
+      while (::read(alarm_.get(), &elapsed, sizeof elapsed) > 0 || errno == EINTR) {
+        if (isCancelled_) return;
+        tick_();
+      }
+    }
+
+    void cancel() {
+      isCancelled_ = true;
+      standInAfter(1e-9);  // the thread has to wake to end
+    }
+
+   private:
+    const Seconds interval_;
+    const Task tick_;
+    const FileDescriptor alarm_{::timerfd_create(CLOCK_MONOTONIC, TFD_CLOEXEC)};
+    std::atomic<bool> isCancelled_ = false;
   };
 
-  void stop() {
-    const std::lock_guard lock(state_->mutex);
-    state_->cancelled = true;
-    state_->wake.notify_all();
+  void schedule(Seconds delay) {
+    const Seconds early = leeway(shared_->interval());
+    timer_ = loop_.schedule(
+        delay - early, false, [this] { tick(); }, early);
   }
 
-  std::shared_ptr<State> state_;
+  void tick() {
+    const std::shared_ptr<Shared> shared = shared_;  // the tick may destroy this
+    shared->standInAfter(shared->interval() + leeway(shared->interval()));
+    schedule(shared->interval());
+    shared->tick();
+  }
+
+  void stop() {
+    loop_.cancel(timer_);
+    shared_->cancel();
+  }
+
+  RunLoop& loop_;
+  std::shared_ptr<Shared> shared_;
+  TimerId timer_ = TimerId::none;
 };
 
 }  // namespace
@@ -146,7 +198,7 @@ PosixQueues::Serial::~Serial() {
   if (thread_.joinable()) thread_.join();
 }
 
-PosixQueues::PosixQueues() : registry_(std::make_shared<Registry>()) {}
+PosixQueues::PosixQueues(RunLoop& loop) : loop_(loop), registry_(std::make_shared<Registry>()) {}
 
 PosixQueues::~PosixQueues() = default;
 
@@ -155,7 +207,7 @@ std::unique_ptr<SerialQueue> PosixQueues::makeSerial(std::string_view label) {
 }
 
 std::unique_ptr<BackgroundTimer> PosixQueues::makeBackgroundTimer(Seconds first, Seconds interval, Task tick) {
-  return std::make_unique<ThreadTimer>(first, interval, std::move(tick));
+  return std::make_unique<GuardedTimer>(loop_, first, interval, std::move(tick));
 }
 
 bool PosixQueues::drain(Seconds limit) {

@@ -1,5 +1,5 @@
-// Serial queues and background timers on threads of their own. A queue's thread starts with its first task; both
-// kinds sleep in the kernel until there is work.
+// Serial queues on threads of their own, and background timers that need theirs only while the main loop is stuck. A
+// queue's thread starts with its first task; all of them sleep in the kernel until there is work.
 #pragma once
 
 #include <memory>
@@ -12,7 +12,8 @@ namespace dormel::posix {
 
 class PosixQueues final : public Queues {
  public:
-  PosixQueues();
+  /// `loop` outlives this object and its timers.
+  explicit PosixQueues(RunLoop& loop);
   ~PosixQueues() override;
 
   [[nodiscard]] std::unique_ptr<SerialQueue> makeSerial(std::string_view label) override;
@@ -26,6 +27,7 @@ class PosixQueues final : public Queues {
  private:
   class Serial;
   struct Registry;
+  RunLoop& loop_;
   std::shared_ptr<Registry> registry_;
 };
 

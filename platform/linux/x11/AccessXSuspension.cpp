@@ -47,6 +47,7 @@ void AccessXSuspension::end() {
   aids_.resume();
   locked_.restore();
   isHeld_ = false;
+  held_.reset();  // what it watches keeps the release, and so this object, until nobody watches
 }
 
 void AccessXSuspension::handle(const xcb_generic_event_t& event) {
