@@ -70,11 +70,12 @@ TEST_F(PanelTest, ComesBackWhenAnotherProgramTakesItDown) {
   Connection& other = desktop.connection();
   xcb_shape_rectangles(other, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, XCB_CLIP_ORDERING_UNSORTED, second, 0, 0, 0,
                        nullptr);
-  const xcb_atom_t opacity = other.atoms({"_NET_WM_WINDOW_OPACITY"})[0];
+  const xcb_atom_t opacity = other.atom("_NET_WM_WINDOW_OPACITY");
   const std::uint32_t glass = 0x10000000;
   xcb_change_property(other, XCB_PROP_MODE_REPLACE, second, opacity, XCB_ATOM_CARDINAL, 32, 1, &glass);
   other.sync();
-  EXPECT_TRUE(until([&] { return isCovered() && other.property32(second, opacity).empty(); })) << "cut, and glass";
+  EXPECT_TRUE(until([&] { return isCovered() && other.property32(second, "_NET_WM_WINDOW_OPACITY").empty(); }))
+      << "cut, and glass";
 }
 
 TEST_F(PanelTest, NeverUncoversDuringARebuild) {

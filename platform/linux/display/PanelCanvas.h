@@ -36,18 +36,20 @@ class PanelCanvas {
   /// As of the last `fit`.
   [[nodiscard]] const Size& size() const { return size_; }
 
-  /// Tells the content of the pointer, in points from its top left corner. True: a press was taken.
-  bool tell(PointerAction action, double x, double y);
-  /// The same, where a press on what takes none drags a panel that can be moved: answers by how far it is to go right
-  /// and down, if it is.
+  /// Tells the content of the pointer, in points from its top left corner. A press on what takes none drags a panel
+  /// that can be moved: answers by how far it is to go right and down, if it is.
   struct Move {
     double right;
     double down;
   };
   [[nodiscard]] std::optional<Move> pointer(PointerAction action, double x, double y);
+  [[nodiscard]] bool isDragged() const { return drag_.has_value(); }
+  void endDrag() { drag_.reset(); }
 
  private:
   void showNow();
+  /// True: a press was taken.
+  bool tell(PointerAction action, double x, double y);
   Canvas* canvas() const;
 
   CanvasFactory& canvases_;

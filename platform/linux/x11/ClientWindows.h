@@ -31,7 +31,7 @@ struct SeenWindow {
 
 class ClientWindows {
  public:
-  explicit ClientWindows(std::shared_ptr<Connection> connection);
+  explicit ClientWindows(std::shared_ptr<Connection> connection) : connection_(std::move(connection)) {}
 
   /// In the order in which they came.
   [[nodiscard]] std::vector<ClientWindow> all() const;
@@ -41,15 +41,10 @@ class ClientWindows {
   /// that tells.
   [[nodiscard]] std::optional<std::vector<SeenWindow>> seen() const;
 
-  [[nodiscard]] xcb_atom_t activeWindowAtom() const { return activeWindow_; }
-
  private:
   [[nodiscard]] std::vector<ClientWindow> describe(const std::vector<xcb_window_t>& windows) const;
 
   std::shared_ptr<Connection> connection_;
-  xcb_atom_t clientList_, clientListStacking_, activeWindow_, pid_, state_, stateHidden_, stateSkipTaskbar_, desktop_,
-      currentDesktop_, type_, typeDesktop_, typeDock_, typeNormal_, typeDialog_, typeUtility_, frameExtents_,
-      gtkFrameExtents_;
 };
 
 }  // namespace dormel::x11

@@ -129,19 +129,14 @@ void Connection::expectAtoms(const std::vector<std::string>& names) {
   }
 }
 
-std::vector<xcb_atom_t> Connection::atoms(const std::vector<std::string>& names) {
-  expectAtoms(names);
-  std::vector<xcb_atom_t> atoms;
-  atoms.reserve(names.size());
-  for (const std::string& name : names) {
-    Atom& atom = atoms_.at(name);
-    if (!atom.known) {
-      const auto reply = owned(xcb_intern_atom_reply(xcb_, atom.asked, nullptr));
-      atom.known = reply ? reply->atom : static_cast<xcb_atom_t>(XCB_ATOM_NONE);
-    }
-    atoms.push_back(*atom.known);
+xcb_atom_t Connection::atom(const std::string& name) {
+  expectAtoms({name});
+  Atom& atom = atoms_.at(name);
+  if (!atom.known) {
+    const auto reply = owned(xcb_intern_atom_reply(xcb_, atom.asked, nullptr));
+    atom.known = reply ? reply->atom : static_cast<xcb_atom_t>(XCB_ATOM_NONE);
   }
-  return atoms;
+  return *atom.known;
 }
 
 Asked<&xcb_get_property_reply> Connection::askProperty(xcb_window_t window, xcb_atom_t property) {
@@ -159,14 +154,6 @@ std::string Connection::text(Asked<&xcb_get_property_reply> property) {
   const auto reply = property.take();
   if (!reply || reply->format != 8) return {};
   return {static_cast<const char*>(xcb_get_property_value(reply.get())), reply->value_len};
-}
-
-std::vector<std::uint32_t> Connection::property32(xcb_window_t window, xcb_atom_t property) {
-  return items(askProperty(window, property));
-}
-
-std::string Connection::propertyText(xcb_window_t window, xcb_atom_t property) {
-  return text(askProperty(window, property));
 }
 
 }  // namespace dormel::x11

@@ -66,20 +66,22 @@ class Connection : public std::enable_shared_from_this<Connection> {
   void sync();
 
   // What nearly everybody needs of the protocol.
-  [[nodiscard]] xcb_atom_t atom(const std::string& name) { return atoms({name}).front(); }
-  /// In one round trip, or in none for those that were asked for before.
-  [[nodiscard]] std::vector<xcb_atom_t> atoms(const std::vector<std::string>& names);
+  /// Known without asking from the second time on.
+  [[nodiscard]] xcb_atom_t atom(const std::string& name);
   /// Asks for atoms that will be needed, without waiting.
   void expectAtoms(const std::vector<std::string>& names);
   /// A property's value, on its way.
   [[nodiscard]] Asked<&xcb_get_property_reply> askProperty(xcb_window_t window, xcb_atom_t property);
+  [[nodiscard]] Asked<&xcb_get_property_reply> askProperty(xcb_window_t window, const std::string& name) {
+    return askProperty(window, atom(name));
+  }
   /// Its 32-bit items; empty when absent or of another format.
   [[nodiscard]] static std::vector<std::uint32_t> items(Asked<&xcb_get_property_reply> property);
   [[nodiscard]] static std::string text(Asked<&xcb_get_property_reply> property);
-  /// A property's value as 32-bit items; empty when absent or of another format.
-  [[nodiscard]] std::vector<std::uint32_t> property32(xcb_window_t window, xcb_atom_t property);
-  /// A property's value as bytes.
-  [[nodiscard]] std::string propertyText(xcb_window_t window, xcb_atom_t property);
+  /// Asks for 32-bit items and waits for them.
+  [[nodiscard]] std::vector<std::uint32_t> property32(xcb_window_t window, const std::string& name) {
+    return items(askProperty(window, name));
+  }
   [[nodiscard]] std::uint32_t newId() { return xcb_generate_id(xcb_); }
 
  private:

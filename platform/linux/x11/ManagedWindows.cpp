@@ -26,7 +26,7 @@ void ManagedWindows::send(xcb_window_t window, xcb_atom_t type, const std::vecto
 }
 
 std::vector<std::uint32_t> ManagedWindows::clients() {
-  return connection_->property32(connection_->root(), connection_->atom("_NET_CLIENT_LIST"));
+  return connection_->property32(connection_->root(), "_NET_CLIENT_LIST");
 }
 
 void ManagedWindows::activate(xcb_window_t window) {
@@ -36,25 +36,23 @@ void ManagedWindows::activate(xcb_window_t window) {
 }
 
 bool ManagedWindows::canHideOthers() {
-  return connection_ &&
-         !connection_->property32(connection_->root(), connection_->atom("_NET_SUPPORTING_WM_CHECK")).empty();
+  return connection_ && !connection_->property32(connection_->root(), "_NET_SUPPORTING_WM_CHECK").empty();
 }
 
 void ManagedWindows::hideOthers() {
   if (!connection_) return;
-  const auto atoms =
-      connection_->atoms({"_NET_WM_PID", "_NET_WM_STATE", "_NET_WM_STATE_HIDDEN", "WM_CHANGE_STATE",
-                          "_NET_WM_WINDOW_TYPE", "_NET_WM_WINDOW_TYPE_DESKTOP", "_NET_WM_WINDOW_TYPE_DOCK"});
   for (const xcb_window_t window : clients()) {
-    const auto has = [&](xcb_atom_t property, std::uint32_t value) {
+    const auto has = [&](const char* property, std::uint32_t value) {
       const auto values = connection_->property32(window, property);
       return std::find(values.begin(), values.end(), value) != values.end();
     };
-    if (has(atoms[0], static_cast<std::uint32_t>(::getpid())) || has(atoms[1], atoms[2]) || has(atoms[4], atoms[5]) ||
-        has(atoms[4], atoms[6])) {
+    const auto is = [&](const char* property, const char* value) { return has(property, connection_->atom(value)); };
+    if (has("_NET_WM_PID", static_cast<std::uint32_t>(::getpid())) || is("_NET_WM_STATE", "_NET_WM_STATE_HIDDEN") ||
+        is("_NET_WM_WINDOW_TYPE", "_NET_WM_WINDOW_TYPE_DESKTOP") ||
+        is("_NET_WM_WINDOW_TYPE", "_NET_WM_WINDOW_TYPE_DOCK")) {
       continue;
     }
-    send(window, atoms[3], {ICONIC_STATE});
+    send(window, connection_->atom("WM_CHANGE_STATE"), {ICONIC_STATE});
     hidden_.push_back(window);
   }
   connection_->flush();

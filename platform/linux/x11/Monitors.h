@@ -18,8 +18,8 @@ struct Monitor {
 };
 
 /// The monitors that show something: the primary one first (the first one is, when the server names none), then
-/// in the server's order; one that shows only what another shows as well (a mirror) is left out. `randr` is the
-/// minor version to speak, 0 for none: then, and only then, the whole root counts as one monitor. Asks the server.
-[[nodiscard]] std::vector<Monitor> queryMonitors(Connection& connection, int randr);
+/// in the server's order; one that shows only what another shows as well (a mirror) is left out. Without `randr`, and
+/// only then, the whole root counts as one monitor. Asks the server.
+[[nodiscard]] std::vector<Monitor> queryMonitors(Connection& connection, bool randr);
 
 }  // namespace dormel::x11

@@ -101,16 +101,16 @@ void Panel::setProperties() {
   constexpr std::string_view CLASS("dormel\0Dormel\0", 14);
   setText(XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, CLASS);
   setText(XCB_ATOM_WM_NAME, XCB_ATOM_STRING, "Dormel");
-  setText(env_->atoms.netWmName, env_->atoms.utf8String, "Dormel");
+  setText(c.atom("_NET_WM_NAME"), c.atom("UTF8_STRING"), "Dormel");
   std::array<char, 256> host{};
   if (gethostname(host.data(), host.size() - 1) == 0) {
     setText(XCB_ATOM_WM_CLIENT_MACHINE, XCB_ATOM_STRING, host.data());
   }
   const auto pid = static_cast<std::uint32_t>(getpid());
-  xcb_change_property(c, XCB_PROP_MODE_REPLACE, window_, env_->atoms.netWmPid, XCB_ATOM_CARDINAL, 32, 1, &pid);
+  xcb_change_property(c, XCB_PROP_MODE_REPLACE, window_, c.atom("_NET_WM_PID"), XCB_ATOM_CARDINAL, 32, 1, &pid);
   // A compositor leaves this kind out of overviews.
-  const xcb_atom_t type = env_->atoms.netWmWindowTypeNotification;
-  xcb_change_property(c, XCB_PROP_MODE_REPLACE, window_, env_->atoms.netWmWindowType, XCB_ATOM_ATOM, 32, 1, &type);
+  const xcb_atom_t type = c.atom("_NET_WM_WINDOW_TYPE_NOTIFICATION");
+  xcb_change_property(c, XCB_PROP_MODE_REPLACE, window_, c.atom("_NET_WM_WINDOW_TYPE"), XCB_ATOM_ATOM, 32, 1, &type);
   tellShadow();
 }
 
@@ -119,8 +119,8 @@ void Panel::tellShadow() {
   // Compositors that know of windows with a shadow of their own give them no other one.
   const auto margin = static_cast<std::uint32_t>(std::lround(SHADOW_MARGIN * env_->screens->space().scale));
   const std::uint32_t margins[] = {margin, margin, margin, margin};
-  xcb_change_property(*env_->connection, XCB_PROP_MODE_REPLACE, window_, env_->atoms.gtkFrameExtents, XCB_ATOM_CARDINAL,
-                      32, 4, margins);
+  xcb_change_property(*env_->connection, XCB_PROP_MODE_REPLACE, window_, env_->connection->atom("_GTK_FRAME_EXTENTS"),
+                      XCB_ATOM_CARDINAL, 32, 4, margins);
 }
 
 Rect Panel::frame() const { return frame_; }
@@ -139,7 +139,7 @@ void Panel::setFrame(const Rect& frame) {
 void Panel::placeAnew() {
   const PixelRect area = areaOf(frame_);
   if (area != area_) {
-    drag_.reset();
+    canvas_.endDrag();
     moveTo(area);
   }
   // The scale may be another.
@@ -225,7 +225,6 @@ void Panel::orderFront() {
 
 void Panel::orderOut() {
   if (!std::exchange(isVisible_, false)) return;
-  drag_.reset();
   env_->focus.resign(window_);
   env_->stacking.remove(window_);
   xcb_unmap_window(*env_->connection, window_);
@@ -249,19 +248,25 @@ void Panel::handle(const xcb_generic_event_t& event) {
       onKey(reinterpret_cast<const xcb_key_press_event_t&>(event), (event.response_type & 0x7f) == XCB_KEY_PRESS);
       break;
     case XCB_BUTTON_PRESS:
-    case XCB_BUTTON_RELEASE:
-      onButton(reinterpret_cast<const xcb_button_press_event_t&>(event),
-               (event.response_type & 0x7f) == XCB_BUTTON_PRESS);
+    case XCB_BUTTON_RELEASE: {
+      const auto& e = reinterpret_cast<const xcb_button_press_event_t&>(event);
+      const bool isPress = (event.response_type & 0x7f) == XCB_BUTTON_PRESS;
+      if (e.detail == MAIN_BUTTON)
+        onPointer(isPress ? PointerAction::press : PointerAction::release, e.root_x, e.root_y);
       break;
-    case XCB_MOTION_NOTIFY:
-      onMotion(reinterpret_cast<const xcb_motion_notify_event_t&>(event));
+    }
+    case XCB_MOTION_NOTIFY: {
+      const auto& e = reinterpret_cast<const xcb_motion_notify_event_t&>(event);
+      onPointer(PointerAction::move, e.root_x, e.root_y);
       break;
+    }
     case XCB_LEAVE_NOTIFY:
       onLeave(reinterpret_cast<const xcb_leave_notify_event_t&>(event));
       break;
     case XCB_PROPERTY_NOTIFY: {
       const auto& e = reinterpret_cast<const xcb_property_notify_event_t&>(event);
-      if (e.atom == env_->atoms.netWmWindowOpacity && e.state == XCB_PROPERTY_NEW_VALUE) surface_.opacitySet();
+      if (e.atom == env_->connection->atom("_NET_WM_WINDOW_OPACITY") && e.state == XCB_PROPERTY_NEW_VALUE)
+        surface_.opacitySet();
       break;
     }
     case XCB_UNMAP_NOTIFY:
@@ -269,7 +274,7 @@ void Panel::handle(const xcb_generic_event_t& event) {
       break;
     case XCB_CONFIGURE_NOTIFY: {
       const auto& e = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
-      if (isVisible_ && !drag_ && PixelRect{e.x, e.y, e.width, e.height} != area_) putBack();
+      if (isVisible_ && !canvas_.isDragged() && PixelRect{e.x, e.y, e.width, e.height} != area_) putBack();
       break;
     }
     case XCB_DESTROY_NOTIFY:
@@ -311,46 +316,23 @@ void Panel::onKey(const xcb_key_press_event_t& event, bool isPress) {
   if (handler) handler(*key);
 }
 
-void Panel::onButton(const xcb_button_press_event_t& event, bool isPress) {
-  if (event.detail != MAIN_BUTTON) return;
-  if (isPress) {
-    const bool isTaken = tellCanvas(PointerAction::press, event.event_x, event.event_y);
-    // The server keeps the pointer ours until the button is released.
-    if (!isTaken && style_.isMovableByBackground) drag_ = Drag{event.root_x, event.root_y, area_};
-  } else if (drag_) {
-    drag_.reset();
-  } else {
-    tellCanvas(PointerAction::release, event.event_x, event.event_y);
-  }
-}
-
-void Panel::onMotion(const xcb_motion_notify_event_t& event) {
-  if (!drag_) {
-    tellCanvas(PointerAction::move, event.event_x, event.event_y);
-    return;
-  }
-  PixelRect area = drag_->from;
-  area.x += event.root_x - drag_->pointerX;
-  area.y += event.root_y - drag_->pointerY;
-  frame_ = outset(env_->screens->space().toPoints(area), -shadowMargin(style_));
-  moveTo(area);
-}
-
 void Panel::onLeave(const xcb_leave_notify_event_t& event) {
   if (event.mode == XCB_NOTIFY_MODE_GRAB) {
     // Somebody took the pointer, a drag out of this panel for one: the button's release will not come here, and
     // whatever was pressed is let go without an effect.
-    drag_.reset();
-    tellCanvas(PointerAction::move, OUTSIDE, OUTSIDE);
-    tellCanvas(PointerAction::release, OUTSIDE, OUTSIDE);
+    if (!canvas_.isDragged()) onPointer(PointerAction::move, OUTSIDE, OUTSIDE);
+    onPointer(PointerAction::release, OUTSIDE, OUTSIDE);
   }
-  if (!drag_) tellCanvas(PointerAction::leave, 0, 0);
+  onPointer(PointerAction::leave, 0, 0);
 }
 
-bool Panel::tellCanvas(PointerAction action, int x, int y) {
+void Panel::onPointer(PointerAction action, int rootX, int rootY) {
   const double scale = env_->screens->space().scale;
   const PixelRect content = surface_.contentArea();
-  return canvas_.tell(action, (x - content.x) / scale, (y - content.y) / scale);
+  // From where the panel is to be: events on their way still count from where it was.
+  const auto move =
+      canvas_.pointer(action, (rootX - area_.x - content.x) / scale, (rootY - area_.y - content.y) / scale);
+  if (move) setFrame({frame_.x + move->right, frame_.y - move->down, frame_.width, frame_.height});
 }
 
 }  // namespace dormel::x11

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <memory>
-#include <optional>
 
 #include "platform/linux/display/AlphaAnimator.h"
 #include "platform/linux/display/CoalescedTimer.h"
@@ -44,12 +43,6 @@ class Panel final : public FadingWindow, public std::enable_shared_from_this<Pan
   [[nodiscard]] xcb_window_t window() const { return window_; }
 
  private:
-  struct Drag {
-    int pointerX;
-    int pointerY;
-    PixelRect from;
-  };
-
   Panel(std::shared_ptr<PanelContext> environment, const WindowStyle& style, const Rect& contentRect);
   void makeWindow();
   void setProperties();
@@ -59,10 +52,9 @@ class Panel final : public FadingWindow, public std::enable_shared_from_this<Pan
   void layOutContent();
   void onFrame(const Pixels& pixels, const PixelRect& changed);
   void onKey(const xcb_key_press_event_t& event, bool isPress);
-  void onButton(const xcb_button_press_event_t& event, bool isPress);
-  void onMotion(const xcb_motion_notify_event_t& event);
   void onLeave(const xcb_leave_notify_event_t& event);
-  bool tellCanvas(PointerAction action, int x, int y);
+  /// At a place on the root window.
+  void onPointer(PointerAction action, int rootX, int rootY);
   /// The window's pixels for a frame: the shadow's room is part of it.
   [[nodiscard]] PixelRect areaOf(const Rect& frame) const;
   void moveTo(const PixelRect& area);
@@ -79,7 +71,6 @@ class Panel final : public FadingWindow, public std::enable_shared_from_this<Pan
   PanelCanvas canvas_;
   bool isVisible_ = false;
   bool isMappedUnseen_ = false;  ///< asked for; the server may not have got to it
-  std::optional<Drag> drag_;
   RateLimiter putBackBudget_;
   std::function<void(const KeyEvent&)> keyHandler_;
   CoalescedTimer putBackLater_;

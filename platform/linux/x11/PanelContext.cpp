@@ -41,19 +41,6 @@ xcb_window_t addressee(const xcb_generic_event_t& event) {
 
 }  // namespace
 
-PanelAtoms::PanelAtoms(Connection& connection) {
-  const auto atoms =
-      connection.atoms({"UTF8_STRING", "_NET_WM_NAME", "_NET_WM_PID", "_NET_WM_WINDOW_TYPE",
-                        "_NET_WM_WINDOW_TYPE_NOTIFICATION", "_NET_WM_WINDOW_OPACITY", "_GTK_FRAME_EXTENTS"});
-  utf8String = atoms[0];
-  netWmName = atoms[1];
-  netWmPid = atoms[2];
-  netWmWindowType = atoms[3];
-  netWmWindowTypeNotification = atoms[4];
-  netWmWindowOpacity = atoms[5];
-  gtkFrameExtents = atoms[6];
-}
-
 PanelContext::PanelContext(std::shared_ptr<Connection> theConnection, const ServerFeatures& theFeatures,
                            std::shared_ptr<ScreensX11> theScreens, CanvasFactory& theCanvases, const Clock& theClock)
     : connection(std::move(theConnection)),
@@ -61,7 +48,6 @@ PanelContext::PanelContext(std::shared_ptr<Connection> theConnection, const Serv
       screens(std::move(theScreens)),
       canvases(theCanvases),
       clock(theClock),
-      atoms(*connection),
       compositor(connection, features),
       visuals(Visuals::query(*connection, features)),
       desktop(connection, visuals),

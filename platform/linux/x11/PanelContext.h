@@ -20,17 +20,6 @@ namespace dormel::x11 {
 
 class Panel;
 
-struct PanelAtoms {
-  explicit PanelAtoms(Connection& connection);
-  xcb_atom_t utf8String;
-  xcb_atom_t netWmName;
-  xcb_atom_t netWmPid;
-  xcb_atom_t netWmWindowType;
-  xcb_atom_t netWmWindowTypeNotification;
-  xcb_atom_t netWmWindowOpacity;
-  xcb_atom_t gtkFrameExtents;
-};
-
 struct PanelContext {
   PanelContext(std::shared_ptr<Connection> connection, const ServerFeatures& features,
                std::shared_ptr<ScreensX11> screens, CanvasFactory& canvases, const Clock& clock);
@@ -47,7 +36,6 @@ struct PanelContext {
   std::shared_ptr<ScreensX11> screens;
   CanvasFactory& canvases;
   const Clock& clock;
-  PanelAtoms atoms;
   Compositor compositor;  // asks; what follows waits for both answers
   Visuals visuals;
   DesktopSnapshot desktop;

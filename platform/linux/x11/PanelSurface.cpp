@@ -96,10 +96,10 @@ void PanelSurface::setOpacityProperty(double opacity) {
   if (value == opacity_) return;
   opacity_ = value;
   if (value == UINT32_MAX) {
-    xcb_delete_property(*env_.connection, window_, env_.atoms.netWmWindowOpacity);
+    xcb_delete_property(*env_.connection, window_, env_.connection->atom("_NET_WM_WINDOW_OPACITY"));
   } else {
-    xcb_change_property(*env_.connection, XCB_PROP_MODE_REPLACE, window_, env_.atoms.netWmWindowOpacity,
-                        XCB_ATOM_CARDINAL, 32, 1, &value);
+    xcb_change_property(*env_.connection, XCB_PROP_MODE_REPLACE, window_,
+                        env_.connection->atom("_NET_WM_WINDOW_OPACITY"), XCB_ATOM_CARDINAL, 32, 1, &value);
   }
 }
 
@@ -267,7 +267,7 @@ void PanelSurface::expose(const PixelRect& exposed) {
 
 void PanelSurface::opacitySet() {
   if (ground_ != WindowBackground::black || opacity_ != UINT32_MAX) return;  // in a fade it is set every moment
-  xcb_delete_property(*env_.connection, window_, env_.atoms.netWmWindowOpacity);
+  xcb_delete_property(*env_.connection, window_, env_.connection->atom("_NET_WM_WINDOW_OPACITY"));
   env_.connection->flush();
 }
 

@@ -47,7 +47,8 @@ std::unique_ptr<Registration> RunningApplicationsX11::observeActivation(Task han
       const auto& notify = reinterpret_cast<const xcb_property_notify_event_t&>(event);
       // From one window to the next the focus may pass through none: what counts is where it is when all that has
       // arrived is handled.
-      if (notify.window == connection_->root() && notify.atom == clients_->activeWindowAtom()) telling_.ask();
+      if (notify.window == connection_->root() && notify.atom == connection_->atom("_NET_ACTIVE_WINDOW"))
+        telling_.ask();
     });
   }
   return observers_.add(std::move(handler));

@@ -12,7 +12,7 @@ namespace dormel::x11 {
 ScreensX11::ScreensX11(RunLoop& loop, std::shared_ptr<Connection> connection, const ServerFeatures& features)
     : connection_(std::move(connection)), features_(features), announcement_(loop, [this] { announce(); }) {
   if (!connection_) return;
-  if (features_.randr >= 2) {
+  if (features_.randr) {
     xcb_randr_select_input(
         *connection_, connection_->root(),
         XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE | XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE);
@@ -42,7 +42,7 @@ const ScreensX11::Layout& ScreensX11::layout() const {
   auto resources = connection_->askProperty(connection_->root(), XCB_ATOM_RESOURCE_MANAGER);
   auto monitors = queryMonitors(*connection_, features_.randr);
   if (monitors.empty() && !layout_.monitors.empty()) return layout_;
-  if (monitors.empty()) monitors = queryMonitors(*connection_, 0);  // a server without any output, a virtual one
+  if (monitors.empty()) monitors = queryMonitors(*connection_, false);  // a server without any output, a virtual one
   if (monitors.empty()) return layout_;
   const Monitor& main = monitors.front();
   layout_.space.scale =
@@ -86,8 +86,8 @@ Rect ScreensX11::displayBounds(const PixelRect& area) const {
 }
 
 std::optional<PixelRect> ScreensX11::workArea() const {
-  auto askedAreas = connection_->askProperty(connection_->root(), connection_->atom("_NET_WORKAREA"));
-  auto askedCurrent = connection_->askProperty(connection_->root(), connection_->atom("_NET_CURRENT_DESKTOP"));
+  auto askedAreas = connection_->askProperty(connection_->root(), "_NET_WORKAREA");
+  auto askedCurrent = connection_->askProperty(connection_->root(), "_NET_CURRENT_DESKTOP");
   const auto areas = Connection::items(std::move(askedAreas));
   const auto current = Connection::items(std::move(askedCurrent));
   const std::size_t first = current.empty() ? 0 : std::size_t{current.front()} * 4;

@@ -9,8 +9,8 @@
 #include <xcb/xfixes.h>
 #include <xcb/xinput.h>
 
-#include <array>
 #include <string_view>
+#include <tuple>
 #include <utility>
 
 #include "platform/linux/x11/Reply.h"
@@ -24,21 +24,22 @@ const xcb_query_extension_reply_t* present(xcb_connection_t* xcb, xcb_extension_
   return data != nullptr && data->present != 0 ? data : nullptr;
 }
 
-bool atLeast(std::uint32_t major, std::uint32_t minor, std::uint32_t wantedMajor, std::uint32_t wantedMinor) {
-  return major > wantedMajor || (major == wantedMajor && minor >= wantedMinor);
-}
+/// An extension of the server's, and the answer to what was asked about its version; nothing where there is none.
+template <auto FETCH>
+struct Extension {
+  template <typename Ask, typename... Wanted>
+  Extension(xcb_connection_t* xcb, xcb_extension_t& id, Ask ask, Wanted... wanted) : data(present(xcb, id)) {
+    if (data != nullptr) asked = {xcb, ask(xcb, static_cast<std::uint16_t>(wanted)...)};
+  }
+  [[nodiscard]] bool isAtLeast(std::uint32_t major, std::uint32_t minor) {
+    const auto reply = asked.take();
+    return reply && std::tuple<std::uint32_t, std::uint32_t>(reply->major_version, reply->minor_version) >=
+                        std::tuple(major, minor);
+  }
 
-bool hasXInput22(xcb_connection_t* xcb, xcb_input_xi_query_version_cookie_t cookie) {
-  const auto reply = owned(xcb_input_xi_query_version_reply(xcb, cookie, nullptr));
-  return reply && atLeast(reply->major_version, reply->minor_version, 2, 2);
-}
-
-void readXkb(ServerFeatures& features, xcb_connection_t* xcb, const xcb_query_extension_reply_t& xkb,
-             xcb_xkb_use_extension_cookie_t cookie) {
-  const auto reply = owned(xcb_xkb_use_extension_reply(xcb, cookie, nullptr));
-  features.xkb = reply && reply->supported != 0;
-  features.xkbEvent = xkb.first_event;
-}
+  const xcb_query_extension_reply_t* data;
+  Asked<FETCH> asked;
+};
 
 /// A server elsewhere is given no descriptors: the library would end the connection over it.
 bool isOnThisMachine(xcb_connection_t* xcb) {
@@ -73,66 +74,40 @@ ServerFeatures ServerFeatures::query(Connection& connection) {
   constexpr std::string_view bridge = "XWAYLAND";
   const auto bridgeCookie = xcb_query_extension(xcb, bridge.size(), bridge.data());
 
-  ServerFeatures features;
-  const auto* randr = present(xcb, xcb_randr_id);
-  const auto* input = present(xcb, xcb_input_id);
-  const auto* xfixes = present(xcb, xcb_xfixes_id);
-  const auto* render = present(xcb, xcb_render_id);
-  const auto* xkb = present(xcb, xcb_xkb_id);
-  if (const auto* shape = present(xcb, xcb_shape_id)) {
-    features.shape = true;
-    features.shapeEvent = shape->first_event;
-  }
-  features.screenSaver = present(xcb, xcb_screensaver_id) != nullptr;
-
   // All questions first, then all answers: one round trip.
-  xcb_randr_query_version_cookie_t randrCookie{};
-  xcb_input_xi_query_version_cookie_t inputCookie{};
-  xcb_xfixes_query_version_cookie_t xfixesCookie{};
-  xcb_render_query_version_cookie_t renderCookie{};
-  xcb_xkb_use_extension_cookie_t xkbCookie{};
-  const auto* shm = isOnThisMachine(xcb) ? present(xcb, xcb_shm_id) : nullptr;
-  Asked<&xcb_shm_query_version_reply> askedShm;
-  if (shm != nullptr) askedShm = {xcb, xcb_shm_query_version(xcb)};
+  Extension<&xcb_randr_query_version_reply> randr(xcb, xcb_randr_id, xcb_randr_query_version, 1, 5);
+  Extension<&xcb_input_xi_query_version_reply> input(xcb, xcb_input_id, xcb_input_xi_query_version, 2, 2);
+  Extension<&xcb_xfixes_query_version_reply> xfixes(xcb, xcb_xfixes_id, xcb_xfixes_query_version, 2, 0);
+  Extension<&xcb_render_query_version_reply> render(xcb, xcb_render_id, xcb_render_query_version, 0, 11);
+  Extension<&xcb_shm_query_version_reply> shm(xcb, xcb_shm_id, xcb_shm_query_version);
+  Extension<&xcb_xkb_use_extension_reply> xkb(xcb, xcb_xkb_id, xcb_xkb_use_extension, 1, 0);
   Outputs outputs;
-  if (randr != nullptr) {
-    randrCookie = xcb_randr_query_version(xcb, 1, 5);
-    outputs = {xcb, xcb_randr_get_screen_resources_current(xcb, connection.root())};  // an error on an old server
-  }
-  if (input != nullptr) inputCookie = xcb_input_xi_query_version(xcb, 2, 2);
-  if (xfixes != nullptr) xfixesCookie = xcb_xfixes_query_version(xcb, 2, 0);
-  if (render != nullptr) renderCookie = xcb_render_query_version(xcb, 0, 11);
-  if (xkb != nullptr) xkbCookie = xcb_xkb_use_extension(xcb, 1, 0);
+  if (randr.data != nullptr) outputs = {xcb, xcb_randr_get_screen_resources_current(xcb, connection.root())};
 
-  if (const auto reply = owned(xcb_query_extension_reply(xcb, bridgeCookie, nullptr))) {
-    features.xwayland = reply->present != 0;
-  }
-  if (randr != nullptr) {
-    const auto reply = owned(xcb_randr_query_version_reply(xcb, randrCookie, nullptr));
-    if (reply && reply->major_version == 1 && reply->minor_version >= 2) {
-      features.randr = static_cast<int>(reply->minor_version);
-      features.randrEvent = randr->first_event;
-    }
-  }
-  if (input != nullptr) {
-    features.xinput22 = hasXInput22(xcb, inputCookie);
-    features.xinputOpcode = input->major_opcode;
-  }
-  if (xfixes != nullptr) {
-    features.xfixes = owned(xcb_xfixes_query_version_reply(xcb, xfixesCookie, nullptr)) != nullptr;
-    features.xfixesEvent = xfixes->first_event;
-  }
-  if (render != nullptr) {
-    const auto reply = owned(xcb_render_query_version_reply(xcb, renderCookie, nullptr));
-    features.render = reply && atLeast(reply->major_version, reply->minor_version, 0, 10);
-  }
-  if (xkb != nullptr) readXkb(features, xcb, *xkb, xkbCookie);
-  if (shm != nullptr) {
-    const auto reply = askedShm.take();
-    features.sharedMemory = reply && atLeast(reply->major_version, reply->minor_version, 1, 2);
-    features.sharedMemoryEvent = shm->first_event;
-  }
-  if (!features.xwayland && features.randr >= 3) features.xwayland = hasBridgedOutput(xcb, std::move(outputs));
+  ServerFeatures features;
+  features.screenSaver = present(xcb, xcb_screensaver_id) != nullptr;
+  const auto* const shape = present(xcb, xcb_shape_id);
+  features.shape = shape != nullptr;
+  features.randr = randr.isAtLeast(1, 5);
+  features.xinput22 = input.isAtLeast(2, 2);
+  features.xfixes = xfixes.isAtLeast(1, 0);
+  features.render = render.isAtLeast(0, 10);
+  features.sharedMemory = shm.isAtLeast(1, 2) && isOnThisMachine(xcb);
+  const auto keyboard = xkb.asked.take();
+  features.xkb = keyboard && keyboard->supported != 0;
+
+  const auto firstEvent = [](const xcb_query_extension_reply_t* data) {
+    return data == nullptr ? std::uint8_t{0} : data->first_event;
+  };
+  features.randrEvent = firstEvent(randr.data);
+  features.shapeEvent = firstEvent(shape);
+  features.sharedMemoryEvent = firstEvent(shm.data);
+  features.xfixesEvent = firstEvent(xfixes.data);
+  features.xkbEvent = firstEvent(xkb.data);
+  features.xinputOpcode = input.data == nullptr ? std::uint8_t{0} : input.data->major_opcode;
+
+  const auto reply = owned(xcb_query_extension_reply(xcb, bridgeCookie, nullptr));
+  features.xwayland = (reply && reply->present != 0) || hasBridgedOutput(xcb, std::move(outputs));
   return features;
 }
 

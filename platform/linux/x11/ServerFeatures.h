@@ -9,8 +9,7 @@
 namespace dormel::x11 {
 
 struct ServerFeatures {
-  /// RandR 1.2 to 1.5 as 2 to 5; 0 without RandR (or with one too old to know outputs).
-  int randr = 0;
+  bool randr = false;     ///< RandR 1.5: monitors. Every server since 2015 has it
   bool xinput22 = false;  ///< XInput 2.2: raw events under anybody's grab
   bool xfixes = false;
   bool render = false;  ///< Render 0.10: solid pictures
