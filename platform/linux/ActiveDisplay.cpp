@@ -1,12 +1,10 @@
 #include "platform/linux/ActiveDisplay.h"
 
 #include <chrono>
-#include <cstdlib>
-#include <future>
-#include <system_error>
-#include <thread>
 
 #include "platform/linux/gnome/GnomePlatform.h"
+#include "platform/linux/posix/Environment.h"
+#include "platform/linux/posix/PosixQueues.h"
 #include "platform/linux/wayland/LockProcesses.h"
 #include "platform/linux/wayland/LockRelease.h"
 #include "platform/linux/wayland/WaylandPlatform.h"
@@ -16,11 +14,6 @@ namespace {
 
 constexpr std::chrono::milliseconds RELEASE_LIMIT{2000};
 
-std::string variable(const char* name) {
-  const char* value = std::getenv(name);
-  return value == nullptr ? std::string() : std::string(value);
-}
-
 DisplayOffer offerOf(const wayland::Connection& connection) {
   const wayland::Globals& globals = connection.globals();
   DisplayOffer offer;
@@ -29,7 +22,7 @@ DisplayOffer offerOf(const wayland::Connection& connection) {
   offer.shortcutsInhibitor = globals.shortcutsInhibit != nullptr;
   offer.sessionLock = globals.sessionLock != nullptr;
   // Hyprland does so only where an option of its own says so.
-  offer.allowsLockTakeover = variable("HYPRLAND_INSTANCE_SIGNATURE").empty();
+  offer.allowsLockTakeover = posix::environmentVariable("HYPRLAND_INSTANCE_SIGNATURE").empty();
   return offer;
 }
 
@@ -71,10 +64,12 @@ ActiveDisplay::ActiveDisplay(DisplayUse use, const std::string& lockMark, EventL
 ActiveDisplay::~ActiveDisplay() = default;
 
 std::string ActiveDisplay::description() const {
-  return describe(kind_, variable("WAYLAND_DISPLAY"), variable("DISPLAY"));
+  return describe(kind_, posix::environmentVariable("WAYLAND_DISPLAY"), posix::environmentVariable("DISPLAY"));
 }
 
-bool ActiveDisplay::isWayland() const { return !variable("WAYLAND_DISPLAY").empty() || (x11_ && x11_->isBridge()); }
+bool ActiveDisplay::isWayland() const {
+  return !posix::environmentVariable("WAYLAND_DISPLAY").empty() || (x11_ && x11_->isBridge());
+}
 
 bool ActiveDisplay::hasAppeared() const {
   gnome::Message hello;
@@ -110,18 +105,9 @@ void ActiveDisplay::restoreAtExit(bool comesBack) {
   family().restoreAtExit(comesBack);
   const auto mark = wayland::readMark(lockMark_);
   if (!mark || wayland::isAlive(mark->owner)) return;
-  // A compositor that does not answer must not keep the process from ending.
-  auto released = std::make_shared<std::promise<void>>();
-  auto isReleased = released->get_future();
-  try {
-    std::thread([released, path = lockMark_] {
-      static_cast<void>(wayland::releaseAbandonedLock(path, {}, RELEASE_LIMIT));
-      released->set_value();
-    }).detach();
-  } catch (const std::system_error&) {
-    return;  // no thread left on this machine: the process that watches over the lock ends it
-  }
-  isReleased.wait_for(RELEASE_LIMIT);
+  // Without a thread the process that watches over the lock ends it.
+  posix::doWithin(RELEASE_LIMIT,
+                  [path = lockMark_] { static_cast<void>(wayland::releaseAbandonedLock(path, {}, RELEASE_LIMIT)); });
 }
 
 }  // namespace dormel

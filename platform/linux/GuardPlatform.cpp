@@ -2,9 +2,7 @@
 
 #include <unistd.h>
 
-#include <array>
 #include <cerrno>
-#include <climits>
 #include <cstring>
 #include <string>
 #include <utility>
@@ -13,6 +11,7 @@
 #include "platform/Dragging.h"
 #include "platform/MainWindow.h"
 #include "platform/Process.h"
+#include "platform/linux/posix/Environment.h"
 
 namespace dormel {
 
@@ -71,9 +70,7 @@ void GuardPlatform::run(ApplicationDelegate& delegate) {
 }
 
 std::string becomeWindowProgram(char** arguments) {
-  std::array<char, PATH_MAX> path{};
-  const ssize_t length = ::readlink("/proc/self/exe", path.data(), path.size());
-  const std::string own(path.data(), length < 0 ? 0 : static_cast<std::size_t>(length));
+  const std::string own = posix::executableOf();
   const std::string program = own.substr(0, own.rfind('/') + 1) + "DormelWindow";
   ::execv(program.c_str(), arguments);
   return program + ": " + std::strerror(errno);

@@ -23,6 +23,7 @@
 #include "platform/linux/freedesktop/TextFile.h"
 #include "platform/linux/freedesktop/Trash.h"
 #include "platform/linux/freedesktop/Tree.h"
+#include "platform/linux/posix/Environment.h"
 #include "platform/linux/posix/PosixChildProcesses.h"
 
 namespace dormel::freedesktop {
@@ -39,15 +40,6 @@ std::string usersOwn() { return homeDirectory() + "/Applications"; }
 bool isFolder(const std::string& path) {
   std::error_code ignored;
   return fs::is_directory(path, ignored);
-}
-
-/// The running program's file; where it was replaced while it runs, the place is still the one it was started from.
-std::string executableOf(const std::string& process) {
-  constexpr std::string_view REPLACED = " (deleted)";
-  std::error_code error;
-  std::string path = fs::read_symlink("/proc/" + process + "/exe", error).string();
-  if (path.ends_with(REPLACED)) path.resize(path.size() - REPLACED.size());
-  return path;
 }
 
 }  // namespace
@@ -85,10 +77,8 @@ bool DesktopWorkspace::isWritable(const std::string& path) const {
 bool DesktopWorkspace::isDeletable(const std::string& path) const { return isTreeDeletable(path); }
 
 bool DesktopWorkspace::isSameFile(const std::string& a, const std::string& b) const {
-  struct stat first {};
-  struct stat second {};
-  return ::stat(a.c_str(), &first) == 0 && ::stat(b.c_str(), &second) == 0 && first.st_dev == second.st_dev &&
-         first.st_ino == second.st_ino;
+  std::error_code ignored;
+  return fs::equivalent(a, b, ignored);
 }
 
 FileResult DesktopWorkspace::putCopy(const std::string& from, const std::string& to) {
@@ -111,7 +101,7 @@ std::vector<std::string> DesktopWorkspace::runningBundles() const {
     if (std::from_chars(name.data(), name.data() + name.size(), process).ptr != name.data() + name.size()) continue;
     struct stat info {};
     if (process == ::getpid() || ::stat(entry.path().c_str(), &info) != 0 || info.st_uid != ::getuid()) continue;
-    auto bundle = bundleOfExecutable(executableOf(name));
+    auto bundle = bundleOfExecutable(posix::executableOf(name));
     if (bundle && std::find(bundles.begin(), bundles.end(), *bundle) == bundles.end()) {
       bundles.push_back(std::move(*bundle));
     }

@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <system_error>
@@ -11,6 +10,7 @@
 
 #include "platform/Identifiers.h"
 #include "platform/linux/freedesktop/BaseDirectories.h"
+#include "platform/linux/posix/Environment.h"
 
 namespace dormel::freedesktop {
 namespace {
@@ -22,11 +22,6 @@ std::string folder() {
 
 std::string prefix() { return std::string(".") + BUNDLE_IDENTIFIER; }
 
-std::string variable(const char* name) {
-  const char* value = std::getenv(name);
-  return value == nullptr ? std::string() : std::string(value);
-}
-
 std::string asFileName(std::string display) {
   std::replace_if(
       display.begin(), display.end(), [](char c) { return c == '/' || c == ':'; }, '_');
@@ -34,11 +29,11 @@ std::string asFileName(std::string display) {
 }
 
 std::string displayName() {
-  std::string display = variable("DISPLAY");
+  std::string display = posix::environmentVariable("DISPLAY");
   // ":0.0" is a screen of ":0".
   const auto colon = display.rfind(':');
   if (colon != std::string::npos) display = display.substr(0, display.find('.', colon));
-  if (display.empty()) display = variable("WAYLAND_DISPLAY");
+  if (display.empty()) display = posix::environmentVariable("WAYLAND_DISPLAY");
   return asFileName(std::move(display));
 }
 
@@ -49,7 +44,9 @@ posix::InstanceLockPaths instanceLockFiles() {
   return {stem + ".session", stem + ".window"};
 }
 
-std::string lockMarkFile() { return folder() + "/" + prefix() + asFileName(variable("WAYLAND_DISPLAY")) + ".lock"; }
+std::string lockMarkFile() {
+  return folder() + "/" + prefix() + asFileName(posix::environmentVariable("WAYLAND_DISPLAY")) + ".lock";
+}
 
 void removeInstanceLockFiles() {
   std::error_code error;

@@ -1,19 +1,16 @@
 #include "platform/linux/freedesktop/Opener.h"
 
-#include <cstdlib>
 #include <string_view>
 
 #include "platform/Process.h"
 #include "platform/linux/freedesktop/AppBundle.h"
 #include "platform/linux/freedesktop/Programs.h"
+#include "platform/linux/posix/Environment.h"
 
 namespace dormel::freedesktop {
 namespace {
 
-std::string currentDesktop() {
-  const char* name = std::getenv("XDG_CURRENT_DESKTOP");
-  return name == nullptr ? std::string() : std::string(name);
-}
+std::string currentDesktop() { return posix::environmentVariable("XDG_CURRENT_DESKTOP"); }
 
 }  // namespace
 

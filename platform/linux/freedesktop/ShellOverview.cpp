@@ -1,20 +1,15 @@
 #include "platform/linux/freedesktop/ShellOverview.h"
 
-#include <systemd/sd-bus.h>
-
 #include <string_view>
+
+#include "platform/linux/freedesktop/BusMessage.h"
 
 namespace dormel::freedesktop {
 namespace {
 
 constexpr const char* SHELL = "org.gnome.Shell";
-constexpr const char* SHELL_OBJECT = "/org/gnome/Shell";
-constexpr const char* PROPERTIES = "org.freedesktop.DBus.Properties";
+constexpr BusObject SHELL_OBJECT{SHELL, "/org/gnome/Shell"};
 constexpr const char* IS_OPEN = "OverviewActive";
-
-struct MessageDeleter {
-  void operator()(sd_bus_message* message) const { sd_bus_message_unref(message); }
-};
 
 /// Whether a PropertiesChanged says that the overview is open now.
 bool saysOpen(sd_bus_message* message) {
@@ -44,20 +39,17 @@ void ShellOverview::keepClosed(bool on) {
       if (overview.isKeptClosed_ && saysOpen(message)) overview.close();
       return 0;
     };
-    sd_bus_match_signal_async(*bus_, nullptr, SHELL, SHELL_OBJECT, PROPERTIES, "PropertiesChanged", changed, nullptr,
-                              this);
+    sd_bus_match_signal_async(*bus_, nullptr, SHELL, SHELL_OBJECT.path, BUS_PROPERTIES, "PropertiesChanged", changed,
+                              nullptr, this);
   }
   close();
 }
 
 void ShellOverview::close() const {
-  sd_bus_message* made = nullptr;
-  const int status = sd_bus_message_new_method_call(*bus_, &made, SHELL, SHELL_OBJECT, PROPERTIES, "Set");
-  const std::unique_ptr<sd_bus_message, MessageDeleter> message(made);
-  if (status < 0 || sd_bus_message_append(made, "ssv", SHELL, IS_OPEN, "b", 0) < 0) return;
-  sd_bus_message_set_auto_start(made, 0);  // nobody wants that shell on another desktop
-  sd_bus_message_set_expect_reply(made, 0);
-  sd_bus_send(*bus_, made, nullptr);
+  const BusMessage call = busCall(*bus_, SHELL_OBJECT, BUS_PROPERTIES, "Set", "ssv", SHELL, IS_OPEN, "b", 0);
+  if (!call) return;
+  sd_bus_message_set_expect_reply(call.get(), 0);
+  sd_bus_send(*bus_, call.get(), nullptr);
 }
 
 }  // namespace dormel::freedesktop

@@ -17,6 +17,7 @@
 #include "platform/linux/freedesktop/TextFile.h"
 #include "platform/linux/freedesktop/Tree.h"
 #include "platform/linux/posix/FileDescriptor.h"
+#include "platform/linux/posix/PosixFiles.h"
 
 namespace dormel::freedesktop {
 namespace fs = std::filesystem;
@@ -26,8 +27,6 @@ struct TrashCan {
   std::string folder;
   std::string original;  ///< what its record calls the file: absolute at home, below the mount point elsewhere
 };
-
-FileError lastError() { return {std::generic_category().message(errno)}; }
 
 bool isOwnFolder(const std::string& path) {
   struct stat info {};
@@ -72,7 +71,7 @@ std::string record(const std::string& original) {
 
 FileResult moveOrCopy(posix::PosixChildProcesses& children, const std::string& from, const std::string& to) {
   if (::rename(from.c_str(), to.c_str()) == 0) return {};
-  if (errno != EXDEV) return lastError();
+  if (errno != EXDEV) return posix::lastError();
   if (!isTreeDeletable(from)) return FileError{std::generic_category().message(EACCES)};
   if (auto error = copyTree(children, from, to)) return error;
   std::error_code error;
@@ -94,7 +93,7 @@ FileResult put(posix::PosixChildProcesses& children, const std::string& path, co
     const std::string place = can.folder + "/files/" + taken;
     // Creating the record is what reserves the name.
     const posix::FileDescriptor file(::open(info.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
-    if (!file.valid() && errno != EEXIST) return lastError();
+    if (!file.valid() && errno != EEXIST) return posix::lastError();
     if (!file.valid()) continue;
     FileResult result;
     const std::string text = record(can.original);
@@ -103,7 +102,7 @@ FileResult put(posix::PosixChildProcesses& children, const std::string& path, co
       continue;
     }
     if (::write(file.get(), text.data(), text.size()) != static_cast<ssize_t>(text.size())) {
-      result = lastError();
+      result = posix::lastError();
     } else {
       result = moveOrCopy(children, path, place);
     }

@@ -12,11 +12,10 @@
 
 #include "platform/linux/posix/FileDescriptor.h"
 #include "platform/linux/posix/PosixChildProcesses.h"
+#include "platform/linux/posix/PosixFiles.h"
 
 namespace dormel::freedesktop {
 namespace {
-
-FileError lastError() { return {std::generic_category().message(errno)}; }
 
 /// The first line, without the tool's own name in front.
 std::string complaint(const std::string& errors, const std::string& tool) {
@@ -57,7 +56,7 @@ void giveOwnerWriteAccess(const std::string& tree) {
 /// Everything on the disk that the folder lies on is safe there.
 FileResult flushDisk(const std::string& folder) {
   const posix::FileDescriptor disk(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  if (!disk.valid() || ::syncfs(disk.get()) != 0) return lastError();
+  if (!disk.valid() || ::syncfs(disk.get()) != 0) return posix::lastError();
   return {};
 }
 
@@ -80,7 +79,7 @@ FileResult copyTree(posix::PosixChildProcesses& children, const std::string& fro
   namespace fs = std::filesystem;
   const fs::path destination = to;
   std::string staging = (destination.parent_path() / ("." + destination.filename().string() + ".XXXXXX")).string();
-  if (::mkdtemp(staging.data()) == nullptr) return lastError();
+  if (::mkdtemp(staging.data()) == nullptr) return posix::lastError();
   const fs::path copy = fs::path(staging) / destination.filename();
 
   const auto outcome =
@@ -91,7 +90,7 @@ FileResult copyTree(posix::PosixChildProcesses& children, const std::string& fro
   // The scheduler will name this copy: a power cut must not turn it into empty files.
   if (!result) result = flushDisk(staging);
   if (!result && makeRoom) result = makeRoom();
-  if (!result && !moveToFreeName(copy.string(), to)) result = lastError();
+  if (!result && !moveToFreeName(copy.string(), to)) result = posix::lastError();
   std::error_code ignored;
   fs::remove_all(staging, ignored);
   return result;

@@ -1,12 +1,10 @@
 #include "platform/linux/gnome/ExtensionSwitch.h"
 
-#include <systemd/sd-bus.h>
 #include <unistd.h>
 
 #include <array>
 #include <charconv>
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -21,9 +19,11 @@
 #include "platform/Process.h"
 #include "platform/Texts.h"
 #include "platform/linux/freedesktop/BaseDirectories.h"
+#include "platform/linux/freedesktop/BusMessage.h"
 #include "platform/linux/freedesktop/CreatedFolders.h"
 #include "platform/linux/freedesktop/Programs.h"
 #include "platform/linux/gnome/Link.h"
+#include "platform/linux/posix/Environment.h"
 
 namespace dormel::gnome {
 namespace fs = std::filesystem;
@@ -38,7 +38,7 @@ constexpr int OUT_OF_DATE = 4;
 constexpr int ACTIVATING = 8;
 
 constexpr const char* SHELL = "org.gnome.Shell";
-constexpr const char* SHELL_OBJECT = "/org/gnome/Shell";
+constexpr freedesktop::BusObject SHELL_OBJECT{SHELL, "/org/gnome/Shell"};
 constexpr const char* EXTENSIONS = "org.gnome.Shell.Extensions";
 constexpr const char* PROGRAM = "gnome-extensions-app";
 // Of the shell's settings. What is on the second list stays off, whatever the first one says.
@@ -50,38 +50,22 @@ const std::string& uuid() {
   return text;
 }
 
-struct BusDeleter {
-  void operator()(sd_bus* bus) const { sd_bus_flush_close_unref(bus); }
-};
-using Bus = std::unique_ptr<sd_bus, BusDeleter>;
-struct MessageDeleter {
-  void operator()(sd_bus_message* message) const { sd_bus_message_unref(message); }
-};
-using Reply = std::unique_ptr<sd_bus_message, MessageDeleter>;
+using freedesktop::BusMessage;
 
-Bus openBus() {
-  sd_bus* bus = nullptr;
-  if (sd_bus_open_user(&bus) < 0) return nullptr;
-  sd_bus_set_method_call_timeout(bus, LIMIT_MICROSECONDS);
-  return Bus(bus);
+freedesktop::OwnedBus openBus() {
+  auto bus = freedesktop::openSessionBus();
+  if (bus) sd_bus_set_method_call_timeout(bus.get(), LIMIT_MICROSECONDS);
+  return bus;
 }
 
-/// Null where nobody answers. The shell is not started by it: on another desktop nobody wants that.
+/// Null where nobody answers.
 template <typename... Arguments>
-Reply ask(sd_bus* bus, const char* interface, const char* method, const char* types, Arguments... arguments) {
-  sd_bus_message* made = nullptr;
-  if (bus == nullptr || sd_bus_message_new_method_call(bus, &made, SHELL, SHELL_OBJECT, interface, method) < 0)
-    return {};
-  const Reply call(made);
-  sd_bus_message_set_auto_start(made, 0);
-  if (sd_bus_message_append(made, types, arguments...) < 0) return {};
-  sd_bus_message* reply = nullptr;
-  if (sd_bus_call(bus, made, 0, nullptr, &reply) < 0) return {};
-  return Reply(reply);
+BusMessage ask(sd_bus* bus, const char* interface, const char* method, const char* types, Arguments... arguments) {
+  return freedesktop::busAnswer(bus, freedesktop::busCall(bus, SHELL_OBJECT, interface, method, types, arguments...));
 }
 
-Reply property(sd_bus* bus, const char* interface, const char* name) {
-  return ask(bus, "org.freedesktop.DBus.Properties", "Get", "ss", interface, name);
+BusMessage property(sd_bus* bus, const char* interface, const char* name) {
+  return ask(bus, freedesktop::BUS_PROPERTIES, "Get", "ss", interface, name);
 }
 
 /// Calls `take` with each name whose value is a number.
@@ -103,11 +87,6 @@ void readNumbers(sd_bus_message* dictionary, Take take) {
   }
 }
 
-std::string variable(const char* name) {
-  const char* const value = std::getenv(name);
-  return value == nullptr ? std::string() : std::string(value);
-}
-
 /// Where an extension lies below a folder of data.
 std::string below(const std::string& data) { return data + "/gnome-shell/extensions/" + uuid(); }
 
@@ -123,7 +102,7 @@ int versionIn(const std::string& folder) {
 }
 
 int versionOfSystem() {
-  const std::string listed = variable("XDG_DATA_DIRS");
+  const std::string listed = posix::environmentVariable("XDG_DATA_DIRS");
   std::istringstream folders(listed.empty() ? "/usr/local/share:/usr/share" : listed);
   for (std::string folder; std::getline(folders, folder, ':');) {
     if (const int version = versionIn(below(folder)); version > 0) return version;
@@ -181,17 +160,17 @@ ExtensionSwitch::ExtensionSwitch(ChildProcesses& children, std::string resources
 ExtensionFacts ExtensionSwitch::facts() const {
   ExtensionFacts facts;
   if (!isSession()) return facts;
-  const Bus bus = openBus();
+  const auto bus = openBus();
   const char* version = nullptr;
-  const Reply shell = property(bus.get(), SHELL, "ShellVersion");
+  const BusMessage shell = property(bus.get(), SHELL, "ShellVersion");
   if (!shell || sd_bus_message_read(shell.get(), "v", "s", &version) < 0) return facts;
   const std::string_view text(version);
   std::from_chars(text.data(), text.data() + text.size(), facts.shellVersion);
   int isAllowed = 1;
-  const Reply allowed = property(bus.get(), EXTENSIONS, "UserExtensionsEnabled");
+  const BusMessage allowed = property(bus.get(), EXTENSIONS, "UserExtensionsEnabled");
   if (allowed && sd_bus_message_read(allowed.get(), "v", "b", &isAllowed) >= 0) facts.areAllowed = isAllowed != 0;
   facts.hasProgram = freedesktop::findProgram(PROGRAM).has_value();
-  const Reply info = ask(bus.get(), EXTENSIONS, "GetExtensionInfo", "s", uuid().c_str());
+  const BusMessage info = ask(bus.get(), EXTENSIONS, "GetExtensionInfo", "s", uuid().c_str());
   readNumbers(info.get(), [&](std::string_view name, double value) {
     if (name == "state") facts.state = static_cast<int>(value);
     if (name == "version") facts.loadedVersion = static_cast<int>(value);
@@ -264,9 +243,9 @@ bool ExtensionSwitch::lead() {
     case ExtensionState::off:
       break;
   }
-  const Bus bus = openBus();
+  const auto bus = openBus();
   int isDone = 0;
-  const Reply reply = ask(bus.get(), EXTENSIONS, "EnableExtension", "s", uuid().c_str());
+  const BusMessage reply = ask(bus.get(), EXTENSIONS, "EnableExtension", "s", uuid().c_str());
   return reply && sd_bus_message_read(reply.get(), "b", &isDone) >= 0 && isDone != 0;
 }
 

@@ -1,11 +1,10 @@
 #include "platform/linux/gnome/GnomePlatform.h"
 
-#include <systemd/sd-bus.h>
-
 #include <utility>
 
 #include "platform/linux/display/DisplayLink.h"
 #include "platform/linux/display/HeldKeyTaps.h"
+#include "platform/linux/freedesktop/BusMessage.h"
 #include "platform/linux/gnome/Panel.h"
 
 namespace dormel::gnome {
@@ -29,29 +28,21 @@ class Trust final : public Accessibility {
 /// What the shell's compositor says of all input devices together.
 class MutterIdle final : public InputIdle {
  public:
-  ~MutterIdle() override { sd_bus_flush_close_unref(bus_); }
-  MutterIdle() = default;
-  MutterIdle(const MutterIdle&) = delete;
-  MutterIdle& operator=(const MutterIdle&) = delete;
-
   [[nodiscard]] Seconds secondsSinceLast(InputKind /*kind*/) const override {
-    if (bus_ == nullptr && sd_bus_open_user(&bus_) < 0) return -1;
-    sd_bus_message* call = nullptr;
-    sd_bus_message* reply = nullptr;
+    if (!bus_) bus_ = freedesktop::openSessionBus();
     std::uint64_t milliseconds = 0;
-    const bool isKnown = sd_bus_message_new_method_call(bus_, &call, "org.gnome.Mutter.IdleMonitor",
-                                                        "/org/gnome/Mutter/IdleMonitor/Core",
-                                                        "org.gnome.Mutter.IdleMonitor", "GetIdletime") >= 0 &&
-                         sd_bus_call(bus_, call, IDLE_MICROSECONDS, nullptr, &reply) >= 0 &&
-                         sd_bus_message_read_basic(reply, 't', &milliseconds) >= 0;
-    sd_bus_message_unref(call);
-    sd_bus_message_unref(reply);
-    if (!isKnown) bus_ = sd_bus_flush_close_unref(bus_);
+    const auto answer = freedesktop::busAnswer(
+        bus_.get(), freedesktop::busCall(bus_.get(), MONITOR, "org.gnome.Mutter.IdleMonitor", "GetIdletime", ""),
+        IDLE_MICROSECONDS);
+    const bool isKnown = answer && sd_bus_message_read_basic(answer.get(), 't', &milliseconds) >= 0;
+    if (!isKnown) bus_.reset();
     return isKnown ? static_cast<double>(milliseconds) / 1000 : -1;
   }
 
  private:
-  mutable sd_bus* bus_ = nullptr;
+  static constexpr freedesktop::BusObject MONITOR{"org.gnome.Mutter.IdleMonitor", "/org/gnome/Mutter/IdleMonitor/Core"};
+
+  mutable freedesktop::OwnedBus bus_;
 };
 
 class PanelServer final : public WindowServer {

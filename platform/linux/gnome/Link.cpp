@@ -11,17 +11,16 @@
 #include <array>
 #include <cerrno>
 #include <chrono>
-#include <climits>
-#include <cstdlib>
 #include <cstring>
 #include <fstream>
-#include <sstream>
 #include <string_view>
 #include <utility>
 
 #include "platform/Identifiers.h"
 #include "platform/linux/freedesktop/BaseDirectories.h"
 #include "platform/linux/freedesktop/CreatedFolders.h"
+#include "platform/linux/freedesktop/Opener.h"
+#include "platform/linux/posix/Environment.h"
 
 namespace dormel::gnome {
 namespace {
@@ -30,7 +29,6 @@ constexpr std::chrono::milliseconds HELLO_LIMIT{1000};
 constexpr std::size_t LONGEST_MESSAGE = 65536;
 constexpr std::size_t HEADER = 4;
 /// What the kernel says of an executable that was replaced under the running program, as an update does it.
-constexpr std::string_view REPLACED = " (deleted)";
 
 std::string framed(const std::string& kind, const Message& body) {
   // Bytes that are no UTF-8 would end the process here; a window's title may hold any.
@@ -50,35 +48,16 @@ posix::FileDescriptor connected(const std::string& path) {
   return fd;
 }
 
-std::string variable(const char* name) {
-  const char* const value = std::getenv(name);
-  return value == nullptr ? std::string() : std::string(value);
-}
-
-std::string ownExecutable() {
-  std::array<char, PATH_MAX> path{};
-  const ssize_t length = ::readlink("/proc/self/exe", path.data(), path.size());
-  std::string own(path.data(), length > 0 ? static_cast<std::size_t>(length) : 0);
-  if (own.ends_with(REPLACED)) own.resize(own.size() - REPLACED.size());
-  return own;
-}
-
 }  // namespace
 
-bool isSession() {
-  // "ubuntu:GNOME", "GNOME-Classic:GNOME".
-  std::istringstream names(variable("XDG_CURRENT_DESKTOP"));
-  bool isGnome = false;
-  for (std::string name; std::getline(names, name, ':');) isGnome = isGnome || name == "GNOME";
-  return isGnome && !variable("WAYLAND_DISPLAY").empty();
-}
+bool isSession() { return freedesktop::isGnome() && !posix::environmentVariable("WAYLAND_DISPLAY").empty(); }
 
 std::string socketPath() { return freedesktop::runtimeDirectory() + "/" + BUNDLE_IDENTIFIER + ".gnome"; }
 
 std::string programsPath() { return freedesktop::stateHome() + "/" + BUNDLE_IDENTIFIER + ".gnome.programs"; }
 
 void putIntoList() {
-  const std::string own = ownExecutable();
+  const std::string own = posix::executableOf();
   if (own.empty()) return;
   std::string kept;
   std::ifstream file(programsPath());

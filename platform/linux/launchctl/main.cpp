@@ -21,7 +21,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -37,6 +36,7 @@
 #include "platform/linux/jobs/JobLaunch.h"
 #include "platform/linux/jobs/LaunchctlCommand.h"
 #include "platform/linux/jobs/Scheduler.h"
+#include "platform/linux/posix/Environment.h"
 #include "platform/linux/supervisor/Supervisor.h"
 #include "platform/linux/supervisor/SupervisorScheduler.h"
 #include "platform/linux/systemd/SessionDisplays.h"
@@ -47,12 +47,6 @@ namespace {
 
 using Arguments = std::vector<std::string>;
 
-std::string ownPath() {
-  std::array<char, 4096> path{};
-  const ssize_t length = ::readlink("/proc/self/exe", path.data(), path.size());
-  return length > 0 ? std::string(path.data(), static_cast<std::size_t>(length)) : std::string();
-}
-
 /// The copy of this program that comes with the job's own bundle, so that a job which was moved, or is being moved by
 /// another copy, depends on nothing but its own; this one where the job brings none.
 std::string launcherFor(const Job& job) {
@@ -60,7 +54,7 @@ std::string launcherFor(const Job& job) {
     std::string launcher = *bundle + "/Contents/Helpers/launchctl";
     if (::access(launcher.c_str(), X_OK) == 0) return launcher;
   }
-  return ownPath();
+  return posix::executableOf();
 }
 
 std::string ownDomain() { return "gui/" + std::to_string(::getuid()); }
@@ -84,7 +78,7 @@ int usage() {
 class Schedulers {
  public:
   /// `launcher` is what the schedulers call to start a job that they are given.
-  explicit Schedulers(std::string launcher = ownPath()) : launcher_(std::move(launcher)) {}
+  explicit Schedulers(std::string launcher = posix::executableOf()) : launcher_(std::move(launcher)) {}
 
   /// What there is to tell about a job that is loaded whole: known to a scheduler, and armed for later logins.
   std::optional<JobReport> find(const std::string& label) {

@@ -8,20 +8,14 @@
 #include <cerrno>
 #include <utility>
 
+#include "platform/linux/posix/PosixFiles.h"
+
 namespace dormel::posix {
 namespace {
 
 bool isPipe(int fd) {
   struct stat info {};
   return ::fstat(fd, &info) == 0 && S_ISFIFO(info.st_mode);
-}
-
-/// Whether the pipe is still the one that others find: it may have been deleted since it was opened.
-bool isAt(int fd, const std::string& path) {
-  struct stat held {};
-  struct stat present {};
-  return ::fstat(fd, &held) == 0 && ::stat(path.c_str(), &present) == 0 && held.st_dev == present.st_dev &&
-         held.st_ino == present.st_ino;
 }
 
 }  // namespace

@@ -3,18 +3,14 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <string_view>
-#include <system_error>
+
+#include "platform/linux/posix/Environment.h"
 
 namespace dormel::posix {
 
 PosixBundle::PosixBundle() {
   namespace fs = std::filesystem;
-  std::error_code error;
-  executable_ = fs::read_symlink("/proc/self/exe", error).string();
-  // The kernel marks a program whose file was replaced while it runs; its place is still the one we mean.
-  constexpr std::string_view REPLACED = " (deleted)";
-  if (executable_.ends_with(REPLACED)) executable_.resize(executable_.size() - REPLACED.size());
+  executable_ = executableOf();
   const fs::path executable = executable_;
   const fs::path contents = executable.parent_path().parent_path();
   isBundle_ = contents.filename() == "Contents" && contents.parent_path().extension() == ".app";

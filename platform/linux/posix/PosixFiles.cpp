@@ -14,19 +14,6 @@
 namespace dormel::posix {
 namespace {
 
-FileError lastError() { return {std::generic_category().message(errno)}; }
-
-/// Leaves in `bytes` what could not be written.
-bool writeAll(int fd, std::string_view& bytes) {
-  while (!bytes.empty()) {
-    const ssize_t written = ::write(fd, bytes.data(), bytes.size());
-    if (written < 0 && errno == EINTR) continue;
-    if (written < 0) return false;
-    bytes.remove_prefix(static_cast<std::size_t>(written));
-  }
-  return true;
-}
-
 /// Follows links: where one of our files is to lie is the user's to say.
 FileDescriptor openFile(const std::string& path, int flags, unsigned mode = 0) {
   for (;;) {
@@ -36,6 +23,25 @@ FileDescriptor openFile(const std::string& path, int flags, unsigned mode = 0) {
 }
 
 }  // namespace
+
+FileError lastError() { return {std::generic_category().message(errno)}; }
+
+bool isAt(int file, const std::string& path) {
+  struct stat held {};
+  struct stat present {};
+  return ::fstat(file, &held) == 0 && ::stat(path.c_str(), &present) == 0 && held.st_dev == present.st_dev &&
+         held.st_ino == present.st_ino;
+}
+
+bool writeAll(int file, std::string_view& bytes) {
+  while (!bytes.empty()) {
+    const ssize_t written = ::write(file, bytes.data(), bytes.size());
+    if (written < 0 && errno == EINTR) continue;
+    if (written < 0) return false;
+    bytes.remove_prefix(static_cast<std::size_t>(written));
+  }
+  return true;
+}
 
 PosixFiles::PosixFiles(OnFolderCreated onFolderCreated) : onFolderCreated_(std::move(onFolderCreated)) {
   if (const char* home = std::getenv("HOME"); home != nullptr && *home == '/') {

@@ -8,6 +8,13 @@
 
 namespace dormel::posix {
 
+/// What errno says.
+[[nodiscard]] FileError lastError();
+/// Whether the open file is the one that stands there: it may have been deleted or replaced since.
+[[nodiscard]] bool isAt(int file, const std::string& path);
+/// Writes it all, and takes away from `bytes` what was written. False with errno when it could not.
+[[nodiscard]] bool writeAll(int file, std::string_view& bytes);
+
 class PosixFiles final : public Files {
  public:
   /// Told the path of each folder that `createDirectories` made. Any thread.

@@ -11,6 +11,7 @@
 #include <condition_variable>
 #include <cstdint>
 #include <deque>
+#include <future>
 #include <string>
 #include <system_error>
 #include <thread>
@@ -208,6 +209,18 @@ std::unique_ptr<SerialQueue> PosixQueues::makeSerial(std::string_view label) {
 
 std::unique_ptr<BackgroundTimer> PosixQueues::makeBackgroundTimer(Seconds first, Seconds interval, Task tick) {
   return std::make_unique<GuardedTimer>(loop_, first, interval, std::move(tick));
+}
+
+void doWithin(std::chrono::milliseconds limit, Task work) {
+  auto done = std::make_shared<std::promise<void>>();
+  const auto isDone = done->get_future();
+  std::thread thread = startThread([done, work = std::move(work)] {
+    work();
+    done->set_value();
+  });
+  if (!thread.joinable()) return;
+  thread.detach();
+  isDone.wait_for(limit);
 }
 
 bool PosixQueues::drain(Seconds limit) {

@@ -2,6 +2,7 @@
 // queue's thread starts with its first task; all of them sleep in the kernel until there is work.
 #pragma once
 
+#include <chrono>
 #include <memory>
 #include <mutex>
 #include <vector>
@@ -30,5 +31,9 @@ class PosixQueues final : public Queues {
   RunLoop& loop_;
   std::shared_ptr<Registry> registry_;
 };
+
+/// Does the work on a thread of its own, and waits for it, so long at most: somebody who does not answer must not keep
+/// the process from ending. Where no thread is left on this machine, nothing is done.
+void doWithin(std::chrono::milliseconds limit, Task work);
 
 }  // namespace dormel::posix

@@ -1,22 +1,16 @@
 #include "platform/linux/posix/SessionTexts.h"
 
-#include <cstdlib>
 #include <fstream>
 #include <iterator>
 
+#include "platform/linux/posix/Environment.h"
+
 namespace dormel::posix {
-namespace {
-
-std::string variable(const char* name) {
-  const char* const value = std::getenv(name);
-  return value == nullptr ? std::string() : std::string(value);
-}
-
-}  // namespace
+namespace {}  // namespace
 
 SessionTexts::Table SessionTexts::read() const {
-  const LanguageVariables variables{variable("LANGUAGE"), variable("LC_ALL"), variable("LC_MESSAGES"),
-                                    variable("LANG")};
+  const LanguageVariables variables{environmentVariable("LANGUAGE"), environmentVariable("LC_ALL"),
+                                    environmentVariable("LC_MESSAGES"), environmentVariable("LANG")};
   for (const std::string& language : wantedLanguages(variables)) {
     const std::string path = folder_ + "/" + language + ".mo";
     std::ifstream file(path, std::ios::binary);

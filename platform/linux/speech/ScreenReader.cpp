@@ -1,21 +1,15 @@
 #include "platform/linux/speech/ScreenReader.h"
 
-#include <systemd/sd-bus.h>
-
 #include <utility>
+
+#include "platform/linux/freedesktop/BusMessage.h"
 
 namespace dormel::speech {
 namespace {
 
-constexpr const char* SERVICE = "org.a11y.Bus";
-constexpr const char* OBJECT = "/org/a11y/bus";
+constexpr freedesktop::BusObject OBJECT{"org.a11y.Bus", "/org/a11y/bus"};
 constexpr const char* STATUS = "org.a11y.Status";
 constexpr const char* IS_ON = "ScreenReaderEnabled";
-constexpr const char* PROPERTIES = "org.freedesktop.DBus.Properties";
-
-struct MessageDeleter {
-  void operator()(sd_bus_message* message) const { sd_bus_message_unref(message); }
-};
 
 }  // namespace
 
@@ -26,7 +20,8 @@ ScreenReader::ScreenReader(EventLoop& loop, std::function<void(bool isOn)> handl
     static_cast<ScreenReader*>(self)->ask();
     return 0;
   };
-  sd_bus_match_signal_async(*bus_, nullptr, SERVICE, OBJECT, PROPERTIES, "PropertiesChanged", changed, nullptr, this);
+  sd_bus_match_signal_async(*bus_, nullptr, OBJECT.service, OBJECT.path, freedesktop::BUS_PROPERTIES,
+                            "PropertiesChanged", changed, nullptr, this);
   ask();
 }
 
@@ -38,12 +33,8 @@ void ScreenReader::ask() {
     }
     return 0;
   };
-  sd_bus_message* made = nullptr;
-  const int status = sd_bus_message_new_method_call(*bus_, &made, SERVICE, OBJECT, PROPERTIES, "Get");
-  const std::unique_ptr<sd_bus_message, MessageDeleter> message(made);
-  if (status < 0 || sd_bus_message_append(made, "ss", STATUS, IS_ON) < 0) return;
-  sd_bus_message_set_auto_start(made, 0);
-  sd_bus_call_async(*bus_, nullptr, made, answered, this, 0);
+  const auto call = freedesktop::busCall(*bus_, OBJECT, freedesktop::BUS_PROPERTIES, "Get", "ss", STATUS, IS_ON);
+  if (call) sd_bus_call_async(*bus_, nullptr, call.get(), answered, this, 0);
 }
 
 }  // namespace dormel::speech

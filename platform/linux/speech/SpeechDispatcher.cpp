@@ -6,9 +6,10 @@
 
 #include <array>
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
 #include <utility>
+
+#include "platform/linux/posix/Environment.h"
 
 namespace dormel::speech {
 namespace {
@@ -18,11 +19,6 @@ constexpr int MOST_TRIES = 20;
 constexpr Seconds PATIENCE = 3.0;
 constexpr std::size_t LONGEST_ANSWER = 65536;
 constexpr const char* RECEIVING = "230";
-
-std::string variable(const char* name) {
-  const char* const value = std::getenv(name);
-  return value == nullptr ? std::string() : std::string(value);
-}
 
 /// A text as the protocol takes it: whole lines, none that would end it early.
 std::string asData(const std::string& text) {
@@ -39,9 +35,9 @@ std::string asData(const std::string& text) {
 
 std::string serverSocket() {
   constexpr std::string_view UNIX = "unix_socket:";
-  const std::string address = variable("SPEECHD_ADDRESS");
+  const std::string address = posix::environmentVariable("SPEECHD_ADDRESS");
   if (address.starts_with(UNIX) && address.size() > UNIX.size()) return address.substr(UNIX.size());
-  const std::string folder = variable("XDG_RUNTIME_DIR");
+  const std::string folder = posix::environmentVariable("XDG_RUNTIME_DIR");
   return folder.empty() ? std::string() : folder + "/speech-dispatcher/speechd.sock";
 }
 

@@ -1,7 +1,6 @@
 #include "platform/linux/supervisor/JobLock.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -9,6 +8,7 @@
 
 #include "platform/linux/freedesktop/BaseDirectories.h"
 #include "platform/linux/freedesktop/TextFile.h"
+#include "platform/linux/posix/PosixFiles.h"
 
 namespace dormel::jobs::supervisor {
 namespace {
@@ -36,12 +36,7 @@ bool JobLock::claim() {
   return false;
 }
 
-bool JobLock::isFound() const {
-  struct stat held {};
-  struct stat present {};
-  return ::fstat(file_.get(), &held) == 0 && ::stat(path_.c_str(), &present) == 0 && held.st_ino == present.st_ino &&
-         held.st_dev == present.st_dev;
-}
+bool JobLock::isFound() const { return posix::isAt(file_.get(), path_); }
 
 std::optional<pid_t> JobLock::holder() const {
   const posix::FileDescriptor file(::open(path_.c_str(), O_RDWR | O_CLOEXEC));

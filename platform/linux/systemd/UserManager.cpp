@@ -1,16 +1,16 @@
 #include "platform/linux/systemd/UserManager.h"
 
-#include <sys/stat.h>
-#include <systemd/sd-bus.h>
-
 #include <algorithm>
 #include <cctype>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
+#include <system_error>
 #include <utility>
 
 #include "platform/linux/freedesktop/BaseDirectories.h"
+#include "platform/linux/freedesktop/BusMessage.h"
 
 namespace dormel::jobs::systemd {
 namespace {
@@ -23,20 +23,8 @@ constexpr std::uint64_t ANSWER_TIMEOUT_US = 5'000'000;
 // A stop takes as long as the unit's own limit allows, and a little more.
 constexpr auto JOB_TIMEOUT = std::chrono::seconds(15);
 
-using Bus = std::unique_ptr<sd_bus, decltype(&sd_bus_flush_close_unref)>;
-
-class Message {
- public:
-  Message() = default;
-  Message(const Message&) = delete;
-  Message& operator=(const Message&) = delete;
-  ~Message() { sd_bus_message_unref(message_); }
-  sd_bus_message** out() { return &message_; }
-  [[nodiscard]] sd_bus_message* get() const { return message_; }
-
- private:
-  sd_bus_message* message_ = nullptr;
-};
+using freedesktop::BusMessage;
+using freedesktop::OwnedBus;
 
 /// `path` as a bus address takes it.
 std::string addressOf(const std::string& path) {
@@ -55,19 +43,18 @@ std::string addressOf(const std::string& path) {
 }
 
 /// The manager's own socket, which is there without any message bus.
-Bus openOwnSocket() {
-  sd_bus* raw = nullptr;
-  if (sd_bus_new(&raw) < 0) return {nullptr, &sd_bus_flush_close_unref};
-  Bus bus(raw, &sd_bus_flush_close_unref);
+OwnedBus openOwnSocket() {
+  sd_bus* made = nullptr;
+  if (sd_bus_new(&made) < 0) return nullptr;
+  OwnedBus bus(made);
   const std::string address = addressOf(freedesktop::runtimeDirectory() + "/systemd/private");
-  if (sd_bus_set_address(raw, address.c_str()) < 0 || sd_bus_start(raw) < 0) bus.reset();
+  if (sd_bus_set_address(made, address.c_str()) < 0 || sd_bus_start(made) < 0) bus.reset();
   return bus;
 }
 
-Bus openSessionBus() {
-  sd_bus* raw = nullptr;
-  if (sd_bus_open_user(&raw) < 0) raw = nullptr;
-  return {raw, &sd_bus_flush_close_unref};
+template <typename... Arguments>
+BusMessage ask(sd_bus* bus, const char* method, const char* types, Arguments... arguments) {
+  return freedesktop::busAnswer(bus, freedesktop::busCall(bus, {NAME, OBJECT}, MANAGER, method, types, arguments...));
 }
 
 bool answers(sd_bus* bus) {
@@ -81,8 +68,8 @@ bool answers(sd_bus* bus) {
 }  // namespace
 
 std::unique_ptr<UserManager> UserManager::connect() {
-  for (const auto open : {&openOwnSocket, &openSessionBus}) {
-    Bus bus = open();
+  for (const auto open : {&openOwnSocket, &freedesktop::openSessionBus}) {
+    OwnedBus bus = open();
     if (bus && answers(bus.get())) return std::unique_ptr<UserManager>(new UserManager(bus.release()));
   }
   return nullptr;
@@ -100,7 +87,7 @@ UserManager::UserManager(sd_bus* bus) : bus_(bus) {
     return 0;
   };
   sd_bus_match_signal(bus_, &jobsRemoved_, nullptr, OBJECT, MANAGER, "JobRemoved", note, this);
-  sd_bus_call_method(bus_, NAME, OBJECT, MANAGER, "Subscribe", nullptr, nullptr, "");
+  static_cast<void>(ask(bus_, "Subscribe", ""));
 }
 
 UserManager::~UserManager() {
@@ -109,23 +96,19 @@ UserManager::~UserManager() {
 }
 
 bool UserManager::readsUnitsIn(const std::string& folder) {
-  struct stat ours {};
-  if (::stat(folder.c_str(), &ours) != 0) return false;
   char** paths = nullptr;
   if (sd_bus_get_property_strv(bus_, NAME, OBJECT, MANAGER, "UnitPath", nullptr, &paths) < 0) return false;
   bool found = false;
+  std::error_code ignored;
   for (char** path = paths; path != nullptr && *path != nullptr; ++path) {
-    struct stat theirs {};
-    found = found || (::stat(*path, &theirs) == 0 && theirs.st_dev == ours.st_dev && theirs.st_ino == ours.st_ino);
+    found = found || std::filesystem::equivalent(*path, folder, ignored);
     std::free(*path);
   }
   std::free(paths);
   return found;
 }
 
-bool UserManager::reload() {
-  return sd_bus_call_method(bus_, NAME, OBJECT, MANAGER, "Reload", nullptr, nullptr, "") >= 0;
-}
+bool UserManager::reload() { return ask(bus_, "Reload", "") != nullptr; }
 
 std::vector<std::string> UserManager::environment() {
   std::vector<std::string> entries;
@@ -140,13 +123,9 @@ std::vector<std::string> UserManager::environment() {
 }
 
 std::string UserManager::unitObject(const std::string& name) {
-  Message reply;
   const char* object = nullptr;
-  if (sd_bus_call_method(bus_, NAME, OBJECT, MANAGER, "LoadUnit", nullptr, reply.out(), "s", name.c_str()) < 0 ||
-      sd_bus_message_read(reply.get(), "o", &object) < 0) {
-    return {};
-  }
-  return object;
+  const BusMessage reply = ask(bus_, "LoadUnit", "s", name.c_str());
+  return reply && sd_bus_message_read(reply.get(), "o", &object) >= 0 ? object : std::string();
 }
 
 std::string UserManager::text(const std::string& object, const char* interface, const char* property) {
@@ -190,14 +169,10 @@ std::uint64_t UserManager::nextElapse(const std::string& timer) {
 }
 
 bool UserManager::runJob(const char* method, const std::string& unit) {
-  Message reply;
   const char* job = nullptr;
   finished_.clear();
-  if (sd_bus_call_method(bus_, NAME, OBJECT, MANAGER, method, nullptr, reply.out(), "ss", unit.c_str(), "replace") <
-          0 ||
-      sd_bus_message_read(reply.get(), "o", &job) < 0) {
-    return false;
-  }
+  const BusMessage reply = ask(bus_, method, "ss", unit.c_str(), "replace");
+  if (!reply || sd_bus_message_read(reply.get(), "o", &job) < 0) return false;
   const auto deadline = std::chrono::steady_clock::now() + JOB_TIMEOUT;
   for (;;) {
     const auto end = std::find_if(finished_.begin(), finished_.end(), [&](const auto& f) { return f.first == job; });
@@ -213,7 +188,7 @@ bool UserManager::runJob(const char* method, const std::string& unit) {
 }
 
 void UserManager::resetFailed(const std::string& unit) {
-  sd_bus_call_method(bus_, NAME, OBJECT, MANAGER, "ResetFailedUnit", nullptr, nullptr, "s", unit.c_str());
+  static_cast<void>(ask(bus_, "ResetFailedUnit", "s", unit.c_str()));
 }
 
 }  // namespace dormel::jobs::systemd

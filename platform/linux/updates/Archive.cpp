@@ -14,6 +14,7 @@
 #include <utility>
 
 #include "platform/linux/posix/FileDescriptor.h"
+#include "platform/linux/posix/PosixFiles.h"
 
 namespace dormel::updates {
 namespace {
@@ -164,16 +165,8 @@ class Unpacking {
       const auto count = static_cast<std::size_t>(got);
       bytes_ += count;
       if (bytes_ > MOST_BYTES) throw Fault{"the archive is too large"};
-      writeAll(file.get(), {part.data(), count}, path);
-    }
-  }
-
-  static void writeAll(int file, std::string_view bytes, const std::string& path) {
-    while (!bytes.empty()) {
-      const ssize_t written = ::write(file, bytes.data(), bytes.size());
-      if (written < 0 && errno == EINTR) continue;
-      if (written < 0) failOnDisk(path, errno);
-      bytes.remove_prefix(static_cast<std::size_t>(written));
+      std::string_view bytes(part.data(), count);
+      if (!posix::writeAll(file.get(), bytes)) failOnDisk(path, errno);
     }
   }
 

@@ -8,11 +8,10 @@
 #include <system_error>
 
 #include "platform/linux/posix/FileDescriptor.h"
+#include "platform/linux/posix/PosixFiles.h"
 
 namespace dormel::updates {
 namespace {
-
-FileError lastError() { return {std::generic_category().message(errno)}; }
 
 std::string parent(const std::string& path) { return path.substr(0, path.rfind('/')); }
 
@@ -24,12 +23,12 @@ posix::FileDescriptor openFolder(const std::string& path) {
 
 FileResult exchangeBundles(const std::string& fresh, const std::string& bundle, const std::string& aside) {
   // The new one with all it holds first: a power cut must not leave empty files in the program's place.
-  if (const auto disk = openFolder(fresh); !disk.valid() || ::syncfs(disk.get()) != 0) return lastError();
+  if (const auto disk = openFolder(fresh); !disk.valid() || ::syncfs(disk.get()) != 0) return posix::lastError();
   if (::renameat2(AT_FDCWD, fresh.c_str(), AT_FDCWD, bundle.c_str(), RENAME_EXCHANGE) != 0) {
-    if (errno != EINVAL && errno != ENOSYS) return lastError();
-    if (::rename(bundle.c_str(), aside.c_str()) != 0) return lastError();
+    if (errno != EINVAL && errno != ENOSYS) return posix::lastError();
+    if (::rename(bundle.c_str(), aside.c_str()) != 0) return posix::lastError();
     if (::rename(fresh.c_str(), bundle.c_str()) != 0) {
-      const FileError error = lastError();
+      const FileError error = posix::lastError();
       repairExchange(bundle, aside);
       return error;
     }

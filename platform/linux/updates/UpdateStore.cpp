@@ -22,8 +22,6 @@ constexpr const char* COMING = "archive.part";
 constexpr const char* ENTRY = "update.json";
 constexpr std::uintmax_t LARGEST_ENTRY = 16'384;
 
-FileError lastError() { return {std::generic_category().message(errno)}; }
-
 /// A regular file of a size that suits; nothing otherwise.
 template <typename Suits>
 std::optional<std::string> readFile(const std::string& path, Suits suits) {
@@ -65,11 +63,11 @@ bool UpdateStore::isOurs() const {
 
 FileResult UpdateStore::openUp() const {
   if (::mkdir(folder_.c_str(), 0700) == 0) return {};
-  if (errno != EEXIST) return lastError();
+  if (errno != EEXIST) return posix::lastError();
   // In a folder that is everybody's, somebody else may have been here first: whoever owns this one could exchange what
   // was verified.
   if (!isOurs()) return FileError{std::generic_category().message(EPERM)};
-  if (::chmod(folder_.c_str(), 0700) != 0) return lastError();
+  if (::chmod(folder_.c_str(), 0700) != 0) return posix::lastError();
   return {};
 }
 

@@ -1,13 +1,11 @@
 #include "platform/linux/x11/X11Platform.h"
 
 #include <chrono>
-#include <future>
 #include <limits>
-#include <system_error>
-#include <thread>
 #include <utility>
 
 #include "platform/linux/display/KeyCodes.h"
+#include "platform/linux/posix/PosixQueues.h"
 
 namespace dormel::x11 {
 namespace {
@@ -103,18 +101,10 @@ void X11Platform::setLockdown(bool on) {
 void X11Platform::restoreAtExit(bool /*comesBack*/) {
   if (!isLockedDown_ && !(accessXSuspension_ && accessXSuspension_->isHeld())) return;
   isEnding_ = true;
-  // A server that does not answer must not keep the process from ending.
-  auto given = std::make_shared<std::promise<void>>();
-  auto isGiven = given->get_future();
-  try {
-    std::thread([given, display = display_, client = lockdown_->client(), focus = windows_.focusOwed()] {
-      Lockdown::bequeath(display, client, focus);
-      given->set_value();
-    }).detach();
-  } catch (const std::system_error&) {
-    return;  // no thread left on this machine: the next start gives them back
-  }
-  isGiven.wait_for(RESTORE_LIMIT);
+  // Without a thread the next start gives them back.
+  posix::doWithin(RESTORE_LIMIT, [display = display_, client = lockdown_->client(), focus = windows_.focusOwed()] {
+    Lockdown::bequeath(display, client, focus);
+  });
 }
 
 }  // namespace dormel::x11
