@@ -3,6 +3,7 @@
 
 #include "platform/linux/posix/PosixClock.h"
 #include "platform/linux/posix/PosixFiles.h"
+#include "tests/posix/Child.h"
 #include "tests/posix/TemporaryHome.h"
 
 namespace dormel {
@@ -34,6 +35,29 @@ TEST(PosixFiles, WritesWithModeAppendsAndReplaces) {
   EXPECT_EQ(files.read(folder), std::nullopt);
   EXPECT_FALSE(files.remove(home.path() + "/a"));
   EXPECT_TRUE(files.remove(home.path() + "/a")) << "already gone";
+}
+
+TEST(PosixFiles, WhatCannotBeRemovedDoesNotKeepTheRest) {
+  const TemporaryHome home;
+  EXPECT_EQ(statusAsOrdinaryUser(home.path(),
+                                 [&] {
+                                   posix::PosixFiles files;
+                                   const std::string all = home.path() + "/all";
+                                   for (const char* folder : {"/a", "/kept", "/z/deep"})
+                                     files.createDirectories(all + folder, 0700);
+                                   for (const char* file : {"/a/file", "/kept/file", "/z/deep/file"})
+                                     files.write(all + file, "", {});
+                                   files.write(home.path() + "/elsewhere", "", {});
+                                   static_cast<void>(::symlink(home.path().c_str(), (all + "/link").c_str()));
+                                   ::chmod((all + "/kept").c_str(), 0500);
+                                   return files.remove(all) && files.exists(all + "/kept/file") &&
+                                                  !files.exists(all + "/a") && !files.exists(all + "/z") &&
+                                                  !files.exists(all + "/link") &&
+                                                  files.exists(home.path() + "/elsewhere")
+                                              ? 0
+                                              : 1;
+                                 }),
+            0);
 }
 
 TEST(PosixFiles, AnAppendThatDoesNotFitLeavesNoHalfOfIt) {

@@ -74,10 +74,7 @@ FileResult moveOrCopy(posix::PosixChildProcesses& children, const std::string& f
   if (errno != EXDEV) return posix::lastError();
   if (!isTreeDeletable(from)) return FileError{std::generic_category().message(EACCES)};
   if (auto error = copyTree(children, from, to)) return error;
-  std::error_code error;
-  fs::remove_all(from, error);
-  if (!error) return {};
-  return FileError{error.message()};
+  return posix::removeTree(from);
 }
 
 FileResult put(posix::PosixChildProcesses& children, const std::string& path, const TrashCan& can,

@@ -5,9 +5,11 @@
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <system_error>
+#include <vector>
 
 #include "platform/linux/posix/FileDescriptor.h"
 
@@ -149,12 +151,24 @@ FileResult PosixFiles::rename(const std::string& from, const std::string& to) {
   return {};
 }
 
-FileResult PosixFiles::remove(const std::string& path) {
+FileResult PosixFiles::remove(const std::string& path) { return removeTree(path); }
+
+FileResult removeTree(const std::string& path) {
+  namespace fs = std::filesystem;
+  FileResult first;
   std::error_code error;
-  if (std::filesystem::remove_all(path, error) == 0 && !error)
-    error = std::make_error_code(std::errc::no_such_file_or_directory);
-  if (error) return FileError{error.message()};
-  return {};
+  const auto note = [&](const FileResult& failure) {
+    if (failure && !first) first = failure;
+  };
+  if (fs::is_directory(fs::symlink_status(path, error))) {
+    // Listed before anything goes: what is removed while it runs may turn up again under another name.
+    std::vector<std::string> inside;
+    for (fs::directory_iterator entry(path, error); !error && entry != fs::directory_iterator(); entry.increment(error))
+      inside.push_back(entry->path());
+    for (const std::string& each : inside) note(removeTree(each));
+  }
+  if (::remove(path.c_str()) != 0) note(lastError());
+  return first;
 }
 
 }  // namespace dormel::posix

@@ -14,6 +14,9 @@ namespace dormel::posix {
 [[nodiscard]] bool isAt(int file, const std::string& path);
 /// Writes it all, and takes away from `bytes` what was written. False with errno when it could not.
 [[nodiscard]] bool writeAll(int file, std::string_view& bytes);
+/// Deletes a file or a link, or a folder with all it holds; what cannot go does not keep the rest, and the first reason
+/// is answered. Ends on file systems, too, where a file that somebody has open only changes its name (NFS, FUSE).
+FileResult removeTree(const std::string& path);
 
 class PosixFiles final : public Files {
  public:

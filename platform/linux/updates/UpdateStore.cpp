@@ -88,21 +88,19 @@ FileResult UpdateStore::keep(const FeedEntry& entry, std::string_view archive) c
 std::optional<std::string> UpdateStore::makeFolder(const std::string& name) const {
   if (openUp()) return {};
   const std::string path = in(name.c_str());
-  std::error_code error;
-  fs::remove_all(path, error);
-  if (error || ::mkdir(path.c_str(), 0700) != 0) return {};
+  posix::removeTree(path);
+  if (::mkdir(path.c_str(), 0700) != 0) return {};
   return path;
 }
 
 void UpdateStore::removeFolder(const std::string& name) const {
-  std::error_code ignored;
-  if (isOurs()) fs::remove_all(in(name.c_str()), ignored);
+  if (isOurs()) posix::removeTree(in(name.c_str()));
 }
 
 void UpdateStore::clear() const {
   std::error_code ignored;
   if (isOurs()) fs::remove(in(ENTRY), ignored);
-  fs::remove_all(folder_, ignored);  // of a link, the link
+  posix::removeTree(folder_);  // of a link, the link
 }
 
 FolderLock::FolderLock(const std::string& folder)
