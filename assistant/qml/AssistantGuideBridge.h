@@ -20,8 +20,6 @@ class AssistantGuideBridge : public ViewBridge {
  public:
   explicit AssistantGuideBridge(std::shared_ptr<OverlayContentView> view);
 
-  [[nodiscard]] QStringList plainLines() const override { return {title()}; }
-
   [[nodiscard]] QString title() const { return QString::fromStdString(view_->title()); }
   [[nodiscard]] DragRowBridge* row() { return &row_; }
   Q_INVOKABLE void back() { view_->back(); }

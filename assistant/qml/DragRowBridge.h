@@ -25,8 +25,6 @@ class DragRowBridge : public ViewBridge {
   explicit DragRowBridge(std::shared_ptr<AppDragSourceView> view, bool inPlace = false);
   ~DragRowBridge() override;
 
-  [[nodiscard]] QStringList plainLines() const override { return {name()}; }
-
   [[nodiscard]] QString name() const { return QString::fromStdString(view_->hostApp().displayName); }
   [[nodiscard]] QUrl icon() const;
   [[nodiscard]] bool rowHidden() const { return inPlace_ && view_->isRowHidden(); }

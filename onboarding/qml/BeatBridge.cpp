@@ -73,15 +73,6 @@ QString BeatBridge::name() const {
   return {};
 }
 
-QStringList BeatBridge::plainLines() const {
-  QStringList lines;
-  for (const OnbElement& element : screen_->elements()) {
-    const bool isSaid = element.kind == Kind::headline || element.kind == Kind::sub || element.kind == Kind::button;
-    if (isSaid && !element.text->empty()) lines << wordsOf(element);
-  }
-  return lines;
-}
-
 int BeatBridge::rowCount(const QModelIndex& parent) const {
   return parent.isValid() ? 0 : static_cast<int>(screen_->elements().size());
 }

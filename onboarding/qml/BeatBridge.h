@@ -44,8 +44,6 @@ class BeatBridge : public QAbstractListModel {
   [[nodiscard]] const std::shared_ptr<OnboardingScreen>& screen() const { return screen_; }
   [[nodiscard]] QString name() const;
   [[nodiscard]] bool turns() const { return wheel_ != nullptr; }
-  /// What it says, for the case that it cannot be drawn: headlines, lines below them, and the button.
-  [[nodiscard]] QStringList plainLines() const;
 
   [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
   [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;

@@ -12,8 +12,4 @@ OnboardingBridge::OnboardingBridge(std::shared_ptr<OnboardingView> view) : view_
   });
 }
 
-QStringList OnboardingBridge::plainLines() const {
-  return QStringList{QStringLiteral("Dormel")} + beats_.current()->plainLines();
-}
-
 }  // namespace dormel

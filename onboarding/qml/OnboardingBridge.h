@@ -22,8 +22,6 @@ class OnboardingBridge : public ViewBridge {
  public:
   explicit OnboardingBridge(std::shared_ptr<OnboardingView> view);
 
-  [[nodiscard]] QStringList plainLines() const override;
-
   [[nodiscard]] QAbstractItemModel* beats() { return &beats_; }
   [[nodiscard]] bool canGoBack() const { return view_->backTarget().has_value(); }
   [[nodiscard]] static double areaWidth() { return OnboardingView::SIZE.width; }

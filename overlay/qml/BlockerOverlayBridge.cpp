@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "overlay/qml/QtColor.h"
-#include "platform/linux/qt/QtStrings.h"
 
 namespace dormel {
 
@@ -25,9 +24,5 @@ int BlockerOverlayBridge::appearDuration() const { return static_cast<int>(state
 QColor BlockerOverlayBridge::statusColor() const { return toColor(state_.statusColor); }
 
 QColor BlockerOverlayBridge::progressColor() const { return toColor(state_.progressColor(uptime())); }
-
-QStringList BlockerOverlayBridge::plainLines() const {
-  return qtStrings(state_.plainLines(uptime(), [](std::string_view) { return true; }));
-}
 
 }  // namespace dormel

@@ -41,8 +41,6 @@ class BlockerOverlayBridge : public StateBridge {
  public:
   explicit BlockerOverlayBridge(std::shared_ptr<PaintedView> view);
 
-  [[nodiscard]] QStringList plainLines() const override;
-
   [[nodiscard]] bool appeared() const { return state_.appeared; }
   [[nodiscard]] int appearDuration() const;
   [[nodiscard]] int fadeOutDuration() const { return static_cast<int>(OVERLAY_UI_FADE_OUT_DURATION * 1000); }

@@ -21,8 +21,6 @@ class GraceCountdownBridge : public StateBridge {
  public:
   explicit GraceCountdownBridge(std::shared_ptr<PaintedView> view);
 
-  [[nodiscard]] QStringList plainLines() const override { return {graceText()}; }
-
   [[nodiscard]] double graceProgress() const { return state_.progress; }
   [[nodiscard]] QColor urgencyColor() const;
   [[nodiscard]] QString graceText() const { return QString::fromStdString(state_.text); }

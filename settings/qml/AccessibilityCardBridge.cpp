@@ -2,8 +2,6 @@
 
 #include <utility>
 
-#include "platform/linux/qt/QtStrings.h"
-
 namespace dormel {
 
 AccessibilityCardBridge::AccessibilityCardBridge(std::shared_ptr<PaintedView> view) : StateBridge(std::move(view)) {
@@ -16,7 +14,5 @@ bool AccessibilityCardBridge::take(std::string_view state) {
   state_ = std::move(*next);
   return true;
 }
-
-QStringList AccessibilityCardBridge::plainLines() const { return qtStrings(state_.plainLines()); }
 
 }  // namespace dormel

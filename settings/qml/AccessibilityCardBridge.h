@@ -23,8 +23,6 @@ class AccessibilityCardBridge : public StateBridge {
  public:
   explicit AccessibilityCardBridge(std::shared_ptr<PaintedView> view);
 
-  [[nodiscard]] QStringList plainLines() const override;
-
   [[nodiscard]] bool toggleOn() const { return state_.toggleOn; }
   [[nodiscard]] QString title() const { return QString::fromStdString(state_.words.title); }
   [[nodiscard]] QString text() const { return QString::fromStdString(state_.words.text); }

@@ -2,21 +2,12 @@
 
 #include <utility>
 
-#include "platform/Texts.h"
 #include "platform/linux/qt/QtStrings.h"
 
 namespace dormel {
 
 NightsBridge::NightsBridge(std::shared_ptr<NightsView> nights) : nights_(std::move(nights)) {
   observation_ = nights_->observe([this] { emit changed(); });
-}
-
-QStringList NightsBridge::plainLines() const {
-  QStringList lines{QString::fromStdString(translate("Your nights"))};
-  for (const NightsView::Figure& figure : nights_->figures()) {
-    lines << QString::fromStdString(figure.value + " " + figure.text).replace(QLatin1Char('\n'), QLatin1Char(' '));
-  }
-  return lines << note();
 }
 
 QStringList NightsBridge::sentences() const { return qtStrings(nights_->sentences()); }

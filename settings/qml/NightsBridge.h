@@ -30,8 +30,6 @@ class NightsBridge : public ViewBridge {
  public:
   explicit NightsBridge(std::shared_ptr<NightsView> nights);
 
-  [[nodiscard]] QStringList plainLines() const override;
-
   [[nodiscard]] QStringList sentences() const;
   [[nodiscard]] QList<int> unlocks() const;
   [[nodiscard]] int firstRow() const { return nights_->history().nights.front().weekday(); }

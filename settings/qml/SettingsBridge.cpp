@@ -30,11 +30,6 @@ SettingsBridge::SettingsBridge(std::shared_ptr<SettingsView> settings) : setting
 
 SettingsBridge::~SettingsBridge() { settings_->onDisappear(); }
 
-QStringList SettingsBridge::plainLines() const {
-  return {QStringLiteral("DORMEL"), statusTitle(),     statusText(),  scheduleText(),
-          permissionText(),         autoUpdatesText(), versionText(), updateStatus()};
-}
-
 QStringList SettingsBridge::startHours() const { return qtStrings(settings_->startHourOptions(), hourLabel); }
 
 int SettingsBridge::startHour() const {

@@ -46,8 +46,6 @@ class SettingsBridge : public ViewBridge {
   SettingsBridge& operator=(const SettingsBridge&) = delete;
   ~SettingsBridge() override;
 
-  [[nodiscard]] QStringList plainLines() const override;
-
   [[nodiscard]] bool lockEnabled() const { return settings_->isEnabled(); }
   [[nodiscard]] bool lockedIn() const { return settings_->isLockedIn(); }
   [[nodiscard]] QString statusTitle() const { return QString::fromStdString(settings_->statusTitle()); }

@@ -1,11 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QTemporaryFile>
 #include <memory>
 #include <vector>
 
-#include "overlay/qml/BlockerOverlayBridge.h"
 #include "overlay/qml/OverlayScenes.h"
 #include "platform/linux/qt/ChangedRect.h"
 #include "tests/drawn/DrawnNight.h"
@@ -43,31 +43,7 @@ int brightPixels(const QImage& picture) {
   return count;
 }
 
-TEST(FallbackTest, ASceneThatCannotBeLoadedLeavesTheKeysReadable) {
-  DrawnNight night;
-  QmlSceneRegistry registry;
-  registry.add(ViewKind::blockerOverlay,
-               {QUrl(QStringLiteral("qrc:/qt/qml/Dormel/Overlay/Nowhere.qml")),
-                [](const std::shared_ptr<View>& view) -> std::unique_ptr<ViewBridge> {
-                  return std::make_unique<BlockerOverlayBridge>(std::static_pointer_cast<PaintedView>(view));
-                },
-                Qt::black});
-  QmlCanvasFactory broken(std::move(registry));
-  DrawnView drawn(broken, night.view(), 1);
-  EXPECT_EQ(night.machine.output.errors().size(), 1U);
-  EXPECT_GT(brightPixels(drawn.picture()), 500);
-
-  const BlockerOverlayBridge bridge(std::static_pointer_cast<PaintedView>(night.view()));
-  for (const RequiredKey& key : night.session->bypassController()->requiredKeys()) {
-    EXPECT_TRUE(bridge.plainLines().join(u' ').contains(QString::fromStdString(key.label))) << key.label;
-  }
-  const int before = drawn.frames();
-  night.holdKeys(1);
-  drawn.picture();
-  EXPECT_GT(drawn.frames(), before);  // the held key is marked
-}
-
-TEST(FallbackTest, ADriverThatStopsAnsweringLeavesTheKeysReadable) {
+TEST(BrokenTest, WhatCannotBeDrawnIsToldOnce) {
   class Failing : public SceneRenderer {
    public:
     void setTarget(QQuickWindow& window, QImage& image) override { inner_->setTarget(window, image); }
@@ -78,23 +54,25 @@ TEST(FallbackTest, ADriverThatStopsAnsweringLeavesTheKeysReadable) {
     int frames_ = 0;
   };
   DrawnNight night;
-  QmlSceneRegistry registry;
-  registerOverlayScenes(registry);
-  QmlCanvasFactory factory(
-      std::make_shared<SceneLoader>(std::move(registry), [] { return std::make_unique<Failing>(); }));
-  DrawnView drawn(factory, night.view(), 1);
-  drawn.picture();
-  EXPECT_TRUE(night.machine.output.errors().empty());
-  for (int i = 0; i < 50; ++i) {
-    night.pass(0.1);
-    drawn.picture();
+  QmlSceneRegistry missing;
+  missing.add(ViewKind::blockerOverlay, {QUrl(QStringLiteral("qrc:/qt/qml/Dormel/Overlay/Nowhere.qml")),
+                                         [](const auto&) { return std::make_unique<ViewBridge>(); }, Qt::black});
+  QmlSceneRegistry present;
+  registerOverlayScenes(present);
+  const auto makeFailing = [] { return std::make_unique<Failing>(); };
+  for (const auto& loader : {std::make_shared<SceneLoader>(std::move(missing), makeSoftwareRenderer),
+                             std::make_shared<SceneLoader>(std::move(present), makeFailing)}) {
+    int told = 0;
+    QmlCanvas canvas(loader, night.view(), [&told] { ++told; });
+    canvas.setOnFrame([](const Pixels&, const PixelRect&) {});
+    canvas.setShowing(true);
+    for (int i = 0; i < 5; ++i) {
+      canvas.resize({100.0 + i, 100}, 1);
+      while (canvas.isFramePending()) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+    EXPECT_EQ(told, 1);
   }
-  EXPECT_EQ(night.machine.output.errors().size(), 1U);
-  EXPECT_GT(brightPixels(drawn.picture()), 500);
-  const int before = drawn.frames();
-  night.holdKeys(1);
-  drawn.picture();
-  EXPECT_GT(drawn.frames(), before) << "it goes on following the keys";
+  EXPECT_EQ(night.machine.output.errors().size(), 1U) << "of the scene";
 }
 
 TEST(PointerTest, ReachesWhatTakesItAndLeavesTheRestToTheWindow) {

@@ -19,7 +19,6 @@ class AboutBridge : public ViewBridge {
  public:
   explicit AboutBridge(std::shared_ptr<AboutView> view) : view_(std::move(view)) {}
 
-  [[nodiscard]] QStringList plainLines() const override { return {QStringLiteral("Dormel"), versionText()}; }
   [[nodiscard]] QString versionText() const { return QString::fromStdString(view_->versionText()); }
 
  private:

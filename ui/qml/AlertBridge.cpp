@@ -16,10 +16,6 @@ QStringList AlertBridge::buttons() const { return qtStrings(view_->alert().butto
 
 bool AlertBridge::serious() const { return view_->alert().style != AlertStyle::informational; }
 
-QStringList AlertBridge::plainLines() const {
-  return QStringList{message()} + informativeText().split(QLatin1Char('\n')) + buttons();
-}
-
 void AlertBridge::answer(int button) { view_->answer(static_cast<std::size_t>(button)); }
 
 bool AlertBridge::cancel() {

@@ -23,8 +23,6 @@ class AlertBridge : public ViewBridge {
  public:
   explicit AlertBridge(std::shared_ptr<AlertView> view);
 
-  [[nodiscard]] QStringList plainLines() const override;
-
   [[nodiscard]] QString message() const;
   [[nodiscard]] QString informativeText() const;
   [[nodiscard]] QStringList buttons() const;

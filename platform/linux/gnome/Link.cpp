@@ -28,7 +28,6 @@ namespace {
 constexpr std::chrono::milliseconds HELLO_LIMIT{1000};
 constexpr std::size_t LONGEST_MESSAGE = 65536;
 constexpr std::size_t HEADER = 4;
-/// What the kernel says of an executable that was replaced under the running program, as an update does it.
 
 std::string framed(const std::string& kind, const Message& body) {
   // Bytes that are no UTF-8 would end the process here; a window's title may hold any.

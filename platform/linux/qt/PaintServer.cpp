@@ -39,7 +39,7 @@ namespace {
 
 constexpr std::uint32_t FRAMES = 2;
 
-/// The guard is gone, or does not understand us: either way nobody is left to paint for.
+/// The guard is gone, or does not understand us, or nothing can be drawn, and it writes plain lines itself.
 [[noreturn]] void leave(int status) { ::_exit(status); }
 
 class PaintConnection {
@@ -169,7 +169,7 @@ class ServedCanvas {
                                            [this](std::uint32_t action) {
                                              connection_.send(Act{number_, action});
                                            })),
-        canvas_(stage, view_) {
+        canvas_(stage, view_, [] { leave(1); }) {
     canvas_.setOnDrawn([this] { done(); });
   }
 

@@ -23,19 +23,20 @@ Pixels part(const Pixels& pixels, const PixelRect& area) {
 
 }  // namespace
 
-QmlCanvas::QmlCanvas(std::shared_ptr<SceneLoader> stage, std::shared_ptr<View> view)
-    : stage_(std::move(stage)), view_(std::move(view)) {
+QmlCanvas::QmlCanvas(std::shared_ptr<SceneLoader> stage, std::shared_ptr<View> view, std::function<void()> onBroken)
+    : stage_(std::move(stage)), view_(std::move(view)), onBroken_(std::move(onBroken)) {
   frameTimer_.setSingleShot(true);
   frameTimer_.setTimerType(Qt::PreciseTimer);
   QObject::connect(&frameTimer_, &QTimer::timeout, &frameTimer_, [this] { drawFrame(); });
 }
 
-Picture& QmlCanvas::picture() const {
-  if (!picture_) {
+QmlPicture* QmlCanvas::picture() const {
+  if (!picture_ && !isBroken_) {
     picture_ = stage_->makePicture(view_, [this] { requestFrame(); });
-    if (showing_) picture_->setShowing(true);
+    isBroken_ = !picture_;
+    if (picture_ && showing_) picture_->setShowing(true);
   }
-  return *picture_;
+  return picture_.get();
 }
 
 void QmlCanvas::resize(const Size& size, double scale) {
@@ -72,15 +73,13 @@ void QmlCanvas::requestFrame() const {
 }
 
 void QmlCanvas::drawFrame() {
-  Picture& now = picture();
-  if (std::exchange(retarget_, false)) now.setTarget(image_, size_);
+  if (picture() != nullptr && std::exchange(retarget_, false)) picture_->setTarget(image_, size_);
   sinceFrame_.start();
-  if (!now.draw()) {
-    // Somebody may be sitting in front of it, and has to know which keys to hold.
-    picture_ = stage_->makeTextPicture(view_, [this] { requestFrame(); });
-    picture_->setShowing(showing_);
-    picture_->setTarget(image_, size_);
-    if (!picture_->draw()) return;
+  if (!picture_ || !picture_->draw()) {
+    picture_.reset();
+    isBroken_ = true;
+    if (const auto broken = std::exchange(onBroken_, {})) broken();
+    return;
   }
   report();
   if (onDrawn_) onDrawn_();

@@ -13,23 +13,26 @@
 #include <vector>
 
 #include "platform/common/Canvas.h"
-#include "platform/linux/qt/Picture.h"
+#include "platform/linux/qt/QmlPicture.h"
 #include "platform/linux/qt/SceneLoader.h"
 
 namespace dormel {
 
 class QmlCanvas : public Canvas {
  public:
-  QmlCanvas(std::shared_ptr<SceneLoader> stage, std::shared_ptr<View> view);
+  /// `onBroken` is called once, in a turn of the loop, when the view cannot be drawn; nothing more comes of it then.
+  QmlCanvas(std::shared_ptr<SceneLoader> stage, std::shared_ptr<View> view, std::function<void()> onBroken = {});
   QmlCanvas(const QmlCanvas&) = delete;
   QmlCanvas& operator=(const QmlCanvas&) = delete;
   ~QmlCanvas() override = default;
 
-  [[nodiscard]] Size fittingSize() const override { return picture().fittingSize(); }
+  [[nodiscard]] Size fittingSize() const override { return picture() != nullptr ? picture_->fittingSize() : Size{}; }
   void resize(const Size& size, double scale) override;
   void setOnFrame(std::function<void(const Pixels& pixels, const PixelRect& changed)> onFrame) override;
   void setShowing(bool showing) override;
-  bool pointer(PointerAction action, double x, double y) override { return picture().pointer(action, x, y); }
+  bool pointer(PointerAction action, double x, double y) override {
+    return picture() != nullptr && picture_->pointer(action, x, y);
+  }
 
   /// Called after each time it has drawn, whether a pixel differs or not.
   void setOnDrawn(std::function<void()> onDrawn) { onDrawn_ = std::move(onDrawn); }
@@ -41,7 +44,8 @@ class QmlCanvas : public Canvas {
   [[nodiscard]] bool isFramePending() const { return frameTimer_.isActive(); }
 
  private:
-  [[nodiscard]] Picture& picture() const;
+  /// Null where there is none.
+  [[nodiscard]] QmlPicture* picture() const;
   void requestFrame() const;
   void drawFrame();
   void report();
@@ -50,6 +54,7 @@ class QmlCanvas : public Canvas {
   std::shared_ptr<View> view_;
   std::function<void(const Pixels&, const PixelRect&)> onFrame_;
   std::function<void()> onDrawn_;
+  std::function<void()> onBroken_;
   bool showing_ = false;
   Size size_;
   QImage image_;
@@ -57,7 +62,8 @@ class QmlCanvas : public Canvas {
   QElapsedTimer sinceFrame_;
   mutable QTimer frameTimer_;
   bool retarget_ = true;
-  mutable std::unique_ptr<Picture> picture_;  // made when first needed; goes first, since it draws into image_
+  mutable bool isBroken_ = false;
+  mutable std::unique_ptr<QmlPicture> picture_;  // made when first needed; goes first, since it draws into image_
 };
 
 }  // namespace dormel

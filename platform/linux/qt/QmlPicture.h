@@ -5,28 +5,37 @@
 #include <QQuickWindow>
 #include <functional>
 #include <memory>
+#include <optional>
+#include <vector>
 
+#include "platform/common/Canvas.h"
 #include "platform/linux/qt/LoadedScene.h"
-#include "platform/linux/qt/Picture.h"
 #include "platform/linux/qt/SceneRenderer.h"
 
 namespace dormel {
 
-class QmlPicture : public Picture {
+class QmlPicture {
  public:
   /// `root` is a scene's root item that reads `bridge`. `onChange` is called whenever there is something to draw.
   QmlPicture(LoadedScene scene, std::unique_ptr<SceneRenderer> renderer, const std::function<void()>& onChange);
   QmlPicture(const QmlPicture&) = delete;
   QmlPicture& operator=(const QmlPicture&) = delete;
-  ~QmlPicture() override;
+  ~QmlPicture();
 
-  [[nodiscard]] Size fittingSize() const override;
-  void setTarget(QImage& image, const Size& size) override;
-  void setShowing(bool showing) override { bridge_->setShowing(showing); }
-  bool draw() override { return renderer_->render(*control_); }
-  [[nodiscard]] std::optional<PixelRect> drawn() const override { return renderer_->drawn(); }
-  [[nodiscard]] std::vector<Rect> pressableAreas() const override;
-  bool pointer(PointerAction action, double x, double y) override;
+  /// The size in points at which it is as it wants to be.
+  [[nodiscard]] Size fittingSize() const;
+  /// Draws into `image` at `size` points from now on; the image's device pixel ratio is the scale. Its pixels are
+  /// the picture's alone until the next call, since only what changed is drawn again.
+  void setTarget(QImage& image, const Size& size);
+  void setShowing(bool showing) { bridge_->setShowing(showing); }
+  /// Brings the target up to date. False when that cannot be done and will not work later either.
+  [[nodiscard]] bool draw() { return renderer_->render(*control_); }
+  /// Outside of this rectangle, in pixels, the last `draw` changed nothing. Nothing where it cannot tell.
+  [[nodiscard]] std::optional<PixelRect> drawn() const { return renderer_->drawn(); }
+  /// Where a press is taken, in points from the top left.
+  [[nodiscard]] std::vector<Rect> pressableAreas() const;
+  /// As Canvas::pointer.
+  bool pointer(PointerAction action, double x, double y);
 
  private:
   // Destroyed from the last to the first: the items, then what renders them, the window, and last what they need.

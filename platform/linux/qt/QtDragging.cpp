@@ -107,7 +107,7 @@ bool QtDragging::begin(DragItem item, std::function<void(DragOperation)> onEnd) 
   s.held = pressedWindow(frame.center().toPoint());
   s.grip = (s.held ? s.held->lastPress() : QCursor::pos()) - s.home;
   const double ratio = s.held ? s.held->devicePixelRatio() : 1;
-  s.canvas = std::make_unique<QmlCanvas>(stage_, s.item.picture);
+  s.canvas = std::make_unique<QmlCanvas>(stage_, s.item.picture, [this] { end(DragOperation::none); });
   s.canvas->setOnFrame([this, ratio](const Pixels& pixels, const PixelRect&) {
     if (!session_ || !session_->picture.isNull()) return;
     const auto* bytes = reinterpret_cast<const uchar*>(pixels.data);

@@ -7,12 +7,9 @@
 #include "platform/Bundle.h"
 #include "platform/Platform.h"
 #include "platform/Process.h"
-#include "platform/linux/qt/PlainTextPicture.h"
-#include "platform/linux/qt/QmlPicture.h"
 #include "platform/linux/qt/SceneGraph.h"
 
 namespace dormel {
-namespace {}  // namespace
 
 DrawingServices DrawingServices::ofPlatform() {
   return {[] { return platform().clock.uptime(); }, [](std::string_view line) { platform().output.printError(line); },
@@ -20,7 +17,7 @@ DrawingServices DrawingServices::ofPlatform() {
 }
 
 void SceneLoader::report(const QString& reason) const {
-  services_.printError("Cannot draw a screen as designed, showing its text only: " + reason.toStdString());
+  services_.printError("Cannot draw a screen: " + reason.toStdString());
 }
 
 SceneLoader::SceneLoader(QmlSceneRegistry registry) : SceneLoader(std::move(registry), makeSoftwareRenderer) {
@@ -65,21 +62,10 @@ LoadedScene SceneLoader::load(const std::shared_ptr<View>& view) {
   return loaded;
 }
 
-std::unique_ptr<Picture> SceneLoader::makePicture(const std::shared_ptr<View>& view,
-                                                  const std::function<void()>& onChange) {
+std::unique_ptr<QmlPicture> SceneLoader::makePicture(const std::shared_ptr<View>& view,
+                                                     const std::function<void()>& onChange) {
   LoadedScene scene = load(view);
-  if (!scene.root) return std::make_unique<PlainTextPicture>(std::move(scene.bridge), scene.background, onChange);
-  return std::make_unique<QmlPicture>(std::move(scene), makeRenderer_(), onChange);
-}
-
-std::unique_ptr<Picture> SceneLoader::makeTextPicture(const std::shared_ptr<View>& view,
-                                                      const std::function<void()>& onChange) {
-  report(QStringLiteral("the graphics driver does not answer"));
-  const QmlScene* scene = registry_.find(view->kind());
-  if (scene == nullptr) return std::make_unique<PlainTextPicture>(nullptr, Qt::transparent, onChange);
-  auto bridge = scene->makeBridge(view);
-  bridge->setUptime(services_.uptime);
-  return std::make_unique<PlainTextPicture>(std::move(bridge), scene->background, onChange);
+  return scene.root ? std::make_unique<QmlPicture>(std::move(scene), makeRenderer_(), onChange) : nullptr;
 }
 
 std::unique_ptr<QQuickItem> SceneLoader::makeWindowFrame(bool minimizable) {

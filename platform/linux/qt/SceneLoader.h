@@ -7,7 +7,7 @@
 
 #include "platform/linux/qt/DrawingServices.h"
 #include "platform/linux/qt/LoadedScene.h"
-#include "platform/linux/qt/Picture.h"
+#include "platform/linux/qt/QmlPicture.h"
 #include "platform/linux/qt/QmlSceneRegistry.h"
 #include "platform/linux/qt/SceneRenderer.h"
 
@@ -24,16 +24,9 @@ class SceneLoader {
   /// The scene of `view`. One that is missing or cannot be loaded is reported in one line on standard error.
   [[nodiscard]] LoadedScene load(const std::shared_ptr<View>& view);
 
-  /// The picture of `view`; `onChange` is called whenever it has something to draw. Where there is no scene, the
-  /// view's plain text takes its place.
-  [[nodiscard]] std::unique_ptr<Picture> makePicture(const std::shared_ptr<View>& view,
-                                                     const std::function<void()>& onChange);
-
-  /// The same with the view's plain text, for a picture that can no longer be drawn; says so in one line on standard
-  /// error.
-  [[nodiscard]] std::unique_ptr<Picture> makeTextPicture(const std::shared_ptr<View>& view,
-                                                         const std::function<void()>& onChange);
-
+  /// The picture of `view`; `onChange` is called whenever it has something to draw. Null where there is no scene.
+  [[nodiscard]] std::unique_ptr<QmlPicture> makePicture(const std::shared_ptr<View>& view,
+                                                        const std::function<void()>& onChange);
   /// What a window wears, see QmlSceneRegistry::setWindowFrame; null when there is none.
   [[nodiscard]] std::unique_ptr<QQuickItem> makeWindowFrame(bool minimizable);
 

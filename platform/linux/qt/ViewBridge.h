@@ -30,10 +30,6 @@ class ViewBridge : public QObject {
   /// The clock that holds are measured by.
   void setUptime(std::function<Seconds()> uptime) { uptime_ = std::move(uptime); }
 
-  /// What the view says, line by line, for the case that its scene cannot be drawn. Nothing that the user needs
-  /// to get out may be missing from it.
-  [[nodiscard]] virtual QStringList plainLines() const { return {}; }
-
  signals:
   void changed();
   void showingChanged();
