@@ -1,5 +1,6 @@
 #include "platform/linux/systemd/SystemdScheduler.h"
 
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -48,6 +49,12 @@ FileResult updateLink(const std::string& path, const std::string& target, bool& 
   ::unlink(path.c_str());
   if (::symlink(target.c_str(), path.c_str()) != 0) return FileError{std::strerror(errno)};
   return {};
+}
+
+/// Of a link, the link: a home on another computer may refuse to follow it.
+bool standsThere(const std::string& path) {
+  struct stat info {};
+  return ::lstat(path.c_str(), &info) == 0;
 }
 
 bool removeFile(const std::string& path) { return ::unlink(path.c_str()) == 0; }
@@ -105,7 +112,7 @@ std::optional<JobReport> SystemdScheduler::find(const std::string& label) {
       ::access(service.source.c_str(), F_OK) != 0) {
     return {};
   }
-  if (timed && (timer.active != "active" || ::access(units.timerLink.c_str(), F_OK) != 0)) return {};
+  if (timed && (timer.active != "active" || !standsThere(units.timerLink))) return {};
   if (!isMeant(*manager_, service.source, units.serviceFile, units.timerFile)) return {};
 
   const ServiceState process = manager_->service(units.service);
