@@ -11,15 +11,12 @@
 #include "platform/linux/qt/QtGuideWindows.h"
 #include "platform/linux/qt/QtMainMenu.h"
 #include "platform/linux/qt/QtMainWindows.h"
-#include "platform/linux/qt/SceneGraph.h"
 #include "platform/linux/qt/SceneLoader.h"
 #include "platform/linux/qt/TextsTranslator.h"
 #include "platform/linux/qt/Toolkit.h"
 
 namespace dormel {
 namespace {
-
-MakeSceneRenderer sceneRenderer() { return SceneGraph::isSoftware() ? makeSoftwareRenderer : makeDriverRenderer; }
 
 bool isOnX() { return QGuiApplication::platformName() == QLatin1String("xcb"); }
 
@@ -45,7 +42,7 @@ OtherApplications otherApplications(x11::X11Platform* x11) {
 struct WindowPlatform::Parts {
   explicit Parts(QmlSceneRegistry scenes)
       : icon(scenes.icon()),
-        stage(std::make_shared<SceneLoader>(std::move(scenes), sceneRenderer())),
+        stage(std::make_shared<SceneLoader>(std::move(scenes))),
         common(LaunchKind::windows),
         carrier(common.loop()),
         windows(std::make_shared<WindowGroup>(stage, windowHelp(common.x11()))),

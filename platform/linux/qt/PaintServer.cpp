@@ -322,7 +322,7 @@ int runPainter(QmlSceneRegistry scenes) {
     std::fprintf(stderr, "%.*s\n", static_cast<int>(line.size()), line.data());
   };
   services.bundlePath = [&bundle] { return bundle.path(); };
-  PaintServer server(std::make_shared<SceneLoader>(std::move(scenes), makeSoftwareRenderer, std::move(services)));
+  PaintServer server(std::make_shared<SceneLoader>(std::move(scenes), std::move(services)));
   return QGuiApplication::exec();
 }
 

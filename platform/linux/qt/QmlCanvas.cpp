@@ -75,12 +75,11 @@ void QmlCanvas::requestFrame() const {
 void QmlCanvas::drawFrame() {
   if (picture() != nullptr && std::exchange(retarget_, false)) picture_->setTarget(image_, size_);
   sinceFrame_.start();
-  if (!picture_ || !picture_->draw()) {
-    picture_.reset();
-    isBroken_ = true;
+  if (!picture_) {
     if (const auto broken = std::exchange(onBroken_, {})) broken();
     return;
   }
+  picture_->draw();
   report();
   if (onDrawn_) onDrawn_();
 }

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "platform/linux/qt/QmlCanvas.h"
+#include "platform/linux/qt/SceneGraph.h"
 #include "platform/linux/qt/SceneLoader.h"
 
 namespace dormel {
@@ -10,7 +11,9 @@ namespace dormel {
 QmlCanvasFactory::QmlCanvasFactory(QmlSceneRegistry registry)
     : QmlCanvasFactory(std::make_shared<SceneLoader>(std::move(registry))) {}
 
-QmlCanvasFactory::QmlCanvasFactory(std::shared_ptr<SceneLoader> stage) : stage_(std::move(stage)) {}
+QmlCanvasFactory::QmlCanvasFactory(std::shared_ptr<SceneLoader> stage) : stage_(std::move(stage)) {
+  SceneGraph::useSoftware();
+}
 
 QmlCanvasFactory::~QmlCanvasFactory() = default;
 

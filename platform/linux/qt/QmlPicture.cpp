@@ -1,9 +1,15 @@
 #include "platform/linux/qt/QmlPicture.h"
 
+#include <QtQuick/private/qquickwindow_p.h>
+#include <QtQuick/private/qsgsoftwarerenderer_p.h>
+
 #include <QCoreApplication>
 #include <QMouseEvent>
+#include <QQuickRenderTarget>
 #include <cmath>
 #include <utility>
+
+#include "platform/common/PixelRect.h"
 
 namespace dormel {
 namespace {
@@ -33,9 +39,8 @@ void collectPressable(const QQuickItem& item, std::vector<Rect>& areas) {
 
 }  // namespace
 
-QmlPicture::QmlPicture(LoadedScene scene, std::unique_ptr<SceneRenderer> renderer,
-                       const std::function<void()>& onChange)
-    : bridge_(std::move(scene.bridge)), renderer_(std::move(renderer)), root_(std::move(scene.root)) {
+QmlPicture::QmlPicture(LoadedScene scene, const std::function<void()>& onChange)
+    : bridge_(std::move(scene.bridge)), root_(std::move(scene.root)) {
   // The window takes the control when it is made and must outlive it.
   auto control = std::make_unique<QQuickRenderControl>();
   window_ = std::make_unique<QQuickWindow>(control.get());
@@ -57,7 +62,37 @@ void QmlPicture::setTarget(QImage& image, const Size& size) {
   window_->setGeometry(0, 0, static_cast<int>(std::ceil(size.width)), static_cast<int>(std::ceil(size.height)));
   bridge_->setPixelRatio(image.devicePixelRatio());
   root_->setSize({size.width, size.height});
-  renderer_->setTarget(*window_, image);
+  QQuickRenderTarget target = QQuickRenderTarget::fromPaintDevice(&image);
+  target.setDevicePixelRatio(image.devicePixelRatio());
+  window_->setRenderTarget(target);
+  image_ = &image;
+  isNew_ = true;
+}
+
+void QmlPicture::draw() {
+  // The control is never initialised: that is for graphics drivers, and would load one. Frames begin and end for them,
+  // too; without one, Qt 6.8 complains twice for each.
+  control_->polishItems();
+  control_->sync();
+  control_->render();
+  isKnown_ = !std::exchange(isNew_, false);
+}
+
+std::optional<PixelRect> QmlPicture::drawn() const {
+  if (!isKnown_) return {};
+  // Only the renderer knows, and it tells nobody in public. In a picture of which an end of an arc moves, comparing
+  // all pixels to find out takes longer than drawing does.
+  const auto* renderer = dynamic_cast<const QSGSoftwareRenderer*>(QQuickWindowPrivate::get(window_.get())->renderer);
+  if (renderer == nullptr) return {};
+  const QRect points = renderer->flushRegion().boundingRect();
+  if (points.isEmpty()) return PixelRect{};
+  constexpr int SMEAR = 1;  // at fractional scales an edge's pixel is shared
+  const double scale = image_->devicePixelRatio();
+  const int left = static_cast<int>(std::floor(points.x() * scale)) - SMEAR;
+  const int top = static_cast<int>(std::floor(points.y() * scale)) - SMEAR;
+  const int right = static_cast<int>(std::ceil((points.x() + points.width()) * scale)) + SMEAR;
+  const int bottom = static_cast<int>(std::ceil((points.y() + points.height()) * scale)) + SMEAR;
+  return intersection({left, top, right - left, bottom - top}, {0, 0, image_->width(), image_->height()});
 }
 
 std::vector<Rect> QmlPicture::pressableAreas() const {

@@ -6,12 +6,12 @@
 #include <QMimeData>
 #include <QPainter>
 #include <QPointer>
+#include <QQuickItemGrabResult>
 #include <QRasterWindow>
 #include <QVariantAnimation>
 #include <utility>
 
 #include "platform/linux/qt/DesktopWindow.h"
-#include "platform/linux/qt/QmlCanvas.h"
 #include "platform/linux/qt/ScreenGeometry.h"
 
 namespace dormel {
@@ -86,7 +86,8 @@ struct QtDragging::Session {
   QPoint grip;  // where in the picture the pointer has hold of it
   QPointer<DesktopWindow> held;
   QPixmap picture;
-  std::unique_ptr<QmlCanvas> canvas;  // draws the picture
+  LoadedScene scene;  // what the picture is taken of
+  QSharedPointer<QQuickItemGrabResult> taken;
   std::unique_ptr<FlyingPicture> flying;
   QVariantAnimation flight;
 };
@@ -106,26 +107,29 @@ bool QtDragging::begin(DragItem item, std::function<void(DragOperation)> onEnd) 
   s.home = frame.topLeft().toPoint();
   s.held = pressedWindow(frame.center().toPoint());
   s.grip = (s.held ? s.held->lastPress() : QCursor::pos()) - s.home;
-  const double ratio = s.held ? s.held->devicePixelRatio() : 1;
-  s.canvas = std::make_unique<QmlCanvas>(stage_, s.item.picture, [this] { end(DragOperation::none); });
-  s.canvas->setOnFrame([this, ratio](const Pixels& pixels, const PixelRect&) {
-    if (!session_ || !session_->picture.isNull()) return;
-    const auto* bytes = reinterpret_cast<const uchar*>(pixels.data);
-    const QImage image(bytes, pixels.width, pixels.height, pixels.stride * 4, QImage::Format_ARGB32_Premultiplied);
-    session_->picture = QPixmap::fromImage(image.copy());
-    session_->picture.setDevicePixelRatio(ratio);
-    // Not from inside the canvas, nor from a turn of the main loop: neither can be entered once more.
-    QMetaObject::invokeMethod(
-        this, [this] { drag(); }, Qt::QueuedConnection);
-  });
-  s.canvas->resize({frame.width(), frame.height()}, ratio);
-  s.canvas->setShowing(true);
+  s.scene = s.held ? stage_->load(s.item.picture) : LoadedScene{};
+  if (s.scene.root) {
+    // In the window that is pressed, so that what draws that draws this; but out of sight.
+    s.scene.root->setParentItem(s.held->contentItem());
+    s.scene.root->setPosition({frame.width() * -2, 0});
+    s.scene.root->setSize(frame.size());
+    s.taken = s.scene.root->grabToImage((frame.size() * s.held->devicePixelRatio()).toSize());
+  }
+  if (!s.taken) {
+    session_.reset();
+    return false;
+  }
+  // Not from a turn of the main loop, which cannot be entered once more.
+  connect(
+      s.taken.get(), &QQuickItemGrabResult::ready, this, [this] { drag(); }, Qt::QueuedConnection);
   return true;
 }
 
 void QtDragging::drag() {
   Session& s = *session_;
-  s.canvas.reset();
+  s.picture = QPixmap::fromImage(s.taken->image());
+  if (s.held) s.picture.setDevicePixelRatio(s.held->devicePixelRatio());
+  s.scene.root.reset();
   if (!(QGuiApplication::mouseButtons() & Qt::LeftButton)) {
     end(DragOperation::none);  // a mere click
     return;

@@ -18,8 +18,6 @@
 namespace dormel::SceneGraph {
 namespace {
 
-bool software = false;
-
 /// A driver has something to drive. Asking one that has not would load megabytes of a compiler only to hear so.
 bool hasGraphicsDevice() {
   constexpr std::array DEVICES{"/dev/nvidiactl", "/dev/mali0", "/dev/kgsl-3d0", "/dev/dxg"};
@@ -59,7 +57,6 @@ bool hasDriver() {
 }  // namespace
 
 void useSoftware() {
-  software = true;
   const QString backend = QStringLiteral("software");
   if (QQuickWindow::sceneGraphBackend() != backend) QQuickWindow::setSceneGraphBackend(backend);
 }
@@ -74,8 +71,6 @@ void chooseForWindows() {
   // Letters as the software scene graph draws them: sharp, and in the weight that the screens were designed with.
   QQuickWindow::setTextRenderType(QQuickWindow::NativeTextRendering);
 }
-
-bool isSoftware() { return software; }
 
 void startAgainInSoftware(const QString& reason) {
   platform().output.printError("The graphics driver cannot draw a window, starting again without it: " +

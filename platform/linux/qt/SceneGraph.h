@@ -16,9 +16,6 @@ void useSoftware();
 /// QSG_RHI_BACKEND=opengl for any driver that answers.
 void chooseForWindows();
 
-/// What was chosen.
-[[nodiscard]] bool isSoftware();
-
 /// A driver that answered and then could not draw a window after all: says so in one line on standard error, and starts
 /// this program again in this process, in software.
 void startAgainInSoftware(const QString& reason);

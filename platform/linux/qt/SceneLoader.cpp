@@ -7,7 +7,6 @@
 #include "platform/Bundle.h"
 #include "platform/Platform.h"
 #include "platform/Process.h"
-#include "platform/linux/qt/SceneGraph.h"
 
 namespace dormel {
 
@@ -20,12 +19,8 @@ void SceneLoader::report(const QString& reason) const {
   services_.printError("Cannot draw a screen: " + reason.toStdString());
 }
 
-SceneLoader::SceneLoader(QmlSceneRegistry registry) : SceneLoader(std::move(registry), makeSoftwareRenderer) {
-  SceneGraph::useSoftware();
-}
-
-SceneLoader::SceneLoader(QmlSceneRegistry registry, MakeSceneRenderer makeRenderer, DrawingServices services)
-    : registry_(std::move(registry)), makeRenderer_(std::move(makeRenderer)), services_(std::move(services)) {}
+SceneLoader::SceneLoader(QmlSceneRegistry registry, DrawingServices services)
+    : registry_(std::move(registry)), services_(std::move(services)) {}
 
 QQmlEngine& SceneLoader::engine() {
   if (!engine_) {
@@ -65,7 +60,7 @@ LoadedScene SceneLoader::load(const std::shared_ptr<View>& view) {
 std::unique_ptr<QmlPicture> SceneLoader::makePicture(const std::shared_ptr<View>& view,
                                                      const std::function<void()>& onChange) {
   LoadedScene scene = load(view);
-  return scene.root ? std::make_unique<QmlPicture>(std::move(scene), makeRenderer_(), onChange) : nullptr;
+  return scene.root ? std::make_unique<QmlPicture>(std::move(scene), onChange) : nullptr;
 }
 
 std::unique_ptr<QQuickItem> SceneLoader::makeWindowFrame(bool minimizable) {

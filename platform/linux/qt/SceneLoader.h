@@ -9,17 +9,12 @@
 #include "platform/linux/qt/LoadedScene.h"
 #include "platform/linux/qt/QmlPicture.h"
 #include "platform/linux/qt/QmlSceneRegistry.h"
-#include "platform/linux/qt/SceneRenderer.h"
 
 namespace dormel {
 
 class SceneLoader {
  public:
-  /// Draws in software, and makes that the process's choice.
-  explicit SceneLoader(QmlSceneRegistry registry);
-  /// `makeRenderer` fits what the process has chosen.
-  SceneLoader(QmlSceneRegistry registry, MakeSceneRenderer makeRenderer,
-              DrawingServices services = DrawingServices::ofPlatform());
+  explicit SceneLoader(QmlSceneRegistry registry, DrawingServices services = DrawingServices::ofPlatform());
 
   /// The scene of `view`. One that is missing or cannot be loaded is reported in one line on standard error.
   [[nodiscard]] LoadedScene load(const std::shared_ptr<View>& view);
@@ -36,7 +31,6 @@ class SceneLoader {
   std::unique_ptr<QQuickItem> create(const QUrl& source, const QVariantMap& properties);
 
   QmlSceneRegistry registry_;
-  MakeSceneRenderer makeRenderer_;
   DrawingServices services_;
   std::unique_ptr<QQmlEngine> engine_;  // made for the first scene
 };
