@@ -32,11 +32,11 @@ std::vector<KeyPool> modifierPool(const Table& table) {
   return pool;
 }
 
-template <typename Table>
-void appendLetters(const Table& table, std::vector<KeyPool>& pool) {
-  for (const LetterRow& row : table) {
-    pool.push_back({labelForKeyCode(row.keyCode).value_or(row.fallbackLabel), row.keyCode, false});
-  }
+template <typename Modifiers, typename Letters>
+std::vector<KeyPool> poolOf(const Modifiers& modifiers, const Letters& letters) {
+  std::vector<KeyPool> pool = modifierPool(modifiers);
+  for (const LetterRow& row : letters) pool.push_back({row.fallbackLabel, row.keyCode, false});
+  return pool;
 }
 
 RequiredKey required(const KeyPool& key) { return {key.label, key.keyCode, key.isModifier}; }
@@ -72,18 +72,26 @@ void KeyCodeSet::erase(KeyCode keyCode) {
 
 std::shared_ptr<BypassController> BypassController::create() {
   std::shared_ptr<BypassController> controller(new BypassController);
-  controller->resolveKeyboard();
   controller->pickRandomKeys(false);
+  platform().runLoop.async([weak = std::weak_ptr(controller)] {
+    if (const auto self = weak.lock()) self->resolveKeyboard();
+  });
   return controller;
 }
 
-BypassController::BypassController() = default;
+BypassController::BypassController()
+    : leftKeys_(poolOf(LEFT_MODIFIERS, LEFT_LETTERS)), rightKeys_(poolOf(RIGHT_MODIFIERS, RIGHT_LETTERS)) {}
 
 void BypassController::resolveKeyboard() {
-  leftKeys_ = modifierPool(LEFT_MODIFIERS);
-  appendLetters(LEFT_LETTERS, leftKeys_);
-  rightKeys_ = modifierPool(RIGHT_MODIFIERS);
-  appendLetters(RIGHT_LETTERS, rightKeys_);
+  if (std::exchange(isResolved_, true)) return;
+  for (std::vector<KeyPool>* const pool : {&leftKeys_, &rightKeys_}) {
+    for (KeyPool& key : *pool) {
+      if (!key.isModifier) key.label = labelForKeyCode(key.keyCode).value_or(key.label);
+      for (RequiredKey& drawn : requiredKeys_.unobserved()) {
+        if (drawn.keyCode == key.keyCode) drawn.label = key.label;
+      }
+    }
+  }
   legends_ = keyLegends();
 }
 
@@ -105,7 +113,7 @@ void BypassController::pickRandomKeys(bool announce) {
 
   if (debugEnabled()) {
     std::string line = "⟳ keys:";
-    for (const RequiredKey& key : *requiredKeys_) line += " " + key.label;
+    for (const RequiredKey& key : requiredKeys()) line += " " + key.label;
     debugLine(line);
   }
   if (!announce) return;
@@ -180,7 +188,7 @@ void BypassController::updateProgress() {
   for (const RequiredKey& key : *requiredKeys_) {
     if (key.isModifier || !pressedKeys_->contains(key.keyCode) || isHardwareDown(key.keyCode)) continue;
     release(key.keyCode);
-    if (debugEnabled()) debugLine("⌫ " + key.label + " hardware-up (caught Cmd-suppressed keyUp)");
+    if (debugEnabled()) debugLine("⌫ " + label(key.keyCode) + " hardware-up (caught Cmd-suppressed keyUp)");
   }
 
   if (pressedKeys_->empty()) {
@@ -246,24 +254,25 @@ double BypassController::liveProgress() const { return hold().progress(uptime())
 
 int BypassController::liveSecondsRemaining() const { return hold().secondsRemaining(uptime()); }
 
-std::string BypassController::label(KeyCode keyCode) const {
-  for (const RequiredKey& key : *requiredKeys_) {
+std::string BypassController::label(KeyCode keyCode) {
+  for (const RequiredKey& key : requiredKeys()) {
     if (key.keyCode == keyCode) return key.label;
   }
   return "kc" + std::to_string(keyCode);
 }
 
-std::string BypassController::legend(KeyCode keyCode) const {
+std::string BypassController::legend(KeyCode keyCode) {
+  resolveKeyboard();
   for (const KeyLegend& legend : legends_) {
     if (legend.keyCode == keyCode) return legend.text;
   }
   return {};
 }
 
-std::string BypassController::heldSnapshot() const {
+std::string BypassController::heldSnapshot() {
   const auto mark = [](bool down) { return down ? "✓" : "·"; };
   std::string text;
-  for (const RequiredKey& key : *requiredKeys_) {
+  for (const RequiredKey& key : requiredKeys()) {
     if (!text.empty()) text += "  ";
     text += key.label + ":" + mark(pressedKeys_->contains(key.keyCode));
     if (!key.isModifier) text += std::string("/") + mark(isHardwareDown(key.keyCode));

@@ -39,7 +39,9 @@ class KeyCodeSet {
 
 class BypassController : public Observable, public std::enable_shared_from_this<BypassController> {
  public:
-  /// A controller with a full set of required keys, their labels taken from the keyboard layout of this moment.
+  /// A controller with a full set of required keys, their labels taken from the keyboard layout of this turn of the
+  /// loop. Asking for it takes a millisecond, and labels are for eyes and ears only: the layout is asked when one is
+  /// wanted, in the next turn at the latest. By then a lock that begins has covered the screens and taken the keyboard.
   [[nodiscard]] static std::shared_ptr<BypassController> create();
 
   /// Draws a new challenge (a left modifier, a right modifier of another kind, two left letters, a right letter)
@@ -53,7 +55,10 @@ class BypassController : public Observable, public std::enable_shared_from_this<
   void handleFlagsChanged(KeyCode keyCode, EventFlags flags);
 
   /// The keys of the current challenge, in draw order.
-  [[nodiscard]] const std::vector<RequiredKey>& requiredKeys() const { return requiredKeys_; }
+  [[nodiscard]] const std::vector<RequiredKey>& requiredKeys() {
+    resolveKeyboard();
+    return requiredKeys_;
+  }
   /// The required keys that count as down.
   [[nodiscard]] const KeyCodeSet& pressedKeys() const { return pressedKeys_; }
   /// True for 1.5 s after a draw that Space asked for.
@@ -72,15 +77,21 @@ class BypassController : public Observable, public std::enable_shared_from_this<
   void setOnBypassComplete(std::function<void()> action) { onBypassComplete_ = std::move(action); }
 
   /// The label under which a key appears in the log: a required key's own, else "kc" and the code.
-  [[nodiscard]] std::string label(KeyCode keyCode) const;
+  [[nodiscard]] std::string label(KeyCode keyCode);
   /// What a letter's label leaves open about its key (challenge/KeyLegends.h), by the layout that the labels are from;
   /// empty when it leaves nothing open.
-  [[nodiscard]] std::string legend(KeyCode keyCode) const;
+  [[nodiscard]] std::string legend(KeyCode keyCode);
   /// One line that shows each required key, whether it counts as down, and for letters what the hardware says.
-  [[nodiscard]] std::string heldSnapshot() const;
+  [[nodiscard]] std::string heldSnapshot();
 
-  [[nodiscard]] const std::vector<KeyPool>& leftKeys() const { return leftKeys_; }
-  [[nodiscard]] const std::vector<KeyPool>& rightKeys() const { return rightKeys_; }
+  [[nodiscard]] const std::vector<KeyPool>& leftKeys() {
+    resolveKeyboard();
+    return leftKeys_;
+  }
+  [[nodiscard]] const std::vector<KeyPool>& rightKeys() {
+    resolveKeyboard();
+    return rightKeys_;
+  }
   /// Whether the 0.05 s poll runs: only while at least one required key is down.
   [[nodiscard]] bool isPolling() const { return static_cast<bool>(progressTimer_); }
 
@@ -89,6 +100,7 @@ class BypassController : public Observable, public std::enable_shared_from_this<
 
  private:
   BypassController();
+  /// Asks the layout for the labels of all keys; the first time only.
   void resolveKeyboard();
   void ensureProgressTimer();
   [[nodiscard]] bool isRequired(KeyCode keyCode) const;
@@ -107,6 +119,7 @@ class BypassController : public Observable, public std::enable_shared_from_this<
   bool spaceHeld_ = false;          // keeps auto-repeat from drawing again
   bool debugWasAllHeld_ = false;    // a clock-start line is out, its release line is not
   Seconds debugLastHeartbeat_ = 0;  // throttles the periodic lines to one per half second
+  bool isResolved_ = false;         // until then labels are the US legends
   std::vector<KeyPool> leftKeys_;
   std::vector<KeyPool> rightKeys_;
   std::vector<KeyLegend> legends_;

@@ -49,6 +49,9 @@ class Published {
   const T* operator->() const { return &value_; }
   operator const T&() const { return value_; }  // NOLINT(google-explicit-constructor): reads like the field it is
 
+  /// For what does not count when two values are compared: nobody is told of it.
+  T& unobserved() { return value_; }
+
   Published& operator=(T next) {
     if (!(next == value_)) {
       value_ = std::move(next);

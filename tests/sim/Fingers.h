@@ -7,7 +7,7 @@
 namespace dormel {
 
 /// Presses every required key of the challenge, one after the other at this moment.
-inline void pressAll(SimMachine& machine, const BypassController& controller) {
+inline void pressAll(SimMachine& machine, BypassController& controller) {
   for (const RequiredKey& key : controller.requiredKeys()) machine.keyboard.press(key.keyCode);
   machine.settle();
 }

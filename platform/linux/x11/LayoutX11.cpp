@@ -46,7 +46,7 @@ void LayoutX11::handle(const xcb_generic_event_t& event) {
 void LayoutX11::fetch() const {
   if (symbols_ || !connection_ || !features_.xkb) return;
   Connection& c = *connection_;
-  // All that a label needs, in one round trip: the challenge wants its labels before the screens are covered.
+  // All that a label needs, in one round trip.
   Asked<&xcb_xkb_get_map_reply> askedMap(c, xcb_xkb_get_map(c, XCB_XKB_ID_USE_CORE_KBD, XCB_XKB_MAP_PART_KEY_SYMS, 0, 0,
                                                             0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0));
   Asked<&xcb_xkb_get_state_reply> askedState(c, xcb_xkb_get_state(c, XCB_XKB_ID_USE_CORE_KBD));
