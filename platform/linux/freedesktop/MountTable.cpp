@@ -1,45 +1,20 @@
 #include "platform/linux/freedesktop/MountTable.h"
 
+#include <mntent.h>
+
 #include <algorithm>
 #include <array>
-#include <sstream>
-#include <vector>
+#include <cstdio>
+#include <memory>
 
 #include "platform/linux/freedesktop/BaseDirectories.h"
-#include "platform/linux/freedesktop/TextFile.h"
 
 namespace dormel::freedesktop {
 namespace {
 
-/// The kernel writes space, tab, line end and backslash as three octal digits.
-std::string unescaped(std::string_view text) {
-  std::string plain;
-  const auto isOctal = [](char c) { return c >= '0' && c <= '7'; };
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (text[i] == '\\' && i + 3 < text.size() && isOctal(text[i + 1]) && isOctal(text[i + 2]) &&
-        isOctal(text[i + 3])) {
-      plain += static_cast<char>((text[i + 1] - '0') * 64 + (text[i + 2] - '0') * 8 + (text[i + 3] - '0'));
-      i += 3;
-    } else {
-      plain += text[i];
-    }
-  }
-  return plain;
-}
-
 bool isAtOrBelow(std::string_view path, std::string_view folder) {
   if (folder == "/") return true;
   return path.starts_with(folder) && (path.size() == folder.size() || path[folder.size()] == '/');
-}
-
-/// A line: id, parent, device, root, mount point, options, any number of tags, "-", type, source, more options.
-std::optional<Mount> parsed(const std::string& line) {
-  std::istringstream words(line);
-  std::vector<std::string> fields;
-  for (std::string word; words >> word;) fields.push_back(word);
-  const auto dash = std::find(fields.begin() + std::min<std::ptrdiff_t>(6, std::ssize(fields)), fields.end(), "-");
-  if (fields.end() - dash < 3) return {};
-  return Mount{unescaped(fields[4]), dash[1], unescaped(dash[2])};
 }
 
 constexpr std::array SYSTEM_FOLDERS{"/usr",  "/bin",     "/lib",    "/etc", "/opt",  "/nix",
@@ -59,21 +34,18 @@ constexpr std::array IMAGE_TYPES{"squashfs",
 
 }  // namespace
 
-std::optional<Mount> mountOf(std::string_view table, std::string_view path) {
+std::optional<Mount> mountOf(std::string_view path) {
+  const std::unique_ptr<FILE, int (*)(FILE*)> table(::setmntent("/proc/self/mounts", "re"), &::endmntent);
   std::optional<Mount> best;
-  std::istringstream lines{std::string(table)};
-  for (std::string line; std::getline(lines, line);) {
-    auto mount = parsed(line);
-    if (!mount || !isAtOrBelow(path, mount->point)) continue;
-    // Of several at one point the last one hides the others.
-    if (!best || mount->point.size() >= best->point.size()) best = std::move(mount);
+  mntent mount{};
+  std::array<char, 16384> text{};
+  while (table && ::getmntent_r(table.get(), &mount, text.data(), text.size()) != nullptr) {
+    const std::string_view point = mount.mnt_dir;
+    // Of two at one place the later one covers the other.
+    if (!isAtOrBelow(path, point) || (best && point.size() < best->point.size())) continue;
+    best = Mount{mount.mnt_dir, mount.mnt_type, mount.mnt_fsname};
   }
   return best;
-}
-
-std::optional<Mount> mountOf(std::string_view path) {
-  const auto table = readTextFile("/proc/self/mountinfo");
-  return table ? mountOf(*table, path) : std::nullopt;
 }
 
 bool isImage(const Mount& mount) {

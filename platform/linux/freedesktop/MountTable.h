@@ -13,9 +13,7 @@ struct Mount {
   std::string source;  ///< "/dev/sda1", or whatever the file system calls it
 };
 
-/// The mount in `table` (the text of /proc/self/mountinfo) that an absolute, resolved path lies on.
-[[nodiscard]] std::optional<Mount> mountOf(std::string_view table, std::string_view path);
-/// The same in this process's own table.
+/// What an absolute, resolved path lies on, as this process sees it.
 [[nodiscard]] std::optional<Mount> mountOf(std::string_view path);
 
 /// Whether somebody mounted this to look at what is on it: below a folder for such mounts (/media, /run/media, /mnt,

@@ -11,6 +11,7 @@
 #include <type_traits>
 #include <utility>
 
+#include "platform/CommonArea.h"
 #include "platform/Texts.h"
 #include "platform/linux/display/KeyCodes.h"
 #include "platform/linux/gnome/Panel.h"
@@ -41,11 +42,6 @@ Value valueOf(const Message& body, const char* name, Value otherwise) {
   } else {
     return found->is_number() ? found->get<Value>() : otherwise;
   }
-}
-
-double overlap(const Rect& a, const Rect& b) {
-  return std::max(0.0, std::min(a.right(), b.right()) - std::max(a.x, b.x)) *
-         std::max(0.0, std::min(a.top(), b.top()) - std::max(a.y, b.y));
 }
 
 std::string clockText(Date date) {
@@ -162,7 +158,7 @@ Rect Stage::toShell(const Rect& rect) const {
 
 double Stage::scaleAt(const Rect& place) const {
   const auto found = std::max_element(monitors_.begin(), monitors_.end(), [&](const Monitor& a, const Monitor& b) {
-    return overlap(a.at, place) < overlap(b.at, place);
+    return commonArea(a.at, place) < commonArea(b.at, place);
   });
   return found == monitors_.end() ? 1 : found->scale;
 }

@@ -14,7 +14,9 @@
 //                 out without being cut off half-way. False when there was nothing to forget.
 #pragma once
 
+#include <algorithm>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -33,5 +35,10 @@ inline constexpr int switchedOff = 125;
 
 /// What there is to say about a loaded job, in the order in which it is printed: names and values.
 using JobReport = std::vector<std::pair<std::string, std::string>>;
+/// Empty where it says nothing about that.
+[[nodiscard]] inline std::string valueIn(const JobReport& report, std::string_view name) {
+  const auto found = std::find_if(report.begin(), report.end(), [&](const auto& entry) { return entry.first == name; });
+  return found == report.end() ? std::string() : found->second;
+}
 
 }  // namespace dormel::jobs

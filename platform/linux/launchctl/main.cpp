@@ -20,7 +20,6 @@
 // the job off. permit answers 1 for no, exec the usual 126 or 127 when the program cannot be started.
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -108,10 +107,7 @@ class Schedulers {
  private:
   /// A job whose program was moved away is not loaded in any sense that helps its user.
   static bool canStart(const JobReport& report) {
-    const auto path =
-        std::find_if(report.begin(), report.end(), [](const auto& entry) { return entry.first == "path"; });
-    if (path == report.end()) return false;
-    const auto read = readJob(path->second);
+    const auto read = readJob(valueIn(report, "path"));
     const Job* job = std::get_if<Job>(&read);
     return job != nullptr && ::access(job->program().c_str(), X_OK) == 0;
   }
@@ -121,28 +117,21 @@ class Schedulers {
   supervisor::SupervisorScheduler supervisor_{launcher_};
 };
 
-int bootstrap(const std::string& path) {
+/// `bootstrap` loads what is not loaded; `login` arms again what may be.
+int arm(const std::string& verb, const std::string& path) {
+  const bool isLogin = verb == "login";
+  if (isLogin && ::access(path.c_str(), F_OK) != 0) return fail(status::couldNotFind, verb, "no such file: " + path);
   const auto read = readJob(path);
-  if (const auto* error = std::get_if<JobError>(&read)) return fail(status::ioError, "bootstrap", error->message);
+  if (const auto* error = std::get_if<JobError>(&read)) return fail(status::ioError, verb, error->message);
   const Job& job = std::get<Job>(read);
   if (freedesktop::AutostartEntry(job.label).state() == freedesktop::AutostartEntry::Switch::off) {
-    return fail(status::switchedOff, "bootstrap", "switched off by the user: " + job.label);
+    return fail(status::switchedOff, verb, "switched off by the user: " + job.label);
   }
   Schedulers schedulers(launcherFor(job));
-  if (schedulers.find(job.label)) return fail(status::alreadyLoaded, "bootstrap", "already loaded: " + job.label);
-  if (const auto error = schedulers.load(job)) return fail(status::ioError, "bootstrap", error->message);
-  return status::ok;
-}
-
-int login(const std::string& path) {
-  if (::access(path.c_str(), F_OK) != 0) return fail(status::couldNotFind, "login", "no such file: " + path);
-  const auto read = readJob(path);
-  if (const auto* error = std::get_if<JobError>(&read)) return fail(status::ioError, "login", error->message);
-  const Job& job = std::get<Job>(read);
-  if (freedesktop::AutostartEntry(job.label).state() == freedesktop::AutostartEntry::Switch::off) {
-    return fail(status::switchedOff, "login", "switched off by the user: " + job.label);
+  if (!isLogin && schedulers.find(job.label)) {
+    return fail(status::alreadyLoaded, verb, "already loaded: " + job.label);
   }
-  if (const auto error = Schedulers(launcherFor(job)).load(job)) return fail(status::ioError, "login", error->message);
+  if (const auto error = schedulers.load(job)) return fail(status::ioError, verb, error->message);
   return status::ok;
 }
 
@@ -183,9 +172,9 @@ int run(const Arguments& arguments) {
   if (!command) return usage();
   switch (command->verb) {
     case Verb::bootstrap:
-      return bootstrap(command->propertyList);
+      return arm("bootstrap", command->propertyList);
     case Verb::login:
-      return login(command->propertyList);
+      return arm("login", command->propertyList);
     case Verb::bootout:
       return bootout(command->label);
     case Verb::print:

@@ -6,14 +6,6 @@
 #include "platform/linux/speech/ScreenReader.h"
 
 namespace dormel::speech {
-namespace {
-
-struct Following final : Registration {
-  Following(EventLoop& loop, std::function<void(bool isOn)> handler) : reader(loop, std::move(handler)) {}
-  ScreenReader reader;
-};
-
-}  // namespace
 
 DesktopSpeech::DesktopSpeech(EventLoop& loop, ChildProcesses& children, const Texts& texts)
     : loop_(loop), texts_(texts), dispatcher_(loop, serverSocket(), [&children] {
@@ -22,7 +14,7 @@ DesktopSpeech::DesktopSpeech(EventLoop& loop, ChildProcesses& children, const Te
       }) {}
 
 std::unique_ptr<Registration> DesktopSpeech::followReader(std::function<void(bool isOn)> handler) {
-  return std::make_unique<Following>(loop_, std::move(handler));
+  return std::make_unique<ScreenReader>(loop_, std::move(handler));
 }
 
 void DesktopSpeech::say(const std::string& text) { dispatcher_.say(text, texts_.language()); }

@@ -4,18 +4,16 @@
 #include <functional>
 #include <memory>
 
+#include "platform/Registration.h"
 #include "platform/linux/freedesktop/Bus.h"
 
 namespace dormel::speech {
 
-class ScreenReader {
+class ScreenReader final : public Registration {
  public:
   /// Calls `handler` from the loop with the answer, and with every change. Never, where nobody answers: the service is
   /// not started for this. `loop` outlives this.
   ScreenReader(EventLoop& loop, std::function<void(bool isOn)> handler);
-  ScreenReader(const ScreenReader&) = delete;
-  ScreenReader& operator=(const ScreenReader&) = delete;
-  ~ScreenReader() = default;
 
  private:
   void ask();

@@ -75,12 +75,8 @@ bool JobProcess::start(const Job& job, const SessionDisplays& displays) {
 
 bool JobProcess::adopt(const JobReport& report) {
   forget();
-  std::string pid;
-  std::string birth;
-  for (const auto& [name, value] : report) {
-    if (name == "pid") pid = value;
-    if (name == "birth") birth = value;
-  }
+  const std::string pid = valueIn(report, "pid");
+  const std::string birth = valueIn(report, "birth");
   std::from_chars(pid.data(), pid.data() + pid.size(), id_);
   if (id_ <= 1) return false;
   handle_ = openProcess(id_);

@@ -41,15 +41,9 @@ void detach(int ready) {
 
 /// Whether the supervisor goes by the list as it is now, and by the display that this process would give it.
 bool isMeant(pid_t supervisor, const JobReport& report) {
-  std::string path;
-  std::string start;
-  for (const auto& [name, value] : report) {
-    if (name == "path") path = value;
-    if (name == "start") start = value;
-  }
-  const auto read = readJob(path);
+  const auto read = readJob(valueIn(report, "path"));
   const Job* job = std::get_if<Job>(&read);
-  return job != nullptr && start == (job->start ? clockText(*job->start) : "") &&
+  return job != nullptr && valueIn(report, "start") == (job->start ? clockText(*job->start) : "") &&
          !runsOnAnotherDisplay(supervisor, sessionEnvironment());
 }
 

@@ -4,6 +4,7 @@
 #include <iterator>
 #include <utility>
 
+#include "platform/CommonArea.h"
 #include "platform/linux/wayland/Protocols.h"
 
 namespace dormel::wayland {
@@ -14,12 +15,6 @@ constexpr int FAR = 1 << 24;
 
 bool isSane(const PixelRect& area) {
   return !area.empty() && area.width < FAR && area.height < FAR && std::abs(area.x) < FAR && std::abs(area.y) < FAR;
-}
-
-double common(const Rect& a, const Rect& b) {
-  const double width = std::min(a.right(), b.right()) - std::max(a.x, b.x);
-  const double height = std::min(a.top(), b.top()) - std::max(a.y, b.y);
-  return width > 0 && height > 0 ? width * height : 0;
 }
 
 }  // namespace
@@ -55,7 +50,7 @@ const Screen* screenShowing(const std::vector<Screen>& screens, const Rect& fram
   double most = 0;
   double beside = 0;
   for (const Screen& screen : screens) {
-    const double area = common(screen.frame, frame);
+    const double area = commonArea(screen.frame, frame);
     const double rest = screen.frame.width * screen.frame.height - area;
     if (area <= 0 || area < most || (area == most && rest >= beside)) continue;
     best = &screen;
