@@ -30,7 +30,7 @@ class KeyboardRivals(DesktopCase):
 class ShellRivals(DesktopCase):
     def test_an_overview_in_which_no_window_would_be_seen(self):
         desk = self.desk()
-        desk.start_session_bus()
+        desk.start_bus()
         shell = Shell(f"unix:path={desk.home.runtime}/bus")
         self.addCleanup(shell.close)
         shell.open_overview()

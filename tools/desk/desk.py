@@ -51,7 +51,7 @@ class Desk(PrivateDesk):
         paint.wallpaper(self.server, monitors if self._pretty else [])
         if self._windows:
             if "DORMEL_WINDOWS" in os.environ and not self._want_manager:
-                self.start_session_bus()
+                self.start_bus()
             self.helper(self._windows, "_NET_SUPPORTING_WM_CHECK")
             if "DORMEL_WINDOWS" in os.environ:
                 self.server.probe()
@@ -79,11 +79,12 @@ class Desk(PrivateDesk):
                 until(f"{command[0]} is ready", lambda: root.get_full_property(atom, 0) is not None, 10)
         return process
 
-    def start_session_bus(self):
-        """Where a user manager has it, for desks without one."""
-        path = os.path.join(self.home.runtime, "bus")
+    def start_bus(self, name="bus"):
+        """A session bus; its address. By the usual name it stands where a user manager has its own."""
+        path = os.path.join(self.home.runtime, name)
         self.helper(["dbus-daemon", "--session", "--nofork", "--nopidfile", f"--address=unix:path={path}"])
         until("the session bus is there", lambda: buses.listens(path), 5)
+        return f"unix:path={path}"
 
     def composited(self):
         """Whether somebody composites the screens."""

@@ -3,7 +3,6 @@
 Needs python3-dbus and python3-gi, and a session bus of its own.
 """
 
-import os
 import threading
 
 import dbus
@@ -19,22 +18,14 @@ MENU = "com.canonical.dbusmenu"
 
 class MenuBar(dbus.service.Object):
     def __init__(self, desk):
-        path = os.path.join(desk.home.runtime, "menu-bus")
-        self.address = f"unix:path={path}"
-        desk.helper(["dbus-daemon", "--session", "--nofork", "--nopidfile", f"--address={self.address}"])
+        self.address = desk.start_bus("menu-bus")
         DBusGMainLoop(set_as_default=True)
-        self._bus = until("the bus is there", self._connect, 5)
+        self._bus = dbus.bus.BusConnection(self.address)
         self._owned = dbus.service.BusName(REGISTRAR, self._bus)
         self._registered = {}
         super().__init__(self._bus, "/com/canonical/AppMenu/Registrar")
         self._loop = GLib.MainLoop()
         threading.Thread(target=self._loop.run, daemon=True).start()
-
-    def _connect(self):
-        try:
-            return dbus.bus.BusConnection(self.address)
-        except dbus.exceptions.DBusException:
-            return None
 
     def environment(self):
         """What a program needs to find it."""

@@ -54,21 +54,14 @@ class ScreenReader:
         elif desk.manager is not None:
             self._session = desk.environment()["DBUS_SESSION_BUS_ADDRESS"]
         else:
-            self._session = f"unix:path={os.path.join(desk.home.runtime, 'reader-bus')}"
-            desk.helper(["dbus-daemon", "--session", "--nofork", "--nopidfile", f"--address={self._session}"])
-        session = until("the session bus is there", self._connect, 5)
+            self._session = desk.start_bus("reader-bus")
+        session = dbus.bus.BusConnection(self._session)
         door = session.get_object("org.a11y.Bus", "/org/a11y/bus")
         # Programs only speak to assistive tools while somebody says that there are any.
         door.Set("org.a11y.Status", "IsEnabled", True, dbus_interface=PROPERTIES)
         self._address = str(door.GetAddress(dbus_interface="org.a11y.Bus"))
         self._bus = dbus.bus.BusConnection(self._address)
         self._kept = session
-
-    def _connect(self):
-        try:
-            return dbus.bus.BusConnection(self._session)
-        except dbus.exceptions.DBusException:
-            return None
 
     def environment(self):
         """What a program needs to be heard."""
