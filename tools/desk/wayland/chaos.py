@@ -64,19 +64,21 @@ def trials(base, promise, compositor):
         """Monitors come, go and change their scale."""
 
         def try_out(self, desk):
-            dark = self.record("a change of the monitors, black to the edges", 1.0)
+            # No compositor tells when it has changed them: from asking until the pictures are taken is an upper bound.
+            dark = self.record("a change of the monitors asked for, pictures taken that are black to the edges", 2.0)
             self.lock(desk)
             pulls = desk.server.pulls()
             for _ in range(self.rounds(100)):
                 names = [m.name for m in desk.eyes.monitors()]
+                began = time.monotonic()
                 if pulls and len(names) > 1 and self.chance.random() < 0.5:
                     desk.server.pull(self.chance.choice(names))
                 elif len(names) < (2 if pulls else 5) and (pulls or self.chance.random() < 0.1):
                     desk.server.plug(*self.chance.choice(((1280, 1024), (1920, 1080), (640, 480))))
                 else:
                     desk.server.scale(self.chance.choice(names), self.chance.choice((1, 1.25, 1.5, 2)))
-                began = time.monotonic()
-                dark.add(self.black_at(desk) - began)
+                self.black_at(desk)
+                dark.add(time.monotonic() - began)
             self.deaf(desk)
 
     class Rivals(Trial):
