@@ -119,6 +119,10 @@ bool QtDragging::begin(DragItem item, std::function<void(DragOperation)> onEnd) 
     session_.reset();
     return false;
   }
+  // A window that goes before that takes no picture any more.
+  connect(s.held, &QObject::destroyed, this, [this] {
+    if (session_ && session_->picture.isNull()) end(DragOperation::none);
+  });
   // Not from a turn of the main loop, which cannot be entered once more.
   connect(
       s.taken.get(), &QQuickItemGrabResult::ready, this, [this] { drag(); }, Qt::QueuedConnection);
