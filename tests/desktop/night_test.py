@@ -40,7 +40,7 @@ class NightTest(DesktopCase):
         self.press_the_keys(desk)
         with open(f"/proc/{process.pid}/maps", encoding="utf-8") as file:
             loaded = {os.path.basename(line.split(maxsplit=5)[5].strip()) for line in file if len(line.split()) > 5}
-        self.assertIn("libxcb.so.1.1.0", loaded)
+        self.assertTrue(any(name.startswith("libsystemd.so") for name in loaded), loaded)  # read while it still ran
         heavy = re.compile("Qt|icu|GL|drm|gtk|glib|python|png|jpe?g|webp|tiff|svg|font|freetype|harfbuzz", re.ASCII)
         self.assertEqual([name for name in sorted(loaded) if heavy.search(name)], [])
 
